@@ -1,0 +1,33 @@
+# Two commands do all the set-up on a fresh Debian 12 machine:
+#   make run    installs the dependencies, builds and starts Clipwright
+#   make test   installs the dependencies, builds and runs every test
+BUILD ?= build
+JOBS ?= $(shell nproc)
+CMAKE_FLAGS ?=
+
+.PHONY: run test build deps configure asan bench clean
+
+deps:
+	./scripts/install-deps.sh
+
+configure: deps
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+
+build: configure
+	cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	./$(BUILD)/src/clipwright
+
+test: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS) --timeout 600
+
+# The whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+asan:
+	$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DCLIPWRIGHT_SANITIZE=ON"
+
+bench:
+	$(MAKE) build CMAKE_FLAGS="-DCLIPWRIGHT_BENCH=ON"
+
+clean:
+	rm -rf $(BUILD) build-asan

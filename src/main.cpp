@@ -1,0 +1,6 @@
+#include "ui/app/ClipwrightMain.h"
+
+int main(int argc, char** argv)
+{
+    return clipwrightMain(argc, argv);
+}

@@ -1,0 +1,145 @@
+#include "core/app/BLPlistCtrl.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+class PlistTest : public cwtest::HomeTest
+{
+};
+
+namespace {
+QString settingsPath(const cwtest::ScopedHome& home)
+{
+    return home.configHome() + "/Clipwright/Clipwright.plist";
+}
+} // namespace
+
+TEST_F(PlistTest, FirstStartWritesExactlyTheNewFileKeys)
+{
+    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
+    ASSERT_EQ(plist->filePath(), settingsPath(home()));
+    const std::optional<QVariantMap> onDisk = BLPlistCtrl::readPlistFile(settingsPath(home()));
+    ASSERT_TRUE(onDisk.has_value());
+
+    QStringList expected = {"LOG_FLAG", "MAIN_WIN_WIDTH", "MAIN_WIN_HEIGHT", "WORK_FOLDER", "WORK_FOLDER_SUB1",
+                            "SELECT_FOLDER", "SELECT_FOLDER_SUB1", "EXPORT_FOLDER", "DATE_FORMAT",
+                            "LOW_RESOLUTION", "SYSTEM_DISK_MAX", "LOCAL_DISK_MAX", "FOLDER_CAPACITY",
+                            "CACHE_LIFE_TIME", "VIEWER_LOG_LEVEL", "VIEWER_LOG_FILE_SIZE", "VIEWER_LOG_FILE_PATH",
+                            "STARTING_DELAY", "FRAME_TIMEOUT", "AUDIO_QUEUE_SIZE", "VIDEO_QUEUE_SIZE",
+                            "VIDEO_RING_NUM", "AUDIO_QUEUE_SLEEP", "VIDEO_QUEUE_SLEEP", "VIDEO_RING_SLEEP",
+                            "DEMUX_SLEEP", "AUDIO_DECODE_SLEEP", "AUDIO_OUT_SLEEP", "VIDEO_DECODE_SLEEP",
+                            "VIDEO_OUT_SLEEP", "VIDEO_PLAY_INFO_INTERVAL", "VIDEO_FRAME_DROP_FLAG", "JUDGE_TIME",
+                            "JUDGE_MIN", "JUDGE_DENOMINAOTR", "JUDGE_DECODE_FRAME_MIN",
+                            "MAX_CACHE_SIZE_OF_VIDEO_DECODE_FRAME", "MAX_QUEUE_SIZE_OF_VIDEO_DECODE_FRAME",
+                            "MPEG2TS_LOG_LEVEL", "MPEG2TS_LOG_FILE_SIZE", "MPEG2TS_LOG_FILE_PATH"};
+    QStringList actual = onDisk->keys();
+    expected.sort();
+    actual.sort();
+    EXPECT_EQ(actual, expected);
+
+    // Kinds as written: geometry as real, integers as integer, texts as string.
+    EXPECT_EQ(onDisk->value("MAIN_WIN_WIDTH").typeId(), QMetaType::Double);
+    EXPECT_EQ(onDisk->value("CACHE_LIFE_TIME").typeId(), QMetaType::LongLong);
+    EXPECT_EQ(onDisk->value("VIDEO_QUEUE_SIZE").toString(), "20");
+    EXPECT_EQ(onDisk->value("WORK_FOLDER").toString(),
+              QStandardPaths::writableLocation(QStandardPaths::MoviesLocation));
+    EXPECT_EQ(onDisk->value("VIEWER_LOG_FILE_PATH").toString(),
+              home().stateHome() + "/Clipwright/Viewer.log");
+
+    // Keys absent from a new file answer their missing-key values.
+    double x = -1;
+    EXPECT_FALSE(plist->getMainWindowX(&x));
+    EXPECT_EQ(x, -1);
+    EXPECT_EQ(plist->getDatePauseChar(), "/");
+    EXPECT_EQ(plist->getCopyFolder(), "");
+    EXPECT_EQ(plist->getSequentialNo(), 0);
+    EXPECT_EQ(plist->getMainWindowWidth(), 1024.0);
+    EXPECT_EQ(plist->getMainWindowHeight(), 768.0);
+
+    // A setter writes the file at once; a new store instance reads it back.
+    plist->setMainWindowX(12.5);
+    plist->setDatePauseChar("-");
+    cwtest::releaseSingletons();
+    BLPlistCtrl* reread = BLPlistCtrl::sharedCtrl();
+    ASSERT_TRUE(reread->getMainWindowX(&x));
+    EXPECT_EQ(x, 12.5);
+    EXPECT_EQ(reread->getDatePauseChar(), "-");
+}
+
+TEST_F(PlistTest, SequentialNumberWrapsAtTheLastValue)
+{
+    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
+    plist->setSequentialNo(9999);
+    EXPECT_EQ(plist->getSequentialNo(), 0);
+    plist->setSequentialNo(9998);
+    EXPECT_EQ(plist->getSequentialNo(), 9998);
+    EXPECT_EQ(BLPlistCtrl::readPlistFile(plist->filePath())->value("SEQUENTIAL_NO").toLongLong(), 9998);
+}
+
+TEST_F(PlistTest, BrokenOrMistypedSettingsGiveDefaultsWithoutCrash)
+{
+    const QString path = settingsPath(home());
+    QDir().mkpath(QFileInfo(path).path());
+
+    const QList<QByteArray> broken = {
+        "",
+        "not xml at all",
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>LOG_FLAG</key>",
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>",
+        "<?xml version=\"1.0\"?><plist><dict><key>A</key><integer>12x</integer></dict></plist>",
+        QByteArray("\xff\xfe\x00<plist>", 10),
+    };
+    for (const QByteArray& content : broken) {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(content);
+        f.close();
+        cwtest::releaseSingletons();
+        BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
+        EXPECT_FALSE(plist->isLoaded()) << content.constData();
+        EXPECT_EQ(plist->getMainWindowWidth(), 1024.0);
+        EXPECT_EQ(plist->getCacheLifeTime(), 30);
+        EXPECT_EQ(plist->getLogFlag(), "OFF");
+        EXPECT_EQ(plist->getSelectFolderPathByMain(), ".");
+        // A setter on an unreadable file is lost, and does not replace the file.
+        plist->setDateFormat(2);
+        EXPECT_EQ(plist->getDateFormat(), 0);
+        f.open(QIODevice::ReadOnly);
+        EXPECT_EQ(f.readAll(), content);
+    }
+
+    // Values of the wrong kind read as the missing-key default.
+    cwtest::releaseSingletons();
+    QVariantMap wrong;
+    wrong["MAIN_WIN_WIDTH"] = QString("800");
+    wrong["CACHE_LIFE_TIME"] = QString("7");
+    wrong["LOG_FLAG"] = qint64(3);
+    wrong["MAIN_WIN_X"] = QString("5");
+    wrong["VIEWER_LOG_LEVEL"] = 2.0;
+    wrong["MAIN_WIN_HEIGHT"] = qint64(600); // an integer is still a number
+    ASSERT_TRUE(BLPlistCtrl::writePlistFile(path, wrong));
+    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
+    ASSERT_TRUE(plist->isLoaded());
+    EXPECT_EQ(plist->getMainWindowWidth(), 1024.0);
+    EXPECT_EQ(plist->getMainWindowHeight(), 600.0);
+    EXPECT_EQ(plist->getCacheLifeTime(), 30);
+    EXPECT_EQ(plist->getLogFlag(), "OFF");
+    EXPECT_FALSE(plist->getMainWindowX(nullptr));
+    EXPECT_EQ(plist->getViewerLogLevel(), "0");
+}
+
+TEST_F(PlistTest, LibraryLogPathsFallBackToTheCachesFolder)
+{
+    const QString path = settingsPath(home());
+    cwtest::writeSettings(home().configHome(), QVariantMap{{"LOG_FLAG", "OFF"}});
+    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
+    ASSERT_EQ(plist->filePath(), path);
+    EXPECT_EQ(plist->getViewerLogFilePath(), home().cacheHome() + "/Viewer.log");
+    EXPECT_EQ(plist->getMpeg2tsLogFilePath(), home().cacheHome() + "/Export.log");
+    // An existing file is not merged with defaults.
+    EXPECT_EQ(BLPlistCtrl::readPlistFile(path)->size(), 1);
+}

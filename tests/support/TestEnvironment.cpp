@@ -1,0 +1,66 @@
+#include "support/TestEnvironment.h"
+
+#include "core/app/BLLogCtrl.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/common/BLCommon.h"
+
+#include <QDir>
+
+#include <cstdlib>
+
+namespace cwtest {
+
+namespace {
+void setXdg(const QString& home)
+{
+    qputenv("HOME", home.toUtf8());
+    qputenv("XDG_CONFIG_HOME", (home + "/.config").toUtf8());
+    qputenv("XDG_STATE_HOME", (home + "/.local/state").toUtf8());
+    qputenv("XDG_CACHE_HOME", (home + "/.cache").toUtf8());
+    qputenv("XDG_DATA_HOME", (home + "/.local/share").toUtf8());
+    qputenv("XDG_RUNTIME_DIR", (home + "/.runtime").toUtf8());
+    QDir().mkpath(home + "/.runtime");
+    QFile::setPermissions(home + "/.runtime", QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                  QFileDevice::ExeOwner);
+}
+} // namespace
+
+void releaseSingletons()
+{
+    BLLogCtrl::releaseCtrl();
+    BLPlistCtrl::releaseCtrl();
+    BLCommon::releaseCtrl();
+}
+
+ScopedHome::ScopedHome() : m_previousHome(qgetenv("HOME"))
+{
+    releaseSingletons();
+    setXdg(m_dir.path());
+}
+
+ScopedHome::~ScopedHome()
+{
+    releaseSingletons();
+    setXdg(QString::fromUtf8(m_previousHome));
+}
+
+QString ScopedHome::configHome() const { return m_dir.path() + "/.config"; }
+QString ScopedHome::stateHome() const { return m_dir.path() + "/.local/state"; }
+QString ScopedHome::cacheHome() const { return m_dir.path() + "/.cache"; }
+QString ScopedHome::path(const QString& relative) const { return m_dir.filePath(relative); }
+
+void writeSettings(const QString& configHome, const QVariantMap& values)
+{
+    QDir().mkpath(configHome + "/Clipwright");
+    BLPlistCtrl::writePlistFile(configHome + "/Clipwright/Clipwright.plist", values);
+}
+
+void isolateProcessHome()
+{
+    // One temporary home for the whole process; never removed before exit so
+    // static objects that still write into it at exit cannot reach the real one.
+    static QTemporaryDir processHome(QDir::tempPath() + "/clipwright-test-XXXXXX");
+    setXdg(processHome.path());
+}
+
+} // namespace cwtest
