@@ -1,15 +1,19 @@
 #include "core/common/BLCommon.h"
 
+#include "core/common/BLLocalizedStrings.h"
+#include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
 
 #include <QDir>
 #include <QStandardPaths>
 
+#include <atomic>
 #include <mutex>
 
 namespace {
 std::mutex g_sharedMutex;
 BLCommon* g_shared = nullptr;
+std::atomic<IMessagePresenter*> g_presenter{nullptr};
 
 // XDG base folder from the environment, else HOME joined with the fallback.
 QString xdgFolder(const char* variable, const QString& fallback)
@@ -85,4 +89,45 @@ void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& na
 void BLCommon::sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo)
 {
     SCNotificationCenter::defaultCenter()->postNow(SCNotification{name, sender, userInfo});
+}
+
+void BLCommon::setMessagePresenter(IMessagePresenter* presenter)
+{
+    g_presenter = presenter;
+}
+
+IMessagePresenter* BLCommon::messagePresenter()
+{
+    return g_presenter;
+}
+
+int BLCommon::messageBox(const QString& message, const QString& infoMesse, int /*style: always informational*/,
+                         int btnPattern)
+{
+    SCAlert alert{message, infoMesse, BLLocalizedString(message),
+                  infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
+    QStringList& buttons = alert.buttons;
+    for (int no = 0; no < 2; ++no) {
+        const QString label = getBtnLabel(btnPattern, no);
+        if (!label.isEmpty())
+            buttons << label;
+    }
+    if (buttons.isEmpty())
+        buttons << getBtnLabel(0, 0);
+    IMessagePresenter* presenter = g_presenter;
+    if (!presenter)
+        return IMessagePresenter::kFirstButton;
+    return presenter->showAlert(alert);
+}
+
+QString BLCommon::getBtnLabel(int pattern, int no) const
+{
+    static const char* const kKeys[3][2] = {
+        {"BTN_STYLE_OK", nullptr},
+        {"BTN_STYLE_OK", "BTN_STYLE_CANCEL"},
+        {"BTN_STYLE_YES", "BTN_STYLE_NO"},
+    };
+    if (pattern < 0 || pattern > 2 || no < 0 || no > 1 || !kKeys[pattern][no])
+        return QString();
+    return BLLocalizedString(QString::fromLatin1(kKeys[pattern][no]));
 }
