@@ -70,6 +70,14 @@ struct Card
     QString mediaId;
 };
 
+// Whether the camera's media profile lists the clip.
+bool listed(const Clip& clip)
+{
+    return !clip.damage
+           || (clip.damage->kind != Damage::Kind::Unlisted && clip.damage->kind != Damage::Kind::Loose
+               && clip.damage->kind != Damage::Kind::Hidden);
+}
+
 // The folder scan's status for a single clip with this damage (-1: not seen).
 int clipStatus(const Clip& clip)
 {
@@ -117,11 +125,12 @@ private:
     void plan();
     bool assignDamages();
     bool writeClip(Clip& clip, const CodedVideo& video, ManifestClip& out);
-    bool writeTake(Take& take, ManifestTake& out);
+    bool writeTake(const Take& take, ManifestTake& out);
     bool writeIndexes(int card);
     bool writeFile(const QString& absolute, const QByteArray& data, const QString& kind, int card,
                    std::vector<ManifestFile>& files);
     QString relativeToCard(int card, const QString& absolute) const;
+    std::vector<const ClipPlan*> clipsOf(const Take& take) const;
     ManifestTake manifestTake(const Take& take) const;
     void removeCards();
 
@@ -135,6 +144,8 @@ private:
     Umid m_umids;
     QDateTime m_end;
     Manifest m_manifest;
+    std::optional<PcmAudio> m_audio;
+    TimeCode m_start;
 };
 
 bool CardWriter::validate()
@@ -183,10 +194,11 @@ bool CardWriter::validate()
         total += n;
     if (total > 9999)
         return fail(QStringLiteral("at most 9999 clips"));
-    std::optional<TimeCode> start = TimeCode::parse(o.startTimecode, rate->tcBase,
-                                                    rate->dropCapable && !o.nonDropFrame);
+    const std::optional<TimeCode> start = TimeCode::parse(o.startTimecode, rate->tcBase,
+                                                          rate->dropCapable && !o.nonDropFrame);
     if (!start)
         return fail(QStringLiteral("bad start time code %1").arg(o.startTimecode));
+    m_start = *start;
 
     m_format.rate = *rate;
     m_format.width = m_size.width;
@@ -204,18 +216,17 @@ bool CardWriter::prepareCard(const QString& workFolder)
     card.workFolder = QDir(workFolder).absolutePath();
     if (QFileInfo::exists(card.workFolder) && !QFileInfo(card.workFolder).isDir())
         return fail(QStringLiteral("%1 is not a folder").arg(card.workFolder));
-    const QString top = card.workFolder + QLatin1Char('/') + m_options.layout.section(QLatin1Char('/'), 0, 0);
     if (QFileInfo::exists(card.workFolder + QStringLiteral("/BPAV"))
         || QFileInfo::exists(card.workFolder + QStringLiteral("/PRIVATE")))
         return fail(QStringLiteral("%1 already holds a card").arg(card.workFolder));
     card.createdWorkFolder = !QFileInfo::exists(card.workFolder);
+    card.createdTop = card.workFolder + QLatin1Char('/') + m_options.layout.section(QLatin1Char('/'), 0, 0);
     card.bpav = card.workFolder + QLatin1Char('/') + m_options.layout;
+    card.mediaId = Umid::mediaId(m_options.recorded, int(m_cards.size()) + 1);
+    m_cards.push_back(card);
     QDir dir;
     if (!dir.mkpath(card.bpav + QStringLiteral("/CLPR")) || !dir.mkpath(card.bpav + QStringLiteral("/TAKR")))
         return fail(QStringLiteral("cannot create %1").arg(card.bpav));
-    card.createdTop = top;
-    card.mediaId = Umid::mediaId(m_options.recorded, int(m_cards.size()) + 1);
-    m_cards.push_back(card);
     return true;
 }
 
@@ -225,9 +236,7 @@ bool CardWriter::prepareCard(const QString& workFolder)
 void CardWriter::plan()
 {
     const FrameRate& rate = m_format.rate;
-    const std::optional<TimeCode> start = TimeCode::parse(
-        m_options.startTimecode, rate.tcBase, rate.dropCapable && !m_options.nonDropFrame);
-    const TimeCodeClock clock(rate, *start);
+    const TimeCodeClock clock(rate, m_start);
     const int clipSeconds = int((int64_t(m_options.frames) * rate.den + rate.num - 1) / rate.num);
     QDateTime when = m_options.recorded;
     int64_t frame = 0;
@@ -255,6 +264,9 @@ void CardWriter::plan()
         take.multi = true;
         take.card = card;
         take.spanPart = part;
+        // The take's UMID comes before its clips' so that it never shares their
+        // time stamp and serial, however many clips it has.
+        take.plan.umid = m_umids.next(when);
         for (int i = 0; i < clipCount; ++i)
             take.clips.push_back(addClip(card, i * m_options.frames));
         const ClipPlan& first = m_clips[size_t(take.clips.front())].plan;
@@ -262,8 +274,6 @@ void CardWriter::plan()
         TakePlan& t = take.plan;
         t.folder = (part == 2 ? m_clips[size_t(m_takes.back().clips.front())].plan.name : first.name)
                    + QString::asprintf("U%02d", part == 2 ? 2 : 1);
-        t.umid = m_umids.next(first.created);
-        t.clips = take.clips;
         t.frames = clipCount * m_options.frames;
         t.created = first.created;
         t.start = first.start;
@@ -353,6 +363,14 @@ QString CardWriter::relativeToCard(int card, const QString& absolute) const
     return QDir(m_cards[size_t(card)].workFolder).relativeFilePath(absolute);
 }
 
+std::vector<const ClipPlan*> CardWriter::clipsOf(const Take& take) const
+{
+    std::vector<const ClipPlan*> plans;
+    for (int index : take.clips)
+        plans.push_back(&m_clips[size_t(index)].plan);
+    return plans;
+}
+
 bool CardWriter::writeFile(const QString& absolute, const QByteArray& data, const QString& kind,
                            int card, std::vector<ManifestFile>& files)
 {
@@ -399,10 +417,12 @@ bool CardWriter::writeClip(Clip& clip, const CodedVideo& essence, ManifestClip& 
         mp4.embeddedXml = m_options.embedXml ? xml : QByteArray();
         mp4.co64 = clip.damage && clip.damage->kind == Damage::Kind::Co64;
         mp4.leadingFree = clip.damage && clip.damage->kind == Damage::Kind::NoFtyp;
-        const PcmAudio audio = PcmAudio::make(m_format.rate, video.chunkFrames, m_format.audioTracks,
-                                              m_format.audioChannelsPerTrack);
+        // Every clip has the same length and so the same sound.
+        if (!m_audio)
+            m_audio = PcmAudio::make(m_format.rate, video.chunkFrames, m_format.audioTracks,
+                                     m_format.audioChannelsPerTrack);
         const QString path = folder + QLatin1Char('/') + p.mp4();
-        const std::optional<Mp4Layout> layout = Mp4Writer::write(path, video, audio, mp4, &m_error);
+        const std::optional<Mp4Layout> layout = Mp4Writer::write(path, video, *m_audio, mp4, &m_error);
         if (!layout)
             return false;
         out.files.push_back({QStringLiteral("MP4"), relativeToCard(clip.card, path), layout->fileSize});
@@ -430,16 +450,13 @@ bool CardWriter::writeClip(Clip& clip, const CodedVideo& essence, ManifestClip& 
     return true;
 }
 
-bool CardWriter::writeTake(Take& take, ManifestTake& out)
+bool CardWriter::writeTake(const Take& take, ManifestTake& out)
 {
     const TakePlan& t = take.plan;
     const QString folder = m_cards[size_t(take.card)].bpav + QStringLiteral("/TAKR/") + t.folder;
     if (!QDir().mkpath(folder))
         return fail(QStringLiteral("cannot create %1").arg(folder));
-    std::vector<ClipPlan> plans;
-    for (const Clip& clip : m_clips)
-        plans.push_back(clip.plan);
-    return writeFile(folder + QLatin1Char('/') + t.smi(), CardXml::takeTakeInfo(t, plans, m_format),
+    return writeFile(folder + QLatin1Char('/') + t.smi(), CardXml::takeTakeInfo(t, clipsOf(take), m_format),
                      QStringLiteral("SMI"), take.card, out.files)
            && writeFile(folder + QLatin1Char('/') + t.xml(),
                         CardXml::nonRealTimeMeta(t.umid, t.frames, t.start, t.last, t.created,
@@ -449,29 +466,20 @@ bool CardWriter::writeTake(Take& take, ManifestTake& out)
 
 bool CardWriter::writeIndexes(int card)
 {
-    std::vector<ClipPlan> plans;
-    for (const Clip& clip : m_clips)
-        plans.push_back(clip.plan);
     CardXml::MediaProfile profile;
     profile.createdAt = m_end;
     profile.mediaId = m_cards[size_t(card)].mediaId;
     profile.mediaName = m_options.mediaName;
-    profile.allClips = &plans;
     const ClipPlan* lastListed = nullptr;
-    for (size_t i = 0; i < m_clips.size(); ++i) {
-        const Clip& clip = m_clips[i];
-        const bool unlisted = clip.damage
-                              && (clip.damage->kind == Damage::Kind::Unlisted
-                                  || clip.damage->kind == Damage::Kind::Loose
-                                  || clip.damage->kind == Damage::Kind::Hidden);
-        if (clip.card == card && !unlisted) {
-            profile.clips.push_back(&plans[i]);
-            lastListed = &plans[i];
+    for (const Clip& clip : m_clips) {
+        if (clip.card == card && listed(clip)) {
+            profile.clips.push_back(&clip.plan);
+            lastListed = &clip.plan;
         }
     }
     for (const Take& take : m_takes) {
         if (take.multi && take.card == card)
-            profile.takes.push_back(&take.plan);
+            profile.takes.push_back({&take.plan, clipsOf(take)});
     }
     const QString bpav = m_cards[size_t(card)].bpav;
     std::vector<ManifestFile>& files = m_manifest.cards[size_t(card)].files;
@@ -513,8 +521,7 @@ ManifestTake CardWriter::manifestTake(const Take& take) const
     if (first.damage) {
         t.damage = first.damage->name();
         t.missingFiles = first.damage->kind == Damage::Kind::Missing ? first.damage->files : QStringList();
-        t.listed = first.damage->kind != Damage::Kind::Unlisted && !loose
-                   && first.damage->kind != Damage::Kind::Hidden;
+        t.listed = listed(first);
         if (first.damage->kind == Damage::Kind::NotOk)
             t.expectedStatus = 1;
     }

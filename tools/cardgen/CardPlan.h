@@ -6,8 +6,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <vector>
-
 namespace cardgen {
 
 // What every clip of a card shares: how its essence is recorded.
@@ -51,7 +49,6 @@ struct TakePlan
 {
     QString folder;        // "ABC0004U01"
     QString umid;
-    std::vector<int> clips; // indices into the card's clip list
     int frames = 0;
     QDateTime created;
     TimeCode start;

@@ -205,7 +205,7 @@ QByteArray CardXml::clipTakeInfo(const ClipPlan& clip, const EssenceFormat& form
     });
 }
 
-QByteArray CardXml::takeTakeInfo(const TakePlan& take, const std::vector<ClipPlan>& clips,
+QByteArray CardXml::takeTakeInfo(const TakePlan& take, const std::vector<const ClipPlan*>& clips,
                                  const EssenceFormat& format)
 {
     return document([&](QXmlStreamWriter& w) {
@@ -223,8 +223,8 @@ QByteArray CardXml::takeTakeInfo(const TakePlan& take, const std::vector<ClipPla
         w.writeStartElement(QStringLiteral("body"));
         w.writeStartElement(QStringLiteral("par"));
         w.writeAttribute(QStringLiteral("systemComponent"), QStringLiteral("MP4"));
-        for (int index : take.clips) {
-            const ClipPlan& clip = clips[size_t(index)];
+        for (const ClipPlan* c : clips) {
+            const ClipPlan& clip = *c;
             const bool df = clip.start.dropFrame;
             w.writeEmptyElement(QStringLiteral("ref"));
             w.writeAttribute(QStringLiteral("src"), QStringLiteral("urn:smpte:umid:") + clip.umid);
@@ -306,7 +306,8 @@ QByteArray CardXml::mediaProfile(const MediaProfile& profile, const EssenceForma
             relevant(clprUri(*clip, clip->ppn()), QStringLiteral("PPN"));
             w.writeEndElement();
         }
-        for (const TakePlan* take : profile.takes) {
+        for (const ListedTake& listed : profile.takes) {
+            const TakePlan* take = listed.take;
             material(takrUri(*take, take->smi()), number(take->frames), take->umid);
             auto otherPart = [&]() {
                 w.writeEmptyElement(QStringLiteral("Component"));
@@ -320,12 +321,11 @@ QByteArray CardXml::mediaProfile(const MediaProfile& profile, const EssenceForma
             };
             if (!take->otherPartUri.isEmpty() && take->otherPartFirst)
                 otherPart();
-            for (int index : take->clips) {
-                const ClipPlan& clip = (*profile.allClips)[size_t(index)];
+            for (const ClipPlan* clip : listed.clips) {
                 w.writeEmptyElement(QStringLiteral("Component"));
-                w.writeAttribute(QStringLiteral("uri"), clprUri(clip, clip.smi()));
+                w.writeAttribute(QStringLiteral("uri"), clprUri(*clip, clip->smi()));
                 w.writeAttribute(QStringLiteral("type"), QStringLiteral("PD-EDL"));
-                w.writeAttribute(QStringLiteral("umid"), clip.umid);
+                w.writeAttribute(QStringLiteral("umid"), clip->umid);
             }
             if (!take->otherPartUri.isEmpty() && !take->otherPartFirst)
                 otherPart();

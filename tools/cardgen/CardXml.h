@@ -25,17 +25,21 @@ public:
     static QByteArray clipTakeInfo(const ClipPlan& clip, const EssenceFormat& format);
     // The take info of a multi-clip take: one ref per clip (and one to the next
     // part of a take that continues on another card).
-    static QByteArray takeTakeInfo(const TakePlan& take, const std::vector<ClipPlan>& clips,
+    static QByteArray takeTakeInfo(const TakePlan& take, const std::vector<const ClipPlan*>& clips,
                                    const EssenceFormat& format);
 
+    struct ListedTake
+    {
+        const TakePlan* take = nullptr;
+        std::vector<const ClipPlan*> clips;
+    };
     struct MediaProfile
     {
         QDateTime createdAt;
         QString mediaId;
         QString mediaName;
         std::vector<const ClipPlan*> clips; // the clips it lists
-        std::vector<const TakePlan*> takes;
-        const std::vector<ClipPlan>* allClips = nullptr;
+        std::vector<ListedTake> takes;
     };
     static QByteArray mediaProfile(const MediaProfile& profile, const EssenceFormat& format);
     // CUEUP.XML naming the last recorded clip (none for an empty card).

@@ -105,7 +105,7 @@ QByteArray PpnWriter::build(const Mp4Layout& layout)
                 ++audioChunk;
             } else {
                 b.u8(0x40);
-                b.zeros(4);
+                b.zeros(5);
             }
         }
         first += size_t(n);

@@ -19,6 +19,12 @@ struct EssenceCase
     bool interlaced;
 };
 
+void PrintTo(const EssenceCase& c, std::ostream* os)
+{
+    *os << c.size << " " << c.rate << " GOP " << c.gop << ", " << c.frames << " frames, " << c.audioTracks
+        << " x " << c.channelsPerTrack << " audio channels";
+}
+
 class CardgenDecode : public ::testing::TestWithParam<EssenceCase>
 {
 };
@@ -86,6 +92,10 @@ INSTANTIATE_TEST_SUITE_P(
                       EssenceCase{"1440x1080", "50i", 12, 24, 2, 1, true},
                       EssenceCase{"1280x720", "59.94p", 15, 21, 0, 2, false},
                       EssenceCase{"tiny", "23.98p", 9, 12, 4, 2, false},
-                      EssenceCase{"tiny", "25p", 0, 3, 1, 1, false}));
+                      EssenceCase{"tiny", "25p", 0, 3, 1, 1, false}),
+    [](const ::testing::TestParamInfo<EssenceCase>& info) {
+        QString name = QStringLiteral("%1_%2_%3frames").arg(info.param.size, info.param.rate).arg(info.param.frames);
+        return name.replace(QLatin1Char('.'), QLatin1Char('_')).toStdString();
+    });
 
 } // namespace
