@@ -394,7 +394,7 @@ bool CardWriter::writeClip(Clip& clip, const CodedVideo& essence, ManifestClip& 
     out.folder = relativeToCard(clip.card, loose ? folder + QLatin1Char('/') + p.mp4() : folder);
     out.umid = p.umid;
     out.frames = p.frames;
-    out.counterClip = essence.spec.counterClip;
+    out.counterClip = essence.params.counterClip;
     out.startTimecode = p.start.display();
     out.lastTimecode = p.last.display();
     out.expectedStatus = clipStatus(clip);
@@ -568,15 +568,15 @@ std::optional<Manifest> CardWriter::run(QString* error)
         m_manifest.cards.push_back(c);
     }
 
-    VideoSpec spec;
-    spec.width = m_format.width;
-    spec.height = m_format.height;
-    spec.rate = m_format.rate;
-    spec.gop = m_options.gop;
-    spec.frames = m_options.frames;
-    spec.quantizer = m_options.quantizer;
+    VideoParams params;
+    params.width = m_format.width;
+    params.height = m_format.height;
+    params.rate = m_format.rate;
+    params.gop = m_options.gop;
+    params.frames = m_options.frames;
+    params.quantizer = m_options.quantizer;
     std::optional<CodedVideo> shared;
-    if (m_options.fast && !(shared = Mpeg2Encoder::encode(spec, &m_error)))
+    if (m_options.fast && !(shared = Mpeg2Encoder::encode(params, &m_error)))
         return failed();
 
     for (Take& take : m_takes) {
@@ -585,8 +585,8 @@ std::optional<Manifest> CardWriter::run(QString* error)
             Clip& clip = m_clips[size_t(index)];
             std::optional<CodedVideo> own;
             if (!shared) {
-                spec.counterClip = clip.plan.number;
-                if (!(own = Mpeg2Encoder::encode(spec, &m_error)))
+                params.counterClip = clip.plan.number;
+                if (!(own = Mpeg2Encoder::encode(params, &m_error)))
                     return failed();
             }
             ManifestClip c;

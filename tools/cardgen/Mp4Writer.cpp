@@ -153,15 +153,15 @@ VideoTables videoTables(const CodedVideo& video)
 void writeVideoTrack(BoxBuilder& b, const CodedVideo& video, const Mp4Layout& layout,
                      const Mp4Options& options, uint32_t created)
 {
-    const VideoSpec& spec = video.spec;
+    const VideoParams& params = video.params;
     const VideoTables t = videoTables(video);
-    const uint32_t duration = uint32_t(video.pictures.size()) * uint32_t(spec.rate.sampleDelta());
-    const int displayWidth = spec.width == 1440 ? 1920 : spec.width;
+    const uint32_t duration = uint32_t(video.pictures.size()) * uint32_t(params.rate.sampleDelta());
+    const int displayWidth = params.width == 1440 ? 1920 : params.width;
 
     b.begin("trak");
-    writeTkhd(b, kVideoTrack, created, duration, false, displayWidth, spec.height);
+    writeTkhd(b, kVideoTrack, created, duration, false, displayWidth, params.height);
     b.begin("mdia");
-    writeMdhdHdlr(b, created, uint32_t(spec.rate.timescale()), duration, "vide", "Video Media Handler");
+    writeMdhdHdlr(b, created, uint32_t(params.rate.timescale()), duration, "vide", "Video Media Handler");
     b.begin("minf");
     b.beginFull("vmhd", 0, 1);
     b.zeros(8);
@@ -175,8 +175,8 @@ void writeVideoTrack(BoxBuilder& b, const CodedVideo& video, const Mp4Layout& la
     b.zeros(6);
     b.u16(1); // data reference index
     b.zeros(16);
-    b.u16(uint32_t(spec.width));
-    b.u16(uint32_t(spec.height));
+    b.u16(uint32_t(params.width));
+    b.u16(uint32_t(params.height));
     b.u32(0x00480000);
     b.u32(0x00480000);
     b.u32(0);
@@ -210,14 +210,14 @@ void writeVideoTrack(BoxBuilder& b, const CodedVideo& video, const Mp4Layout& la
     b.beginFull("stts", 0, 0);
     b.u32(1);
     b.u32(uint32_t(video.pictures.size()));
-    b.u32(uint32_t(spec.rate.sampleDelta()));
+    b.u32(uint32_t(params.rate.sampleDelta()));
     b.end();
 
     b.beginFull("ctts", 1, 0); // version 1: signed offsets, one entry per sample
     b.u32(uint32_t(t.ctts.size()));
     for (int offset : t.ctts) {
         b.u32(1);
-        b.u32(uint32_t(offset * spec.rate.sampleDelta()));
+        b.u32(uint32_t(offset * params.rate.sampleDelta()));
     }
     b.end();
 
@@ -323,12 +323,12 @@ std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo&
                                           const PcmAudio& audio, const Mp4Options& options,
                                           QString* error)
 {
-    const VideoSpec& spec = video.spec;
+    const VideoParams& params = video.params;
     Mp4Layout layout;
-    layout.width = spec.width;
-    layout.height = spec.height;
-    layout.timescale = spec.rate.timescale();
-    layout.sampleDelta = spec.rate.sampleDelta();
+    layout.width = params.width;
+    layout.height = params.height;
+    layout.timescale = params.rate.timescale();
+    layout.sampleDelta = params.rate.sampleDelta();
     layout.chunkFrames = video.chunkFrames;
     layout.audioChunkSamples = audio.tracks > 0 ? audio.chunkSamples : std::vector<int>();
 
@@ -366,13 +366,13 @@ std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo&
         layout.audioChunkOffsets = audioOffsets.front();
 
     const uint32_t created = mp4Time(options.created);
-    const uint32_t duration = uint32_t(video.pictures.size()) * uint32_t(spec.rate.sampleDelta());
+    const uint32_t duration = uint32_t(video.pictures.size()) * uint32_t(params.rate.sampleDelta());
     BoxBuilder moov;
     moov.begin("moov");
     moov.beginFull("mvhd", 0, 0);
     moov.u32(created);
     moov.u32(created);
-    moov.u32(uint32_t(spec.rate.timescale()));
+    moov.u32(uint32_t(params.rate.timescale()));
     moov.u32(duration);
     moov.u32(0x00010000);
     moov.u16(0x0100);

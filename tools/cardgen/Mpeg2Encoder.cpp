@@ -84,26 +84,26 @@ QString avError(int code)
 // DC) and equals the grey picture a decoder puts in place of a missing
 // reference, and it is dropped after coding, so the first GOP decodes on its
 // own.
-void paintFrame(AVFrame* frame, const VideoSpec& spec, int e)
+void paintFrame(AVFrame* frame, const VideoParams& params, int e)
 {
-    const int chromaHeight = (spec.height + 1) / 2;
+    const int chromaHeight = (params.height + 1) / 2;
     for (int plane = 1; plane <= 2; ++plane) {
         for (int y = 0; y < chromaHeight; ++y)
             std::memset(frame->data[plane] + size_t(y) * frame->linesize[plane], 128,
-                        size_t((spec.width + 1) / 2));
+                        size_t((params.width + 1) / 2));
     }
     if (e == 0) {
-        for (int y = 0; y < spec.height; ++y)
-            std::memset(frame->data[0] + size_t(y) * frame->linesize[0], 128, size_t(spec.width));
+        for (int y = 0; y < params.height; ++y)
+            std::memset(frame->data[0] + size_t(y) * frame->linesize[0], 128, size_t(params.width));
     } else {
-        FrameCounter::draw(frame->data[0], frame->linesize[0], spec.width, spec.height,
-                           spec.counterClip, e - 1);
+        FrameCounter::draw(frame->data[0], frame->linesize[0], params.width, params.height,
+                           params.counterClip, e - 1);
     }
 }
 
 } // namespace
 
-std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoSpec& spec, QString* error)
+std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoParams& params, QString* error)
 {
     auto fail = [&](const QString& message) -> std::optional<CodedVideo> {
         if (error)
@@ -114,20 +114,20 @@ std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoSpec& spec, QString* e
     if (!codec)
         return fail(QStringLiteral("libavcodec has no MPEG-2 video encoder"));
     std::unique_ptr<AVCodecContext, CodecContextDeleter> ctx(avcodec_alloc_context3(codec));
-    ctx->width = spec.width;
-    ctx->height = spec.height;
+    ctx->width = params.width;
+    ctx->height = params.height;
     ctx->pix_fmt = AV_PIX_FMT_YUV420P;
-    ctx->time_base = AVRational{spec.rate.den, spec.rate.num};
-    ctx->framerate = AVRational{spec.rate.num, spec.rate.den};
+    ctx->time_base = AVRational{params.rate.den, params.rate.num};
+    ctx->framerate = AVRational{params.rate.num, params.rate.den};
     // 1440 x 1080 is shown at 16:9 with wide pixels.
-    ctx->sample_aspect_ratio = spec.width == 1440 ? AVRational{4, 3} : AVRational{1, 1};
+    ctx->sample_aspect_ratio = params.width == 1440 ? AVRational{4, 3} : AVRational{1, 1};
     ctx->max_b_frames = 2;
     ctx->gop_size = 600; // the intra pictures are placed by hand below
     ctx->flags |= AV_CODEC_FLAG_QSCALE;
-    ctx->global_quality = FF_QP2LAMBDA * spec.quantizer;
+    ctx->global_quality = FF_QP2LAMBDA * params.quantizer;
     ctx->thread_count = 2;
     ctx->thread_type = FF_THREAD_SLICE;
-    if (spec.rate.interlaced) {
+    if (params.rate.interlaced) {
         ctx->flags |= AV_CODEC_FLAG_INTERLACED_DCT;
         ctx->field_order = AV_FIELD_TT;
     }
@@ -139,8 +139,8 @@ std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoSpec& spec, QString* e
 
     std::unique_ptr<AVFrame, FrameDeleter> frame(av_frame_alloc());
     frame->format = AV_PIX_FMT_YUV420P;
-    frame->width = spec.width;
-    frame->height = spec.height;
+    frame->width = params.width;
+    frame->height = params.height;
     if ((rc = av_frame_get_buffer(frame.get(), 0)) < 0)
         return fail(QStringLiteral("cannot allocate a picture: %1").arg(avError(rc)));
     std::unique_ptr<AVPacket, PacketDeleter> packet(av_packet_alloc());
@@ -163,16 +163,16 @@ std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoSpec& spec, QString* e
 
     // Encoder position e = presentation index + 1; intra pictures at the grey
     // picture and at every GOP's third presentation position.
-    for (int e = 0; e <= spec.frames; ++e) {
+    for (int e = 0; e <= params.frames; ++e) {
         if ((rc = av_frame_make_writable(frame.get())) < 0)
             return fail(QStringLiteral("cannot write a picture: %1").arg(avError(rc)));
-        paintFrame(frame.get(), spec, e);
+        paintFrame(frame.get(), params, e);
         frame->pts = e;
-        const bool intra = e == 0 || (e >= 3 && (e - 3) % spec.gop == 0);
+        const bool intra = e == 0 || (e >= 3 && (e - 3) % params.gop == 0);
         frame->pict_type = intra ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
         frame->quality = ctx->global_quality;
-        frame->interlaced_frame = spec.rate.interlaced ? 1 : 0;
-        frame->top_field_first = spec.rate.interlaced ? 1 : 0;
+        frame->interlaced_frame = params.rate.interlaced ? 1 : 0;
+        frame->top_field_first = params.rate.interlaced ? 1 : 0;
         if ((rc = avcodec_send_frame(ctx.get(), frame.get())) < 0 || (rc = drain()) < 0)
             return fail(QStringLiteral("MPEG-2 encoding failed: %1").arg(avError(rc)));
     }
@@ -180,14 +180,14 @@ std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoSpec& spec, QString* e
         return fail(QStringLiteral("MPEG-2 encoding failed: %1").arg(avError(rc)));
 
     // Drop the grey picture and check that the rest has the camera's layout.
-    if (coded.size() != size_t(spec.frames) + 1 || coded.front().type != 'I')
+    if (coded.size() != size_t(params.frames) + 1 || coded.front().type != 'I')
         return fail(QStringLiteral("the encoder did not produce one picture per frame"));
     CodedVideo video;
-    video.spec = spec;
+    video.params = params;
     video.pictures.assign(std::make_move_iterator(coded.begin() + 1),
                           std::make_move_iterator(coded.end()));
-    for (int first = 0; first < spec.frames; first += spec.gop) {
-        const int n = std::min(spec.gop, spec.frames - first);
+    for (int first = 0; first < params.frames; first += params.gop) {
+        const int n = std::min(params.gop, params.frames - first);
         video.chunkFrames.push_back(n);
         for (int p = 0; p < n; ++p) {
             CodedPicture& picture = video.pictures[size_t(first + p)];

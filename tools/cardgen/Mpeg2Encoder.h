@@ -10,7 +10,7 @@
 
 namespace cardgen {
 
-struct VideoSpec
+struct VideoParams
 {
     int width = 1920;
     int height = 1080;
@@ -35,7 +35,7 @@ struct CodedPicture
 // its intra picture); the later ones are open.
 struct CodedVideo
 {
-    VideoSpec spec;
+    VideoParams params;
     std::vector<CodedPicture> pictures; // storage order
     std::vector<int> chunkFrames;       // pictures per chunk
 
@@ -48,7 +48,7 @@ struct CodedVideo
 class Mpeg2Encoder
 {
 public:
-    static std::optional<CodedVideo> encode(const VideoSpec& spec, QString* error);
+    static std::optional<CodedVideo> encode(const VideoParams& params, QString* error);
 
     // Writes a time code into the GOP header at the start of an intra picture.
     static bool setGopTimeCode(QByteArray& picture, const TimeCode& tc);

@@ -52,7 +52,7 @@ int main(int argc, char** argv)
     const QCommandLineOption audioChannels(QStringLiteral("audio-channels"), QStringLiteral("Channels per audio track, 1 or 2 (default 2)."), QStringLiteral("N"), QStringLiteral("2"));
     const QCommandLineOption embedXml(QStringLiteral("embed-xml"), QStringLiteral("Embed each clip's metadata document in its MP4 file."));
     const QCommandLineOption prefix(QStringLiteral("prefix"), QStringLiteral("Clip name prefix (default ABC: ABC0001, ABC0002, ...)."), QStringLiteral("TEXT"), QStringLiteral("ABC"));
-    const QCommandLineOption damage(QStringLiteral("damage"), QStringLiteral("Damage a single-clip take (repeatable): missing=KIND[+KIND...] (MP4, XML, SMI, BIM, PPN), unlisted, loose, noftyp, co64, hidden, notok; append @N to pick the N-th single-clip take (default: from the last backwards)."), QStringLiteral("SPEC"));
+    const QCommandLineOption damage(QStringLiteral("damage"), QStringLiteral("Damage a single-clip take (repeatable): missing=KIND[+KIND...] (MP4, XML, SMI, BIM, PPN), unlisted, loose, noftyp, co64, hidden, notok; append @N to pick the N-th single-clip take (default: from the last backwards)."), QStringLiteral("DAMAGE"));
     const QCommandLineOption fast(QStringLiteral("fast"), QStringLiteral("Encode the essence once and reuse it for every clip (only the metadata differs)."));
     const QCommandLineOption date(QStringLiteral("date"), QStringLiteral("Recording time of the first clip, ISO 8601 (default now)."), QStringLiteral("DATETIME"));
     const QCommandLineOption startTc(QStringLiteral("start-tc"), QStringLiteral("Time code of the first frame (default 00:00:00:00)."), QStringLiteral("TC"), QStringLiteral("00:00:00:00"));
