@@ -245,3 +245,33 @@ TEST(DomXmlParseTest, SavesAreAtomic)
     EXPECT_EQ(again.xmlData(), xml.xmlData());
     EXPECT_FALSE(xml.saveXml(dir.path())); // a folder is never replaced
 }
+
+TEST(DomXmlParseTest, PrefixedAttributesAndUnboundPrefixes)
+{
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(R"(<r xmlns="urn:d" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" )"
+                                R"(xsi:schemaLocation="urn:d d.xsd" schemaLocation="plain"><c/></r>)"));
+    ASSERT_EQ(xml.selectNodeArray("/r"), 1);
+    // A prefixed name reads the attribute of that namespace, the bare name the unqualified one.
+    EXPECT_EQ(xml.getAttributeValue("xsi:schemaLocation"), "urn:d d.xsd");
+    EXPECT_EQ(xml.getAttributeValue("schemaLocation"), "plain");
+    EXPECT_EQ(xml.getAttributeValue("nope:schemaLocation"), "");
+    EXPECT_EQ(xml.setAttribute("xsi:schemaLocation", "urn:d other.xsd"), 1);
+    EXPECT_EQ(xml.getAttributeValue("xsi:schemaLocation"), "urn:d other.xsd");
+    EXPECT_EQ(xml.getAttributeValue("schemaLocation"), "plain");
+    EXPECT_EQ(xml.removeAttribute("xsi:schemaLocation"), 1);
+    EXPECT_EQ(xml.getAttributeValue("xsi:schemaLocation"), "");
+    EXPECT_EQ(xml.getAttributeValue("schemaLocation"), "plain");
+
+    // Names with a prefix that is not declared are refused: the file would not load again.
+    EXPECT_EQ(xml.setAttribute("lib:x", "1"), 0);
+    EXPECT_EQ(xml.addElement("lib:Alias", "t"), 0);
+    EXPECT_EQ(xml.insertElement("lib:Alias", "t", 0), 0);
+    EXPECT_EQ(xml.setNameSpaceWithName("lib", "urn:lib"), 1);
+    EXPECT_EQ(xml.addElement("lib:Alias", "t"), 1);
+    EXPECT_EQ(xml.setAttribute("lib:x", "1"), 1);
+    BLDomXmlParse again;
+    ASSERT_TRUE(again.loadXmlData(xml.xmlData())) << xml.xmlData().constData();
+    ASSERT_EQ(again.selectNodeArray("/r/lib:Alias"), 1);
+    EXPECT_EQ(again.getElementValue(0), "t");
+}
