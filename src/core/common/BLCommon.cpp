@@ -5,8 +5,10 @@
 #include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/model/BLVolumeProvider.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -450,6 +452,144 @@ int BLCommon::modifiedJulianDate(int year, int month, int day)
     return (36525 * year) / 100 + year / 400 - year / 100 + (3059 * month - 6118) / 100 + day - 678912;
 }
 
+// ---- folders and paths ----
+
+QString BLCommon::makeFilePath(const QString& base, const QStringList& components)
+{
+    QString path = base;
+    for (const QString& component : components) {
+        const QString part = removalDot(component);
+        if (part.isEmpty())
+            continue;
+        if (!path.endsWith(QLatin1Char('/')))
+            path += QLatin1Char('/');
+        path += part.startsWith(QLatin1Char('/')) ? part.mid(1) : part;
+    }
+    static const QRegularExpression kSlashes(QStringLiteral("/{2,}"));
+    path.replace(kSlashes, QStringLiteral("/"));
+    if (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    return path;
+}
+
+QString BLCommon::addDot(const QString& reference)
+{
+    if (reference.startsWith(QLatin1Char('.')))
+        return reference;
+    return reference.startsWith(QLatin1Char('/')) ? QLatin1Char('.') + reference : QStringLiteral("./") + reference;
+}
+
+QString BLCommon::removalDot(const QString& reference)
+{
+    return reference.startsWith(QLatin1Char('.')) ? reference.mid(1) : reference;
+}
+
+QString BLCommon::getPathOfBPAV(const QString& folder)
+{
+    const QString direct = makeFilePath(folder, {QStringLiteral("BPAV")});
+    if (isFolder(direct))
+        return direct;
+    const QString card = makeFilePath(folder, {QStringLiteral("PRIVATE/ORX/BPAV")});
+    return isFolder(card) ? card : direct;
+}
+
+QString BLCommon::visibleFolderNameOf(const QString& folder)
+{
+    const QString bpav = getPathOfBPAV(folder);
+    return bpav.endsWith(QLatin1String("/PRIVATE/ORX/BPAV")) ? QStringLiteral("PRIVATE") : QStringLiteral("BPAV");
+}
+
+bool BLCommon::isBPAVFolder(const QString& folder)
+{
+    return isFolder(getPathOfBPAV(folder));
+}
+
+QString BLCommon::getVolumeName(const QString& path)
+{
+    const QString clean = QDir::cleanPath(path);
+    QString best = QStringLiteral("/");
+    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
+    for (const BLVolume& volume : volumes) {
+        const QString root = QDir::cleanPath(volume.rootPath);
+        if (root == QLatin1String("/") || root.size() < best.size())
+            continue;
+        if (clean == root || clean.startsWith(root + QLatin1Char('/')))
+            best = root + QLatin1Char('/');
+    }
+    return best;
+}
+
+bool BLCommon::compareVolumes(const QString& path, const QString& path2)
+{
+    return getVolumeName(path) == getVolumeName(path2);
+}
+
+// ---- file and folder tests ----
+
+bool BLCommon::isFolder(const QString& path)
+{
+    if (path.isEmpty())
+        return false;
+    const QFileInfo info(path);
+    if (!info.isDir() || info.isBundle() || !checkVisibleDirectory(path))
+        return false;
+    if (QFileInfo(QDir::cleanPath(info.absoluteFilePath())).path() == QLatin1String("/")) {
+        const QString name = info.fileName();
+        if (name == QLatin1String("automount") || name == QLatin1String("Network"))
+            return false;
+    }
+    return true;
+}
+
+bool BLCommon::checkVisibleDirectory(const QString& path)
+{
+    const QString name = QFileInfo(QDir::cleanPath(path)).fileName();
+    return !name.startsWith(QLatin1Char('.'));
+}
+
+bool BLCommon::isFiles(const QString& path)
+{
+    if (path.isEmpty())
+        return false;
+    const QFileInfo info(path);
+    return info.exists() && !info.isDir() && !info.isBundle();
+}
+
+bool BLCommon::isVolume(const QString& path)
+{
+    if (path.isEmpty())
+        return false;
+    const QString clean = QDir::cleanPath(path);
+    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
+    for (const BLVolume& volume : volumes)
+        if (QDir::cleanPath(volume.rootPath) == clean)
+            return true;
+    return false;
+}
+
+QStringList BLCommon::getFileList(const QString& path)
+{
+    if (path.isEmpty()) {
+        QStringList roots;
+        const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
+        for (const BLVolume& volume : volumes)
+            roots << volume.rootPath;
+        return roots;
+    }
+    return QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                QDir::Unsorted);
+}
+
+QStringList BLCommon::getFolders(const QString& path)
+{
+    QStringList folders;
+    const QStringList names = getFileList(path);
+    for (const QString& name : names)
+        if (isFolder(path.isEmpty() ? name : QDir(path).filePath(name)))
+            folders << name;
+    return folders;
+}
+
 // ---- special folders ----
 
 QString BLCommon::createSpFolderPath(const QString& folderType) const
@@ -505,10 +645,12 @@ IMessagePresenter* BLCommon::messagePresenter()
 }
 
 int BLCommon::messageBox(const QString& message, const QString& infoMesse, int /*style: always informational*/,
-                         int btnPattern)
+                         int btnPattern, const QStringList& messageArgs)
 {
-    SCAlert alert{message, infoMesse, BLLocalizedString(message),
-                  infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
+    QString text = BLLocalizedString(message);
+    for (qsizetype i = messageArgs.size() - 1; i >= 0; --i)
+        text.replace(QLatin1Char('%') + QString::number(i + 1), messageArgs.at(i));
+    SCAlert alert{message, infoMesse, text, infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
     QStringList& buttons = alert.buttons;
     for (int no = 0; no < 2; ++no) {
         const QString label = getBtnLabel(btnPattern, no);

@@ -92,6 +92,38 @@ public:
     // Modified Julian Date of a calendar date.
     static int modifiedJulianDate(int year, int month, int day);
 
+    // ---- folders and paths ----
+    // The base followed by each component, its one leading "." removed, so a
+    // reference "./CLPR/X/Y.XML" joins correctly to a BPAV folder.
+    static QString makeFilePath(const QString& base, const QStringList& components);
+    // Puts "./" in front of a reference that does not start with ".".
+    static QString addDot(const QString& reference);
+    // Removes one leading "." character.
+    static QString removalDot(const QString& reference);
+    // folder/BPAV, else folder/PRIVATE/ORX/BPAV when that is a folder, else folder/BPAV.
+    static QString getPathOfBPAV(const QString& folder);
+    // "BPAV" or "PRIVATE": the top folder that holds the material.
+    static QString visibleFolderNameOf(const QString& folder);
+    static bool isBPAVFolder(const QString& folder);
+    // The mount root of the volume holding the path, with a trailing "/";
+    // "/" for the start-up disk.
+    static QString getVolumeName(const QString& path);
+    static bool compareVolumes(const QString& path, const QString& path2);
+
+    // ---- file and folder tests ----
+    // An existing, visible folder that is not a package; at "/" not "automount" or "Network".
+    static bool isFolder(const QString& path);
+    // The item itself (a link, not its target) is visible: its name does not start with ".".
+    static bool checkVisibleDirectory(const QString& path);
+    // Exists, is not a folder and is not a package.
+    static bool isFiles(const QString& path);
+    // Equals the path of a mounted volume, with or without a trailing "/".
+    static bool isVolume(const QString& path);
+    // Names in the folder, unsorted; for an empty path the paths of all mounted volumes.
+    static QStringList getFileList(const QString& path);
+    // Names of the entries that are folders (for an empty path, volume paths).
+    static QStringList getFolders(const QString& path);
+
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if
     // missing: "pref" (preferences), "logs" (logs), "mdoc" (movies).
@@ -115,8 +147,10 @@ public:
     static IMessagePresenter* messagePresenter();
     // Shows an informational alert. The message and informative texts are keys
     // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and "Cancel"; 2 "Yes" and "No".
+    // messageArgs fill the placeholders %1, %2, ... of the localised message.
     // Answers IMessagePresenter::kFirstButton or kSecondButton.
-    int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern);
+    int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern,
+                   const QStringList& messageArgs = {});
     // The localised title of button 0 or 1 of a pattern; "" when there is none.
     QString getBtnLabel(int pattern, int no) const;
 
