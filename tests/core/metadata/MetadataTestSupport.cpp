@@ -6,11 +6,11 @@
 
 namespace cwmeta {
 
-QStringList XmlNode::childNames() const
+Names XmlNode::childNames() const
 {
-    QStringList names;
+    Names names;
     for (const XmlNode& c : children)
-        names << c.name;
+        names.push_back(c.name.toStdString());
     return names;
 }
 
@@ -36,6 +36,19 @@ bool XmlNode::hasAttribute(const QString& attributeName) const
         if (attr.first == attributeName)
             return true;
     return false;
+}
+
+QString describe(const XmlNode& node, int depth)
+{
+    QString line = QString(depth * 2, QLatin1Char(' ')) + QLatin1Char('<') + node.name;
+    for (const auto& [prefix, uri] : node.namespaces)
+        line += QStringLiteral(" xmlns%1=\"%2\"").arg(prefix.isEmpty() ? QString() : ':' + prefix, uri);
+    for (const auto& [key, value] : node.attributes)
+        line += QStringLiteral(" %1=\"%2\"").arg(key, value);
+    line += QLatin1Char('>') + node.text + QLatin1Char('\n');
+    for (const XmlNode& c : node.children)
+        line += describe(c, depth + 1);
+    return line;
 }
 
 namespace {

@@ -4,11 +4,17 @@
 #include <QString>
 #include <QStringList>
 
+#include <ostream>
+#include <string>
 #include <utility>
+#include <vector>
 
 // Helpers for the metadata accessor tests: fixture files and an outline of an
 // XML file read with Qt's own reader, independent of the XML layer under test.
 namespace cwmeta {
+
+// Element names as standard strings, which test failures print readably.
+using Names = std::vector<std::string>;
 
 struct XmlNode
 {
@@ -19,7 +25,7 @@ struct XmlNode
     QString text;                                  // text directly inside, trimmed
     QList<XmlNode> children;
 
-    QStringList childNames() const;
+    Names childNames() const;
     // The n-th child with that qualified name; nullptr when there is none.
     const XmlNode* child(const QString& childName, int n = 0) const;
     // "" when absent.
@@ -27,6 +33,13 @@ struct XmlNode
     bool hasAttribute(const QString& attributeName) const;
     bool operator==(const XmlNode&) const = default;
 };
+
+// An indented outline for failure messages.
+QString describe(const XmlNode& node, int depth = 0);
+inline void PrintTo(const XmlNode& node, std::ostream* os)
+{
+    *os << "\n" << describe(node).toStdString();
+}
 
 // The root element of a file; a node with an empty name when it is not well formed.
 XmlNode readXmlOutline(const QString& path);

@@ -145,13 +145,13 @@ TEST_F(TakeInfoAcssTest, EditedTakeKeepsUnknownsAndOrder)
     EXPECT_EQ(root.name, "smil");
     EXPECT_EQ(root.namespaceUri, "urn:example:foreign:takeInfo");
     EXPECT_EQ(root.attribute("umid"), kUmid + "BBBBBBBBBBBBBBBB080046FFFE010203");
-    EXPECT_EQ(root.childNames(), QStringList({"head", "body"}));
+    EXPECT_EQ(root.childNames(), Names({"head", "body"}));
     const XmlNode* bodyNode = root.child("body");
     ASSERT_NE(bodyNode, nullptr);
-    EXPECT_EQ(bodyNode->childNames(), QStringList({"switch", "par"}));
+    EXPECT_EQ(bodyNode->childNames(), Names({"switch", "par"}));
     const XmlNode* plain = bodyNode->child("par");
     // The unknown marker stays; the new refs follow it, each element in the default namespace.
-    EXPECT_EQ(plain->childNames(), QStringList({"vx:Marker", "ref", "ref"}));
+    EXPECT_EQ(plain->childNames(), Names({"vx:Marker", "ref", "ref"}));
     EXPECT_EQ(plain->child("vx:Marker")->attribute("at"), "400");
     const XmlNode* first = plain->child("ref", 0);
     EXPECT_EQ(first->namespaceUri, "urn:example:foreign:takeInfo");
@@ -216,8 +216,7 @@ TEST_F(TakeInfoAcssTest, ListsAreValidatedWholeBeforeAnyChange)
     ASSERT_TRUE(acss.setRefData({makeRef(kClip3, "5", "", "9"), makeRef(kClip1, "1", "299", "0")}, 1));
     const XmlNode edited = outline();
     const XmlNode* par = edited.child("body")->child("par");
-    EXPECT_EQ(par->childNames(),
-              QStringList({"ref", "video", "audio", "audio", "metastream", "vx:Marker", "ref"}));
+    EXPECT_EQ(par->childNames(), Names({"ref", "video", "audio", "audio", "metastream", "vx:Marker", "ref"}));
     EXPECT_EQ(par->child("ref", 0)->attribute("clipBegin"), "1");
     EXPECT_EQ(par->child("ref", 0)->attribute("vx:checksum"), "abc");
     EXPECT_EQ(par->child("ref", 0)->attribute("header"), "h1"); // empty record fields leave values alone
@@ -236,17 +235,16 @@ TEST_F(TakeInfoAcssTest, DeletingClipsDropsEmptyGroups)
         EXPECT_EQ(acss.delParData(kClip1, 1), 1);
         ASSERT_TRUE(acss.save());
         const XmlNode root = readXmlOutline(path);
-        EXPECT_EQ(root.child("body")->childNames(), QStringList({"switch", "vx:Trailer"}));
-        EXPECT_EQ(root.child("body")->child("switch")->child("par")->childNames(),
-                  QStringList({"ref", "video"}));
+        EXPECT_EQ(root.child("body")->childNames(), Names({"switch", "vx:Trailer"}));
+        EXPECT_EQ(root.child("body")->child("switch")->child("par")->childNames(), Names({"ref", "video"}));
         EXPECT_EQ(root.child("head")->childNames(),
-                  QStringList({"trackBuffer", "initialBuffer", "meta", "metadata", "vx:Calibration"}));
+                  Names({"trackBuffer", "initialBuffer", "meta", "metadata", "vx:Calibration"}));
 
         // Then the last clip of the switch group: both groups empty, the body goes.
         EXPECT_EQ(acss.delParData(kClip1, 1), 0); // the plain group has no par any more
         EXPECT_EQ(acss.delParData(kClip2, 0), 1);
         ASSERT_TRUE(acss.save());
-        EXPECT_EQ(readXmlOutline(path).childNames(), QStringList({"head"}));
+        EXPECT_EQ(readXmlOutline(path).childNames(), Names({"head"}));
     }
     // Emptying the switch group removes the switch only.
     {
@@ -255,7 +253,7 @@ TEST_F(TakeInfoAcssTest, DeletingClipsDropsEmptyGroups)
         ASSERT_TRUE(acss.loadForFilePath(path));
         EXPECT_EQ(acss.delParData(kSpare, 0), 1);
         ASSERT_TRUE(acss.save());
-        EXPECT_EQ(readXmlOutline(path).child("body")->childNames(), QStringList({"par"}));
+        EXPECT_EQ(readXmlOutline(path).child("body")->childNames(), Names({"par"}));
         // Deleting one clip of several leaves the group.
         EXPECT_EQ(acss.delParData(kClip2, 1), 1);
         EXPECT_EQ(acss.getRefData("", 1).size(), 2);
@@ -312,8 +310,8 @@ TEST_F(TakeInfoAcssTest, CreatedDocumentsAndGroupsWithoutRefs)
     const XmlNode root = readXmlOutline(path);
     EXPECT_EQ(root.namespaceUri, BLTakeInfoAcss::kNameSpace);
     EXPECT_EQ(root.attribute("umid"), kClip1);
-    EXPECT_EQ(root.childNames(), QStringList({"head", "body"}));
-    EXPECT_EQ(root.child("body")->childNames(), QStringList({"par"}));
+    EXPECT_EQ(root.childNames(), Names({"head", "body"}));
+    EXPECT_EQ(root.child("body")->childNames(), Names({"par"}));
     EXPECT_EQ(root.child("body")->child("par")->attribute("systemComponent"), "main");
     const XmlNode* ref = root.child("head")->child("metadata")->child("ref");
     ASSERT_NE(ref, nullptr);
@@ -323,7 +321,7 @@ TEST_F(TakeInfoAcssTest, CreatedDocumentsAndGroupsWithoutRefs)
     sw.setRef({makeRef(kClip2, "0", "", "0")});
     ASSERT_TRUE(acss.setParData(sw, 0));
     ASSERT_TRUE(acss.save());
-    EXPECT_EQ(readXmlOutline(path).child("body")->childNames(), QStringList({"switch", "par"}));
+    EXPECT_EQ(readXmlOutline(path).child("body")->childNames(), Names({"switch", "par"}));
 
     BLTakeInfoAcss again;
     ASSERT_TRUE(again.loadForFilePath(path));
