@@ -1,8 +1,8 @@
 #include "core/metadata/BLDomXmlParse.h"
 
 #include "core/common/BLAtomicFile.h"
+#include "core/common/BLCommon.h"
 
-#include <QDateTime>
 #include <QFile>
 
 #include <libxml/parser.h>
@@ -34,12 +34,6 @@ bool isNameChar(QChar c)
 {
     return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('-') || c == QLatin1Char('.') ||
            c == QLatin1Char(':');
-}
-
-QString nowText()
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODate);
 }
 } // namespace
 
@@ -382,12 +376,12 @@ int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
 
 int BLDomXmlParse::setMediaProfileHeader()
 {
-    return setRootAttribute("createdAt", nowText());
+    return setRootAttribute("createdAt", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setNonRealTimeMetaHeader()
 {
-    return setRootAttribute("lastUpdate", nowText());
+    return setRootAttribute("lastUpdate", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setTakeInfoHeader(const QString& umid)
