@@ -3,7 +3,6 @@
 #include "core/metadata/DOLtcChange.h"
 
 #include <QList>
-#include <QMetaType>
 #include <QString>
 
 // A clip: one entry of a BPAV folder's "CLPR" folder, with its file references
@@ -101,5 +100,3 @@ private:
     QList<DOLtcChange> m_arrLtcChanges;
     quint32 m_uiOffset = 0;
 };
-
-Q_DECLARE_METATYPE(DOClipData)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QMetaType>
 #include <QString>
 
 // One clip reference of a multi-clip take's take info: the clip's UMID ("src")
@@ -37,5 +36,3 @@ private:
     QString m_begin;
     QString m_end;
 };
-
-Q_DECLARE_METATYPE(DOTakeInfo)
