@@ -90,7 +90,8 @@ bool BLTakeInfoAcss::createForFilePath(const QString& path, const QString& umid)
     m_sFilePath = path;
     m_bLoaded = false;
     return m_xml.createDocument("smil") && m_xml.selectNodeArray(kRootPath) == 1 &&
-           m_xml.setNameSpaceWithName("", kNameSpace) == 1 && m_xml.setTakeInfoHeader(umid) == 1;
+           m_xml.setNameSpaceWithName("", kNameSpace) == 1 &&
+           (umid.isEmpty() || m_xml.setTakeInfoHeader(umid) == 1);
 }
 
 bool BLTakeInfoAcss::save()

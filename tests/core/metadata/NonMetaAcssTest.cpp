@@ -417,7 +417,8 @@ TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
         ASSERT_TRUE(acss.loadForFilePath(path));
         ASSERT_TRUE(acss.setTitle(makeTitle("Harbour", "de", "")));
         ASSERT_TRUE(acss.save());
-        const XmlNode* title = readXmlOutline(path).child("Title");
+        const XmlNode saved = readXmlOutline(path);
+        const XmlNode* title = saved.child("Title");
         ASSERT_NE(title, nullptr);
         EXPECT_EQ(title->attribute("usAscii"), "Harbour");
         EXPECT_TRUE(title->children.isEmpty());
@@ -431,7 +432,8 @@ TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
         EXPECT_FALSE(acss.isDeletableTitle(makeAlias("de", "")));
         ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "Hafen am Morgen")));
         ASSERT_TRUE(acss.save());
-        const XmlNode* title = readXmlOutline(path).child("Title");
+        const XmlNode saved = readXmlOutline(path);
+        const XmlNode* title = saved.child("Title");
         ASSERT_EQ(title->children.size(), 2);
         EXPECT_EQ(title->children[0].text, "Hafen am Morgen");
         EXPECT_EQ(title->children[1].attributes, (QList<std::pair<QString, QString>>{{"xml:lang", "en"}}));
@@ -439,7 +441,8 @@ TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
 
         ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
         ASSERT_TRUE(acss.save());
-        const XmlNode* left = readXmlOutline(path).child("Title");
+        const XmlNode remaining = readXmlOutline(path);
+        const XmlNode* left = remaining.child("Title");
         ASSERT_NE(left, nullptr);
         EXPECT_EQ(left->childNames(), Names({"lib:Alias"}));
         EXPECT_EQ(left->children[0].attribute("xml:lang"), "en");
