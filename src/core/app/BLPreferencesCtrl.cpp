@@ -49,22 +49,6 @@ QString orderName(int format)
     }
 }
 
-// The date alone in the given order with the separator between the fields.
-QString makeDateString(const QDate& date, int format, const QString& pause)
-{
-    const QString d = date.toString(QStringLiteral("dd"));
-    const QString m = date.toString(QStringLiteral("MM"));
-    const QString y = date.toString(QStringLiteral("yyyy"));
-    switch (format) {
-    case 2:
-        return d + pause + m + pause + y;
-    case 1:
-        return m + pause + d + pause + y;
-    default:
-        return y + pause + m + pause + d;
-    }
-}
-
 void log(const QString& message)
 {
     BLLogCtrl::debug(kProcessId, message);
@@ -131,6 +115,6 @@ void BLPreferencesCtrl::writeData()
 
 void BLPreferencesCtrl::showSample()
 {
-    m_view.setSampleText(makeDateString(QDate::currentDate(), dateFormatForRow(m_view.dateOrderRow()),
-                                        m_view.selectedSeparator()));
+    m_view.setSampleText(BLCommon::makeDateStringFromCalendarData(
+        QDateTime::currentDateTime(), dateFormatForRow(m_view.dateOrderRow()), m_view.selectedSeparator()));
 }

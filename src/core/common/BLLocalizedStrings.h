@@ -5,7 +5,7 @@
 
 // The localisation table: "KEY = text" lines from a resource file, loaded once.
 // Text escapes "\n" and "\t" are honoured, and a text in double quotes keeps
-// its leading and trailing blanks (" KB"); a key without an entry shows itself.
+// its leading and trailing blanks ("Size: "); a key without an entry shows itself.
 class BLLocalizedStrings
 {
 public:

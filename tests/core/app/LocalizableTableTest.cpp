@@ -97,5 +97,5 @@ TEST(LocalizableTableTest, QuotedTextsKeepTheirBlanksAndEscapesWork)
     EXPECT_EQ(parsed.value("LINES"), "a\nb");
     EXPECT_EQ(parsed.value("QUOTE"), "say \"hi\"");
     EXPECT_EQ(parsed.size(), 4);
-    EXPECT_EQ(BLLocalizedStrings::text("LOCALIZED_TYPE_MB"), " MB");
+    EXPECT_EQ(BLLocalizedStrings::text("LOCALIZED_PROPERTY_CHANNEL"), " ch");
 }

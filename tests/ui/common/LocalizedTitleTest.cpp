@@ -65,7 +65,7 @@ TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTre
     EXPECT_EQ(empty->text(), "");
     EXPECT_EQ(group->title(), "Stereo");
     EXPECT_EQ(nested->text(), "Enter the folder name:");
-    EXPECT_EQ(combo->itemText(0), " KB");
+    EXPECT_EQ(combo->itemText(0), "KB");
     EXPECT_EQ(combo->itemText(1), "/");
     EXPECT_EQ(edit->text(), "BTN_STYLE_NO");
     EXPECT_EQ(edit->placeholderText(), "Enter the folder name:");
