@@ -63,8 +63,8 @@ void BLMainWindowCtrl::writeData()
 void BLMainWindowCtrl::resetWindowSize()
 {
     m_view.setSplitUpperSideToMinimum();
-    setWindowFrame(BLPlistCtrl::getDefaultMainWindowWidth(), BLPlistCtrl::getDefaultMainWindowHeight(), false, 0,
-                   0);
+    setWindowFrame(BLPlistCtrl::getDefaultMainWindowWidth(), BLPlistCtrl::getDefaultMainWindowHeight(), false,
+                   0, 0);
 }
 
 void BLMainWindowCtrl::setWindowFrame(double width, double height, bool setOrigin, double x, double y)
@@ -106,7 +106,9 @@ bool BLMainWindowCtrl::isSupportMenuItem(int tag, bool* isEnable) const
 void BLMainWindowCtrl::selectMenuItem(int tag)
 {
     if (tag == MENU_ITEM_ID_RESET_WINDOW_SIZE) {
-        BLLogCtrl::debug(631, QStringLiteral("[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
+        BLLogCtrl::debug(
+            631,
+            QStringLiteral("[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
         resetWindowSize();
     }
 }
@@ -142,7 +144,8 @@ void BLMainWindowCtrl::applicationDidUnhideNotification()
 QSizeF BLMainWindowCtrl::windowWillResize(const QSizeF& proposedSize) const
 {
     const QSizeF minimum = m_view.minimumWindowSize();
-    return {std::max(proposedSize.width(), minimum.width()), std::max(proposedSize.height(), minimum.height())};
+    return {std::max(proposedSize.width(), minimum.width()),
+            std::max(proposedSize.height(), minimum.height())};
 }
 
 bool BLMainWindowCtrl::windowShouldZoom(const QRectF& newFrame)

@@ -12,29 +12,11 @@ namespace {
 constexpr int kProcessId = 657;
 
 // Date order setting (0 year-month-day, 1 month-day-year, 2 day-month-year)
-// to dialog row (0 year-month-day, 1 day-month-year, 2 month-day-year), and back.
-int rowForDateFormat(int format)
+// to dialog row (0 year-month-day, 1 day-month-year, 2 month-day-year). The
+// mapping swaps 1 and 2, so it also turns a row back into the setting.
+int dateOrderRowOrFormat(int value)
 {
-    switch (format) {
-    case 1:
-        return 2;
-    case 2:
-        return 1;
-    default:
-        return 0;
-    }
-}
-
-int dateFormatForRow(int row)
-{
-    switch (row) {
-    case 1:
-        return 2;
-    case 2:
-        return 1;
-    default:
-        return 0;
-    }
+    return value == 1 ? 2 : value == 2 ? 1 : 0;
 }
 
 QString orderName(int format)
@@ -88,7 +70,7 @@ void BLPreferencesCtrl::readData()
     const BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
     const int format = plist->getDateFormat();
     const QString pause = plist->getDatePauseChar();
-    m_view.setDateOrderRow(rowForDateFormat(format));
+    m_view.setDateOrderRow(dateOrderRowOrFormat(format));
     m_view.selectSeparator(pause);
     m_view.setResolutionRow(plist->getLowResolution());
     log(QStringLiteral("[BLPreferencesCtrl readData]    orderDate:") + orderName(format));
@@ -99,7 +81,7 @@ void BLPreferencesCtrl::readData()
 void BLPreferencesCtrl::writeData()
 {
     log(QStringLiteral("[BLPreferencesCtrl writeData] Start"));
-    const int format = dateFormatForRow(m_view.dateOrderRow());
+    const int format = dateOrderRowOrFormat(m_view.dateOrderRow());
     const QString pause = m_view.selectedSeparator();
     BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
     plist->setDateFormat(format);
@@ -115,6 +97,7 @@ void BLPreferencesCtrl::writeData()
 
 void BLPreferencesCtrl::showSample()
 {
-    m_view.setSampleText(BLCommon::makeDateStringFromCalendarData(
-        QDateTime::currentDateTime(), dateFormatForRow(m_view.dateOrderRow()), m_view.selectedSeparator()));
+    m_view.setSampleText(BLCommon::makeDateStringFromCalendarData(QDateTime::currentDateTime(),
+                                                                  dateOrderRowOrFormat(m_view.dateOrderRow()),
+                                                                  m_view.selectedSeparator()));
 }

@@ -87,7 +87,8 @@ void BLApplication::applicationDidFinishLaunching()
 
 void BLApplication::applicationShouldTerminateAfterLastWindowClosed()
 {
-    BLLogCtrl::debug(0, QStringLiteral("[BLApplication applicationShouldTerminateAfterLastWindowClosed] return:YES"));
+    BLLogCtrl::debug(
+        0, QStringLiteral("[BLApplication applicationShouldTerminateAfterLastWindowClosed] return:YES"));
     terminate();
 }
 
@@ -121,9 +122,10 @@ void BLApplication::onAbout()
     QMessageBox box(m_mainWindow.get());
     box.setWindowTitle(QStringLiteral("About ORX Clipwright"));
     box.setText(QStringLiteral("ORX Clipwright"));
-    box.setInformativeText(QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move, "
-                                          "delete, divide and combine folders, import MP4 files and "
-                                          "export MPEG-2 transport streams."));
+    box.setInformativeText(
+        QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move, "
+                       "delete, divide and combine folders, import MP4 files and "
+                       "export MPEG-2 transport streams."));
     box.setStandardButtons(QMessageBox::Ok);
     box.button(QMessageBox::Ok)->setText(BLLocalizedString(QStringLiteral("BTN_STYLE_OK")));
     localizedTitleByObject(&box);

@@ -31,11 +31,8 @@ QGroupBox* radioRows(const QString& title, const QStringList& rows, QButtonGroup
 } // namespace
 
 PreferencesDialog::PreferencesDialog(QWidget* parent)
-    : QDialog(parent),
-      m_orderDate(new QButtonGroup(this)),
-      m_orderResolution(new QButtonGroup(this)),
-      m_pauseChar(new QComboBox(this)),
-      m_sampleText(new QLineEdit(this))
+    : QDialog(parent), m_orderDate(new QButtonGroup(this)), m_orderResolution(new QButtonGroup(this)),
+      m_pauseChar(new QComboBox(this)), m_sampleText(new QLineEdit(this))
 {
     setWindowTitle(QStringLiteral("Preferences"));
     auto* layout = new QVBoxLayout(this);

@@ -15,15 +15,10 @@
 #include <QWindowStateChangeEvent>
 
 SCMainWindow::SCMainWindow(QWidget* parent)
-    : QMainWindow(parent),
-      m_hkWindow(new HouseKeepingSheet(this)),
-      m_mediaInfoFrame1(new SCFrameView),
-      m_mediaInfoFrame2(new SCFrameView),
-      m_mediaInfoView1(m_mediaInfoFrame1->contentView()),
-      m_mediaInfoView2(m_mediaInfoFrame2->contentView()),
-      m_previewFrame(new SCFrameView),
-      m_previewView(m_previewFrame->contentView()),
-      m_splitView(new QSplitter(Qt::Vertical))
+    : QMainWindow(parent), m_hkWindow(new HouseKeepingSheet(this)), m_mediaInfoFrame1(new SCFrameView),
+      m_mediaInfoFrame2(new SCFrameView), m_mediaInfoView1(m_mediaInfoFrame1->contentView()),
+      m_mediaInfoView2(m_mediaInfoFrame2->contentView()), m_previewFrame(new SCFrameView),
+      m_previewView(m_previewFrame->contentView()), m_splitView(new QSplitter(Qt::Vertical))
 {
     setWindowTitle(QStringLiteral("Clipwright"));
     setMinimumSize(kMinimumWidth, kMinimumHeight);
@@ -228,8 +223,8 @@ QRectF SCMainWindow::maximizedFrame() const
 {
     const QRect outer = frameGeometry();
     const QRect inner = geometry();
-    const QMargins decoration(inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
-                              outer.bottom() - inner.bottom());
+    const QMargins decoration(inner.left() - outer.left(), inner.top() - outer.top(),
+                              outer.right() - inner.right(), outer.bottom() - inner.bottom());
     const QScreen* current = screen();
     const QRect available = current ? current->availableGeometry() : screenFrame().toRect();
     return QRectF(available.marginsRemoved(decoration));

@@ -26,8 +26,7 @@ QString replacementFor(const QString& title)
     return text == title ? QString() : text;
 }
 
-template <typename Get, typename Set>
-void localize(Get get, Set set)
+template <typename Get, typename Set> void localize(Get get, Set set)
 {
     const QString text = replacementFor(get());
     if (!text.isEmpty())
@@ -59,7 +58,8 @@ private:
     void widget(QWidget* widget)
     {
         if (widget->isWindow())
-            localize([&] { return widget->windowTitle(); }, [&](const QString& t) { widget->setWindowTitle(t); });
+            localize([&] { return widget->windowTitle(); },
+                     [&](const QString& t) { widget->setWindowTitle(t); });
 
         if (auto* button = qobject_cast<QAbstractButton*>(widget))
             localize([&] { return button->text(); }, [&](const QString& t) { button->setText(t); });
@@ -68,14 +68,17 @@ private:
         else if (auto* group = qobject_cast<QGroupBox*>(widget))
             localize([&] { return group->title(); }, [&](const QString& t) { group->setTitle(t); });
         else if (auto* edit = qobject_cast<QLineEdit*>(widget))
-            localize([&] { return edit->placeholderText(); }, [&](const QString& t) { edit->setPlaceholderText(t); });
+            localize([&] { return edit->placeholderText(); },
+                     [&](const QString& t) { edit->setPlaceholderText(t); });
         else if (auto* combo = qobject_cast<QComboBox*>(widget))
             for (int i = 0; i < combo->count(); ++i)
-                localize([&] { return combo->itemText(i); }, [&](const QString& t) { combo->setItemText(i, t); });
+                localize([&] { return combo->itemText(i); },
+                         [&](const QString& t) { combo->setItemText(i, t); });
         else if (auto* tabs = qobject_cast<QTabWidget*>(widget))
             for (int i = 0; i < tabs->count(); ++i)
                 localize([&] { return tabs->tabText(i); }, [&](const QString& t) { tabs->setTabText(i, t); });
-        else if (auto* view = qobject_cast<QAbstractItemView*>(widget); view && !qobject_cast<QHeaderView*>(view))
+        else if (auto* view = qobject_cast<QAbstractItemView*>(widget);
+                 view && !qobject_cast<QHeaderView*>(view))
             headers(view);
 
         if (auto* menu = qobject_cast<QMenu*>(widget))

@@ -8,17 +8,29 @@
 #include <memory>
 
 namespace {
-enum Piece { Left, Top, Right, Bottom, TopLeft, BottomLeft, TopRight, BottomRight, PieceCount };
+enum Piece
+{
+    Left,
+    Top,
+    Right,
+    Bottom,
+    TopLeft,
+    BottomLeft,
+    TopRight,
+    BottomRight,
+    PieceCount
+};
 
 const std::array<std::unique_ptr<QSvgRenderer>, PieceCount>& pieces()
 {
     static const auto loaded = [] {
-        static const char* const kNames[PieceCount] = {"waku_left",     "waku_up_middle",   "waku_right",
-                                                       "waku_bottom_middle", "waku_up_left", "waku_bottom_left",
-                                                       "waku_up_right", "waku_bottom_right"};
+        static const char* const kNames[PieceCount] = {
+            "waku_left",    "waku_up_middle",   "waku_right",    "waku_bottom_middle",
+            "waku_up_left", "waku_bottom_left", "waku_up_right", "waku_bottom_right"};
         std::array<std::unique_ptr<QSvgRenderer>, PieceCount> renderers;
         for (int i = 0; i < PieceCount; ++i)
-            renderers[i] = std::make_unique<QSvgRenderer>(QStringLiteral(":/images/%1.svg").arg(QLatin1String(kNames[i])));
+            renderers[i] = std::make_unique<QSvgRenderer>(
+                QStringLiteral(":/images/%1.svg").arg(QLatin1String(kNames[i])));
         return renderers;
     }();
     return loaded;

@@ -24,5 +24,6 @@ int SCMessageBoxPresenter::showAlert(const SCAlert& alert)
     box.setDefaultButton(buttons.first());
     box.setEscapeButton(buttons.last());
     box.exec();
-    return buttons.indexOf(static_cast<QPushButton*>(box.clickedButton())) == 1 ? kSecondButton : kFirstButton;
+    return buttons.indexOf(static_cast<QPushButton*>(box.clickedButton())) == 1 ? kSecondButton
+                                                                                : kFirstButton;
 }

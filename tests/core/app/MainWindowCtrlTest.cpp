@@ -95,24 +95,26 @@ TEST_F(MainWindowCtrlTest, FirstStartCentresTheDefaultSizeAndStoresNoOrigin)
 
 TEST_F(MainWindowCtrlTest, StoredOriginIsUsedOnlyWhenBothCoordinatesArePresent)
 {
-    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0},
-                                                {"MAIN_WIN_X", 40.0}});
+    cwtest::writeSettings(home().configHome(),
+                          {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0}, {"MAIN_WIN_X", 40.0}});
     {
         BLMainWindowCtrl ctrl(view);
         ctrl.readData();
         EXPECT_EQ(view.frame, QRectF(360, 90, 1200, 900)); // X alone: centred, stored size
     }
     cwtest::releaseSingletons();
-    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0},
-                                                {"MAIN_WIN_Y", 30.0}});
+    cwtest::writeSettings(home().configHome(),
+                          {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0}, {"MAIN_WIN_Y", 30.0}});
     {
         BLMainWindowCtrl ctrl(view);
         ctrl.readData();
         EXPECT_EQ(view.frame, QRectF(360, 90, 1200, 900)); // Y alone: centred as well
     }
     cwtest::releaseSingletons();
-    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0},
-                                                {"MAIN_WIN_X", -40.0}, {"MAIN_WIN_Y", 30.0}});
+    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 1200.0},
+                                                {"MAIN_WIN_HEIGHT", 900.0},
+                                                {"MAIN_WIN_X", -40.0},
+                                                {"MAIN_WIN_Y", 30.0}});
     BLMainWindowCtrl ctrl(view);
     ctrl.readData();
     EXPECT_EQ(view.frame, QRectF(-40, 30, 1200, 900));
@@ -132,7 +134,8 @@ TEST_F(MainWindowCtrlTest, ClosingSavesTheFrameThenLogsTheEndBanner)
     double y = 0;
     ASSERT_TRUE(plist->getMainWindowX(&x));
     ASSERT_TRUE(plist->getMainWindowY(&y));
-    EXPECT_EQ(QRectF(x, y, plist->getMainWindowWidth(), plist->getMainWindowHeight()), QRectF(12, 34, 1111, 777));
+    EXPECT_EQ(QRectF(x, y, plist->getMainWindowWidth(), plist->getMainWindowHeight()),
+              QRectF(12, 34, 1111, 777));
 
     EXPECT_EQ(logMessages(home()),
               QStringList({"0000:[BLMainWindowCtrl windowWillCloseNotification]",
@@ -165,8 +168,10 @@ TEST_F(MainWindowCtrlTest, ResetWindowSizeIsOfferedOnlyToTheVisibleKeyWindow)
 
 TEST_F(MainWindowCtrlTest, ResetWindowSizeLogsAndCentresTheDefaultSizeWithTheUpperSideAtItsMinimum)
 {
-    cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}, {"MAIN_WIN_WIDTH", 1500.0},
-                                                {"MAIN_WIN_HEIGHT", 1000.0}, {"MAIN_WIN_X", 5.0},
+    cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
+                                                {"MAIN_WIN_WIDTH", 1500.0},
+                                                {"MAIN_WIN_HEIGHT", 1000.0},
+                                                {"MAIN_WIN_X", 5.0},
                                                 {"MAIN_WIN_Y", 6.0}});
     BLMainWindowCtrl ctrl(view);
     ctrl.awakeFromNib();

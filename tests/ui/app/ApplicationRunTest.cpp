@@ -112,13 +112,14 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         EXPECT_EQ(log.count(kEndBanner), 2);
         EXPECT_EQ(log.count("0000:" + QString(99, '*')), 3);
         EXPECT_EQ(log.count("0000:[BLMainWindowCtrl windowWillCloseNotification]"), 1);
-        const QStringList order = {"0000:[SCMainWindow windowShouldClose] return:TRUE",
-                                   "0000:[BLMainWindowCtrl windowWillCloseNotification]",
-                                   kEndBanner,
-                                   "0000:[BLApplication applicationShouldTerminateAfterLastWindowClosed] return:YES",
-                                   "0000:[BLApplication applicationShouldTerminate] return:NSTerminateNow",
-                                   "0000:[BLApplication applicationWillTerminate]",
-                                   kEndBanner};
+        const QStringList order = {
+            "0000:[SCMainWindow windowShouldClose] return:TRUE",
+            "0000:[BLMainWindowCtrl windowWillCloseNotification]",
+            kEndBanner,
+            "0000:[BLApplication applicationShouldTerminateAfterLastWindowClosed] return:YES",
+            "0000:[BLApplication applicationShouldTerminate] return:NSTerminateNow",
+            "0000:[BLApplication applicationWillTerminate]",
+            kEndBanner};
         qsizetype from = 0;
         for (const QString& line : order) {
             from = log.indexOf(line, from);

@@ -171,8 +171,9 @@ TEST_F(MainWindowTest, ResetWindowSizeIsDisabledWhileAModalDialogIsInFront)
 
 TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeWithTheUpperSideAtItsMinimum)
 {
-    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 700.0},
-                                                {"MAIN_WIN_X", 10.0}, {"MAIN_WIN_Y", 20.0}});
+    cwtest::writeSettings(
+        home().configHome(),
+        {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 700.0}, {"MAIN_WIN_X", 10.0}, {"MAIN_WIN_Y", 20.0}});
     start();
     ASSERT_EQ(window->size(), QSize(900, 700));
     window->validateMenuItems();
@@ -255,9 +256,9 @@ TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
 
     const QString end = "0000:**************************************** Application end   "
                         "****************************************";
-    EXPECT_EQ(logMessages(home()),
-              QStringList({"0000:[SCMainWindow windowShouldClose] return:TRUE",
-                           "0000:[BLMainWindowCtrl windowWillCloseNotification]", end, "0000:" + QString(99, '*')}));
+    EXPECT_EQ(logMessages(home()), QStringList({"0000:[SCMainWindow windowShouldClose] return:TRUE",
+                                                "0000:[BLMainWindowCtrl windowWillCloseNotification]", end,
+                                                "0000:" + QString(99, '*')}));
     cwtest::releaseSingletons();
     double x = 0;
     double y = 0;
@@ -273,7 +274,8 @@ TEST_F(MainWindowTest, EveryTitleOfTheWindowsHasATableEntry)
     QStringList titles;
     collectTitles(window.get(), titles); // menus, housekeeping sheet and the Preferences dialog too
     // Dialog buttons carry the message-box button texts.
-    const QStringList buttonTexts = {BLCommon::sharedCtrl()->getBtnLabel(1, 0), BLCommon::sharedCtrl()->getBtnLabel(1, 1)};
+    const QStringList buttonTexts = {BLCommon::sharedCtrl()->getBtnLabel(1, 0),
+                                     BLCommon::sharedCtrl()->getBtnLabel(1, 1)};
     QStringList missing;
     for (const QString& title : titles)
         if (!title.isEmpty() && !BLLocalizedStrings::contains(title) && !buttonTexts.contains(title))

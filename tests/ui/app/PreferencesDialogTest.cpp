@@ -1,10 +1,10 @@
+#include "ui/app/PreferencesDialog.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/app/BLPreferencesCtrl.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
-#include "ui/app/PreferencesDialog.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -56,7 +56,8 @@ protected:
         dialog = std::make_unique<PreferencesDialog>();
         ctrl = std::make_unique<BLPreferencesCtrl>(*dialog);
         dialog->setController(ctrl.get());
-        for (const QString& name : {SC::SCDateFormatDidChangeNotification, SC::SCResolutionDidChangeNotification})
+        for (const QString& name :
+             {SC::SCDateFormatDidChangeNotification, SC::SCResolutionDidChangeNotification})
             SCNotificationCenter::defaultCenter()->addObserver(
                 this, name, [this](const SCNotification& n) { posted << n.name; });
     }
@@ -155,7 +156,8 @@ TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeR
         });
         EXPECT_TRUE(posted.isEmpty()); // posted when the program is next idle
         flushNotifications();
-        EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification, SC::SCResolutionDidChangeNotification}));
+        EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification,
+                                       SC::SCResolutionDidChangeNotification}));
 
         const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
         ASSERT_TRUE(onDisk.has_value());
@@ -166,9 +168,9 @@ TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeR
     const QStringList log = logMessages(home());
     const qsizetype ok = log.lastIndexOf("0657:[BLPreferencesCtrl onOK] onOK");
     ASSERT_GE(ok, 0);
-    EXPECT_EQ(log.mid(ok), QStringList({"0657:[BLPreferencesCtrl onOK] onOK",
-                                        "0657:[BLPreferencesCtrl writeData] Start",
-                                        "0657:[BLPreferencesCtrl writeData]    orderDate:MDY",
-                                        "0657:[BLPreferencesCtrl writeData]    pauseChar:.",
-                                        "0657:[BLPreferencesCtrl writeData] End"}));
+    EXPECT_EQ(log.mid(ok),
+              QStringList({"0657:[BLPreferencesCtrl onOK] onOK", "0657:[BLPreferencesCtrl writeData] Start",
+                           "0657:[BLPreferencesCtrl writeData]    orderDate:MDY",
+                           "0657:[BLPreferencesCtrl writeData]    pauseChar:.",
+                           "0657:[BLPreferencesCtrl writeData] End"}));
 }

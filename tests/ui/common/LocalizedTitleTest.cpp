@@ -51,8 +51,8 @@ TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTre
     QAction* yes = menu->addAction("BTN_STYLE_YES");
     QMenu* submenu = menu->addMenu("LOCALIZED_FOLDER_CREATE_TITLE");
     QAction* no = submenu->addAction("BTN_STYLE_NO");
-    for (QWidget* w : std::initializer_list<QWidget*>{ok, dots, unknown, same, empty, group, combo, edit, tabs, table,
-                                                      tree, bar})
+    for (QWidget* w : std::initializer_list<QWidget*>{ok, dots, unknown, same, empty, group, combo, edit,
+                                                      tabs, table, tree, bar})
         layout->addWidget(w);
 
     localizedTitleByObject(&dialog);

@@ -1,7 +1,7 @@
 #include "core/common/BLCommon.h"
 #include "core/common/BLLocalizedStrings.h"
-#include "ui/common/SCMessageBoxPresenter.h"
 #include "support/QtPrinters.h"
+#include "ui/common/SCMessageBoxPresenter.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -100,8 +100,9 @@ TEST(MessageBoxPresenterTest, MessageBoxesOfTheProgramShowTheTableTexts)
     SCMessageBoxPresenter presenter;
     BLCommon::setMessagePresenter(&presenter);
     Shown shown;
-    const int answer = answerBox([] { return BLCommon::sharedCtrl()->messageBox("MSG_632_3100", "MSG_632_3101", 0, 1); },
-                                 click("Cancel"), &shown);
+    const int answer =
+        answerBox([] { return BLCommon::sharedCtrl()->messageBox("MSG_632_3100", "MSG_632_3101", 0, 1); },
+                  click("Cancel"), &shown);
     BLCommon::setMessagePresenter(nullptr);
 
     EXPECT_EQ(answer, IMessagePresenter::kSecondButton);
