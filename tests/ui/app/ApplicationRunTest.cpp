@@ -88,7 +88,10 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         environment.insert("XDG_STATE_HOME", state);
         environment.insert("XDG_CACHE_HOME", home.filePath(".cache"));
         environment.insert("XDG_DATA_HOME", home.filePath(".local/share"));
-        environment.insert("XDG_RUNTIME_DIR", home.path());
+        const QString runtime = home.filePath(".runtime");
+        QDir().mkpath(runtime);
+        QFile::setPermissions(runtime, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        environment.insert("XDG_RUNTIME_DIR", runtime);
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         QProcess process;
         process.setProcessEnvironment(environment);
