@@ -1,9 +1,12 @@
 #include "core/common/BLCommon.h"
 
+#include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLLocalizedStrings.h"
+#include "core/common/BLProgressThread.h"
 #include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/model/BLVolumeProvider.h"
 
@@ -13,6 +16,13 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTimeZone>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <mutex>
@@ -80,6 +90,89 @@ void setTcFrames(BLCommon::Timecode* tc, int v) { (*tc)[0] = packBcd((*tc)[0], v
 void setTcSeconds(BLCommon::Timecode* tc, int v) { (*tc)[1] = packBcd((*tc)[1], v, 0x7); }
 void setTcMinutes(BLCommon::Timecode* tc, int v) { (*tc)[2] = packBcd((*tc)[2], v, 0x7); }
 void setTcHours(BLCommon::Timecode* tc, int v) { (*tc)[3] = packBcd((*tc)[3], v, 0x3); }
+
+std::atomic<int> g_tempNameCounter{0};
+
+constexpr int kCommonLogId = 601;
+
+bool pathExists(const QString& path)
+{
+    struct stat st {};
+    return lstat(QFile::encodeName(path).constData(), &st) == 0; // a dangling link exists too
+}
+
+// One rename that never replaces an existing destination; across file systems
+// the item is copied and the source removed.
+bool moveOnce(const QString& source, const QString& destination)
+{
+    const QByteArray from = QFile::encodeName(source);
+    const QByteArray to = QFile::encodeName(destination);
+    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EINVAL || errno == ENOSYS) { // the file system cannot refuse to replace
+        if (pathExists(destination))
+            return false;
+        if (::rename(from.constData(), to.constData()) == 0)
+            return true;
+    }
+    if (errno != EXDEV || pathExists(destination) || !BLCommon::copyFile(source, destination))
+        return false;
+    // The copy is complete; a source that cannot be removed stays as well, so nothing is lost.
+    return BLCommon::removeFile(source);
+}
+
+ssize_t readFully(int fd, char* buffer, qint64 length)
+{
+    qint64 done = 0;
+    while (done < length) {
+        const ssize_t n = ::read(fd, buffer + done, size_t(length - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            break;
+        done += n;
+    }
+    return ssize_t(done);
+}
+
+bool writeFully(int fd, const char* buffer, qint64 length)
+{
+    qint64 done = 0;
+    while (done < length) {
+        const ssize_t n = ::write(fd, buffer + done, size_t(length - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += n;
+    }
+    return true;
+}
+
+bool flushToDisk(int fd)
+{
+#ifdef __linux__
+    return fdatasync(fd) == 0;
+#else
+    return fsync(fd) == 0;
+#endif
+}
+
+// The folder names of a path without their extensions ("ABC.d" -> "ABC").
+QString withoutExtension(const QString& name)
+{
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot > 0 ? name.left(dot) : name;
+}
+
+int folderCount(const QString& folder, const QString& sub)
+{
+    if (!BLCommon::isBPAVFolder(folder))
+        return 0;
+    return int(BLCommon::getFolders(QDir(BLCommon::getPathOfBPAV(folder)).filePath(sub)).size());
+}
 
 // "+09:00" style offset of a date in its own time zone.
 QString utcOffsetText(const QDateTime& date)
@@ -524,6 +617,28 @@ bool BLCommon::compareVolumes(const QString& path, const QString& path2)
     return getVolumeName(path) == getVolumeName(path2);
 }
 
+bool BLCommon::isCLPRFolder(const QString& folder)
+{
+    const QString clpr = QDir(getPathOfBPAV(folder)).filePath(QStringLiteral("CLPR"));
+    return isFolder(clpr) || createNewFolderWithParent(clpr);
+}
+
+bool BLCommon::isTAKRFolder(const QString& folder)
+{
+    const QString takr = QDir(getPathOfBPAV(folder)).filePath(QStringLiteral("TAKR"));
+    return isFolder(takr) || createNewFolderWithParent(takr);
+}
+
+bool BLCommon::createFixedFolders(const QString& folder)
+{
+    const QString bpav = getPathOfBPAV(folder);
+    for (const QString& path : {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")),
+                                QDir(bpav).filePath(QStringLiteral("TAKR"))})
+        if (!isFolder(path) && !createNewFolder(path))
+            return false;
+    return true;
+}
+
 // ---- file and folder tests ----
 
 bool BLCommon::isFolder(const QString& path)
@@ -590,6 +705,315 @@ QStringList BLCommon::getFolders(const QString& path)
     return folders;
 }
 
+QString BLCommon::getDisplayName(const QString& path)
+{
+    const QString clean = QDir::cleanPath(path);
+    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
+    for (const BLVolume& volume : volumes)
+        if (QDir::cleanPath(volume.rootPath) == clean && !volume.displayName.isEmpty())
+            return volume.displayName;
+    return QFileInfo(clean).fileName();
+}
+
+QString BLCommon::getDisplayName(const QString& parent, const QString& name)
+{
+    return getDisplayName(QDir(parent).filePath(name));
+}
+
+bool BLCommon::isSameDisplayName(const QString& path)
+{
+    return getDisplayName(path) == QFileInfo(QDir::cleanPath(path)).fileName();
+}
+
+QString BLCommon::getDisplayPath(const QString& path)
+{
+    const QString clean = QDir::cleanPath(path);
+    QString root = getVolumeName(clean);
+    if (root.size() > 1)
+        root.chop(1);
+    QString text = getDisplayName(root) + QLatin1Char(':');
+    const QStringList below = clean.mid(root.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    QString current = root;
+    for (const QString& name : below) {
+        current = QDir(current).filePath(name);
+        text += getDisplayName(current) + QLatin1Char(':');
+    }
+    return text;
+}
+
+bool BLCommon::doSalvage(const QString& folder)
+{
+    const QString bpav = getPathOfBPAV(folder);
+    const QStringList names = getFileList(bpav);
+    for (const QString& name : names) {
+        const QString suffix = QFileInfo(name).suffix();
+        if ((suffix.compare(QLatin1String("SLV"), Qt::CaseInsensitive) == 0 ||
+             suffix.compare(QLatin1String("STS"), Qt::CaseInsensitive) == 0) &&
+            isFiles(QDir(bpav).filePath(name)))
+            return true;
+    }
+    return false;
+}
+
+// ---- file operations ----
+
+bool BLCommon::createNewFolder(const QString& path)
+{
+    return !path.isEmpty() && QDir().mkdir(path);
+}
+
+bool BLCommon::createNewFolderWithParent(const QString& path)
+{
+    return !path.isEmpty() && QDir().mkpath(path);
+}
+
+bool BLCommon::createNewFile(const QString& path)
+{
+    if (path.isEmpty())
+        return false;
+    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    return fd >= 0 && ::close(fd) == 0;
+}
+
+bool BLCommon::removeFile(const QString& path)
+{
+    if (path.isEmpty() || !pathExists(path))
+        return false;
+    const QFileInfo info(path);
+    if (info.isDir() && !info.isSymLink())
+        return QDir(path).removeRecursively();
+    return QFile::remove(path);
+}
+
+bool BLCommon::copyFile(const QString& source, const QString& toFile)
+{
+    if (source.isEmpty() || toFile.isEmpty() || pathExists(toFile))
+        return false;
+    const QFileInfo info(source);
+    if (info.isSymLink()) { // the link itself, with its target as written
+        char target[4096];
+        const ssize_t length = ::readlink(QFile::encodeName(source).constData(), target, sizeof target);
+        return length > 0 && length < ssize_t(sizeof target) &&
+               ::symlink(QByteArray(target, length).constData(), QFile::encodeName(toFile).constData()) == 0;
+    }
+    if (!info.isDir())
+        return QFile::copy(source, toFile);
+
+    if (!QDir().mkdir(toFile))
+        return false;
+    const QStringList names = getFileList(source);
+    for (const QString& name : names) {
+        if (!copyFile(QDir(source).filePath(name), QDir(toFile).filePath(name))) {
+            QDir(toFile).removeRecursively(); // no half copy
+            return false;
+        }
+    }
+    QFile::setPermissions(toFile, info.permissions());
+    return true;
+}
+
+bool BLCommon::moveFolder(const QString& source, const QString& toFolder)
+{
+    const QFileInfo from(QDir::cleanPath(source));
+    const QFileInfo to(QDir::cleanPath(toFolder));
+    const bool caseOnly = from.absolutePath() == to.absolutePath() && from.fileName() != to.fileName() &&
+                          from.fileName().compare(to.fileName(), Qt::CaseInsensitive) == 0;
+    if (!caseOnly)
+        return moveOnce(source, toFolder);
+
+    // On a file system that ignores case the new name is the old one; go
+    // through a temporary name in the same folder.
+    const qint64 seconds = QDateTime(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc()).secsTo(
+        QDateTime::currentDateTimeUtc());
+    QString temporary;
+    do {
+        temporary = QDir(from.absolutePath())
+                        .filePath(QString::asprintf(".%d-%lld-%d", int(getpid()), seconds, ++g_tempNameCounter));
+    } while (pathExists(temporary));
+    if (!moveOnce(source, temporary))
+        return false;
+    if (moveOnce(temporary, toFolder))
+        return true;
+    moveOnce(temporary, source);
+    return false;
+}
+
+int BLCommon::moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,
+                                   int* fromCount, int maxCount)
+{
+    if (!moveFolder(source, toPath))
+        return 2;
+    if (thread && fromCount && maxCount != 0) {
+        ++*fromCount;
+        thread->setProgress(*fromCount, 0, maxCount);
+        if (thread->isCancel())
+            return 3;
+    }
+    return 0;
+}
+
+bool BLCommon::removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from, int max)
+{
+    for (qsizetype i = paths.size() - 1; i >= 0; --i) {
+        const QString& path = paths.at(i);
+        const bool removed = removeFile(path);
+        BLLogCtrl::debug(kCommonLogId, QStringLiteral("[BLCommon removeFileWithProgress] path : ") + path);
+        if (!removed)
+            return false;
+        if (from)
+            ++*from;
+        if (thread) {
+            thread->setProgress(from ? *from : 0, 0, max);
+            if (thread->isCancel())
+                return false;
+            thread->waitThread();
+        }
+    }
+    return true;
+}
+
+int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                   qint64* fromSize, qint64 maxSize)
+{
+    constexpr qint64 kMiB = 1048576;
+    const int in = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
+    if (in < 0)
+        return 2;
+    struct stat st {};
+    if (fstat(in, &st) != 0 || S_ISDIR(st.st_mode)) {
+        ::close(in);
+        return 2;
+    }
+    // Never replaces an existing file: that one may be another clip's.
+    const int out = ::open(QFile::encodeName(toFile).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (out < 0) {
+        ::close(in);
+        return 2;
+    }
+    posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+
+    const std::unique_ptr<char[]> buffer(new char[kCopyChunkSize]);
+    qint64 done = fromSize ? *fromSize : 0;
+    qint64 copied = 0;
+    int result = 0;
+    for (;;) {
+        const ssize_t length = readFully(in, buffer.get(), kCopyChunkSize);
+        if (length < 0) {
+            result = 2;
+            break;
+        }
+        if (length == 0)
+            break;
+        if (!writeFully(out, buffer.get(), length) || !flushToDisk(out)) {
+            result = 2;
+            break;
+        }
+        copied += length;
+        done += length / kMiB;
+        if (fromSize)
+            *fromSize = done;
+        if (thread) {
+            thread->setProgress(double(qMin(done, maxSize)), 0, double(maxSize));
+            thread->waitThread();
+        }
+        if (length < kCopyChunkSize)
+            break; // the last chunk
+        if (copied < qint64(st.st_size) && thread && thread->isCancel()) {
+            result = 3;
+            break;
+        }
+    }
+    ::close(in);
+    if (::close(out) != 0 && result == 0)
+        result = 2;
+    return result;
+}
+
+// ---- names ----
+
+bool BLCommon::checkHyphenationCharacter(const QString& name)
+{
+    static const QString kForbidden = QStringLiteral(":/\\><?*\"|");
+    if (name.startsWith(QLatin1Char('.')))
+        return false;
+    for (const QChar c : name)
+        if (kForbidden.contains(c))
+            return false;
+    return checkReturnCode(name);
+}
+
+bool BLCommon::checkReturnCode(const QString& name)
+{
+    return !name.contains(QLatin1Char('\r')) && !name.contains(QLatin1Char('\n')) && !name.contains(QChar(0x00A5));
+}
+
+bool BLCommon::checkHyphenationCharacterForPath(const QString& path)
+{
+    const QStringList names = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (qsizetype i = names.size() - 1; i >= 0; --i)
+        if (!checkHyphenationCharacter(withoutExtension(names.at(i))))
+            return false;
+    return true;
+}
+
+bool BLCommon::checkNotInput(const QString& text)
+{
+    return !text.isEmpty();
+}
+
+bool BLCommon::checkSameName(const QString& folder, const QString& name)
+{
+    const QStringList names = getFileList(folder);
+    for (const QString& entry : names)
+        if (entry.compare(name, Qt::CaseInsensitive) == 0)
+            return false;
+    return true;
+}
+
+QString BLCommon::updateTakeUri(const QString& reference, int number)
+{
+    QStringList parts = reference.split(QLatin1Char('/'));
+    if (parts.size() < 2)
+        return reference;
+    for (QString& part : parts)
+        if (part == QLatin1String("CLPR"))
+            part = QStringLiteral("TAKR");
+    QString& folder = parts[parts.size() - 2];
+    folder += QString::asprintf("U%02d", number);
+    if (QFileInfo(parts.last()).suffix().compare(QLatin1String("XML"), Qt::CaseInsensitive) == 0)
+        parts.last() = folder + QStringLiteral("M01.XML");
+    return parts.join(QLatin1Char('/'));
+}
+
+QString BLCommon::updateSMIUri(const QString& reference, int number)
+{
+    const qsizetype slash = reference.lastIndexOf(QLatin1Char('/'));
+    const QString folder = reference.left(slash + 1);
+    return folder + withoutExtension(reference.mid(slash + 1)) + QString::asprintf("U%02d.SMI", number);
+}
+
+// ---- folder-count limits ----
+
+int BLCommon::getFolderCountInCLPR(const QString& folder)
+{
+    return folderCount(folder, QStringLiteral("CLPR"));
+}
+
+int BLCommon::getFolderCountInTAKR(const QString& folder)
+{
+    return folderCount(folder, QStringLiteral("TAKR"));
+}
+
+bool BLCommon::isExceedFolderLimit(const QString& folder)
+{
+    return getFolderCountInCLPR(folder) > kFolderLimit || getFolderCountInTAKR(folder) > kFolderLimit;
+}
+
+bool BLCommon::isExceedFolderLimitByImport(const QString& folder, int importMP4Files)
+{
+    return getFolderCountInCLPR(folder) + importMP4Files > kFolderLimit;
+}
+
 // ---- special folders ----
 
 QString BLCommon::createSpFolderPath(const QString& folderType) const
@@ -632,6 +1056,26 @@ void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& na
 void BLCommon::sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo)
 {
     SCNotificationCenter::defaultCenter()->postNow(SCNotification{name, sender, userInfo});
+}
+
+void BLCommon::sendDidDeleteNotification(const void* sender, const QStringList& delUmid,
+                                         const QString& selectFolder)
+{
+    sendNotification(sender, SC::SCTakeDidDeleteNotification,
+                     {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
+}
+
+void BLCommon::sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
+                                                 const QString& selectFolder)
+{
+    sendNotificationNotCoalesce(sender, SC::SCTakeDidDeleteNotification,
+                                {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
+}
+
+void BLCommon::sendDidAddNotification(const void* sender, const QString& path, const QVariant& takeDatas)
+{
+    sendNotification(sender, SC::SCTakeDidAddNotification,
+                     {{SC::SCAddSelectFolderKey, path}, {SC::SCAddTakeDatasKey, takeDatas}});
 }
 
 void BLCommon::setMessagePresenter(IMessagePresenter* presenter)

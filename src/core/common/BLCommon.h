@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 
+class BLProgressThread;
 class IMessagePresenter;
 
 // Shared helpers used by every controller: special folders, notifications
@@ -105,6 +106,11 @@ public:
     // "BPAV" or "PRIVATE": the top folder that holds the material.
     static QString visibleFolderNameOf(const QString& folder);
     static bool isBPAVFolder(const QString& folder);
+    // The BPAV folder's CLPR (TAKR) folder exists, or has just been created.
+    static bool isCLPRFolder(const QString& folder);
+    static bool isTAKRFolder(const QString& folder);
+    // Makes the BPAV folder, its CLPR and its TAKR where missing, in that order.
+    static bool createFixedFolders(const QString& folder);
     // The mount root of the volume holding the path, with a trailing "/";
     // "/" for the start-up disk.
     static QString getVolumeName(const QString& path);
@@ -123,6 +129,66 @@ public:
     static QStringList getFileList(const QString& path);
     // Names of the entries that are folders (for an empty path, volume paths).
     static QStringList getFolders(const QString& path);
+    // The name as shown to the user: a volume's own name for a volume root,
+    // else the name on disk.
+    static QString getDisplayName(const QString& path);
+    static QString getDisplayName(const QString& parent, const QString& name);
+    static bool isSameDisplayName(const QString& path);
+    // Display names from the volume down, each followed by ":" ("CARD:DCIM:").
+    static QString getDisplayPath(const QString& path);
+    // The BPAV folder holds an ".SLV" or ".STS" file: an unfinished recording.
+    static bool doSalvage(const QString& folder);
+
+    // ---- file operations (never replace an existing destination) ----
+    static bool createNewFolder(const QString& path);
+    static bool createNewFolderWithParent(const QString& path);
+    // A new empty file; no when the path exists.
+    static bool createNewFile(const QString& path);
+    // Removes a file, a link or a whole folder.
+    static bool removeFile(const QString& path);
+    // Copies a file or a whole folder (hidden entries and links included); a
+    // failed folder copy leaves nothing behind.
+    static bool copyFile(const QString& source, const QString& toFile);
+    // Moves (renames) a file or folder; across volumes by copy and removal.
+    // A change of case only is done through a temporary name.
+    static bool moveFolder(const QString& source, const QString& toFolder);
+    // Moves one item; with a worker and a maximum the count grows by one and is
+    // shown. 0 done, 2 failed, 3 cancelled (after the move).
+    static int moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,
+                                    int* fromCount, int maxCount);
+    // Removes the paths from the last to the first, counting and showing each;
+    // no on a failed removal or on cancel.
+    static bool removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from, int max);
+    // Copies a file in 10 MiB chunks, each flushed to disk, adding each chunk's
+    // whole MiB to fromSize and showing it against maxSize. 0 done, 2 a read or
+    // write error (or an existing destination), 3 cancelled between chunks; a
+    // partial destination stays for the caller.
+    static int copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                    qint64* fromSize, qint64 maxSize);
+    static constexpr qint64 kCopyChunkSize = 10485760;
+
+    // ---- names ----
+    // Acceptable as a file or folder name: no leading ".", none of : / \ > < ? * " |,
+    // no line breaks and no yen sign.
+    static bool checkHyphenationCharacter(const QString& name);
+    // No carriage return, line feed or yen sign.
+    static bool checkReturnCode(const QString& name);
+    // Every folder name of the path (extension removed) is acceptable.
+    static bool checkHyphenationCharacterForPath(const QString& path);
+    static bool checkNotInput(const QString& text);
+    // No when the folder holds an entry of that name ignoring case.
+    static bool checkSameName(const QString& folder, const QString& name);
+    // ./CLPR/ABC0001/ABC0001M01.XML with 1 -> ./TAKR/ABC0001U01/ABC0001U01M01.XML
+    static QString updateTakeUri(const QString& reference, int number);
+    // .../T0001.SMI with 2 -> .../T0001U02.SMI
+    static QString updateSMIUri(const QString& reference, int number);
+
+    // ---- folder-count limits (600 clip folders, 600 take folders) ----
+    static constexpr int kFolderLimit = 600;
+    static int getFolderCountInCLPR(const QString& folder);
+    static int getFolderCountInTAKR(const QString& folder);
+    static bool isExceedFolderLimit(const QString& folder);
+    static bool isExceedFolderLimitByImport(const QString& folder, int importMP4Files);
 
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if
@@ -139,6 +205,12 @@ public:
     void sendNotificationNotCoalesce(const void* sender, const QString& name, const QVariantMap& userInfo = {});
     // Posted at once; from a worker this waits until the main thread has delivered it.
     void sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo = {});
+    // SCTakeDidDeleteNotification with the deleted takes' UMIDs and their folder.
+    void sendDidDeleteNotification(const void* sender, const QStringList& delUmid, const QString& selectFolder);
+    void sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
+                                           const QString& selectFolder);
+    // SCTakeDidAddNotification with the folder and the added takes (a list of take records).
+    void sendDidAddNotification(const void* sender, const QString& path, const QVariant& takeDatas);
 
     // ---- messages ----
     // The presenter that shows alerts (not owned); without one, alerts answer

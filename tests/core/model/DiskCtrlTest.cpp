@@ -2,6 +2,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/model/BLDiskCtrl.h"
+#include "support/AsOrdinaryUser.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
@@ -12,8 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/fsuid.h>
-#include <unistd.h>
 
 namespace {
 
@@ -39,27 +38,6 @@ QStringList logLines(const cwtest::ScopedHome& home)
         lines << line.section(':', 3); // drop "YYYY/MM/DD hh:mm:ss PPPP:"
     return lines;
 }
-
-// Makes permission bits count while the tests run as root: file-system checks
-// of this thread are made as an ordinary user for the object's lifetime.
-class AsOrdinaryUser
-{
-public:
-    AsOrdinaryUser()
-        : m_root(geteuid() == 0)
-    {
-        if (m_root)
-            setfsuid(65534);
-    }
-    ~AsOrdinaryUser()
-    {
-        if (m_root)
-            setfsuid(0);
-    }
-
-private:
-    bool m_root;
-};
 
 void chmodTree(const QString& root, QFile::Permissions dirs, QFile::Permissions files)
 {
@@ -235,7 +213,7 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
     BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
 
     {
-        AsOrdinaryUser user;
+        cwtest::AsOrdinaryUser user;
         EXPECT_TRUE(disk->isWritableFolderPath(root));
         EXPECT_TRUE(disk->isReadableFolderPath(root));
         EXPECT_TRUE(disk->isDeletablePath(root));
@@ -247,7 +225,7 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
 
     QFile::setPermissions(clip + "/C0001M01.XML", kReadOnlyFile);
     {
-        AsOrdinaryUser user;
+        cwtest::AsOrdinaryUser user;
         EXPECT_FALSE(disk->isWritableFolderPath(root));
         EXPECT_FALSE(disk->isWritableFolderPath(clip));
         EXPECT_TRUE(disk->isWritableFolderPath(clip + "/C0001M01.XML")); // not a folder
@@ -264,7 +242,7 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
     QFile::setPermissions(root + "/BPAV/MEDIAPRO.XML", QFile::Permissions());
     QFile::setPermissions(clip, kReadOnlyDir);
     {
-        AsOrdinaryUser user;
+        cwtest::AsOrdinaryUser user;
         EXPECT_FALSE(disk->baseWritableCheck(root));
         EXPECT_FALSE(disk->baseReadableCheck(root));
         EXPECT_FALSE(disk->isReadableFolderPath(root));
