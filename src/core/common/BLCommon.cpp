@@ -121,36 +121,81 @@ bool moveOnce(const QString& source, const QString& destination)
     return BLCommon::removeFile(source);
 }
 
-ssize_t readFully(int fd, char* buffer, qint64 length)
+// Moves the source's next bytes to the destination, at both files' current
+// offsets: inside the kernel where the two file systems allow it, else
+// through a buffer.
+class ChunkCopier
 {
-    qint64 done = 0;
-    while (done < length) {
-        const ssize_t n = ::read(fd, buffer + done, size_t(length - done));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return -1;
-        if (n == 0)
-            break;
-        done += n;
-    }
-    return ssize_t(done);
-}
+public:
+    ChunkCopier(int in, int out, bool kernelCopy) : m_in(in), m_out(out), m_kernelCopy(kernelCopy) {}
 
-bool writeFully(int fd, const char* buffer, qint64 length)
-{
-    qint64 done = 0;
-    while (done < length) {
-        const ssize_t n = ::write(fd, buffer + done, size_t(length - done));
-        if (n < 0 && errno == EINTR)
-            continue;
+    // Copies up to length bytes; answers how many (0 at the end of the
+    // source) or -1 on a read or write error.
+    qint64 copy(qint64 length)
+    {
+        qint64 done = 0;
+        while (done < length) {
+            const qint64 n = m_kernelCopy ? copyInKernel(length - done) : copyThroughBuffer(length - done);
+            if (n < 0)
+                return -1;
+            if (n == 0)
+                break;
+            done += n;
+        }
+        return done;
+    }
+
+private:
+    qint64 copyInKernel(qint64 length)
+    {
+        for (;;) {
+            const ssize_t n = ::copy_file_range(m_in, nullptr, m_out, nullptr, size_t(length), 0);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n > 0)
+                m_kernelCopied = true;
+            if (n > 0 || m_kernelCopied)
+                return n; // n == 0: the end; n < 0: an error
+            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP &&
+                errno != EBADF)
+                return -1;
+            // Declined before copying anything (some file systems answer 0
+            // instead of refusing): plain reads decide.
+            m_kernelCopy = false;
+            return copyThroughBuffer(length);
+        }
+    }
+
+    qint64 copyThroughBuffer(qint64 length)
+    {
+        if (!m_buffer)
+            m_buffer.reset(new char[BLCommon::kCopyChunkSize]);
+        length = qMin(length, BLCommon::kCopyChunkSize);
+        ssize_t n;
+        do {
+            n = ::read(m_in, m_buffer.get(), size_t(length));
+        } while (n < 0 && errno == EINTR);
         if (n <= 0)
-            return false;
-        done += n;
+            return n;
+        for (ssize_t written = 0; written < n;) {
+            const ssize_t w = ::write(m_out, m_buffer.get() + written, size_t(n - written));
+            if (w < 0 && errno == EINTR)
+                continue;
+            if (w <= 0)
+                return -1;
+            written += w;
+        }
+        return n;
     }
-    return true;
-}
 
+    int m_in;
+    int m_out;
+    bool m_kernelCopy;
+    bool m_kernelCopied = false;
+    std::unique_ptr<char[]> m_buffer;
+};
+
+// Whole-file flush: data and the size, through the disk's own cache.
 bool flushToDisk(int fd)
 {
 #ifdef __linux__
@@ -158,6 +203,27 @@ bool flushToDisk(int fd)
 #else
     return fsync(fd) == 0;
 #endif
+}
+
+// Starts writing a range out to the disk without waiting.
+void startFlush(int fd, qint64 offset, qint64 length)
+{
+#ifdef __linux__
+    ::sync_file_range(fd, offset, length, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
+// Waits until a range has been written out to the disk.
+bool waitFlushed(int fd, qint64 offset, qint64 length)
+{
+#ifdef __linux__
+    if (::sync_file_range(fd, offset, length,
+                          SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS && errno != ESPIPE)
+        return false;
+#endif
+    return flushToDisk(fd);
 }
 
 // The folder names of a path without their extensions ("ABC.d" -> "ABC").
@@ -892,36 +958,47 @@ int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile,
     }
     posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
 
-    const std::unique_ptr<char[]> buffer(new char[kCopyChunkSize]);
+    // A chunk counts once it is on the disk. While the disk takes one chunk the
+    // next is already copied, so the disk never waits for the program; the
+    // last chunk is confirmed by flushing the whole file.
+    ChunkCopier copier(in, out, S_ISREG(st.st_mode));
     qint64 done = fromSize ? *fromSize : 0;
-    qint64 copied = 0;
+    qint64 offset = 0;
+    qint64 pendingOffset = 0;
+    qint64 pendingLength = 0;
     int result = 0;
     for (;;) {
-        const ssize_t length = readFully(in, buffer.get(), kCopyChunkSize);
+        const qint64 length = copier.copy(kCopyChunkSize);
         if (length < 0) {
             result = 2;
             break;
         }
+        if (length > 0)
+            startFlush(out, offset, length);
+        if (pendingLength > 0) {
+            const bool flushed = length > 0 ? waitFlushed(out, pendingOffset, pendingLength) : flushToDisk(out);
+            if (!flushed) {
+                result = 2;
+                break;
+            }
+            posix_fadvise(out, pendingOffset, pendingLength, POSIX_FADV_DONTNEED); // keep the cache for others
+            done += pendingLength / kMiB;
+            if (fromSize)
+                *fromSize = done;
+            if (thread) {
+                thread->setProgress(double(qMin(done, maxSize)), 0, double(maxSize));
+                thread->waitThread();
+                if (length > 0 && thread->isCancel()) { // between chunks: never after the last
+                    result = 3;
+                    break;
+                }
+            }
+        }
         if (length == 0)
             break;
-        if (!writeFully(out, buffer.get(), length) || !flushToDisk(out)) {
-            result = 2;
-            break;
-        }
-        copied += length;
-        done += length / kMiB;
-        if (fromSize)
-            *fromSize = done;
-        if (thread) {
-            thread->setProgress(double(qMin(done, maxSize)), 0, double(maxSize));
-            thread->waitThread();
-        }
-        if (length < kCopyChunkSize)
-            break; // the last chunk
-        if (copied < qint64(st.st_size) && thread && thread->isCancel()) {
-            result = 3;
-            break;
-        }
+        pendingOffset = offset;
+        pendingLength = length;
+        offset += length;
     }
     ::close(in);
     if (::close(out) != 0 && result == 0)
