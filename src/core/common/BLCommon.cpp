@@ -7,8 +7,10 @@
 #include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/metadata/DOLtcChange.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/model/BLVolumeProvider.h"
+#include "core/model/DOTakeData.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,6 +26,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <mutex>
 
@@ -266,8 +269,16 @@ void BLCommon::releaseCtrl()
 
 // ---- time code ----
 
+QString BLCommon::convertOfDurationByTakeData(const DOTakeData& take)
+{
+    const qint64 duration = take.getTakeDuration();
+    if (duration == 0)
+        return QStringLiteral("--:--:--:--");
+    return convertOfDurationByFrameCount(duration, take.getFormatFps(), take.getLtcChanges(), false);
+}
+
 QString BLCommon::convertOfDurationByFrameCount(qint64 frameCount, const QString& frameFps,
-                                                const QStringList& ltcChanges, bool isLtcTable)
+                                                const QList<DOLtcChange>& ltcChanges, bool isLtcTable)
 {
     qint64 n = qMax<qint64>(frameCount, 0);
     if (fpsInfo(frameFps).halved)
@@ -328,21 +339,27 @@ QString BLCommon::convertOfDurationByFrameCount(qint64 frameCount, const QString
     return QString::asprintf(drop ? "%02lld:%02lld.%02lld:%02lld" : "%02lld:%02lld:%02lld:%02lld", h, m, s, f);
 }
 
-bool BLCommon::isDropFrameByLtcChanges(const QStringList& ltcChanges, const QString& frameFps, int* outFrameRate)
+bool BLCommon::isDropFrameByLtcChanges(const QList<DOLtcChange>& ltcChanges, const QString& frameFps,
+                                       int* outFrameRate)
 {
     const FpsInfo info = fpsInfo(frameFps);
     if (outFrameRate)
         *outFrameRate = info.durationRate;
     if (!info.dropPossible)
         return false;
-    if (ltcChanges.isEmpty() || ltcChanges.first().isEmpty())
+    if (ltcChanges.isEmpty() || ltcChanges.first().getValue().isEmpty())
         return true;
-    return xtoi(ltcChanges.first().at(0)) > 3; // the drop-frame flag (bit 6 of the frames byte)
+    return xtoi(ltcChanges.first().getValue().at(0)) > 3; // the drop-frame flag (bit 6 of the frames byte)
 }
 
 int BLCommon::toHDV_FPS(bool /*is720: same rate either way*/, const QString& frameFps)
 {
     return fpsInfo(frameFps).timecodeRate;
+}
+
+bool BLCommon::Is720SP(const QList<DOTakeData>& takes)
+{
+    return std::any_of(takes.begin(), takes.end(), [](const DOTakeData& take) { return take.Is720SP(); });
 }
 
 bool BLCommon::LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange, quint32 offset, int fps)
@@ -358,24 +375,35 @@ bool BLCommon::LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange,
     return true;
 }
 
-bool BLCommon::GetTimecode(QString* out, const QStringList& ltcChanges, quint32 offset, int fps)
+bool BLCommon::GetTimecode(QString* out, const DOTakeData& take)
+{
+    return GetTimecode(out, take.getLtcChanges(), take.getOffset(), toHDV_FPS(take.Is720SP(), take.getFormatFps()));
+}
+
+bool BLCommon::GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps)
 {
     if (ltcChanges.isEmpty())
         return false;
     Timecode tc;
-    LTCCValueToTimecode(&tc, ltcChanges.first(), offset, fps);
+    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
     *out = QString::asprintf("%02d:%02d:%02d:%02d\n", tcHours(tc), tcMinutes(tc), tcSeconds(tc), tcFrames(tc));
     return true;
 }
 
-int BLCommon::GetStartFrames(const QStringList& ltcChanges, quint32 offset, int fps, int* dropFlag)
+int BLCommon::GetStartFrames(const DOTakeData& take, int* dropFlag)
+{
+    return GetStartFrames(take.getLtcChanges(), take.getOffset(), toHDV_FPS(take.Is720SP(), take.getFormatFps()),
+                          dropFlag);
+}
+
+int BLCommon::GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps, int* dropFlag)
 {
     if (dropFlag)
         *dropFlag = 0;
     if (ltcChanges.isEmpty())
         return 0;
     Timecode tc;
-    LTCCValueToTimecode(&tc, ltcChanges.first(), offset, fps);
+    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
     const int hours = tcHours(tc);
     const int minuteTens = (tc[2] >> 4) & 0x7;
     const int minuteUnits = tc[2] & 0xF;
@@ -396,7 +424,23 @@ int BLCommon::GetStartFrames(const QStringList& ltcChanges, quint32 offset, int 
     return (hours * 3600 + minutes * 60 + seconds) * fps + frames - 2 * (totalMinutes - totalMinutes / 10);
 }
 
-bool BLCommon::checkTimeCode(qint64 duration, const QString& frameFps, const QStringList& ltcChanges,
+bool BLCommon::checkTakeDuration(const QList<DOTakeData>& takes)
+{
+    for (const DOTakeData& take : takes) {
+        const QList<DOLtcChange>& ltc = take.getLtcChanges();
+        if (take.getClipData().isEmpty()) {
+            if (!checkTimeCode(take.getCurrentDuration(), take.getFormatFps(), ltc, take.getTakeSize()))
+                return false;
+            continue;
+        }
+        for (const DOClipData& clip : take.getClipData())
+            if (!checkTimeCode(clip.getCurrentDuration(), take.getFormatFps(), ltc, take.getTakeSize()))
+                return false;
+    }
+    return true;
+}
+
+bool BLCommon::checkTimeCode(qint64 duration, const QString& frameFps, const QList<DOLtcChange>& ltcChanges,
                              qint64 fileSize)
 {
     if (fileSize >= (qint64(1) << 32))
@@ -661,6 +705,53 @@ QString BLCommon::visibleFolderNameOf(const QString& folder)
 bool BLCommon::isBPAVFolder(const QString& folder)
 {
     return isFolder(getPathOfBPAV(folder));
+}
+
+QStringList BLCommon::getMp4FilePaths(const QString& folder, const DOTakeData& take, int* fileCount)
+{
+    QStringList references;
+    if (take.getClipData().isEmpty())
+        references << take.getMP4Uri();
+    for (const DOClipData& clip : take.getClipData())
+        references << clip.getMP4Uri();
+    QStringList paths;
+    const QString bpav = getPathOfBPAV(folder);
+    for (const QString& reference : std::as_const(references)) {
+        if (reference.isEmpty()) {
+            paths.clear();
+            break;
+        }
+        paths << makeFilePath(bpav, {reference});
+    }
+    if (fileCount)
+        *fileCount = int(paths.size());
+    return paths;
+}
+
+namespace {
+// The folder of the first set reference. A reference without an extension
+// names the folder itself (a clip folder standing for its missing take info).
+QString folderOfReferences(const QStringList& references)
+{
+    for (const QString& reference : references) {
+        if (reference.isEmpty())
+            continue;
+        if (QFileInfo(reference).suffix().isEmpty())
+            return reference;
+        return reference.left(qMax<qsizetype>(reference.lastIndexOf(QLatin1Char('/')), 0));
+    }
+    return QString();
+}
+} // namespace
+
+QString BLCommon::getFolderName(const DOTakeData& take)
+{
+    return folderOfReferences({take.getSMIUri(), take.getXMLUri(), take.getMP4Uri()});
+}
+
+QString BLCommon::getFolderName(const DOClipData& clip)
+{
+    return folderOfReferences({clip.getSMIUri(), clip.getXMLUri(), clip.getMP4Uri()});
 }
 
 QString BLCommon::getVolumeName(const QString& path)
@@ -1089,6 +1180,34 @@ bool BLCommon::isExceedFolderLimit(const QString& folder)
 bool BLCommon::isExceedFolderLimitByImport(const QString& folder, int importMP4Files)
 {
     return getFolderCountInCLPR(folder) + importMP4Files > kFolderLimit;
+}
+
+void BLCommon::getFolderCountFromTakeDatas(const QList<DOTakeData>& takes, int* outClip, int* outTake)
+{
+    int clips = 0;
+    int takeFolders = 0;
+    for (const DOTakeData& take : takes) {
+        if (take.getTakeStatus() >= 4)
+            continue; // loose or unusable: never copied
+        if (take.getSingleClipFlag()) {
+            ++clips;
+        } else {
+            ++takeFolders;
+            clips += int(take.getClipData().size());
+        }
+    }
+    if (outClip)
+        *outClip = clips;
+    if (outTake)
+        *outTake = takeFolders;
+}
+
+bool BLCommon::isExceedFolderLimitByCopy(const QString& folder, const QList<DOTakeData>& takes)
+{
+    int clips = 0;
+    int takeFolders = 0;
+    getFolderCountFromTakeDatas(takes, &clips, &takeFolders);
+    return getFolderCountInCLPR(folder) + clips > kFolderLimit || getFolderCountInTAKR(folder) + takeFolders > kFolderLimit;
 }
 
 // ---- special folders ----

@@ -9,6 +9,9 @@
 #include <atomic>
 
 class BLProgressThread;
+class DOClipData;
+class DOLtcChange;
+class DOTakeData;
 class IMessagePresenter;
 
 // Shared helpers used by every controller: special folders, notifications
@@ -27,28 +30,37 @@ public:
     // [1] seconds, [2] minutes, [3] hours.
     using Timecode = std::array<quint8, 4>;
 
-    // Duration text of a frame count. LTC changes are the value texts of the
-    // take's LTC change entries, in order. Display form "hh:mm:ss:ff", drop
-    // frame "hh:mm.ss:ff"; LTC-table form "FFSSMMHH" with frames + 40.
+    // The take's duration in the display form; "--:--:--:--" for 0.
+    static QString convertOfDurationByTakeData(const DOTakeData& take);
+    // Duration text of a frame count with a take's frame-rate name and LTC
+    // changes. Display form "hh:mm:ss:ff", drop frame "hh:mm.ss:ff"; LTC-table
+    // form "FFSSMMHH" with frames + 40.
     static QString convertOfDurationByFrameCount(qint64 frameCount, const QString& frameFps,
-                                                 const QStringList& ltcChanges, bool isLtcTable);
+                                                 const QList<DOLtcChange>& ltcChanges, bool isLtcTable);
     // Whether the time code is drop frame; the duration rate is stored in
     // outFrameRate (when given) in every case.
-    static bool isDropFrameByLtcChanges(const QStringList& ltcChanges, const QString& frameFps,
+    static bool isDropFrameByLtcChanges(const QList<DOLtcChange>& ltcChanges, const QString& frameFps,
                                         int* outFrameRate);
     // Time code rate of a frame-rate name (0 for an unknown name).
     static int toHDV_FPS(bool is720, const QString& frameFps);
+    // Any take of the list is 720-line progressive.
+    static bool Is720SP(const QList<DOTakeData>& takes);
     // Parses an eight-digit LTC change value and subtracts the offset; a
     // malformed value answers false with a zero time code.
     static bool LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange, quint32 offset, int fps);
     // "hh:mm:ss:ff\n" of the first LTC change less the offset; false without changes.
-    static bool GetTimecode(QString* out, const QStringList& ltcChanges, quint32 offset, int fps);
+    static bool GetTimecode(QString* out, const DOTakeData& take);
+    static bool GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps);
     // Frame count of the start time code (first LTC change less the offset);
     // 0 and flag 0 without changes. dropFlag receives the drop-frame flag.
-    static int GetStartFrames(const QStringList& ltcChanges, quint32 offset, int fps, int* dropFlag);
+    static int GetStartFrames(const DOTakeData& take, int* dropFlag);
+    static int GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps, int* dropFlag);
+    // Every clip (or clip-less take) passes checkTimeCode with its duration
+    // and the take's rate, LTC changes and size.
+    static bool checkTakeDuration(const QList<DOTakeData>& takes);
     // Yes for files of 4 GiB or more; otherwise yes when the display time code
     // of the duration stays below ten hours and its minutes below 30.
-    static bool checkTimeCode(qint64 duration, const QString& frameFps, const QStringList& ltcChanges,
+    static bool checkTimeCode(qint64 duration, const QString& frameFps, const QList<DOLtcChange>& ltcChanges,
                               qint64 fileSize);
     // Value of one hexadecimal digit; 0 for anything else.
     static int xtoi(QChar c);
@@ -111,6 +123,13 @@ public:
     static bool isTAKRFolder(const QString& folder);
     // Makes the BPAV folder, its CLPR and its TAKR where missing, in that order.
     static bool createFixedFolders(const QString& folder);
+    // Absolute paths of the take's essence files in clip order (its own without
+    // clips); empty with count 0 when one is missing.
+    static QStringList getMp4FilePaths(const QString& folder, const DOTakeData& take, int* fileCount);
+    // The folder holding the record's files, relative to the BPAV folder, from
+    // its take info, metadata or essence reference; "" when it has none.
+    static QString getFolderName(const DOTakeData& take);
+    static QString getFolderName(const DOClipData& clip);
     // The mount root of the volume holding the path, with a trailing "/";
     // "/" for the start-up disk.
     static QString getVolumeName(const QString& path);
@@ -189,6 +208,9 @@ public:
     static int getFolderCountInTAKR(const QString& folder);
     static bool isExceedFolderLimit(const QString& folder);
     static bool isExceedFolderLimitByImport(const QString& folder, int importMP4Files);
+    // Folders the takes would need (takes of status 4 and above need none).
+    static void getFolderCountFromTakeDatas(const QList<DOTakeData>& takes, int* outClip, int* outTake);
+    static bool isExceedFolderLimitByCopy(const QString& folder, const QList<DOTakeData>& takes);
 
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if

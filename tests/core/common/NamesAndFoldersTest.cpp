@@ -1,4 +1,5 @@
 #include "core/common/BLCommon.h"
+#include "core/model/DOTakeData.h"
 #include "support/FakeVolumeProvider.h"
 
 #include <QDir>
@@ -58,6 +59,15 @@ TEST(FolderLimitTest, SixHundredFoldersAreTheLimit)
     EXPECT_FALSE(BLCommon::isExceedFolderLimitByImport(dir.path(), 0));
     EXPECT_TRUE(BLCommon::isExceedFolderLimitByImport(dir.path(), 1));
 
+    // One more single-clip take would exceed it; takes that are never copied do not count.
+    DOTakeData single;
+    single.setSingleClipFlag(true);
+    DOTakeData loose = single;
+    loose.setTakeStatus(4);
+    EXPECT_TRUE(BLCommon::isExceedFolderLimitByCopy(dir.path(), {single}));
+    EXPECT_FALSE(BLCommon::isExceedFolderLimitByCopy(dir.path(), {loose}));
+    EXPECT_FALSE(BLCommon::isExceedFolderLimitByCopy(dir.path(), {}));
+
     QDir().mkpath(clpr + "/C0601");
     EXPECT_TRUE(BLCommon::isExceedFolderLimit(dir.path()));
 
@@ -68,9 +78,75 @@ TEST(FolderLimitTest, SixHundredFoldersAreTheLimit)
     EXPECT_EQ(BLCommon::getFolderCountInTAKR(dir.path()), 601);
     EXPECT_TRUE(BLCommon::isExceedFolderLimit(dir.path()));
 
+    // 598 take folders: two more multi-clip takes fit, three do not.
+    for (const char* name : {"C0599", "C0600", "C0601"})
+        ASSERT_TRUE(QDir().rmdir(dir.filePath(QString("BPAV/TAKR/") + name)));
+    DOTakeData multi;
+    multi.setClipData(DOClipData());
+    EXPECT_FALSE(BLCommon::isExceedFolderLimitByCopy(dir.path(), {multi, multi}));
+    EXPECT_TRUE(BLCommon::isExceedFolderLimitByCopy(dir.path(), {multi, multi, multi}));
+
     QTemporaryDir empty;
     EXPECT_EQ(BLCommon::getFolderCountInCLPR(empty.path()), 0);
     EXPECT_FALSE(BLCommon::isExceedFolderLimit(empty.path()));
+}
+
+TEST(FolderLimitTest, FoldersNeededByTakes)
+{
+    DOTakeData single;
+    single.setSingleClipFlag(true);
+    DOTakeData multi;
+    multi.setSingleClipFlag(false);
+    multi.setClipData(DOClipData());
+    multi.setClipData(DOClipData());
+    multi.setClipData(DOClipData());
+    DOTakeData unusable = multi;
+    unusable.setTakeStatus(5);
+    DOTakeData spanning = multi;
+    spanning.setTakeStatus(2);
+
+    int clips = -1, takes = -1;
+    BLCommon::getFolderCountFromTakeDatas({single, multi, unusable, spanning, single}, &clips, &takes);
+    EXPECT_EQ(clips, 1 + 3 + 3 + 1);
+    EXPECT_EQ(takes, 2);
+}
+
+TEST(TakeFilesTest, EssencePathsAndRecordFolders)
+{
+    QTemporaryDir dir;
+    QDir().mkpath(dir.filePath("PRIVATE/ORX/BPAV"));
+    const QString bpav = dir.filePath("PRIVATE/ORX/BPAV");
+    DOTakeData take;
+    DOClipData a, b;
+    a.setMP4Uri("./CLPR/C0001/C0001.MP4");
+    b.setMP4Uri("./CLPR/C0002/C0002.MP4");
+    take.setClipData(a);
+    take.setClipData(b);
+    int count = -1;
+    EXPECT_EQ(BLCommon::getMp4FilePaths(dir.path(), take, &count),
+              QStringList({bpav + "/CLPR/C0001/C0001.MP4", bpav + "/CLPR/C0002/C0002.MP4"}));
+    EXPECT_EQ(count, 2);
+    DOClipData missing;
+    take.setClipData(missing);
+    EXPECT_TRUE(BLCommon::getMp4FilePaths(dir.path(), take, &count).isEmpty());
+    EXPECT_EQ(count, 0);
+    DOTakeData single;
+    single.setMP4Uri("./CLPR/C0003/C0003.MP4");
+    EXPECT_EQ(BLCommon::getMp4FilePaths(dir.path(), single, &count), QStringList({bpav + "/CLPR/C0003/C0003.MP4"}));
+    EXPECT_EQ(count, 1);
+
+    DOTakeData multi;
+    multi.setSMIUri("./TAKR/T0001/T0001.SMI");
+    multi.setXMLUri("./TAKR/T0001/T0001M01.XML");
+    EXPECT_EQ(BLCommon::getFolderName(multi), "./TAKR/T0001");
+    DOClipData onlyEssence;
+    onlyEssence.setMP4Uri("./CLPR/C0004/C0004.MP4");
+    EXPECT_EQ(BLCommon::getFolderName(onlyEssence), "./CLPR/C0004");
+    DOClipData incomplete; // its take info reference is the clip folder itself
+    incomplete.setSMIUri("./CLPR/C0005");
+    incomplete.setXMLUri("./CLPR/C0005/C0005M01.XML");
+    EXPECT_EQ(BLCommon::getFolderName(incomplete), "./CLPR/C0005");
+    EXPECT_EQ(BLCommon::getFolderName(DOClipData()), "");
 }
 
 TEST(FixedFolderTest, FixedFoldersAndUnfinishedRecordings)
