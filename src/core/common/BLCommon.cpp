@@ -78,10 +78,22 @@ FpsInfo fpsInfo(const QString& name)
 }
 
 // Packed-decimal fields of a time code; the flag bits around them are kept.
-int tcFrames(const BLCommon::Timecode& tc) { return ((tc[0] >> 4) & 0x3) * 10 + (tc[0] & 0xF); }
-int tcSeconds(const BLCommon::Timecode& tc) { return ((tc[1] >> 4) & 0x7) * 10 + (tc[1] & 0xF); }
-int tcMinutes(const BLCommon::Timecode& tc) { return ((tc[2] >> 4) & 0x7) * 10 + (tc[2] & 0xF); }
-int tcHours(const BLCommon::Timecode& tc) { return ((tc[3] >> 4) & 0x3) * 10 + (tc[3] & 0xF); }
+int tcFrames(const BLCommon::Timecode& tc)
+{
+    return ((tc[0] >> 4) & 0x3) * 10 + (tc[0] & 0xF);
+}
+int tcSeconds(const BLCommon::Timecode& tc)
+{
+    return ((tc[1] >> 4) & 0x7) * 10 + (tc[1] & 0xF);
+}
+int tcMinutes(const BLCommon::Timecode& tc)
+{
+    return ((tc[2] >> 4) & 0x7) * 10 + (tc[2] & 0xF);
+}
+int tcHours(const BLCommon::Timecode& tc)
+{
+    return ((tc[3] >> 4) & 0x3) * 10 + (tc[3] & 0xF);
+}
 
 quint8 packBcd(quint8 old, int value, quint8 tensMask)
 {
@@ -89,10 +101,22 @@ quint8 packBcd(quint8 old, int value, quint8 tensMask)
     return quint8((old & keep) | (((value / 10) & tensMask) << 4) | (value % 10));
 }
 
-void setTcFrames(BLCommon::Timecode* tc, int v) { (*tc)[0] = packBcd((*tc)[0], v, 0x3); }
-void setTcSeconds(BLCommon::Timecode* tc, int v) { (*tc)[1] = packBcd((*tc)[1], v, 0x7); }
-void setTcMinutes(BLCommon::Timecode* tc, int v) { (*tc)[2] = packBcd((*tc)[2], v, 0x7); }
-void setTcHours(BLCommon::Timecode* tc, int v) { (*tc)[3] = packBcd((*tc)[3], v, 0x3); }
+void setTcFrames(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[0] = packBcd((*tc)[0], v, 0x3);
+}
+void setTcSeconds(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[1] = packBcd((*tc)[1], v, 0x7);
+}
+void setTcMinutes(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[2] = packBcd((*tc)[2], v, 0x7);
+}
+void setTcHours(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[3] = packBcd((*tc)[3], v, 0x3);
+}
 
 std::atomic<int> g_tempNameCounter{0};
 
@@ -100,7 +124,9 @@ constexpr int kCommonLogId = 601;
 
 bool pathExists(const QString& path)
 {
-    struct stat st {};
+    struct stat st
+    {
+    };
     return lstat(QFile::encodeName(path).constData(), &st) == 0; // a dangling link exists too
 }
 
@@ -221,7 +247,8 @@ bool waitFlushed(int fd, qint64 offset, qint64 length)
 {
 #ifdef __linux__
     if (::sync_file_range(fd, offset, length,
-                          SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER) == 0)
+                          SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER) ==
+        0)
         return true;
     if (errno != EINVAL && errno != ENOSYS && errno != ESPIPE)
         return false;
@@ -234,6 +261,20 @@ QString withoutExtension(const QString& name)
 {
     const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
     return dot > 0 ? name.left(dot) : name;
+}
+
+// The folder of the first set reference. A reference without an extension
+// names the folder itself (a clip folder standing for its missing take info).
+QString folderOfReferences(const QStringList& references)
+{
+    for (const QString& reference : references) {
+        if (reference.isEmpty())
+            continue;
+        if (QFileInfo(reference).suffix().isEmpty())
+            return reference;
+        return reference.left(qMax<qsizetype>(reference.lastIndexOf(QLatin1Char('/')), 0));
+    }
+    return QString();
 }
 
 int folderCount(const QString& folder, const QString& sub)
@@ -336,7 +377,8 @@ QString BLCommon::convertOfDurationByFrameCount(qint64 frameCount, const QString
 
     if (isLtcTable)
         return QString::asprintf("%02lld%02lld%02lld%02lld", f + 40, s, m, h);
-    return QString::asprintf(drop ? "%02lld:%02lld.%02lld:%02lld" : "%02lld:%02lld:%02lld:%02lld", h, m, s, f);
+    return QString::asprintf(drop ? "%02lld:%02lld.%02lld:%02lld" : "%02lld:%02lld:%02lld:%02lld", h, m, s,
+                             f);
 }
 
 bool BLCommon::isDropFrameByLtcChanges(const QList<DOLtcChange>& ltcChanges, const QString& frameFps,
@@ -377,7 +419,8 @@ bool BLCommon::LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange,
 
 bool BLCommon::GetTimecode(QString* out, const DOTakeData& take)
 {
-    return GetTimecode(out, take.getLtcChanges(), take.getOffset(), toHDV_FPS(take.Is720SP(), take.getFormatFps()));
+    return GetTimecode(out, take.getLtcChanges(), take.getOffset(),
+                       toHDV_FPS(take.Is720SP(), take.getFormatFps()));
 }
 
 bool BLCommon::GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps)
@@ -386,14 +429,15 @@ bool BLCommon::GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, q
         return false;
     Timecode tc;
     LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
-    *out = QString::asprintf("%02d:%02d:%02d:%02d\n", tcHours(tc), tcMinutes(tc), tcSeconds(tc), tcFrames(tc));
+    *out =
+        QString::asprintf("%02d:%02d:%02d:%02d\n", tcHours(tc), tcMinutes(tc), tcSeconds(tc), tcFrames(tc));
     return true;
 }
 
 int BLCommon::GetStartFrames(const DOTakeData& take, int* dropFlag)
 {
-    return GetStartFrames(take.getLtcChanges(), take.getOffset(), toHDV_FPS(take.Is720SP(), take.getFormatFps()),
-                          dropFlag);
+    return GetStartFrames(take.getLtcChanges(), take.getOffset(),
+                          toHDV_FPS(take.Is720SP(), take.getFormatFps()), dropFlag);
 }
 
 int BLCommon::GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps, int* dropFlag)
@@ -511,8 +555,8 @@ bool BLCommon::SubtractHour(Timecode* timecode, quint32 offset, int fps)
 
 QDateTime BLCommon::makeCalendarDateFromString(const QString& text)
 {
-    static const QRegularExpression kPattern(
-        QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})T(\\d{2})(\\d{2})(\\d{2})(?:([+-])(\\d{2})(\\d{2})|[Zz])$"));
+    static const QRegularExpression kPattern(QStringLiteral(
+        "^(\\d{4})-(\\d{2})-(\\d{2})T(\\d{2})(\\d{2})(\\d{2})(?:([+-])(\\d{2})(\\d{2})|[Zz])$"));
     QString compact = text;
     compact.remove(QLatin1Char(':'));
     const QRegularExpressionMatch m = kPattern.match(compact);
@@ -576,8 +620,8 @@ QString BLCommon::getSystemLanguage()
 
 QString BLCommon::convertSizeStr(qint64 size, const QString& format, int mode)
 {
-    static const char* const kUnits[] = {nullptr, "LOCALIZED_TYPE_KB", "LOCALIZED_TYPE_MB", "LOCALIZED_TYPE_GB",
-                                         "LOCALIZED_TYPE_TB"};
+    static const char* const kUnits[] = {nullptr, "LOCALIZED_TYPE_KB", "LOCALIZED_TYPE_MB",
+                                         "LOCALIZED_TYPE_GB", "LOCALIZED_TYPE_TB"};
     mode = qBound(0, mode, 4);
     const qsizetype dot = format.indexOf(QLatin1Char('.'));
     const int decimals = dot < 0 ? 0 : int(format.size() - dot - 1);
@@ -601,7 +645,8 @@ QString BLCommon::convertSizeStr(qint64 size, const QString& format, int mode)
                                 : locale.numberOptions() | QLocale::OmitGroupSeparator);
     QString text = locale.toString(whole);
     if (decimals > 0)
-        text += locale.decimalPoint() + QString::number(qAbs(fraction)).rightJustified(decimals, QLatin1Char('0'));
+        text += locale.decimalPoint() +
+                QString::number(qAbs(fraction)).rightJustified(decimals, QLatin1Char('0'));
     if (kUnits[mode])
         text += QLatin1Char(' ') + BLLocalizedString(QString::fromLatin1(kUnits[mode]));
     return text;
@@ -679,7 +724,8 @@ QString BLCommon::addDot(const QString& reference)
 {
     if (reference.startsWith(QLatin1Char('.')))
         return reference;
-    return reference.startsWith(QLatin1Char('/')) ? QLatin1Char('.') + reference : QStringLiteral("./") + reference;
+    return reference.startsWith(QLatin1Char('/')) ? QLatin1Char('.') + reference
+                                                  : QStringLiteral("./") + reference;
 }
 
 QString BLCommon::removalDot(const QString& reference)
@@ -699,7 +745,8 @@ QString BLCommon::getPathOfBPAV(const QString& folder)
 QString BLCommon::visibleFolderNameOf(const QString& folder)
 {
     const QString bpav = getPathOfBPAV(folder);
-    return bpav.endsWith(QLatin1String("/PRIVATE/ORX/BPAV")) ? QStringLiteral("PRIVATE") : QStringLiteral("BPAV");
+    return bpav.endsWith(QLatin1String("/PRIVATE/ORX/BPAV")) ? QStringLiteral("PRIVATE")
+                                                             : QStringLiteral("BPAV");
 }
 
 bool BLCommon::isBPAVFolder(const QString& folder)
@@ -727,22 +774,6 @@ QStringList BLCommon::getMp4FilePaths(const QString& folder, const DOTakeData& t
         *fileCount = int(paths.size());
     return paths;
 }
-
-namespace {
-// The folder of the first set reference. A reference without an extension
-// names the folder itself (a clip folder standing for its missing take info).
-QString folderOfReferences(const QStringList& references)
-{
-    for (const QString& reference : references) {
-        if (reference.isEmpty())
-            continue;
-        if (QFileInfo(reference).suffix().isEmpty())
-            return reference;
-        return reference.left(qMax<qsizetype>(reference.lastIndexOf(QLatin1Char('/')), 0));
-    }
-    return QString();
-}
-} // namespace
 
 QString BLCommon::getFolderName(const DOTakeData& take)
 {
@@ -789,8 +820,8 @@ bool BLCommon::isTAKRFolder(const QString& folder)
 bool BLCommon::createFixedFolders(const QString& folder)
 {
     const QString bpav = getPathOfBPAV(folder);
-    for (const QString& path : {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")),
-                                QDir(bpav).filePath(QStringLiteral("TAKR"))})
+    for (const QString& path :
+         {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")), QDir(bpav).filePath(QStringLiteral("TAKR"))})
         if (!isFolder(path) && !createNewFolder(path))
             return false;
     return true;
@@ -980,12 +1011,13 @@ bool BLCommon::moveFolder(const QString& source, const QString& toFolder)
 
     // On a file system that ignores case the new name is the old one; go
     // through a temporary name in the same folder.
-    const qint64 seconds = QDateTime(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc()).secsTo(
-        QDateTime::currentDateTimeUtc());
+    const qint64 seconds =
+        QDateTime(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc()).secsTo(QDateTime::currentDateTimeUtc());
     QString temporary;
     do {
-        temporary = QDir(from.absolutePath())
-                        .filePath(QString::asprintf(".%d-%lld-%d", int(getpid()), seconds, ++g_tempNameCounter));
+        temporary =
+            QDir(from.absolutePath())
+                .filePath(QString::asprintf(".%d-%lld-%d", int(getpid()), seconds, ++g_tempNameCounter));
     } while (pathExists(temporary));
     if (!moveOnce(source, temporary))
         return false;
@@ -1036,13 +1068,16 @@ int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile,
     const int in = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
     if (in < 0)
         return 2;
-    struct stat st {};
+    struct stat st
+    {
+    };
     if (fstat(in, &st) != 0 || S_ISDIR(st.st_mode)) {
         ::close(in);
         return 2;
     }
     // Never replaces an existing file: that one may be another clip's.
-    const int out = ::open(QFile::encodeName(toFile).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int out =
+        ::open(QFile::encodeName(toFile).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (out < 0) {
         ::close(in);
         return 2;
@@ -1067,12 +1102,14 @@ int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile,
         if (length > 0)
             startFlush(out, offset, length);
         if (pendingLength > 0) {
-            const bool flushed = length > 0 ? waitFlushed(out, pendingOffset, pendingLength) : flushToDisk(out);
+            const bool flushed =
+                length > 0 ? waitFlushed(out, pendingOffset, pendingLength) : flushToDisk(out);
             if (!flushed) {
                 result = 2;
                 break;
             }
-            posix_fadvise(out, pendingOffset, pendingLength, POSIX_FADV_DONTNEED); // keep the cache for others
+            posix_fadvise(out, pendingOffset, pendingLength,
+                          POSIX_FADV_DONTNEED); // keep the cache for others
             done += pendingLength / kMiB;
             if (fromSize)
                 *fromSize = done;
@@ -1112,7 +1149,8 @@ bool BLCommon::checkHyphenationCharacter(const QString& name)
 
 bool BLCommon::checkReturnCode(const QString& name)
 {
-    return !name.contains(QLatin1Char('\r')) && !name.contains(QLatin1Char('\n')) && !name.contains(QChar(0x00A5));
+    return !name.contains(QLatin1Char('\r')) && !name.contains(QLatin1Char('\n')) &&
+           !name.contains(QChar(0x00A5));
 }
 
 bool BLCommon::checkHyphenationCharacterForPath(const QString& path)
@@ -1207,7 +1245,8 @@ bool BLCommon::isExceedFolderLimitByCopy(const QString& folder, const QList<DOTa
     int clips = 0;
     int takeFolders = 0;
     getFolderCountFromTakeDatas(takes, &clips, &takeFolders);
-    return getFolderCountInCLPR(folder) + clips > kFolderLimit || getFolderCountInTAKR(folder) + takeFolders > kFolderLimit;
+    return getFolderCountInCLPR(folder) + clips > kFolderLimit ||
+           getFolderCountInTAKR(folder) + takeFolders > kFolderLimit;
 }
 
 // ---- special folders ----
@@ -1244,7 +1283,8 @@ void BLCommon::sendNotification(const void* sender, const QString& name, const Q
     SCNotificationCenter::defaultCenter()->enqueue(SCNotification{name, sender, userInfo}, true);
 }
 
-void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& name, const QVariantMap& userInfo)
+void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& name,
+                                           const QVariantMap& userInfo)
 {
     SCNotificationCenter::defaultCenter()->enqueue(SCNotification{name, sender, userInfo}, false);
 }
@@ -1264,14 +1304,17 @@ void BLCommon::sendDidDeleteNotification(const void* sender, const QStringList& 
 void BLCommon::sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
                                                  const QString& selectFolder)
 {
-    sendNotificationNotCoalesce(sender, SC::SCTakeDidDeleteNotification,
-                                {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
+    sendNotificationNotCoalesce(
+        sender, SC::SCTakeDidDeleteNotification,
+        {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
 }
 
-void BLCommon::sendDidAddNotification(const void* sender, const QString& path, const QVariant& takeDatas)
+void BLCommon::sendDidAddNotification(const void* sender, const QString& path,
+                                      const QList<DOTakeData>& takeDatas)
 {
-    sendNotification(sender, SC::SCTakeDidAddNotification,
-                     {{SC::SCAddSelectFolderKey, path}, {SC::SCAddTakeDatasKey, takeDatas}});
+    sendNotification(
+        sender, SC::SCTakeDidAddNotification,
+        {{SC::SCAddSelectFolderKey, path}, {SC::SCAddTakeDatasKey, QVariant::fromValue(takeDatas)}});
 }
 
 void BLCommon::setMessagePresenter(IMessagePresenter* presenter)
@@ -1284,13 +1327,14 @@ IMessagePresenter* BLCommon::messagePresenter()
     return g_presenter;
 }
 
-int BLCommon::messageBox(const QString& message, const QString& infoMesse, int /*style: always informational*/,
-                         int btnPattern, const QStringList& messageArgs)
+int BLCommon::messageBox(const QString& message, const QString& infoMesse,
+                         int /*style: always informational*/, int btnPattern, const QStringList& messageArgs)
 {
     QString text = BLLocalizedString(message);
     for (qsizetype i = messageArgs.size() - 1; i >= 0; --i)
         text.replace(QLatin1Char('%') + QString::number(i + 1), messageArgs.at(i));
-    SCAlert alert{message, infoMesse, text, infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
+    SCAlert alert{
+        message, infoMesse, text, infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
     QStringList& buttons = alert.buttons;
     for (int no = 0; no < 2; ++no) {
         const QString label = getBtnLabel(btnPattern, no);

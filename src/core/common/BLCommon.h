@@ -177,7 +177,8 @@ public:
                                     int* fromCount, int maxCount);
     // Removes the paths from the last to the first, counting and showing each;
     // no on a failed removal or on cancel.
-    static bool removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from, int max);
+    static bool removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from,
+                                       int max);
     // Copies a file in 10 MiB chunks, each flushed to disk, adding each chunk's
     // whole MiB to fromSize and showing it against maxSize. 0 done, 2 a read or
     // write error (or an existing destination), 3 cancelled between chunks; a
@@ -224,15 +225,17 @@ public:
     // Queued, posted when idle, coalesced on the name.
     void sendNotification(const void* sender, const QString& name, const QVariantMap& userInfo = {});
     // Queued, posted when idle, not coalesced.
-    void sendNotificationNotCoalesce(const void* sender, const QString& name, const QVariantMap& userInfo = {});
+    void sendNotificationNotCoalesce(const void* sender, const QString& name,
+                                     const QVariantMap& userInfo = {});
     // Posted at once; from a worker this waits until the main thread has delivered it.
     void sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo = {});
     // SCTakeDidDeleteNotification with the deleted takes' UMIDs and their folder.
-    void sendDidDeleteNotification(const void* sender, const QStringList& delUmid, const QString& selectFolder);
+    void sendDidDeleteNotification(const void* sender, const QStringList& delUmid,
+                                   const QString& selectFolder);
     void sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
                                            const QString& selectFolder);
-    // SCTakeDidAddNotification with the folder and the added takes (a list of take records).
-    void sendDidAddNotification(const void* sender, const QString& path, const QVariant& takeDatas);
+    // SCTakeDidAddNotification with the folder and the added takes (a QList<DOTakeData>).
+    void sendDidAddNotification(const void* sender, const QString& path, const QList<DOTakeData>& takeDatas);
 
     // ---- messages ----
     // The presenter that shows alerts (not owned); without one, alerts answer
@@ -240,8 +243,8 @@ public:
     static void setMessagePresenter(IMessagePresenter* presenter);
     static IMessagePresenter* messagePresenter();
     // Shows an informational alert. The message and informative texts are keys
-    // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and "Cancel"; 2 "Yes" and "No".
-    // messageArgs fill the placeholders %1, %2, ... of the localised message.
+    // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and
+    // "Cancel"; 2 "Yes" and "No". messageArgs fill the placeholders %1, %2, ... of the localised message.
     // Answers IMessagePresenter::kFirstButton or kSecondButton.
     int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern,
                    const QStringList& messageArgs = {});

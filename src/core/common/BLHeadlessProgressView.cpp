@@ -18,7 +18,8 @@ void BLHeadlessProgressView::runModal(BLProgressCtrl* controller)
     m_controller = controller;
     m_loop = &loop;
     // "On screen" as soon as the loop runs.
-    QMetaObject::invokeMethod(controller, [controller] { controller->windowDidBecomeMain(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        controller, [controller] { controller->windowDidBecomeMain(); }, Qt::QueuedConnection);
     loop.exec();
     m_loop = nullptr;
     m_controller = nullptr;

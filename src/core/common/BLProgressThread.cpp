@@ -83,13 +83,15 @@ bool BLProgressThread::isCancel()
 void BLProgressThread::setTitle(const QString& title)
 {
     if (BLProgressCtrl* ctrl = m_progressCtrl)
-        QMetaObject::invokeMethod(ctrl, [ctrl, title] { ctrl->setTitle(title); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            ctrl, [ctrl, title] { ctrl->setTitle(title); }, Qt::QueuedConnection);
 }
 
 void BLProgressThread::setMessage(const QString& message)
 {
     if (BLProgressCtrl* ctrl = m_progressCtrl)
-        QMetaObject::invokeMethod(ctrl, [ctrl, message] { ctrl->setMessage(message); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            ctrl, [ctrl, message] { ctrl->setMessage(message); }, Qt::QueuedConnection);
 }
 
 void BLProgressThread::setProgress(double value, double min, double max)
@@ -116,7 +118,8 @@ void BLProgressThread::setProgressOnMainThread()
 void BLProgressThread::setCancelEnable(bool enabled)
 {
     if (BLProgressCtrl* ctrl = m_progressCtrl)
-        QMetaObject::invokeMethod(ctrl, [ctrl, enabled] { ctrl->setCancelEnable(enabled); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            ctrl, [ctrl, enabled] { ctrl->setCancelEnable(enabled); }, Qt::QueuedConnection);
 }
 
 void BLProgressThread::setThreadResult()
@@ -125,5 +128,6 @@ void BLProgressThread::setThreadResult()
     const bool cancelled = isCancel();
     if (BLProgressCtrl* ctrl = m_progressCtrl)
         QMetaObject::invokeMethod(
-            ctrl, [ctrl, worker = this, cancelled] { ctrl->threadDidEnd(worker, cancelled); }, Qt::QueuedConnection);
+            ctrl, [ctrl, worker = this, cancelled] { ctrl->threadDidEnd(worker, cancelled); },
+            Qt::QueuedConnection);
 }

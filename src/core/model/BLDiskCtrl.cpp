@@ -23,7 +23,12 @@ constexpr int kMacDigits = 12;
 constexpr int kKindLogId = 1111;
 constexpr int kSpaceLogId = 6510;
 
-enum class Access { Write, Read, Delete };
+enum class Access
+{
+    Write,
+    Read,
+    Delete
+};
 
 // The access test of this process for the item (effective ids, so a test run
 // as another file-system user sees that user's rights).
@@ -55,8 +60,9 @@ bool folderTest(const BLDiskCtrl* disk, const QString& folder, Access access)
         const QString entry = QDir(folder).filePath(name);
         if (!BLCommon::checkVisibleDirectory(entry))
             continue;
-        const bool ok = BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? folderTest(disk, entry, access)
-                                                                                   : singleTest(disk, entry, access);
+        const bool ok = BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink()
+                            ? folderTest(disk, entry, access)
+                            : singleTest(disk, entry, access);
         if (!ok)
             return false;
     }
@@ -83,8 +89,8 @@ void BLDiskCtrl::releaseCtrl()
 
 int BLDiskCtrl::isUsableDrive(const QString& path) const
 {
-    static const QStringList kNative = {"ext2", "ext3", "ext4", "xfs", "btrfs", "zfs", "f2fs", "tmpfs",
-                                        "overlay", "apfs", "hfs"};
+    static const QStringList kNative = {"ext2", "ext3",  "ext4",    "xfs",  "btrfs", "zfs",
+                                        "f2fs", "tmpfs", "overlay", "apfs", "hfs"};
     static const QStringList kFat32 = {"vfat", "msdos", "fat"};
     static const QStringList kShare = {"cifs", "smb3", "smbfs"};
     const std::optional<BLVolume> volume = BLVolumeProvider::current()->volumeForPath(path);
@@ -124,8 +130,12 @@ bool BLDiskCtrl::isDeletableThisPath(const QString& path) const
     const QString clean = QDir::cleanPath(path);
     if (clean == QLatin1String("/"))
         return true;
-    struct stat item {};
-    struct stat parent {};
+    struct stat item
+    {
+    };
+    struct stat parent
+    {
+    };
     const QString parentPath = QFileInfo(clean).path();
     if (path.isEmpty() || lstat(QFile::encodeName(clean).constData(), &item) != 0 ||
         stat(QFile::encodeName(parentPath).constData(), &parent) != 0)
@@ -175,10 +185,10 @@ bool baseCheck(const BLDiskCtrl* disk, const QString& folder, Access access)
     if (!singleTest(disk, folder, access))
         return false;
     const QString bpav = BLCommon::getPathOfBPAV(folder);
-    for (const QString& path : {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")),
-                                QDir(bpav).filePath(QStringLiteral("TAKR")),
-                                QDir(bpav).filePath(QStringLiteral("MEDIAPRO.XML")),
-                                QDir(bpav).filePath(QStringLiteral("CUEUP.XML"))})
+    for (const QString& path :
+         {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")), QDir(bpav).filePath(QStringLiteral("TAKR")),
+          QDir(bpav).filePath(QStringLiteral("MEDIAPRO.XML")),
+          QDir(bpav).filePath(QStringLiteral("CUEUP.XML"))})
         if (QFileInfo::exists(path) && !singleTest(disk, path, access))
             return false;
     return true;
@@ -199,7 +209,9 @@ bool BLDiskCtrl::baseReadableCheck(const QString& folder) const
 
 qint64 BLDiskCtrl::getFileSize(const QString& path) const
 {
-    struct stat st {};
+    struct stat st
+    {
+    };
     if (path.isEmpty() || lstat(QFile::encodeName(path).constData(), &st) != 0)
         return 0;
     return qint64(st.st_size);
@@ -212,7 +224,8 @@ qint64 BLDiskCtrl::getFolderSize(const QString& path) const
     for (const QString& name : names) {
         const QString entry = QDir(path).filePath(name);
         // Links are counted as themselves so that a loop of links cannot recurse forever.
-        total += BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? getFolderSize(entry) : getFileSize(entry);
+        total += BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? getFolderSize(entry)
+                                                                            : getFileSize(entry);
     }
     return total;
 }
@@ -287,9 +300,12 @@ bool BLDiskCtrl::checkDiskSpace(const QStringList& paths, const QString& path2) 
 
     const QString neededText = BLCommon::convertSizeStr(needed, QStringLiteral("#,##0.0"), 2);
     const QString freeText = BLCommon::convertSizeStr(freeSize, QStringLiteral("#,##0.0"), 2);
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Used space : %1%").arg(used));
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Usable limit : %1%").arg(limit));
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Necessary space : ") + neededText);
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Used space : %1%").arg(used));
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Usable limit : %1%").arg(limit));
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Necessary space : ") + neededText);
     BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Free space : ") + freeText);
 
     if (limit == 0 || limit == 100) {

@@ -11,9 +11,7 @@
 #include <QVBoxLayout>
 
 ProgressDialog::ProgressDialog(QWidget* parent)
-    : QDialog(parent),
-      m_message(new QLabel(this)),
-      m_progress(new QProgressBar(this)),
+    : QDialog(parent), m_message(new QLabel(this)), m_progress(new QProgressBar(this)),
       m_cancel(new QPushButton(BLLocalizedString(QStringLiteral("BTN_STYLE_CANCEL")), this))
 {
     setObjectName(QStringLiteral("Progress"));
@@ -32,7 +30,6 @@ ProgressDialog::ProgressDialog(QWidget* parent)
     layout->addWidget(m_message);
     layout->addWidget(m_progress);
     layout->addLayout(buttons);
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
     connect(m_cancel, &QPushButton::clicked, this, [this] {
         if (m_controller)
@@ -90,8 +87,8 @@ void ProgressDialog::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
     if (BLProgressCtrl* controller = m_controller)
-        QMetaObject::invokeMethod(controller, [controller] { controller->windowDidBecomeMain(); },
-                                  Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            controller, [controller] { controller->windowDidBecomeMain(); }, Qt::QueuedConnection);
 }
 
 void ProgressDialog::closeEvent(QCloseEvent* event)

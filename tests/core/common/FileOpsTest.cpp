@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <thread>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 
@@ -113,22 +113,23 @@ TEST_F(CopyWithProgressTest, ChunksOfTenMiBAreReportedInWholeMiB)
     // The counter continues from what was done before and is clamped to the total.
     RecordingWorker second;
     qint64 counter = 5;
-    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/second.MP4"), &second, &counter, 20), 0);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/second.MP4"), &second, &counter, 20),
+              0);
     EXPECT_EQ(second.shown, QList<double>({15, 20, 20}));
     EXPECT_EQ(counter, 30);
 
     // Without a worker the copy simply runs; a chunk below 1 MiB adds nothing.
     writeBytes(m_dir.filePath("small.XML"), "<xml/>");
     qint64 none = 0;
-    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("small.XML"), m_dir.filePath("out/small.XML"), nullptr,
-                                             &none, 1),
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("small.XML"), m_dir.filePath("out/small.XML"),
+                                             nullptr, &none, 1),
               0);
     EXPECT_EQ(none, 0);
     EXPECT_EQ(readBytes(m_dir.filePath("out/small.XML")), "<xml/>");
     // An empty file gives an empty copy.
     writeBytes(m_dir.filePath("empty.BIM"), "");
-    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("empty.BIM"), m_dir.filePath("out/empty.BIM"), nullptr,
-                                             nullptr, 0),
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("empty.BIM"), m_dir.filePath("out/empty.BIM"),
+                                             nullptr, nullptr, 0),
               0);
     EXPECT_TRUE(QFileInfo::exists(m_dir.filePath("out/empty.BIM")));
 }
@@ -193,14 +194,18 @@ TEST_F(CopyWithProgressTest, ReadAndWriteErrorsAnswerTwo)
     }
     EXPECT_LE(done, 10);
     EXPECT_EQ(QFileInfo(dst()).size(), 15 * kMiB); // the partial file stays for the caller
-    EXPECT_EQ(readBytes(src()), m_data);            // the source is untouched
+    EXPECT_EQ(readBytes(src()), m_data);           // the source is untouched
 
     // The kernel refuses to read address 0 of this process's memory.
-    EXPECT_EQ(BLCommon::copyFileWithProgress("/proc/self/mem", m_dir.filePath("out/mem"), nullptr, nullptr, 1), 2);
-    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("missing"), m_dir.filePath("out/x"), nullptr, nullptr, 1),
+    EXPECT_EQ(
+        BLCommon::copyFileWithProgress("/proc/self/mem", m_dir.filePath("out/mem"), nullptr, nullptr, 1), 2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("missing"), m_dir.filePath("out/x"), nullptr,
+                                             nullptr, 1),
               2);
-    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.path(), m_dir.filePath("out/dir"), nullptr, nullptr, 1), 2);
-    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("no/such/folder/x"), nullptr, nullptr, 1), 2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.path(), m_dir.filePath("out/dir"), nullptr, nullptr, 1),
+              2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("no/such/folder/x"), nullptr, nullptr, 1),
+              2);
 
     // An existing destination is never replaced.
     writeBytes(m_dir.filePath("out/keep.MP4"), "precious");
@@ -247,8 +252,12 @@ TEST_F(FileOpsTest, CaseOnlyRenameGoesThroughATemporaryName)
 
 TEST_F(FileOpsTest, MovesAcrossFileSystemsCopyAndRemove)
 {
-    struct stat here {};
-    struct stat shm {};
+    struct stat here
+    {
+    };
+    struct stat shm
+    {
+    };
     if (stat(QFile::encodeName(m_dir.path()).constData(), &here) != 0 || stat("/dev/shm", &shm) != 0 ||
         here.st_dev == shm.st_dev || access("/dev/shm", W_OK) != 0)
         GTEST_SKIP() << "needs a writable /dev/shm on another file system";
@@ -263,7 +272,8 @@ TEST_F(FileOpsTest, MovesAcrossFileSystemsCopyAndRemove)
     // The chunked copy, which the kernel cannot do across file systems.
     writeBytes(path("big.MP4"), pattern(12 * kMiB));
     qint64 done = 0;
-    EXPECT_EQ(BLCommon::copyFileWithProgress(path("big.MP4"), other.filePath("big.MP4"), nullptr, &done, 12), 0);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(path("big.MP4"), other.filePath("big.MP4"), nullptr, &done, 12),
+              0);
     EXPECT_EQ(done, 12);
     EXPECT_EQ(readBytes(other.filePath("big.MP4")), pattern(12 * kMiB));
     // Back onto an existing folder: refused, the source stays.
@@ -284,7 +294,7 @@ TEST_F(FileOpsTest, CopyCreateAndRemove)
     EXPECT_EQ(readBytes(path("dst/.hidden")), "h");
     EXPECT_EQ(readBytes(path("dst/sub/C0001.BIM")), "bim");
     EXPECT_EQ(QFileInfo(path("dst/link.MP4")).symLinkTarget(), path("dst/C0001.MP4")); // still relative
-    EXPECT_FALSE(BLCommon::copyFile(path("src/C0001"), path("dst"))); // exists
+    EXPECT_FALSE(BLCommon::copyFile(path("src/C0001"), path("dst")));                  // exists
     EXPECT_FALSE(BLCommon::copyFile(path("src/missing"), path("dst2")));
 
     // A folder copy that fails part-way leaves nothing behind.
@@ -328,15 +338,18 @@ TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
 
     RecordingWorker worker;
     int count = 0;
-    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0001.MP4"), path("b/C0001.MP4"), &worker, &count, 2), 0);
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0001.MP4"), path("b/C0001.MP4"), &worker, &count, 2),
+              0);
     EXPECT_EQ(count, 1);
     worker.setCancel();
-    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0002.MP4"), path("b/C0002.MP4"), &worker, &count, 2), 3);
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0002.MP4"), path("b/C0002.MP4"), &worker, &count, 2),
+              3);
     EXPECT_EQ(count, 2);
     EXPECT_TRUE(QFileInfo::exists(path("b/C0002.MP4"))); // moved before the cancel was seen
     EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0002.MP4"), path("b/x"), &worker, &count, 2), 2);
     EXPECT_EQ(count, 2);
-    EXPECT_EQ(BLCommon::moveFileWithProgress(path("b/C0002.MP4"), path("a/C0002.MP4"), nullptr, nullptr, 0), 0);
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("b/C0002.MP4"), path("a/C0002.MP4"), nullptr, nullptr, 0),
+              0);
 
     // Removal goes from the last path to the first: files before their folder.
     cwtest::ScopedHome home;
@@ -365,11 +378,13 @@ TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
     RecordingWorker cancelling;
     cancelling.setCancel();
     int from = 0;
-    EXPECT_FALSE(BLCommon::removeFileWithProgress({path("u/1"), path("u/2"), path("u/3")}, &cancelling, &from, 3));
+    EXPECT_FALSE(
+        BLCommon::removeFileWithProgress({path("u/1"), path("u/2"), path("u/3")}, &cancelling, &from, 3));
     EXPECT_EQ(from, 1);
     EXPECT_TRUE(QFileInfo::exists(path("u/2")));
     from = 0;
-    EXPECT_FALSE(BLCommon::removeFileWithProgress({path("u/1"), path("u/gone"), path("u/2")}, nullptr, &from, 3));
+    EXPECT_FALSE(
+        BLCommon::removeFileWithProgress({path("u/1"), path("u/gone"), path("u/2")}, nullptr, &from, 3));
     EXPECT_EQ(from, 1);
     EXPECT_TRUE(QFileInfo::exists(path("u/1")));
 }

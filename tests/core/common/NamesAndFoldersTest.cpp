@@ -14,7 +14,8 @@ TEST(NamesTest, FileAndFolderNames)
     EXPECT_FALSE(BLCommon::checkHyphenationCharacter("ABC:1"));
     EXPECT_TRUE(BLCommon::checkHyphenationCharacter("ABC.d")); // only a leading full stop is refused
     EXPECT_TRUE(BLCommon::checkHyphenationCharacter("Take 1 (final)"));
-    for (const QString& c : QStringList{"/", "\\", ">", "<", "?", "*", "\"", "|", "\r", "\n", QString(QChar(0x00A5))})
+    for (const QString& c :
+         QStringList{"/", "\\", ">", "<", "?", "*", "\"", "|", "\r", "\n", QString(QChar(0x00A5))})
         EXPECT_FALSE(BLCommon::checkHyphenationCharacter("A" + c + "B")) << c.toStdString();
     EXPECT_FALSE(BLCommon::checkReturnCode("two\nlines"));
     EXPECT_TRUE(BLCommon::checkReturnCode("ABC:1")); // only line breaks and the yen sign
@@ -36,7 +37,8 @@ TEST(NamesTest, FileAndFolderNames)
 
 TEST(NamesTest, TakeReferencesFromClipReferences)
 {
-    EXPECT_EQ(BLCommon::updateTakeUri("./CLPR/ABC0001/ABC0001M01.XML", 1), "./TAKR/ABC0001U01/ABC0001U01M01.XML");
+    EXPECT_EQ(BLCommon::updateTakeUri("./CLPR/ABC0001/ABC0001M01.XML", 1),
+              "./TAKR/ABC0001U01/ABC0001U01M01.XML");
     EXPECT_EQ(BLCommon::updateTakeUri("./CLPR/ABC0001/ABC0001.SMI", 12), "./TAKR/ABC0001U12/ABC0001.SMI");
     EXPECT_EQ(BLCommon::updateTakeUri("./TAKR/T0001/C0003M01.XML", 2), "./TAKR/T0001U02/T0001U02M01.XML");
     EXPECT_EQ(BLCommon::updateSMIUri("./TAKR/T0001U02/T0001.SMI", 2), "./TAKR/T0001U02/T0001U02.SMI");
@@ -51,7 +53,7 @@ TEST(FolderLimitTest, SixHundredFoldersAreTheLimit)
     for (int i = 1; i <= 600; ++i)
         ASSERT_TRUE(QDir().mkpath(clpr + QString::asprintf("/C%04d", i)));
     QFile(clpr + "/C0601.MP4").open(QIODevice::WriteOnly); // a loose file is not a folder
-    QDir().mkpath(clpr + "/.Trash");                          // nor is a hidden one
+    QDir().mkpath(clpr + "/.Trash");                       // nor is a hidden one
 
     EXPECT_EQ(BLCommon::getFolderCountInCLPR(dir.path()), 600);
     EXPECT_EQ(BLCommon::getFolderCountInTAKR(dir.path()), 0);
@@ -132,7 +134,8 @@ TEST(TakeFilesTest, EssencePathsAndRecordFolders)
     EXPECT_EQ(count, 0);
     DOTakeData single;
     single.setMP4Uri("./CLPR/C0003/C0003.MP4");
-    EXPECT_EQ(BLCommon::getMp4FilePaths(dir.path(), single, &count), QStringList({bpav + "/CLPR/C0003/C0003.MP4"}));
+    EXPECT_EQ(BLCommon::getMp4FilePaths(dir.path(), single, &count),
+              QStringList({bpav + "/CLPR/C0003/C0003.MP4"}));
     EXPECT_EQ(count, 1);
 
     DOTakeData multi;

@@ -1,6 +1,7 @@
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/model/DOTakeData.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -77,13 +78,17 @@ TEST_F(NotificationTest, CoalescedPostsDeliverOnceAndOthersEachTime)
 
     observe(SC::SCTakeDidAddNotification);
     received.clear();
-    common->sendDidAddNotification(this, "/work", QVariant(QStringList({"take"})));
+    DOTakeData take;
+    take.setUmid("060A2B340101010501010D4313000000");
+    common->sendDidAddNotification(this, "/work", {take});
     common->sendNotificationNow(this, SC::SCTakeDidAddNotification);
     EXPECT_EQ(received.size(), 1); // "now" is synchronous
     settle();
     ASSERT_EQ(received.size(), 2);
     EXPECT_EQ(received[1].userInfo.value(SC::SCAddSelectFolderKey).toString(), "/work");
-    EXPECT_EQ(received[1].userInfo.value(SC::SCAddTakeDatasKey).toStringList(), QStringList({"take"}));
+    const auto takes = received[1].userInfo.value(SC::SCAddTakeDatasKey).value<QList<DOTakeData>>();
+    ASSERT_EQ(takes.size(), 1);
+    EXPECT_EQ(takes[0].getUmid(), take.getUmid());
 }
 
 TEST_F(NotificationTest, PostsFromAWorkerArriveOnTheMainThread)

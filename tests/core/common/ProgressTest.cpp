@@ -130,8 +130,8 @@ TEST_F(ProgressTest, AWorkerDoneAtOnceStillWaitsForTheDialog)
     EXPECT_FALSE(ctrl->showProgress(second, true));
     EXPECT_TRUE(second->started);
     EXPECT_NE(second->thread.load(), QThread::currentThread());
-    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"), "busy",
-                                        "cancel:1", "modal", "closed"}));
+    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"),
+                                        "busy", "cancel:1", "modal", "closed"}));
     EXPECT_FALSE(view.isVisible());
 }
 
@@ -184,9 +184,9 @@ TEST_F(ProgressTest, MaximumZeroGivesAnIndeterminateBar)
     });
     EXPECT_FALSE(ctrl->showProgress(worker, true));
     // The initial maximum 0 is shown busy; so is a later one.
-    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"), "busy",
-                                        "cancel:1", "modal", "bar:3/0/10", "busy", "title:second title",
-                                        "message:working", "cancel:0", "closed"}));
+    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"),
+                                        "busy", "cancel:1", "modal", "bar:3/0/10", "busy",
+                                        "title:second title", "message:working", "cancel:0", "closed"}));
     EXPECT_FALSE(view.isDeterminate());
 }
 

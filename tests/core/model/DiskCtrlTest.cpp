@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 constexpr qint64 kGB = 1'000'000'000;
@@ -71,9 +70,9 @@ protected:
     void settings(int systemMax, int localMax)
     {
         cwtest::releaseSingletons();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
-                                                    {"SYSTEM_DISK_MAX", systemMax},
-                                                    {"LOCAL_DISK_MAX", localMax}});
+        cwtest::writeSettings(
+            home().configHome(),
+            {{"LOG_FLAG", "ALL"}, {"SYSTEM_DISK_MAX", systemMax}, {"LOCAL_DISK_MAX", localMax}});
     }
 
     // A clip file of the given size in a source folder on the start-up disk.
@@ -141,7 +140,8 @@ TEST_F(DiskSpaceTest, TheStartupDiskUsesItsOwnLimit)
     // 6 GB onto the start-up disk (250 GB free of 500): the card limit of 1 % does not apply.
     EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest")));
     settings(51, 1);
-    EXPECT_FALSE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest"))); // 51 %
+    EXPECT_FALSE(
+        BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest"))); // 51 %
     EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3193"}));
     // Without a destination nothing is needed (50 %); the sources' BPAV volume is tested.
     EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, QString()));
@@ -154,13 +154,13 @@ TEST(DiskKindTest, FileSystemKindsAndTheirLogLines)
     cwtest::ScopedHome home;
     cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "DEBUG"}});
     cwtest::FakeVolumeProvider volumes;
-    const QList<std::pair<QString, int>> kinds = {{"ext4", 0}, {"btrfs", 0}, {"tmpfs", 0}, {"hfs", 0},
-                                                  {"vfat", 1}, {"msdos", 1}, {"cifs", 2},  {"smb3", 2},
-                                                  {"exfat", 3}, {"ntfs", 3}, {"fuseblk", 3}, {"nfs", 3},
-                                                  {"iso9660", 3}};
+    const QList<std::pair<QString, int>> kinds = {
+        {"ext4", 0}, {"btrfs", 0}, {"tmpfs", 0}, {"hfs", 0},     {"vfat", 1}, {"msdos", 1},  {"cifs", 2},
+        {"smb3", 2}, {"exfat", 3}, {"ntfs", 3},  {"fuseblk", 3}, {"nfs", 3},  {"iso9660", 3}};
     for (const auto& [type, kind] : kinds) {
         volumes.addVolume({"/media/u/" + type, type, type, kGB, kGB});
-        EXPECT_EQ(BLDiskCtrl::sharedCtrl()->isUsableDrive("/media/u/" + type + "/BPAV"), kind) << type.toStdString();
+        EXPECT_EQ(BLDiskCtrl::sharedCtrl()->isUsableDrive("/media/u/" + type + "/BPAV"), kind)
+            << type.toStdString();
     }
     QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
     ASSERT_TRUE(log.open(QIODevice::ReadOnly));
@@ -234,7 +234,7 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
         EXPECT_FALSE(disk->isWritablePath(clip + "/C0001M01.XML"));
         EXPECT_TRUE(disk->isWritablePath(root + "/missing"));
         EXPECT_TRUE(disk->isWritablePath(root + "/BPAV/CLPR")); // only a BPAV entry is looked into
-        EXPECT_TRUE(disk->baseWritableCheck(root));              // clip contents are not part of it
+        EXPECT_TRUE(disk->baseWritableCheck(root));             // clip contents are not part of it
         EXPECT_TRUE(disk->isReadableFolderPath(root));
         EXPECT_TRUE(disk->isDeletablePath(root)); // the file's folder is writable
     }

@@ -1,7 +1,7 @@
+#include "ui/common/ProgressDialog.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/BLProgressCtrl.h"
 #include "core/common/BLProgressThread.h"
-#include "ui/common/ProgressDialog.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
