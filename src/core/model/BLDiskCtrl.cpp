@@ -4,6 +4,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/model/BLVolumeProvider.h"
+#include "core/model/DOTakeData.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 
 namespace {
@@ -203,6 +205,87 @@ bool BLDiskCtrl::baseWritableCheck(const QString& folder) const
 bool BLDiskCtrl::baseReadableCheck(const QString& folder) const
 {
     return baseCheck(this, folder, Access::Read);
+}
+
+namespace {
+bool anyTakeHasClips(const QList<DOTakeData>& takes)
+{
+    return std::any_of(takes.begin(), takes.end(),
+                       [](const DOTakeData& t) { return !t.getClipData().isEmpty(); });
+}
+
+QString takrFolder(const QString& folder)
+{
+    return QDir(BLCommon::getPathOfBPAV(folder)).filePath(QStringLiteral("TAKR"));
+}
+
+// The folder holding a record's non-real-time metadata; "" without one.
+QString metadataFolder(const QString& bpav, const QString& xmlUri)
+{
+    return xmlUri.isEmpty() ? QString() : QFileInfo(BLCommon::makeFilePath(bpav, {xmlUri})).path();
+}
+
+// The metadata folder and every non-empty reference, in order, are readable.
+bool readableFiles(const BLDiskCtrl* disk, const QString& bpav, const QStringList& references)
+{
+    const QString folder = metadataFolder(bpav, references.first());
+    if (!folder.isEmpty() && !disk->isReadableThisPath(folder))
+        return false;
+    for (const QString& reference : references)
+        if (!reference.isEmpty() && !disk->isReadableThisPath(BLCommon::makeFilePath(bpav, {reference})))
+            return false;
+    return true;
+}
+} // namespace
+
+bool BLDiskCtrl::checkWritableToFolder(const QList<DOTakeData>& takes, const QString& to) const
+{
+    return baseWritableCheck(to) && (!anyTakeHasClips(takes) || isWritableFolderPath(takrFolder(to)));
+}
+
+bool BLDiskCtrl::checkReadableToFolder(const QList<DOTakeData>& takes, const QString& to) const
+{
+    return baseReadableCheck(to) && (!anyTakeHasClips(takes) || isReadableFolderPath(takrFolder(to)));
+}
+
+bool BLDiskCtrl::checkWritableFromFolder(const QList<DOTakeData>& takes, const QString& from) const
+{
+    const QString bpav = BLCommon::getPathOfBPAV(from);
+    for (const DOTakeData& take : takes) {
+        for (const DOClipData& clip : take.getClipData())
+            if (!isWritableFolderPath(metadataFolder(bpav, clip.getXMLUri())))
+                return false;
+        if (!isWritableFolderPath(metadataFolder(bpav, take.getXMLUri())))
+            return false;
+    }
+    return true;
+}
+
+bool BLDiskCtrl::checkReadableFromFolder(const QList<DOTakeData>& takes, const QString& from) const
+{
+    for (const DOTakeData& take : takes) {
+        for (const DOClipData& clip : take.getClipData())
+            if (!checkReadableFiles(clip, from))
+                return false;
+        if (!checkReadableFiles(take, from))
+            return false;
+    }
+    return true;
+}
+
+bool BLDiskCtrl::checkReadableFiles(const DOClipData& clip, const QString& from) const
+{
+    return readableFiles(
+        this, BLCommon::getPathOfBPAV(from),
+        {clip.getXMLUri(), clip.getMP4Uri(), clip.getSMIUri(), clip.getPPNUri(), clip.getBIMUri()});
+}
+
+bool BLDiskCtrl::checkReadableFiles(const DOTakeData& take, const QString& from) const
+{
+    QStringList references{take.getXMLUri(), take.getMP4Uri()};
+    if (take.getTakeStatus() != 3) // an imported take has only its metadata and essence
+        references << take.getSMIUri() << take.getPPNUri() << take.getBIMUri();
+    return readableFiles(this, BLCommon::getPathOfBPAV(from), references);
 }
 
 // ---- sizes ----

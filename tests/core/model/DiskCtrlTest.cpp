@@ -2,6 +2,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/model/DOTakeData.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/MessageRecorder.h"
@@ -255,6 +256,65 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
         EXPECT_FALSE(disk->isDeletableThisPath(root + "/missing"));
     }
     chmodTree(root, kOpenDir, kOpenFile);
+}
+
+TEST(DiskAccessTest, TakesCheckTheirFoldersAndFiles)
+{
+    QTemporaryDir dir;
+    const QString work = dir.path() + "/work";
+    const QString bpav = work + "/BPAV";
+    for (const char* name : {"C0001M01.XML", "C0001.MP4", "C0001.SMI", "C0001.PPN", "C0001R01.BIM"})
+        writeFile(bpav + "/CLPR/C0001/" + name, 1);
+    for (const char* name : {"T0001M01.XML", "T0001.SMI"})
+        writeFile(bpav + "/TAKR/T0001/" + name, 1);
+    QFile::setPermissions(dir.path(), kOpenDir);
+    chmodTree(work, kOpenDir, kOpenFile);
+
+    DOClipData clip;
+    clip.setXMLUri("./CLPR/C0001/C0001M01.XML");
+    clip.setMP4Uri("./CLPR/C0001/C0001.MP4");
+    clip.setSMIUri("./CLPR/C0001/C0001.SMI");
+    clip.setPPNUri("./CLPR/C0001/C0001.PPN");
+    clip.setBIMUri("./CLPR/C0001/C0001R01.BIM");
+    DOTakeData take;
+    take.setXMLUri("./TAKR/T0001/T0001M01.XML");
+    take.setSMIUri("./TAKR/T0001/T0001.SMI");
+    take.setClipData(clip);
+    DOTakeData single;
+    single.setXMLUri("./CLPR/C0001/C0001M01.XML");
+    single.setMP4Uri("./CLPR/C0001/C0001.MP4");
+    single.setPPNUri("./CLPR/C0001/C0001.PPN");
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_TRUE(disk->checkReadableFromFolder({take, single}, work));
+        EXPECT_TRUE(disk->checkWritableFromFolder({take, single}, work));
+        EXPECT_TRUE(disk->checkWritableToFolder({take}, work));
+        EXPECT_TRUE(disk->checkReadableToFolder({take}, work));
+    }
+
+    QFile::setPermissions(bpav + "/CLPR/C0001/C0001.PPN", QFile::Permissions());
+    QFile::setPermissions(bpav + "/TAKR/T0001", kReadOnlyDir);
+    QFile::setPermissions(bpav + "/TAKR/T0001/T0001.SMI", kReadOnlyFile);
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(disk->checkReadableFiles(clip, work));
+        EXPECT_FALSE(disk->checkReadableFromFolder({take}, work));
+        EXPECT_FALSE(disk->checkReadableFiles(single, work));
+        single.setTakeStatus(3); // an imported take: only its metadata and essence count
+        EXPECT_TRUE(disk->checkReadableFiles(single, work));
+        EXPECT_TRUE(disk->checkReadableFromFolder({single}, work));
+    }
+    QFile::setPermissions(bpav + "/CLPR/C0001/C0001.PPN", kOpenFile);
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(disk->checkWritableFromFolder({take}, work)); // the take folder is read-only
+        EXPECT_TRUE(disk->checkWritableFromFolder({single}, work));
+        EXPECT_FALSE(disk->checkWritableToFolder({take}, work)); // a take with clips writes into TAKR
+        EXPECT_TRUE(disk->checkWritableToFolder({single}, work));
+    }
+    chmodTree(work, kOpenDir, kOpenFile);
 }
 
 TEST(DiskSizeTest, SizesOfFilesFoldersAndLinks)
