@@ -94,6 +94,9 @@ TEST_F(DiskSpaceTest, UsageLimitOfACardMustStayAboveTheUsedShare)
     settings(0, 90);
     BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
     const QString destination = m_card.path() + "/BPAV";
+    EXPECT_EQ(disk->getDiskSize(destination), 100 * kGB);
+    EXPECT_EQ(disk->getFreeSize(destination), 15 * kGB);
+    EXPECT_EQ(disk->getUsedSize(destination), 85 * kGB);
 
     EXPECT_FALSE(disk->checkDiskSpace({source("C6", 6 * kGB)}, destination)); // 91 %
     EXPECT_FALSE(disk->checkDiskSpace({source("C5", 5 * kGB)}, destination)); // 90 %: not below
@@ -189,7 +192,10 @@ TEST(DiskKindTest, TheMountTableAnswersForRealPaths)
     EXPECT_GT(total, 0);
     EXPECT_GE(freeSize, 0);
     EXPECT_LE(freeSize, total);
-    EXPECT_EQ(disk->getUsedSize(dir.path()), disk->getDiskSize(dir.path()) - disk->getFreeSize(dir.path()));
+    // Other programs write meanwhile, so only the bounds are fixed.
+    const qint64 used = disk->getUsedSize(dir.path());
+    EXPECT_GE(used, 0);
+    EXPECT_LE(used, disk->getDiskSize(dir.path()));
     EXPECT_EQ(disk->isUsableDrive("/proc/self"), 3); // a pseudo file system is not for material
     const QStringList volumes = BLCommon::getFileList(QString());
     ASSERT_FALSE(volumes.isEmpty());
