@@ -4,6 +4,7 @@
 #include "support/Mp4Builder.h"
 
 #include <QFile>
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
