@@ -1,0 +1,82 @@
+#include "core/common/BLAtomicFile.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+std::mutex g_hookMutex;
+BLAtomicFile::RenameHook g_renameHook;
+
+bool writeAll(int fd, const char* data, qint64 size)
+{
+    while (size > 0) {
+        const ssize_t n = ::write(fd, data, size_t(size));
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        data += n;
+        size -= n;
+    }
+    return true;
+}
+
+void syncFolder(const QByteArray& folder)
+{
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+} // namespace
+
+void BLAtomicFile::setRenameHookForTesting(RenameHook hook)
+{
+    std::lock_guard lock(g_hookMutex);
+    g_renameHook = std::move(hook);
+}
+
+bool BLAtomicFile::writeFile(const QString& path, const QByteArray& data)
+{
+    const QFileInfo target(path);
+    const QByteArray folder = QFile::encodeName(target.absolutePath());
+    const QByteArray finalName = QFile::encodeName(target.absoluteFilePath());
+    // Keep the permissions of a file being replaced.
+    mode_t mode = 0644;
+    struct stat st;
+    if (::stat(finalName.constData(), &st) == 0) {
+        if (S_ISDIR(st.st_mode))
+            return false;
+        mode = st.st_mode & 07777;
+    }
+
+    QByteArray tempName = folder + "/." + QFile::encodeName(target.fileName()) + ".XXXXXX";
+    const int fd = ::mkstemp(tempName.data());
+    if (fd < 0)
+        return false;
+    bool ok = writeAll(fd, data.constData(), data.size()) && ::fchmod(fd, mode) == 0 && ::fsync(fd) == 0;
+    ok = (::close(fd) == 0) && ok;
+    if (ok) {
+        RenameHook hook;
+        {
+            std::lock_guard lock(g_hookMutex);
+            hook = g_renameHook;
+        }
+        ok = hook ? hook(QFile::decodeName(tempName), path)
+                  : ::rename(tempName.constData(), finalName.constData()) == 0;
+    }
+    if (!ok) {
+        ::unlink(tempName.constData());
+        return false;
+    }
+    syncFolder(folder);
+    return true;
+}

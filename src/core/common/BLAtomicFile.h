@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+// Writes a whole file so that a crash or a failure never leaves it half
+// written: the bytes go to a temporary file beside the target, are flushed to
+// disk, and the temporary file then replaces the target by a rename. On any
+// failure the previous file stays as it was and the temporary file is removed.
+class BLAtomicFile
+{
+public:
+    static bool writeFile(const QString& path, const QByteArray& data);
+
+    // Fault injection for tests: replaces the final rename (answer false to fail it).
+    using RenameHook = std::function<bool(const QString& from, const QString& to)>;
+    static void setRenameHookForTesting(RenameHook hook);
+};

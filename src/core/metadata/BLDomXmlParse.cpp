@@ -1,0 +1,454 @@
+#include "core/metadata/BLDomXmlParse.h"
+
+#include "core/common/BLAtomicFile.h"
+#include "core/common/BLCommon.h"
+
+#include <QFile>
+
+#include <libxml/parser.h>
+#include <libxml/xpath.h>
+#include <libxml/xpathInternals.h>
+
+namespace {
+const xmlChar* X(const QByteArray& utf8)
+{
+    return reinterpret_cast<const xmlChar*>(utf8.constData());
+}
+
+QString fromXml(const xmlChar* text)
+{
+    return text ? QString::fromUtf8(reinterpret_cast<const char*>(text)) : QString();
+}
+
+QString takeXml(xmlChar* text)
+{
+    const QString result = fromXml(text);
+    xmlFree(text);
+    return result;
+}
+
+// Silences libxml2's default error printing; errors are reported by results.
+void ignoreError(void*, xmlErrorPtr) {}
+
+bool isNameChar(QChar c)
+{
+    return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('-') || c == QLatin1Char('.') ||
+           c == QLatin1Char(':');
+}
+} // namespace
+
+BLDomXmlParse::BLDomXmlParse() = default;
+
+BLDomXmlParse::~BLDomXmlParse()
+{
+    reset();
+}
+
+void BLDomXmlParse::reset()
+{
+    if (m_document)
+        xmlFreeDoc(m_document);
+    m_document = nullptr;
+    m_currentNode = nullptr;
+    m_selection.clear();
+}
+
+bool BLDomXmlParse::createDocument(const QString& rootName)
+{
+    if (rootName.isEmpty())
+        return false;
+    xmlDocPtr doc = xmlNewDoc(BAD_CAST "1.0");
+    if (!doc)
+        return false;
+    doc->encoding = xmlStrdup(BAD_CAST "UTF-8");
+    xmlNodePtr root = xmlNewDocNode(doc, nullptr, X(rootName.toUtf8()), nullptr);
+    if (!root) {
+        xmlFreeDoc(doc);
+        return false;
+    }
+    xmlDocSetRootElement(doc, root);
+    reset();
+    m_document = doc;
+    return true;
+}
+
+bool BLDomXmlParse::loadXml(const QString& path)
+{
+    m_fileLocation = path;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > kMaxFileSize) {
+        reset();
+        return false;
+    }
+    return loadXmlData(file.read(kMaxFileSize + 1));
+}
+
+bool BLDomXmlParse::loadXmlData(const QByteArray& data)
+{
+    reset();
+    // Card metadata never carries a document type; refusing it keeps entity
+    // definitions (and their expansion) out altogether.
+    // Card metadata is UTF-8 without a document type; refusing a DOCTYPE keeps
+    // entity definitions (and their expansion) out altogether, and refusing NUL
+    // bytes keeps out other encodings that could hide one.
+    if (data.size() > kMaxFileSize || data.contains("<!DOCTYPE") || data.contains('\0'))
+        return false;
+    xmlParserCtxtPtr ctxt = xmlNewParserCtxt();
+    if (!ctxt)
+        return false;
+    xmlSetStructuredErrorFunc(nullptr, ignoreError);
+    const int options = XML_PARSE_NONET | XML_PARSE_NOBLANKS | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    xmlDocPtr doc = xmlCtxtReadMemory(ctxt, data.constData(), int(data.size()), nullptr, nullptr, options);
+    const bool wellFormed = doc && ctxt->wellFormed && ctxt->errNo == 0;
+    xmlFreeParserCtxt(ctxt);
+    xmlSetStructuredErrorFunc(nullptr, nullptr);
+    if (!wellFormed || !xmlDocGetRootElement(doc) || doc->intSubset) {
+        if (doc)
+            xmlFreeDoc(doc);
+        return false;
+    }
+    m_document = doc;
+    return true;
+}
+
+QByteArray BLDomXmlParse::xmlData() const
+{
+    if (!m_document)
+        return {};
+    xmlChar* buffer = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(m_document, &buffer, &size, "UTF-8", 1);
+    QByteArray result(reinterpret_cast<const char*>(buffer), size);
+    xmlFree(buffer);
+    return result;
+}
+
+bool BLDomXmlParse::saveXml(const QString& path) const
+{
+    if (!m_document)
+        return false;
+    const QByteArray data = xmlData();
+    return !data.isEmpty() && BLAtomicFile::writeFile(path, data);
+}
+
+QString BLDomXmlParse::rewriteQuery(const QString& query) const
+{
+    // Each element step becomes a predicate on its name so that unprefixed
+    // names match the default namespace as well as no namespace, and prefixed
+    // names match the prefix as written.
+    QString defaultUri;
+    if (xmlNodePtr root = xmlDocGetRootElement(m_document))
+        if (xmlNsPtr ns = xmlSearchNs(m_document, root, nullptr))
+            defaultUri = fromXml(ns->href);
+
+    QString out;
+    out.reserve(query.size() * 2);
+    QChar quote;
+    for (qsizetype i = 0; i < query.size();) {
+        const QChar c = query[i];
+        if (!quote.isNull()) {
+            out += c;
+            if (c == quote)
+                quote = QChar();
+            ++i;
+            continue;
+        }
+        if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
+            quote = c;
+            out += c;
+            ++i;
+            continue;
+        }
+        if (c != QLatin1Char('/')) {
+            out += c;
+            ++i;
+            continue;
+        }
+        out += c;
+        ++i;
+        qsizetype end = i;
+        while (end < query.size() && isNameChar(query[end]))
+            ++end;
+        if (end == i || (end < query.size() && query[end] == QLatin1Char('('))) {
+            continue; // "*", "@attr", "..", "//" or a node test such as text()
+        }
+        const QString name = query.mid(i, end - i);
+        if (name == QLatin1String(".") || name == QLatin1String("..")) {
+            out += name;
+        } else if (name.contains(QLatin1Char(':'))) {
+            out += QStringLiteral("*[name()='%1']").arg(name);
+        } else if (defaultUri.isEmpty()) {
+            out += QStringLiteral("*[local-name()='%1' and namespace-uri()='']").arg(name);
+        } else {
+            out += QStringLiteral("*[local-name()='%1' and (namespace-uri()='' or namespace-uri()='%2')]")
+                       .arg(name, defaultUri);
+        }
+        i = end;
+    }
+    return out;
+}
+
+int BLDomXmlParse::selectNodeArray(const QString& query)
+{
+    if (!m_document) {
+        m_selection.clear();
+        return -1;
+    }
+    xmlXPathContextPtr ctx = xmlXPathNewContext(m_document);
+    if (!ctx) {
+        m_selection.clear();
+        return -1;
+    }
+    xmlSetStructuredErrorFunc(nullptr, ignoreError);
+    const QByteArray compiled = rewriteQuery(query).toUtf8();
+    xmlXPathObjectPtr result = xmlXPathEvalExpression(X(compiled), ctx);
+    xmlSetStructuredErrorFunc(nullptr, nullptr);
+    xmlXPathFreeContext(ctx);
+    if (!result || result->type != XPATH_NODESET) {
+        if (result)
+            xmlXPathFreeObject(result);
+        m_selection.clear();
+        return -1;
+    }
+    m_selection.clear();
+    if (xmlNodeSetPtr set = result->nodesetval)
+        for (int i = 0; i < set->nodeNr; ++i)
+            m_selection.append(set->nodeTab[i]);
+    xmlXPathFreeObject(result);
+    if (!m_selection.isEmpty())
+        m_currentNode = m_selection.first();
+    return int(m_selection.size());
+}
+
+int BLDomXmlParse::selectNode(int index)
+{
+    if (index < 0 || index >= m_selection.size())
+        return 0;
+    m_currentNode = m_selection.at(index);
+    return 1;
+}
+
+QString BLDomXmlParse::getElementValue(int index) const
+{
+    if (index < 0 || index >= m_selection.size())
+        return {};
+    return takeXml(xmlNodeGetContent(m_selection.at(index)));
+}
+
+QString BLDomXmlParse::getAttributeValue(const QString& name) const
+{
+    if (!m_currentNode || m_currentNode->type != XML_ELEMENT_NODE || name.isEmpty())
+        return {};
+    const QByteArray n = name.toUtf8();
+    if (name.startsWith(QLatin1String("xml:")))
+        return takeXml(xmlGetNsProp(m_currentNode, X(n.mid(4)), XML_XML_NAMESPACE));
+    return takeXml(xmlGetProp(m_currentNode, X(n)));
+}
+
+QString BLDomXmlParse::getNameSpaceValue(const QString& prefix) const
+{
+    if (!m_currentNode || !m_document)
+        return {};
+    const QByteArray p = prefix.toUtf8();
+    xmlNsPtr ns = xmlSearchNs(m_document, m_currentNode, prefix.isEmpty() ? nullptr : X(p));
+    return ns ? fromXml(ns->href) : QString();
+}
+
+int BLDomXmlParse::getIndexByParent() const
+{
+    if (!m_currentNode || !m_currentNode->parent)
+        return 0;
+    int index = 0;
+    for (xmlNodePtr n = m_currentNode->parent->children; n && n != m_currentNode; n = n->next)
+        ++index;
+    return index;
+}
+
+xmlNodePtr BLDomXmlParse::newElement(const QString& name, const QString& value)
+{
+    const QByteArray qname = name.toUtf8();
+    xmlNsPtr ns = nullptr;
+    QByteArray local = qname;
+    const qsizetype colon = qname.indexOf(':');
+    if (colon > 0) {
+        ns = xmlSearchNs(m_document, m_currentNode, X(qname.left(colon)));
+        if (ns)
+            local = qname.mid(colon + 1);
+    } else {
+        // A new child of an element in the default namespace joins it.
+        ns = xmlSearchNs(m_document, m_currentNode, nullptr);
+    }
+    xmlNodePtr node = xmlNewDocNode(m_document, ns, X(local), nullptr);
+    if (node && !value.isEmpty())
+        xmlAddChild(node, xmlNewDocText(m_document, X(value.toUtf8())));
+    return node;
+}
+
+int BLDomXmlParse::addElement(const QString& name, const QString& value)
+{
+    if (!m_document || !m_currentNode || name.isEmpty())
+        return 0;
+    xmlNodePtr node = newElement(name, value);
+    if (!node)
+        return 0;
+    xmlAddChild(m_currentNode, node);
+    return 1;
+}
+
+int BLDomXmlParse::insertElement(const QString& name, const QString& value, int atIndex)
+{
+    if (!m_document || !m_currentNode || name.isEmpty())
+        return 0;
+    xmlNodePtr node = newElement(name, value);
+    if (!node)
+        return 0;
+    xmlNodePtr before = m_currentNode->children;
+    for (int i = 0; before && i < atIndex; ++i)
+        before = before->next;
+    if (before && atIndex >= 0)
+        xmlAddPrevSibling(before, node);
+    else
+        xmlAddChild(m_currentNode, node);
+    return 1;
+}
+
+int BLDomXmlParse::setElement(const QString& text)
+{
+    if (!m_document || !m_currentNode || text.isEmpty())
+        return 0;
+    // Drop the old content; selected descendants go with it.
+    for (xmlNodePtr c = m_currentNode->children; c; c = c->next)
+        forgetSubtree(c);
+    xmlNodeSetContent(m_currentNode, nullptr);
+    xmlAddChild(m_currentNode, xmlNewDocText(m_document, X(text.toUtf8())));
+    return 1;
+}
+
+int BLDomXmlParse::setAttribute(const QString& name, const QString& value)
+{
+    if (!m_document || !m_currentNode || m_currentNode->type != XML_ELEMENT_NODE || name.isEmpty())
+        return 0;
+    const bool emptyAllowed = name == QLatin1String("mediaId") || name == QLatin1String("mediaName") ||
+                              name == QLatin1String("usAscii");
+    if (value.isEmpty() && !emptyAllowed)
+        return 0;
+    const QByteArray n = name.toUtf8();
+    const QByteArray v = value.toUtf8();
+    // xmlSetProp keeps an existing attribute in its place and resolves a
+    // prefixed name ("xml:lang") against the namespaces in scope.
+    return xmlSetProp(m_currentNode, X(n), X(v)) ? 1 : 0;
+}
+
+int BLDomXmlParse::setNameSpaceWithName(const QString& prefix, const QString& uri)
+{
+    if (!m_document || !m_currentNode || m_currentNode->type != XML_ELEMENT_NODE || uri.isEmpty())
+        return 0;
+    const QByteArray p = prefix.toUtf8();
+    const QByteArray u = uri.toUtf8();
+    for (xmlNsPtr ns = m_currentNode->nsDef; ns; ns = ns->next) {
+        const bool same = prefix.isEmpty() ? ns->prefix == nullptr
+                                           : (ns->prefix && xmlStrEqual(ns->prefix, X(p)));
+        if (same) {
+            xmlFree(const_cast<xmlChar*>(ns->href));
+            ns->href = xmlStrdup(X(u));
+            return 1;
+        }
+    }
+    xmlNsPtr ns = xmlNewNs(m_currentNode, X(u), prefix.isEmpty() ? nullptr : X(p));
+    if (!ns)
+        return 0;
+    // The default namespace declared on an element applies to it as well.
+    if (prefix.isEmpty() && !m_currentNode->ns)
+        xmlSetNs(m_currentNode, ns);
+    return 1;
+}
+
+int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
+{
+    if (!m_document)
+        return 0;
+    xmlNodePtr root = xmlDocGetRootElement(m_document);
+    if (!root)
+        return 0;
+    xmlSetProp(root, BAD_CAST name, X(value.toUtf8()));
+    return 1;
+}
+
+int BLDomXmlParse::setMediaProfileHeader()
+{
+    return setRootAttribute("createdAt", BLCommon::getGmtTm());
+}
+
+int BLDomXmlParse::setNonRealTimeMetaHeader()
+{
+    return setRootAttribute("lastUpdate", BLCommon::getGmtTm());
+}
+
+int BLDomXmlParse::setTakeInfoHeader(const QString& umid)
+{
+    return setRootAttribute("umid", umid);
+}
+
+void BLDomXmlParse::forgetSubtree(xmlNodePtr node)
+{
+    m_selection.removeIf([node](xmlNodePtr selected) {
+        for (xmlNodePtr n = selected; n; n = n->parent)
+            if (n == node)
+                return true;
+        return false;
+    });
+    for (xmlNodePtr n = m_currentNode; n; n = n->parent)
+        if (n == node) {
+            m_currentNode = nullptr;
+            break;
+        }
+}
+
+int BLDomXmlParse::removeElement()
+{
+    if (!m_currentNode)
+        return -1;
+    xmlNodePtr node = m_currentNode;
+    forgetSubtree(node);
+    xmlUnlinkNode(node);
+    xmlFreeNode(node);
+    return 1;
+}
+
+int BLDomXmlParse::removeChildNode()
+{
+    if (!m_currentNode)
+        return -1;
+    int count = 0;
+    while (xmlNodePtr last = m_currentNode->last) {
+        forgetSubtree(last);
+        xmlUnlinkNode(last);
+        xmlFreeNode(last);
+        ++count;
+    }
+    return count;
+}
+
+int BLDomXmlParse::removeAttribute(const QString& name)
+{
+    if (!m_currentNode)
+        return -1;
+    if (m_currentNode->type == XML_ELEMENT_NODE && !name.isEmpty()) {
+        const QByteArray n = name.toUtf8();
+        xmlAttrPtr attr = name.startsWith(QLatin1String("xml:"))
+                              ? xmlHasNsProp(m_currentNode, X(n.mid(4)), XML_XML_NAMESPACE)
+                              : xmlHasProp(m_currentNode, X(n));
+        if (attr)
+            xmlRemoveProp(attr);
+    }
+    return 1;
+}
+
+QString BLDomXmlParse::currentNodeName() const
+{
+    if (!m_currentNode)
+        return {};
+    if (m_currentNode->ns && m_currentNode->ns->prefix)
+        return fromXml(m_currentNode->ns->prefix) + QLatin1Char(':') + fromXml(m_currentNode->name);
+    return fromXml(m_currentNode->name);
+}

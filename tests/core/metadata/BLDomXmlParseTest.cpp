@@ -1,0 +1,247 @@
+#include "core/common/BLAtomicFile.h"
+#include "core/metadata/BLDomXmlParse.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+const QByteArray kProfile = R"(<?xml version="1.0" encoding="UTF-8"?>
+<MediaProfile xmlns="urn:example:foreign:mediaprofile" xmlns:lib="urn:schemas-professionalDisc:lib:ver.1.30" createdAt="2009-01-01T00:00:00+09:00" version="1.10">
+  <Contents>
+    <Material uri="./CLPR/A0001/A0001.MP4" type="MP4" videoType="x" umid="U1"/>
+    <Material uri="./CLPR/A0002/A0002.MP4" type="MP4" umid="U2">
+      <Component uri="./CLPR/A0002/A0002M01.XML" type="NRT"/>
+    </Material>
+    <lib:Alias xml:lang="ja">Title &amp; more</lib:Alias>
+    <Unknown/>
+  </Contents>
+</MediaProfile>
+)";
+
+QByteArray readFile(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+} // namespace
+
+TEST(DomXmlParseTest, QueriesMatchDefaultNamespacePrefixesAndLanguage)
+{
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(kProfile));
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 2);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "U1");
+    EXPECT_EQ(xml.selectNode(1), 1);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "U2");
+    EXPECT_EQ(xml.selectNode(2), 0);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "U2"); // a refused selectNode leaves the current node
+
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='./CLPR/A0002/A0002.MP4']/Component"), 1);
+    EXPECT_EQ(xml.getAttributeValue("type"), "NRT");
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[2]"), 1);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "U2");
+
+    // A prefixed step matches the prefix as written, not the unprefixed name.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/lib:Alias[@xml:lang='ja']"), 1);
+    EXPECT_EQ(xml.getElementValue(0), "Title & more");
+    EXPECT_EQ(xml.getAttributeValue("xml:lang"), "ja");
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Alias"), 0);
+
+    EXPECT_EQ(xml.getNameSpaceValue(""), "urn:example:foreign:mediaprofile");
+    EXPECT_EQ(xml.getNameSpaceValue("lib"), "urn:schemas-professionalDisc:lib:ver.1.30");
+    EXPECT_EQ(xml.getNameSpaceValue("nope"), "");
+
+    // A malformed query clears the selection and answers -1.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='x'"), -1);
+    EXPECT_EQ(xml.getElementValue(0), "");
+
+    // The same names match in a document without any namespace.
+    BLDomXmlParse plain;
+    ASSERT_TRUE(plain.loadXmlData("<MediaProfile><Contents><Material uri='a'/></Contents></MediaProfile>"));
+    EXPECT_EQ(plain.selectNodeArray("/MediaProfile/Contents/Material"), 1);
+}
+
+TEST(DomXmlParseTest, EditsFollowTheCursorAndTheEmptyValueRule)
+{
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(kProfile));
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 1);
+    // A query matching nothing keeps the current node: the next add goes to Contents.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Nothing"), 0);
+    EXPECT_EQ(xml.addElement("Material", ""), 1);
+    EXPECT_EQ(xml.currentNodeName(), "Contents"); // the new child does not become current
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 3);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[3]"), 1);
+
+    EXPECT_EQ(xml.setAttribute("uri", ""), 0);
+    EXPECT_EQ(xml.setAttribute("mediaId", ""), 1);
+    EXPECT_EQ(xml.setAttribute("mediaName", ""), 1);
+    EXPECT_EQ(xml.setAttribute("usAscii", ""), 1);
+    EXPECT_EQ(xml.setAttribute("uri", "./CLPR/A0003/A0003.MP4"), 1);
+    EXPECT_EQ(xml.setAttribute("uri", ""), 0);
+    EXPECT_EQ(xml.getAttributeValue("uri"), "./CLPR/A0003/A0003.MP4");
+
+    // Replacing an attribute keeps its place among the attributes.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[1]"), 1);
+    EXPECT_EQ(xml.setAttribute("type", "XDCAM"), 1);
+    const QByteArray out = xml.xmlData();
+    EXPECT_TRUE(out.contains(R"(<Material uri="./CLPR/A0001/A0001.MP4" type="XDCAM" videoType="x" umid="U1"/>)"))
+        << out.constData();
+    EXPECT_TRUE(out.contains(R"(<Material mediaId="" mediaName="" usAscii="" uri="./CLPR/A0003/A0003.MP4"/>)"))
+        << out.constData();
+    // New children of a default-namespace element carry no namespace undeclaration.
+    EXPECT_FALSE(out.contains("xmlns=\"\""));
+
+    // Insert at a position, read the position back.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 1);
+    EXPECT_EQ(xml.insertElement("First", "text <&>", 0), 1);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/First"), 1);
+    EXPECT_EQ(xml.getIndexByParent(), 0);
+    EXPECT_EQ(xml.getElementValue(0), "text <&>");
+    EXPECT_EQ(xml.setElement(""), 0);
+    EXPECT_EQ(xml.setElement("new"), 1);
+    EXPECT_EQ(xml.getElementValue(0), "new");
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/lib:Alias"), 1);
+    EXPECT_EQ(xml.getIndexByParent(), 3);
+
+    // Removal: children counted, removed node no longer current.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Unknown"), 1);
+    EXPECT_EQ(xml.removeChildNode(), 0);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[2]"), 1);
+    EXPECT_EQ(xml.removeChildNode(), 1);
+    EXPECT_EQ(xml.removeAttribute("umid"), 1);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "");
+    EXPECT_EQ(xml.removeElement(), 1);
+    EXPECT_EQ(xml.removeElement(), -1);
+    EXPECT_EQ(xml.removeChildNode(), -1);
+    EXPECT_EQ(xml.removeAttribute("x"), -1);
+    EXPECT_EQ(xml.addElement("X", ""), 0);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 2);
+
+    // Removing an ancestor of the selection drops it from the selection too.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 1);
+    EXPECT_GT(xml.removeChildNode(), 0);
+    EXPECT_EQ(xml.selectNode(0), 1);
+    EXPECT_EQ(xml.currentNodeName(), "Contents");
+}
+
+TEST(DomXmlParseTest, CreatedDocumentsHeadersAndNamespaces)
+{
+    BLDomXmlParse xml;
+    EXPECT_EQ(xml.setMediaProfileHeader(), 0);
+    EXPECT_EQ(xml.selectNodeArray("/A"), -1);
+    ASSERT_TRUE(xml.createDocument("CueUpInfo"));
+    EXPECT_EQ(xml.addElement("X", ""), 0); // no current node before the root is selected
+    EXPECT_EQ(xml.xmlData(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CueUpInfo/>\n");
+
+    ASSERT_EQ(xml.selectNodeArray("/CueUpInfo"), 1);
+    EXPECT_EQ(xml.setNameSpaceWithName("", ""), 0);
+    EXPECT_EQ(xml.setNameSpaceWithName("", "urn:a"), 1);
+    EXPECT_EQ(xml.setNameSpaceWithName("", "urn:b"), 1); // replaced, not doubled
+    EXPECT_EQ(xml.setNameSpaceWithName("lib", "urn:lib"), 1);
+    EXPECT_EQ(xml.addElement("CueUpTable", ""), 1);
+    EXPECT_EQ(xml.addElement("lib:Alias", "x"), 1);
+    EXPECT_EQ(xml.setTakeInfoHeader("0123"), 1);
+    EXPECT_EQ(xml.setNonRealTimeMetaHeader(), 1);
+    EXPECT_EQ(xml.setMediaProfileHeader(), 1);
+    ASSERT_EQ(xml.selectNodeArray("/CueUpInfo"), 1);
+    const QString created = xml.getAttributeValue("createdAt");
+    EXPECT_TRUE(QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)$)").match(created).hasMatch())
+        << created.toStdString();
+    const QByteArray out = xml.xmlData();
+    EXPECT_EQ(out.count("xmlns="), 1) << out.constData();
+    EXPECT_TRUE(out.contains("xmlns=\"urn:b\"")) << out.constData();
+    EXPECT_TRUE(out.contains("<lib:Alias>x</lib:Alias>")) << out.constData();
+
+    // Reloaded, the unprefixed query finds the children in the default namespace.
+    BLDomXmlParse again;
+    ASSERT_TRUE(again.loadXmlData(out));
+    EXPECT_EQ(again.selectNodeArray("/CueUpInfo/CueUpTable"), 1);
+    EXPECT_EQ(again.selectNodeArray("/CueUpInfo/lib:Alias"), 1);
+}
+
+TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuickly)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QList<QByteArray> hostile = {
+        // external entity
+        R"(<?xml version="1.0"?><!DOCTYPE r [<!ENTITY x SYSTEM "file:///etc/passwd">]><r>&x;</r>)",
+        // entity expansion bomb
+        R"(<?xml version="1.0"?><!DOCTYPE r [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;">)"
+        R"(<!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;"><!ENTITY d "&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;">)"
+        R"(<!ENTITY e "&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;"><!ENTITY f "&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;">]>)"
+        R"(<r a="&f;&f;&f;&f;&f;&f;&f;&f;">&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;</r>)",
+        // invalid UTF-8
+        QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><r>\xc3\x28\xff</r>"),
+        // UTF-16 hiding a doctype
+        QByteArray("\xff\xfe<\0r\0/\0>\0", 10),
+        // nesting far beyond any card file
+        QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000),
+        // not well formed
+        "<r><a></r>",
+        "",
+    };
+    for (const QByteArray& doc : hostile) {
+        BLDomXmlParse xml;
+        EXPECT_FALSE(xml.loadXmlData(doc)) << doc.left(60).constData();
+        EXPECT_FALSE(xml.hasDocument());
+        EXPECT_EQ(xml.selectNodeArray("/r"), -1);
+    }
+
+    // A 50 MB attribute value: refused by size before parsing.
+    QTemporaryDir dir;
+    const QString big = dir.filePath("big.xml");
+    {
+        QFile f(big);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("<r a=\"");
+        f.write(QByteArray(50 * 1024 * 1024, 'x'));
+        f.write("\"/>");
+    }
+    BLDomXmlParse xml;
+    EXPECT_FALSE(xml.loadXml(big));
+    EXPECT_EQ(xml.fileLocation(), big);
+    // An attribute value above the parser's own limit, in a file within the size limit.
+    EXPECT_FALSE(xml.loadXmlData("<r a=\"" + QByteArray(12 * 1024 * 1024, 'x') + "\"/>"));
+    EXPECT_LT(timer.elapsed(), 5000);
+}
+
+TEST(DomXmlParseTest, SavesAreAtomic)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("MEDIAPRO.XML");
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(kProfile));
+    ASSERT_TRUE(xml.saveXml(path));
+    const QByteArray before = readFile(path);
+    ASSERT_FALSE(before.isEmpty());
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    const QFileDevice::Permissions permissions = QFile::permissions(path);
+
+    // A failing final rename leaves the previous file byte for byte, and no temporary file.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 1);
+    ASSERT_EQ(xml.addElement("Material", ""), 1);
+    BLAtomicFile::setRenameHookForTesting([](const QString&, const QString&) { return false; });
+    EXPECT_FALSE(xml.saveXml(path));
+    BLAtomicFile::setRenameHookForTesting(nullptr);
+    EXPECT_EQ(readFile(path), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"MEDIAPRO.XML"}));
+
+    // A successful save replaces the content and keeps the file's permissions.
+    ASSERT_TRUE(xml.saveXml(path));
+    EXPECT_NE(readFile(path), before);
+    EXPECT_EQ(QFile::permissions(path), permissions);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+
+    // The saved form parses back to the same document (round trip is stable).
+    BLDomXmlParse again;
+    ASSERT_TRUE(again.loadXml(path));
+    EXPECT_EQ(again.xmlData(), xml.xmlData());
+    EXPECT_FALSE(xml.saveXml(dir.path())); // a folder is never replaced
+}
