@@ -3,6 +3,11 @@
 #include "core/mp4/CAudioPointerData.h"
 #include "core/mp4/CVideoPointerData.h"
 
+namespace {
+// The table gives an audio chunk's size as its samples times four bytes.
+constexpr quint32 kAudioBytesPerSample = 4;
+} // namespace
+
 void CPPTFile::InitPPT()
 {
     m_arrHeader.assign(kHeaderSize, 0);
@@ -74,7 +79,7 @@ int CPPTFile::blCreatePointer()
             e[6] = quint8(offset >> 8);
             e[7] = quint8(offset);
             if (k == 0 && a < audioChunks) {
-                const quint32 audioSize = quint32(m_pAudio->GetSizeA(a, 4));
+                const quint32 audioSize = quint32(m_pAudio->GetSizeA(a, kAudioBytesPerSample));
                 const quint32 relative = quint32(m_pAudio->GetOffsetA(a, top));
                 e[10] = quint8(0xC0 | ((audioSize >> 16) & 0x1F));
                 e[11] = quint8(audioSize >> 8);
