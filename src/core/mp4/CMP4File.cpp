@@ -152,7 +152,7 @@ int CMP4File::nReadDirectHeader(const char* type, quint32& size, const char* rea
     return 1;
 }
 
-CPointerData* CMP4File::record(int kind) const
+CPointerData* CMP4File::record(int kind)
 {
     if (kind == kKindVideo)
         return m_pVideo;

@@ -54,9 +54,6 @@ public:
     // The text of the last failure (nullptr when none was recorded).
     const char* getLastError() const { return m_pLastError; }
 
-    int getAudioTrackCount() const { return m_nAudioCount; }
-    int getAudioChannelCount() const { return m_nAudioChannel; }
-
     // Codes of a picture width (720 1, 1280 3, 1440 4, 1920 7) and height
     // (480 1, 720 4, 1080 7); 0 for any other size.
     static int nWidthCode(quint32 pixels);
@@ -99,7 +96,8 @@ protected:
     const char* m_pLastError = nullptr;
 
 private:
-    CPointerData* record(int kind) const;
+    // The record a track of kind is read into; nullptr for another kind.
+    CPointerData* record(int kind);
     // Reads count bytes without moving the position account; false on any failure.
     bool bReadRaw(void* buffer, quint32 count);
     // Reads the body of a box whose 8-byte header was just passed (boxSize

@@ -67,7 +67,7 @@ int CPPTFile::blCreatePointer()
         for (quint32 k = 0; k < n; ++k, ++f) {
             if (!video.GetPresentationFrame(j, f, k))
                 return 0;
-            const quint32 shown = video.ulGetPresentationIndex();
+            const quint32 shown = video.m_ulPresentationIndex;
             const quint32 size = video.GetSizeV(shown);
             const quint32 offset = quint32(video.GetOffsetV());
             quint8* e = m_arrEntry.data() + size_t(f) * kEntrySize;

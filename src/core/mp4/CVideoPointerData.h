@@ -24,8 +24,6 @@ public:
     quint32 GetSizeV(quint32 frame) const;
     // File offset of the picture chosen by the last GetPresentationFrame.
     quint64 GetOffsetV() const { return m_ullPictureOffset; }
-    // The frame chosen by the last GetPresentationFrame.
-    quint32 ulGetPresentationIndex() const { return m_ulPresentationIndex; }
     // End of the chunk's first stored picture: chunk offset + size of frame.
     quint64 ulGetTopOfPictureOffset(quint32 chunk, quint32 frame) const;
     // Chooses the frame shown at place indexInChunk of a chunk whose frame
@@ -35,7 +33,7 @@ public:
     // rotated the same way. False when the tables do not cover the chunk.
     bool GetPresentationFrame(quint32 chunk, quint32 frame, quint32 indexInChunk);
 
-    quint32 m_ulPresentationIndex = 0; // work field of GetPresentationFrame
+    quint32 m_ulPresentationIndex = 0; // work field of GetPresentationFrame: the frame chosen
     quint64 m_ullPictureOffset = 0;    // work field of GetPresentationFrame
     quint32 m_ulHeight = 0;            // pixels, from the sample description
     quint32 m_ulWidth = 0;
