@@ -147,7 +147,7 @@ QByteArray mpeg2SequenceStart(int width, int height, int aspect, int frameRateCo
     // Sequence extension: Main profile at High level, 4:2:0.
     s += QByteArray("\x00\x00\x01\xB5", 4);
     s += char(0x14);
-    s += char(0x80 | (progressive ? 0x08 : 0x00) | 0x02);
+    s += char(0x40 | (progressive ? 0x08 : 0x00) | 0x02);
     s += QByteArray("\x00\x01\x00\x00", 4);
     s += QByteArray("\x00\x00\x01\xB8\x00\x08\x00\x00", 8); // GOP header
     s += QByteArray("\x00\x00\x01\x00\x00\x0F\xFF\xF8", 8); // picture header
