@@ -4,6 +4,8 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QStringList>
+#include <QVarLengthArray>
 
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
@@ -36,6 +38,121 @@ bool isNameChar(QChar c)
            c == QLatin1Char(':');
 }
 
+// One step of a plain location path: a name with attribute-equality and
+// position predicates, as in "Material[@uri='./CLPR/A0001.SMI'][1]".
+struct PathPredicate
+{
+    QByteArray attribute; // empty for a position predicate
+    QByteArray value;
+    int position = 0;
+};
+
+struct PathStep
+{
+    QByteArray prefix; // empty for an unprefixed name
+    QByteArray local;
+    QList<PathPredicate> predicates;
+};
+
+bool isNameStart(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || (c & 0x80);
+}
+
+bool isNameByte(char c)
+{
+    return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
+// Reads a name (with at most one prefix) at pos; false when there is none.
+bool parseQName(const QByteArray& q, qsizetype& pos, QByteArray& prefix, QByteArray& local)
+{
+    auto part = [&](QByteArray& out) {
+        const qsizetype start = pos;
+        if (pos >= q.size() || !isNameStart(q[pos]))
+            return false;
+        while (pos < q.size() && isNameByte(q[pos]))
+            ++pos;
+        out = q.mid(start, pos - start);
+        return true;
+    };
+    prefix.clear();
+    if (!part(local))
+        return false;
+    if (pos < q.size() && q[pos] == ':') {
+        ++pos;
+        prefix = local;
+        return part(local);
+    }
+    return true;
+}
+
+// Parses the absolute paths of child steps that the accessors build; false
+// for anything else (axes, wildcards, functions, blanks, other predicates),
+// which then goes to the full XPath engine.
+bool parseSimplePath(const QByteArray& q, QList<PathStep>& steps, QList<qsizetype>& stepEnds)
+{
+    qsizetype pos = 0;
+    while (pos < q.size()) {
+        if (q[pos] != '/')
+            return false;
+        ++pos;
+        PathStep step;
+        if (!parseQName(q, pos, step.prefix, step.local))
+            return false;
+        while (pos < q.size() && q[pos] == '[') {
+            ++pos;
+            PathPredicate predicate;
+            if (pos < q.size() && q[pos] == '@') {
+                ++pos;
+                QByteArray prefix;
+                if (!parseQName(q, pos, prefix, predicate.attribute) || !prefix.isEmpty())
+                    return false;
+                if (pos + 1 >= q.size() || q[pos] != '=' || (q[pos + 1] != '\'' && q[pos + 1] != '"'))
+                    return false;
+                const char quote = q[pos + 1];
+                const qsizetype end = q.indexOf(quote, pos + 2);
+                if (end < 0)
+                    return false;
+                predicate.value = q.mid(pos + 2, end - pos - 2);
+                pos = end + 1;
+            } else {
+                const qsizetype start = pos;
+                while (pos < q.size() && q[pos] >= '0' && q[pos] <= '9' && pos - start < 9)
+                    ++pos;
+                if (pos == start)
+                    return false;
+                predicate.position = q.mid(start, pos - start).toInt();
+            }
+            if (pos >= q.size() || q[pos] != ']')
+                return false;
+            ++pos;
+            step.predicates.append(predicate);
+        }
+        steps.append(step);
+        stepEnds.append(pos);
+    }
+    return !steps.isEmpty();
+}
+
+bool attributeEquals(xmlNodePtr node, const QByteArray& name, const QByteArray& value)
+{
+    for (xmlAttrPtr attr = node->properties; attr; attr = attr->next) {
+        if (attr->ns || !xmlStrEqual(attr->name, X(name)))
+            continue;
+        xmlNodePtr text = attr->children;
+        if (!text)
+            return value.isEmpty();
+        if (!text->next && text->type == XML_TEXT_NODE)
+            return xmlStrEqual(text->content ? text->content : BAD_CAST "", X(value));
+        xmlChar* content = xmlNodeGetContent(reinterpret_cast<xmlNodePtr>(attr));
+        const bool equal = xmlStrEqual(content ? content : BAD_CAST "", X(value));
+        xmlFree(content);
+        return equal;
+    }
+    return false;
+}
+
 QString nowText()
 {
     const QDateTime now = QDateTime::currentDateTime();
@@ -57,6 +174,7 @@ void BLDomXmlParse::reset()
     m_document = nullptr;
     m_currentNode = nullptr;
     m_selection.clear();
+    m_memo.clear();
 }
 
 bool BLDomXmlParse::createDocument(const QString& rootName)
@@ -92,8 +210,6 @@ bool BLDomXmlParse::loadXml(const QString& path)
 bool BLDomXmlParse::loadXmlData(const QByteArray& data)
 {
     reset();
-    // Card metadata never carries a document type; refusing it keeps entity
-    // definitions (and their expansion) out altogether.
     // Card metadata is UTF-8 without a document type; refusing a DOCTYPE keeps
     // entity definitions (and their expansion) out altogether, and refusing NUL
     // bytes keeps out other encodings that could hide one.
@@ -135,6 +251,19 @@ bool BLDomXmlParse::saveXml(const QString& path) const
         return false;
     const QByteArray data = xmlData();
     return !data.isEmpty() && BLAtomicFile::writeFile(path, data);
+}
+
+QString BLDomXmlParse::quoteLiteral(const QString& value)
+{
+    const QChar apostrophe = QLatin1Char('\'');
+    if (!value.contains(apostrophe))
+        return apostrophe + value + apostrophe;
+    if (!value.contains(QLatin1Char('"')))
+        return QLatin1Char('"') + value + QLatin1Char('"');
+    QStringList parts;
+    for (const QString& piece : value.split(apostrophe))
+        parts << apostrophe + piece + apostrophe;
+    return QStringLiteral("concat(%1)").arg(parts.join(QStringLiteral(", \"'\", ")));
 }
 
 QString BLDomXmlParse::rewriteQuery(const QString& query) const
@@ -194,11 +323,102 @@ QString BLDomXmlParse::rewriteQuery(const QString& query) const
     return out;
 }
 
+// Walks the tree for a plain path with the name rules of rewriteQuery: an
+// unprefixed step matches no namespace or the root's default namespace, a
+// prefixed step the prefix as written. Far cheaper than compiling and running
+// an XPath expression for each of the many lookups a profile rewrite makes.
+bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
+{
+    QList<PathStep> steps;
+    QList<qsizetype> stepEnds;
+    if (!parseSimplePath(query, steps, stepEnds))
+        return false;
+    const xmlChar* defaultUri = nullptr;
+    if (xmlNodePtr root = xmlDocGetRootElement(m_document))
+        if (xmlNsPtr ns = xmlSearchNs(m_document, root, nullptr))
+            defaultUri = ns->href;
+    auto unchangedSince = [](const QList<xmlNodePtr>& nodes, quint64 generation) {
+        return std::all_of(nodes.begin(), nodes.end(), [generation](xmlNodePtr node) {
+            return reinterpret_cast<quintptr>(node->_private) <= generation;
+        });
+    };
+
+    // Reuse the leading steps this query shares with the last one. Checking
+    // from the top is safe: a removed element marks its parent, which is
+    // checked (and found changed) before anything below it is looked at.
+    QList<xmlNodePtr> context{reinterpret_cast<xmlNodePtr>(m_document)};
+    qsizetype reused = 0;
+    while (reused < m_memo.size() && reused < steps.size()) {
+        const PathMemo& memo = m_memo.at(reused);
+        if (memo.end != stepEnds.at(reused) || !query.startsWith(QByteArrayView(m_memoQuery).first(memo.end)) ||
+            !unchangedSince(context, memo.generation))
+            break;
+        context = memo.nodes;
+        ++reused;
+    }
+    m_memo.resize(reused);
+    m_memoQuery = query;
+
+    QList<xmlNodePtr> next;
+    QVarLengthArray<int, 4> reached;
+    for (qsizetype s = reused; s < steps.size(); ++s) {
+        const PathStep& step = steps.at(s);
+        next.clear();
+        const qsizetype predicates = step.predicates.size();
+        for (xmlNodePtr parent : std::as_const(context)) {
+            // reached[i]: how many children of this parent got to predicate i.
+            reached.resize(predicates);
+            std::fill(reached.begin(), reached.end(), 0);
+            bool exhausted = false;
+            for (xmlNodePtr child = parent->children; child && !exhausted; child = child->next) {
+                if (child->type != XML_ELEMENT_NODE || !xmlStrEqual(child->name, X(step.local)))
+                    continue;
+                if (step.prefix.isEmpty()) {
+                    const xmlChar* href = child->ns ? child->ns->href : nullptr;
+                    if (href && *href && !(defaultUri && xmlStrEqual(href, defaultUri)))
+                        continue;
+                } else if (!child->ns || !child->ns->prefix || !xmlStrEqual(child->ns->prefix, X(step.prefix))) {
+                    continue;
+                }
+                bool passed = true;
+                for (qsizetype i = 0; i < predicates && passed; ++i) {
+                    const PathPredicate& predicate = step.predicates.at(i);
+                    if (predicate.attribute.isEmpty()) {
+                        const int position = ++reached[i];
+                        passed = position == predicate.position;
+                        // Later children cannot reach this position again.
+                        exhausted = position >= predicate.position;
+                    } else {
+                        passed = attributeEquals(child, predicate.attribute, predicate.value);
+                    }
+                }
+                if (passed)
+                    next.append(child);
+            }
+        }
+        context.swap(next);
+        m_memo.append({stepEnds.at(s), m_generation, context});
+    }
+    m_selection = context;
+    return true;
+}
+
+void BLDomXmlParse::touch(xmlNodePtr parent)
+{
+    if (parent)
+        parent->_private = reinterpret_cast<void*>(quintptr(++m_generation));
+}
+
 int BLDomXmlParse::selectNodeArray(const QString& query)
 {
     if (!m_document) {
         m_selection.clear();
         return -1;
+    }
+    if (selectSimplePath(query.toUtf8())) {
+        if (!m_selection.isEmpty())
+            m_currentNode = m_selection.first();
+        return int(m_selection.size());
     }
     xmlXPathContextPtr ctx = xmlXPathNewContext(m_document);
     if (!ctx) {
@@ -297,6 +517,7 @@ int BLDomXmlParse::addElement(const QString& name, const QString& value)
     xmlNodePtr node = newElement(name, value);
     if (!node)
         return 0;
+    touch(m_currentNode);
     xmlAddChild(m_currentNode, node);
     return 1;
 }
@@ -308,6 +529,7 @@ int BLDomXmlParse::insertElement(const QString& name, const QString& value, int 
     xmlNodePtr node = newElement(name, value);
     if (!node)
         return 0;
+    touch(m_currentNode);
     xmlNodePtr before = m_currentNode->children;
     for (int i = 0; before && i < atIndex; ++i)
         before = before->next;
@@ -325,6 +547,7 @@ int BLDomXmlParse::setElement(const QString& text)
     // Drop the old content; selected descendants go with it.
     for (xmlNodePtr c = m_currentNode->children; c; c = c->next)
         forgetSubtree(c);
+    touch(m_currentNode);
     xmlNodeSetContent(m_currentNode, nullptr);
     xmlAddChild(m_currentNode, xmlNewDocText(m_document, X(text.toUtf8())));
     return 1;
@@ -340,6 +563,7 @@ int BLDomXmlParse::setAttribute(const QString& name, const QString& value)
         return 0;
     const QByteArray n = name.toUtf8();
     const QByteArray v = value.toUtf8();
+    touch(m_currentNode->parent);
     // xmlSetProp keeps an existing attribute in its place and resolves a
     // prefixed name ("xml:lang") against the namespaces in scope.
     return xmlSetProp(m_currentNode, X(n), X(v)) ? 1 : 0;
@@ -351,6 +575,7 @@ int BLDomXmlParse::setNameSpaceWithName(const QString& prefix, const QString& ur
         return 0;
     const QByteArray p = prefix.toUtf8();
     const QByteArray u = uri.toUtf8();
+    m_memo.clear(); // names may match differently from now on
     for (xmlNsPtr ns = m_currentNode->nsDef; ns; ns = ns->next) {
         const bool same = prefix.isEmpty() ? ns->prefix == nullptr
                                            : (ns->prefix && xmlStrEqual(ns->prefix, X(p)));
@@ -376,6 +601,7 @@ int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
     xmlNodePtr root = xmlDocGetRootElement(m_document);
     if (!root)
         return 0;
+    touch(root->parent);
     xmlSetProp(root, BAD_CAST name, X(value.toUtf8()));
     return 1;
 }
@@ -416,6 +642,7 @@ int BLDomXmlParse::removeElement()
         return -1;
     xmlNodePtr node = m_currentNode;
     forgetSubtree(node);
+    touch(node->parent);
     xmlUnlinkNode(node);
     xmlFreeNode(node);
     return 1;
@@ -426,6 +653,7 @@ int BLDomXmlParse::removeChildNode()
     if (!m_currentNode)
         return -1;
     int count = 0;
+    touch(m_currentNode);
     while (xmlNodePtr last = m_currentNode->last) {
         forgetSubtree(last);
         xmlUnlinkNode(last);
@@ -444,8 +672,10 @@ int BLDomXmlParse::removeAttribute(const QString& name)
         xmlAttrPtr attr = name.startsWith(QLatin1String("xml:"))
                               ? xmlHasNsProp(m_currentNode, X(n.mid(4)), XML_XML_NAMESPACE)
                               : xmlHasProp(m_currentNode, X(n));
-        if (attr)
+        if (attr) {
+            touch(m_currentNode->parent);
             xmlRemoveProp(attr);
+        }
     }
     return 1;
 }
