@@ -1,7 +1,12 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
+
+#include <array>
+#include <atomic>
 
 class IMessagePresenter;
 
@@ -14,6 +19,110 @@ class BLCommon
 public:
     static BLCommon* sharedCtrl();
     static void releaseCtrl();
+
+    // ---- time code ----
+    // A time code as read from an LTC change value: four packed-decimal bytes
+    // in the order of the text, [0] frames (bit 6 = drop-frame flag),
+    // [1] seconds, [2] minutes, [3] hours.
+    using Timecode = std::array<quint8, 4>;
+
+    // Duration text of a frame count. LTC changes are the value texts of the
+    // take's LTC change entries, in order. Display form "hh:mm:ss:ff", drop
+    // frame "hh:mm.ss:ff"; LTC-table form "FFSSMMHH" with frames + 40.
+    static QString convertOfDurationByFrameCount(qint64 frameCount, const QString& frameFps,
+                                                 const QStringList& ltcChanges, bool isLtcTable);
+    // Whether the time code is drop frame; the duration rate is stored in
+    // outFrameRate (when given) in every case.
+    static bool isDropFrameByLtcChanges(const QStringList& ltcChanges, const QString& frameFps,
+                                        int* outFrameRate);
+    // Time code rate of a frame-rate name (0 for an unknown name).
+    static int toHDV_FPS(bool is720, const QString& frameFps);
+    // Parses an eight-digit LTC change value and subtracts the offset; a
+    // malformed value answers false with a zero time code.
+    static bool LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange, quint32 offset, int fps);
+    // "hh:mm:ss:ff\n" of the first LTC change less the offset; false without changes.
+    static bool GetTimecode(QString* out, const QStringList& ltcChanges, quint32 offset, int fps);
+    // Frame count of the start time code (first LTC change less the offset);
+    // 0 and flag 0 without changes. dropFlag receives the drop-frame flag.
+    static int GetStartFrames(const QStringList& ltcChanges, quint32 offset, int fps, int* dropFlag);
+    // Yes for files of 4 GiB or more; otherwise yes when the display time code
+    // of the duration stays below ten hours and its minutes below 30.
+    static bool checkTimeCode(qint64 duration, const QString& frameFps, const QStringList& ltcChanges,
+                              qint64 fileSize);
+    // Value of one hexadecimal digit; 0 for anything else.
+    static int xtoi(QChar c);
+
+    // Offset subtraction with borrowing (offsets below one second of frames).
+    static bool SubtractOffset(Timecode* timecode, quint32 offset, int fps);
+    static bool SubtractFrames(Timecode* timecode, quint32 offset);
+    static bool SubtractSecond(Timecode* timecode, quint32 offset, int fps);
+    static bool SubtractMinute(Timecode* timecode, quint32 offset, int fps);
+    static bool SubtractHour(Timecode* timecode, quint32 offset, int fps);
+
+    // ---- dates ----
+    // Parses "2009-03-05T14:07:59+09:00" or "2009-03-05T05:07:59Z"; invalid on failure.
+    static QDateTime makeCalendarDateFromString(const QString& text);
+    // The current local date and time in the XML form "2009-03-05T14:07:59+09:00".
+    static QString getGmtTm();
+    // A date in the XML form, in the date's own time zone.
+    static QString getXmlFormatDateString(const QDateTime& date);
+    // The date alone: order 2 day-month-year, 1 month-day-year, else year-month-day.
+    static QString makeDateStringFromCalendarData(const QDateTime& date, int order, const QString& pause);
+    // The screen form: date by the settings' order and separator, then " hh:mm"; "" for no date.
+    static QString makeDateTimeStringFromCalendarData(const QDateTime& date);
+    // Language of the system locale ("en" for en_US), used to tag metadata texts.
+    static QString getSystemLanguage();
+
+    // ---- sizes ----
+    // Byte count as text: mode 0 bytes, 1 KB, 2 MB, 3 GB, 4 TB; pattern "#,##0"
+    // or "#,##0.0" (decimals after the "."); rounded down, unit appended.
+    static QString convertSizeStr(qint64 size, const QString& format, int mode);
+
+    // ---- UMID ----
+    // A new 64-digit UMID; advances the serial number 1..63.
+    QString createUmid();
+    // A 32-digit media id (time stamp and machine node) from counter n.
+    static QString createMediaID(int n);
+    // The number to make the next media id with: the settings' sequential
+    // number plus one, 0 once that reaches 9999.
+    static int nextSequentialNo();
+    // The 16-character SMPTE 309 time stamp of now (or of a given moment).
+    static QString GetSMPTE309(int n);
+    static QString GetSMPTE309(int n, const QDateTime& now);
+    // Modified Julian Date of a calendar date.
+    static int modifiedJulianDate(int year, int month, int day);
+
+    // ---- folders and paths ----
+    // The base followed by each component, its one leading "." removed, so a
+    // reference "./CLPR/X/Y.XML" joins correctly to a BPAV folder.
+    static QString makeFilePath(const QString& base, const QStringList& components);
+    // Puts "./" in front of a reference that does not start with ".".
+    static QString addDot(const QString& reference);
+    // Removes one leading "." character.
+    static QString removalDot(const QString& reference);
+    // folder/BPAV, else folder/PRIVATE/ORX/BPAV when that is a folder, else folder/BPAV.
+    static QString getPathOfBPAV(const QString& folder);
+    // "BPAV" or "PRIVATE": the top folder that holds the material.
+    static QString visibleFolderNameOf(const QString& folder);
+    static bool isBPAVFolder(const QString& folder);
+    // The mount root of the volume holding the path, with a trailing "/";
+    // "/" for the start-up disk.
+    static QString getVolumeName(const QString& path);
+    static bool compareVolumes(const QString& path, const QString& path2);
+
+    // ---- file and folder tests ----
+    // An existing, visible folder that is not a package; at "/" not "automount" or "Network".
+    static bool isFolder(const QString& path);
+    // The item itself (a link, not its target) is visible: its name does not start with ".".
+    static bool checkVisibleDirectory(const QString& path);
+    // Exists, is not a folder and is not a package.
+    static bool isFiles(const QString& path);
+    // Equals the path of a mounted volume, with or without a trailing "/".
+    static bool isVolume(const QString& path);
+    // Names in the folder, unsorted; for an empty path the paths of all mounted volumes.
+    static QStringList getFileList(const QString& path);
+    // Names of the entries that are folders (for an empty path, volume paths).
+    static QStringList getFolders(const QString& path);
 
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if
@@ -38,11 +147,15 @@ public:
     static IMessagePresenter* messagePresenter();
     // Shows an informational alert. The message and informative texts are keys
     // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and "Cancel"; 2 "Yes" and "No".
+    // messageArgs fill the placeholders %1, %2, ... of the localised message.
     // Answers IMessagePresenter::kFirstButton or kSecondButton.
-    int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern);
+    int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern,
+                   const QStringList& messageArgs = {});
     // The localised title of button 0 or 1 of a pattern; "" when there is none.
     QString getBtnLabel(int pattern, int no) const;
 
 private:
     BLCommon() = default;
+
+    std::atomic<int> m_umidSerialNumber{1};
 };

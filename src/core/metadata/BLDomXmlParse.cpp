@@ -1,8 +1,8 @@
 #include "core/metadata/BLDomXmlParse.h"
 
 #include "core/common/BLAtomicFile.h"
+#include "core/common/BLCommon.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QStringList>
 #include <QVarLengthArray>
@@ -151,12 +151,6 @@ bool attributeEquals(xmlNodePtr node, const QByteArray& name, const QByteArray& 
         return equal;
     }
     return false;
-}
-
-QString nowText()
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODate);
 }
 } // namespace
 
@@ -608,12 +602,12 @@ int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
 
 int BLDomXmlParse::setMediaProfileHeader()
 {
-    return setRootAttribute("createdAt", nowText());
+    return setRootAttribute("createdAt", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setNonRealTimeMetaHeader()
 {
-    return setRootAttribute("lastUpdate", nowText());
+    return setRootAttribute("lastUpdate", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setTakeInfoHeader(const QString& umid)

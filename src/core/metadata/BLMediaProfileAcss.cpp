@@ -2,8 +2,8 @@
 
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/model/BLDiskCtrl.h"
 
-#include <QDateTime>
 #include <QDir>
 
 #include <algorithm>
@@ -40,21 +40,6 @@ QString materialPath(const QString& uri)
 QString positionPredicate(int position)
 {
     return QStringLiteral("[%1]").arg(position);
-}
-
-// TODO(common): BLCommon::createMediaID once it lands.
-QString newMediaId(int n)
-{
-    return QStringLiteral("%1%2").arg(QDateTime::currentMSecsSinceEpoch() % 100000000, 8, 10, QLatin1Char('0'))
-               .arg((n % 64) | 0xC0, 2, 16, QLatin1Char('0'))
-               .toUpper()
-               .leftJustified(32, QLatin1Char('0'));
-}
-
-// TODO(common): BLDiskCtrl::getMacAddress once it lands.
-QString hostSystemId()
-{
-    return QStringLiteral("000000000000");
 }
 
 // The attributes every child kind and the material share, in file order
@@ -116,7 +101,7 @@ bool BLMediaProfileAcss::createForFolderPath(const QString& folderPath)
 bool BLMediaProfileAcss::initMediaPro()
 {
     DOSystem system;
-    system.setSystemId(hostSystemId());
+    system.setSystemId(BLDiskCtrl::sharedCtrl()->getMacAddress(false).toLower());
     system.setSystemKind(kSystemKind);
     return setSystemData(system) == 0;
 }
@@ -134,14 +119,11 @@ bool BLMediaProfileAcss::updateAttachedData()
     DOAttached attached;
     if (!getAttachedData(attached))
         return false;
-    BLPlistCtrl* settings = BLPlistCtrl::sharedCtrl();
-    int sequentialNo = settings->getSequentialNo() + 1;
-    if (sequentialNo >= 9999)
-        sequentialNo = 0;
-    attached.setMediaId(newMediaId(sequentialNo));
+    const int sequentialNo = BLCommon::nextSequentialNo();
+    attached.setMediaId(BLCommon::createMediaID(sequentialNo));
     if (setAttachedData(attached) != 0)
         return false;
-    settings->setSequentialNo(sequentialNo);
+    BLPlistCtrl::sharedCtrl()->setSequentialNo(sequentialNo);
     return true;
 }
 

@@ -1,0 +1,161 @@
+#include "core/common/BLCommon.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString display(qint64 frames, const QString& fps, const QStringList& ltc = {})
+{
+    return BLCommon::convertOfDurationByFrameCount(frames, fps, ltc, false);
+}
+
+// The LTC change value of a non-drop display text "hh:mm:ss:ff" (no flag bit).
+QString nonDropValue(const QString& text)
+{
+    return text.mid(9, 2) + text.mid(6, 2) + text.mid(3, 2) + text.mid(0, 2);
+}
+
+} // namespace
+
+TEST(TimecodeTest, DropFrameDisplayAtTheMinuteAndHourBoundaries)
+{
+    EXPECT_EQ(display(0, "29.97p"), "00:00.00:00");
+    EXPECT_EQ(display(1799, "29.97p"), "00:00.59:29");
+    EXPECT_EQ(display(1800, "29.97p"), "00:01.00:02"); // frames 0 and 1 skipped
+    EXPECT_EQ(display(3598, "29.97p"), "00:02.00:02");
+    EXPECT_EQ(display(17981, "29.97p"), "00:09.59:29");
+    EXPECT_EQ(display(17982, "29.97p"), "00:10.00:00"); // every tenth minute keeps them
+    EXPECT_EQ(display(19781, "29.97p"), "00:10.59:29");
+    EXPECT_EQ(display(19782, "29.97p"), "00:11.00:02");
+    EXPECT_EQ(display(107891, "29.97p"), "00:59.59:29");
+    EXPECT_EQ(display(107892, "29.97p"), "01:00.00:00");
+    EXPECT_EQ(display(108000, "29.97p"), "01:00.03:18");
+    EXPECT_EQ(display(2 * 107892, "59.94i"), "02:00.00:00");
+    // Drop-frame hours wrap once past 24.
+    EXPECT_EQ(display(25 * 107892, "29.97p"), "01:00.00:00");
+}
+
+TEST(TimecodeTest, ProgressiveHighRatesHalveAndOtherRatesDoNotDrop)
+{
+    EXPECT_EQ(display(3600, "59.94p"), "00:01.00:02");
+    EXPECT_EQ(display(3601, "59.94P"), "00:01.00:02");
+    EXPECT_EQ(display(100, "50p"), "00:00:02:00"); // halved, then 25 per second
+    EXPECT_EQ(display(90000, "25p"), "01:00:00:00");
+    EXPECT_EQ(display(2160000, "25p"), "24:00:00:00"); // no wrap
+    EXPECT_EQ(display(86400, "23.98p"), "01:00:00:00");
+    EXPECT_EQ(display(30, "unknown"), "00:00:01:05"); // unknown names count at 25
+}
+
+TEST(TimecodeTest, TheFirstLtcValueDecidesDropFrame)
+{
+    EXPECT_EQ(display(1800, "29.97p", {"10000000"}), "00:01:00:00");
+    EXPECT_EQ(display(1800, "29.97p", {"40000000"}), "00:01.00:02");
+    EXPECT_EQ(display(1800, "29.97p", {""}), "00:01.00:02");
+    EXPECT_EQ(display(1800, "29.97p", {"30000000", "40000000"}), "00:01:00:00");
+
+    int rate = -1;
+    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges({}, "25p", &rate));
+    EXPECT_EQ(rate, 25); // the rate comes back even when the answer is no
+    EXPECT_TRUE(BLCommon::isDropFrameByLtcChanges({"C0000000"}, "59.94p", &rate));
+    EXPECT_EQ(rate, 30);
+    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges({"40000000"}, "23.98P", &rate));
+    EXPECT_EQ(rate, 24);
+
+    EXPECT_EQ(BLCommon::toHDV_FPS(true, "59.94p"), 60);
+    EXPECT_EQ(BLCommon::toHDV_FPS(false, "50P"), 50);
+    EXPECT_EQ(BLCommon::toHDV_FPS(false, "59.94i"), 30);
+    EXPECT_EQ(BLCommon::toHDV_FPS(false, "24p"), 0);
+}
+
+TEST(TimecodeTest, LtcTableFormCarriesTheFlagInTheFramesPair)
+{
+    EXPECT_EQ(BLCommon::convertOfDurationByFrameCount(0, "29.97p", {}, true), "40000000");
+    // 01:02:03 frame 4 at 25 frames per second.
+    const qint64 frames = (3600 + 2 * 60 + 3) * 25 + 4;
+    EXPECT_EQ(BLCommon::convertOfDurationByFrameCount(frames, "25p", {}, true), "44030201");
+}
+
+TEST(TimecodeTest, LtcValuesParseOrAreRejected)
+{
+    BLCommon::Timecode tc;
+    ASSERT_TRUE(BLCommon::LTCCValueToTimecode(&tc, "44030201", 0, 30));
+    EXPECT_EQ(tc, (BLCommon::Timecode{0x44, 0x03, 0x02, 0x01}));
+    QString text;
+    ASSERT_TRUE(BLCommon::GetTimecode(&text, {"44030201"}, 0, 30));
+    EXPECT_EQ(text, "01:02:03:04\n");
+    EXPECT_FALSE(BLCommon::GetTimecode(&text, {}, 0, 30));
+
+    for (const QString bad : {"4403020", "440302011", "4403020G", "", "44 30201"}) {
+        tc = {1, 2, 3, 4};
+        EXPECT_FALSE(BLCommon::LTCCValueToTimecode(&tc, bad, 0, 30)) << bad.toStdString();
+        EXPECT_EQ(tc, (BLCommon::Timecode{0, 0, 0, 0}));
+        int drop = -1;
+        EXPECT_EQ(BLCommon::GetStartFrames({bad}, 0, 30, &drop), 0);
+        EXPECT_EQ(drop, 0);
+    }
+    EXPECT_EQ(BLCommon::xtoi('b'), 11);
+    EXPECT_EQ(BLCommon::xtoi('F'), 15);
+    EXPECT_EQ(BLCommon::xtoi('7'), 7);
+    EXPECT_EQ(BLCommon::xtoi('g'), 0);
+}
+
+TEST(TimecodeTest, OffsetSubtractionBorrowsAndKeepsTheFlag)
+{
+    QString text;
+    // Frames suffice.
+    BLCommon::GetTimecode(&text, {"45030201"}, 3, 30);
+    EXPECT_EQ(text, "01:02:03:02\n");
+    // Frames 0: borrow a second.
+    BLCommon::GetTimecode(&text, {"40100000"}, 3, 30);
+    EXPECT_EQ(text, "00:00:09:27\n");
+    // Frames below the offset: borrow a second too.
+    BLCommon::GetTimecode(&text, {"41100000"}, 3, 25);
+    EXPECT_EQ(text, "00:00:09:23\n");
+    // Seconds 0: borrow a minute, then a second.
+    BLCommon::GetTimecode(&text, {"40000500"}, 2, 30);
+    EXPECT_EQ(text, "00:04:59:28\n");
+    // Everything 0 but the hours, and from hour 0 the hours become 23.
+    BLCommon::Timecode tc;
+    BLCommon::LTCCValueToTimecode(&tc, "40000001", 2, 30);
+    EXPECT_EQ(tc, (BLCommon::Timecode{0x68, 0x59, 0x59, 0x00}));
+    BLCommon::LTCCValueToTimecode(&tc, "C0000000", 1, 30);
+    EXPECT_EQ(tc, (BLCommon::Timecode{0xE9, 0x59, 0x59, 0x23})); // bits 6 and 7 kept
+
+    int drop = -1;
+    EXPECT_EQ(BLCommon::GetStartFrames({"40000001"}, 2, 30, &drop), 107890);
+    EXPECT_EQ(drop, 1);
+}
+
+TEST(TimecodeTest, StartFramesRoundTripEveryFrameOfAnHour)
+{
+    // 29.97 drop frame: the LTC-table text of each frame count reads back as that count.
+    for (qint64 n = 0; n < 107892; ++n) {
+        const QString value = BLCommon::convertOfDurationByFrameCount(n, "29.97p", {}, true);
+        int drop = 0;
+        ASSERT_EQ(BLCommon::GetStartFrames({value}, 0, 30, &drop), n) << value.toStdString();
+        ASSERT_EQ(drop, 1);
+    }
+    // 25p non drop, from the display text.
+    for (qint64 n = 0; n < 90000; ++n) {
+        const QString value = nonDropValue(display(n, "25p"));
+        int drop = 1;
+        ASSERT_EQ(BLCommon::GetStartFrames({value}, 0, 25, &drop), n) << value.toStdString();
+        ASSERT_EQ(drop, 0);
+    }
+    // 59.94p drop frame counts two frames per time code frame.
+    int drop = 0;
+    EXPECT_EQ(BLCommon::GetStartFrames({"40000001"}, 0, 60, &drop), 215784);
+    EXPECT_EQ(BLCommon::GetStartFrames({"42000000"}, 0, 60, &drop), 4);
+    EXPECT_EQ(BLCommon::GetStartFrames({}, 0, 30, &drop), 0);
+}
+
+TEST(TimecodeTest, DurationCheckAllowsBigFilesAndShortClips)
+{
+    const QStringList noChanges;
+    EXPECT_TRUE(BLCommon::checkTimeCode(29 * 60 * 25, "25p", noChanges, 1000));
+    EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, 1000));
+    EXPECT_TRUE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, qint64(1) << 32));
+    EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, (qint64(1) << 32) - 1));
+    EXPECT_TRUE(BLCommon::checkTimeCode(3600 * 25, "25p", noChanges, 1000)); // 01:00 has minutes 00
+    EXPECT_FALSE(BLCommon::checkTimeCode(10 * 3600 * 25, "25p", noChanges, 1000));
+}

@@ -1,0 +1,103 @@
+#include "core/common/BLCommon.h"
+#include "support/FakeVolumeProvider.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+TEST(VolumePathTest, VolumeNamesComeFromTheMountedVolumes)
+{
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({"/media/u/CARD", "vfat", "CARD", 1, 1});
+    volumes.addVolume({"/media/u/CARD/inner", "exfat", "INNER", 1, 1});
+
+    EXPECT_EQ(BLCommon::getVolumeName("/home/x/Videos"), "/");
+    EXPECT_EQ(BLCommon::getVolumeName("/media/u/CARD/BPAV"), "/media/u/CARD/");
+    EXPECT_EQ(BLCommon::getVolumeName("/media/u/CARD"), "/media/u/CARD/");
+    EXPECT_EQ(BLCommon::getVolumeName("/media/u/CARD/inner/BPAV/CLPR"), "/media/u/CARD/inner/");
+    EXPECT_EQ(BLCommon::getVolumeName("/media/u/CARDS/BPAV"), "/"); // a longer name is another folder
+    EXPECT_EQ(BLCommon::getVolumeName("/"), "/");
+
+    EXPECT_TRUE(BLCommon::compareVolumes("/media/u/CARD/a", "/media/u/CARD/b/c"));
+    EXPECT_FALSE(BLCommon::compareVolumes("/media/u/CARD/a", "/home/x"));
+    EXPECT_TRUE(BLCommon::compareVolumes("/home/x", "/var/tmp"));
+
+    EXPECT_TRUE(BLCommon::isVolume("/media/u/CARD"));
+    EXPECT_TRUE(BLCommon::isVolume("/media/u/CARD/"));
+    EXPECT_TRUE(BLCommon::isVolume("/"));
+    EXPECT_FALSE(BLCommon::isVolume("/media/u"));
+    EXPECT_FALSE(BLCommon::isVolume(""));
+    EXPECT_EQ(BLCommon::getFileList(""), QStringList({"/", "/media/u/CARD", "/media/u/CARD/inner"}));
+}
+
+TEST(VolumePathTest, BpavIsFoundInBothLayouts)
+{
+    QTemporaryDir dir;
+    const QString card = dir.path() + "/card";
+    const QString both = dir.path() + "/both";
+    const QString none = dir.path() + "/none";
+    QDir().mkpath(card + "/PRIVATE/ORX/BPAV");
+    QDir().mkpath(both + "/PRIVATE/ORX/BPAV");
+    QDir().mkpath(both + "/BPAV");
+    QDir().mkpath(none);
+
+    EXPECT_EQ(BLCommon::getPathOfBPAV(card), card + "/PRIVATE/ORX/BPAV");
+    EXPECT_EQ(BLCommon::visibleFolderNameOf(card), "PRIVATE");
+    EXPECT_TRUE(BLCommon::isBPAVFolder(card));
+    EXPECT_EQ(BLCommon::getPathOfBPAV(both), both + "/BPAV");
+    EXPECT_EQ(BLCommon::visibleFolderNameOf(both), "BPAV");
+    EXPECT_EQ(BLCommon::getPathOfBPAV(none), none + "/BPAV");
+    EXPECT_FALSE(BLCommon::isBPAVFolder(none));
+    // A file named BPAV is not the folder.
+    QFile(none + "/BPAV").open(QIODevice::WriteOnly);
+    EXPECT_FALSE(BLCommon::isBPAVFolder(none));
+}
+
+TEST(VolumePathTest, ReferencesJoinToTheBpavFolder)
+{
+    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV", {"./CLPR/C0001/C0001M01.XML"}), "/v/BPAV/CLPR/C0001/C0001M01.XML");
+    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV/", {"CLPR", "C0001"}), "/v/BPAV/CLPR/C0001");
+    EXPECT_EQ(BLCommon::makeFilePath("/v", {".", "BPAV/"}), "/v/BPAV");
+    EXPECT_EQ(BLCommon::makeFilePath("/", {"BPAV"}), "/BPAV");
+    EXPECT_EQ(BLCommon::addDot("CLPR/C0001/C0001.MP4"), "./CLPR/C0001/C0001.MP4");
+    EXPECT_EQ(BLCommon::addDot("/CLPR/C0001/C0001.MP4"), "./CLPR/C0001/C0001.MP4");
+    EXPECT_EQ(BLCommon::addDot("./CLPR"), "./CLPR");
+    EXPECT_EQ(BLCommon::removalDot("./CLPR"), "/CLPR");
+    EXPECT_EQ(BLCommon::removalDot("CLPR"), "CLPR");
+}
+
+TEST(VolumePathTest, FolderAndFileTests)
+{
+    QTemporaryDir dir;
+    const QString root = dir.path();
+    QDir().mkpath(root + "/visible/inner");
+    QDir().mkpath(root + "/.hidden");
+    QFile(root + "/file.MP4").open(QIODevice::WriteOnly);
+    QFile(root + "/.hiddenfile").open(QIODevice::WriteOnly);
+    ASSERT_TRUE(QFile::link(root + "/visible", root + "/link"));
+    ASSERT_TRUE(QFile::link(root + "/visible", root + "/.hiddenlink"));
+
+    EXPECT_TRUE(BLCommon::isFolder(root + "/visible"));
+    EXPECT_TRUE(BLCommon::isFolder(root + "/visible/"));
+    EXPECT_TRUE(BLCommon::isFolder(root + "/link"));
+    EXPECT_FALSE(BLCommon::isFolder(root + "/.hidden"));
+    EXPECT_FALSE(BLCommon::isFolder(root + "/.hiddenlink")); // the link itself is invisible
+    EXPECT_FALSE(BLCommon::isFolder(root + "/file.MP4"));
+    EXPECT_FALSE(BLCommon::isFolder(root + "/missing"));
+    EXPECT_FALSE(BLCommon::isFolder(""));
+    EXPECT_TRUE(BLCommon::isFiles(root + "/file.MP4"));
+    EXPECT_TRUE(BLCommon::isFiles(root + "/.hiddenfile"));
+    EXPECT_FALSE(BLCommon::isFiles(root + "/visible"));
+    EXPECT_FALSE(BLCommon::isFiles(root + "/missing"));
+    EXPECT_FALSE(BLCommon::checkVisibleDirectory(root + "/.hidden/"));
+
+    QStringList all = BLCommon::getFileList(root);
+    all.sort();
+    EXPECT_EQ(all, QStringList({".hidden", ".hiddenfile", ".hiddenlink", "file.MP4", "link", "visible"}));
+    QStringList folders = BLCommon::getFolders(root);
+    folders.sort();
+    EXPECT_EQ(folders, QStringList({"link", "visible"}));
+    EXPECT_TRUE(BLCommon::getFileList(root + "/missing").isEmpty());
+}

@@ -1,0 +1,321 @@
+#include "core/app/BLLogCtrl.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/model/BLDiskCtrl.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/MessageRecorder.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/fsuid.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr qint64 kGB = 1'000'000'000;
+
+void writeFile(const QString& path, qint64 size = 0)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    if (size > 0) {
+        ASSERT_TRUE(file.resize(size)); // sparse: the size counts, not the blocks
+    }
+}
+
+QStringList logLines(const cwtest::ScopedHome& home)
+{
+    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
+    if (!log.open(QIODevice::ReadOnly))
+        return {};
+    QStringList lines;
+    for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+        lines << line.section(':', 3); // drop "YYYY/MM/DD hh:mm:ss PPPP:"
+    return lines;
+}
+
+// Makes permission bits count while the tests run as root: file-system checks
+// of this thread are made as an ordinary user for the object's lifetime.
+class AsOrdinaryUser
+{
+public:
+    AsOrdinaryUser()
+        : m_root(geteuid() == 0)
+    {
+        if (m_root)
+            setfsuid(65534);
+    }
+    ~AsOrdinaryUser()
+    {
+        if (m_root)
+            setfsuid(0);
+    }
+
+private:
+    bool m_root;
+};
+
+void chmodTree(const QString& root, QFile::Permissions dirs, QFile::Permissions files)
+{
+    QFile::setPermissions(root, dirs);
+    for (const QString& name : QDir(root).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+        const QString path = root + '/' + name;
+        if (QFileInfo(path).isDir())
+            chmodTree(path, dirs, files);
+        else
+            QFile::setPermissions(path, files);
+    }
+}
+
+const QFile::Permissions kOpenDir = QFile::Permissions(0x7777);
+const QFile::Permissions kOpenFile = QFile::Permissions(0x6666);
+const QFile::Permissions kReadOnlyFile = QFile::Permissions(0x4444);
+const QFile::Permissions kReadOnlyDir = QFile::Permissions(0x5555);
+
+} // namespace
+
+class DiskSpaceTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        ASSERT_TRUE(m_card.isValid());
+        m_volumes.addVolume({QDir::cleanPath(m_card.path()), "vfat", "CARD", 100 * kGB, 15 * kGB});
+    }
+
+    void settings(int systemMax, int localMax)
+    {
+        cwtest::releaseSingletons();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
+                                                    {"SYSTEM_DISK_MAX", systemMax},
+                                                    {"LOCAL_DISK_MAX", localMax}});
+    }
+
+    // A clip file of the given size in a source folder on the start-up disk.
+    QString source(const QString& name, qint64 size)
+    {
+        const QString path = home().path("src/BPAV/CLPR/" + name + "/" + name + ".MP4");
+        writeFile(path, size);
+        return path;
+    }
+
+    QTemporaryDir m_card;
+    cwtest::FakeVolumeProvider m_volumes;
+    cwtest::MessageRecorder m_messages;
+};
+
+TEST_F(DiskSpaceTest, UsageLimitOfACardMustStayAboveTheUsedShare)
+{
+    settings(0, 90);
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    const QString destination = m_card.path() + "/BPAV";
+
+    EXPECT_FALSE(disk->checkDiskSpace({source("C6", 6 * kGB)}, destination)); // 91 %
+    EXPECT_FALSE(disk->checkDiskSpace({source("C5", 5 * kGB)}, destination)); // 90 %: not below
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3193", "MSG_6510_3193"}));
+    EXPECT_TRUE(disk->checkDiskSpace({source("C4", 4 * kGB)}, destination)); // 89 %
+    EXPECT_EQ(m_messages.alerts().size(), 2);
+
+    const QStringList lines = logLines(home());
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Used space : 91%"));
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Used space : 90%"));
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Used space : 89%"));
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Usable limit : 90%"));
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Necessary space : " +
+                               BLCommon::convertSizeStr(6 * kGB, "#,##0.0", 2)));
+    EXPECT_TRUE(lines.contains("[BLDiskCtrl checkDiskSpace]    Free space : " +
+                               BLCommon::convertSizeStr(15 * kGB, "#,##0.0", 2)));
+    EXPECT_EQ(lines.count("[BLDiskCtrl checkDiskSpace] Start"), 3);
+    EXPECT_EQ(lines.count("[BLDiskCtrl checkDiskSpace] End"), 3);
+}
+
+TEST_F(DiskSpaceTest, WithoutALimitTheDataMustFitAndFoldersCountWhole)
+{
+    settings(0, 0);
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    const QString clip = QFileInfo(source("C10", 10 * kGB)).path();
+    writeFile(clip + "/C10M01.XML", 1000);
+
+    // A clip folder counts with everything in it: 10 GB + 1000 bytes > 10 GB free.
+    m_volumes.addVolume({m_card.path() + "/full", "vfat", "FULL", 100 * kGB, 10 * kGB});
+    EXPECT_FALSE(disk->checkDiskSpace({clip}, m_card.path() + "/full"));
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3229"}));
+    EXPECT_TRUE(logLines(home()).contains("DiscCtrl checkDiskSpace Message nonSpace"));
+    // Exactly the free space fits.
+    EXPECT_TRUE(disk->checkDiskSpace({clip + "/C10.MP4"}, m_card.path() + "/full"));
+    EXPECT_TRUE(logLines(home()).contains("DiscCtrl checkDiskSpace Message freeSpace"));
+    // 100 means the same as 0.
+    settings(0, 100);
+    EXPECT_FALSE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({clip}, m_card.path() + "/full"));
+    EXPECT_EQ(m_messages.keys().last(), "MSG_6510_3229");
+}
+
+TEST_F(DiskSpaceTest, TheStartupDiskUsesItsOwnLimit)
+{
+    settings(0, 1);
+    // 6 GB onto the start-up disk (250 GB free of 500): the card limit of 1 % does not apply.
+    EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest")));
+    settings(51, 1);
+    EXPECT_FALSE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest"))); // 51 %
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3193"}));
+    // Without a destination nothing is needed (50 %); the sources' BPAV volume is tested.
+    EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, QString()));
+    EXPECT_TRUE(logLines(home()).contains("[BLDiskCtrl checkDiskSpace]    Necessary space : " +
+                                          BLCommon::convertSizeStr(0, "#,##0.0", 2)));
+}
+
+TEST(DiskKindTest, FileSystemKindsAndTheirLogLines)
+{
+    cwtest::ScopedHome home;
+    cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "DEBUG"}});
+    cwtest::FakeVolumeProvider volumes;
+    const QList<std::pair<QString, int>> kinds = {{"ext4", 0}, {"btrfs", 0}, {"tmpfs", 0}, {"hfs", 0},
+                                                  {"vfat", 1}, {"msdos", 1}, {"cifs", 2},  {"smb3", 2},
+                                                  {"exfat", 3}, {"ntfs", 3}, {"fuseblk", 3}, {"nfs", 3},
+                                                  {"iso9660", 3}};
+    for (const auto& [type, kind] : kinds) {
+        volumes.addVolume({"/media/u/" + type, type, type, kGB, kGB});
+        EXPECT_EQ(BLDiskCtrl::sharedCtrl()->isUsableDrive("/media/u/" + type + "/BPAV"), kind) << type.toStdString();
+    }
+    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(log.readAll());
+    EXPECT_EQ(text.count("1111:[BLDiskCtrl isUsableDrive] FORMAT_OK"), 4);
+    EXPECT_EQ(text.count("1111:[BLDiskCtrl isUsableDrive] FORMAT_FAT32"), 2);
+    EXPECT_EQ(text.count("1111:[BLDiskCtrl isUsableDrive] FORMAT_SAMBA"), 2);
+    EXPECT_EQ(text.count("1111:[BLDiskCtrl isUsableDrive] FORMAT_NG"), 5);
+
+    volumes.setUnreadable(true);
+    EXPECT_EQ(BLDiskCtrl::sharedCtrl()->isUsableDrive("/media/u/ext4"), 3);
+    EXPECT_EQ(QFile(log.fileName()).size(), log.size()); // no line for unreadable statistics
+    qint64 total = -1, freeSize = -1;
+    EXPECT_FALSE(BLDiskCtrl::sharedCtrl()->getDiskSizeInfo("/media/u/ext4", &total, &freeSize));
+    EXPECT_EQ(total, 0);
+    EXPECT_EQ(freeSize, 0);
+}
+
+TEST(DiskKindTest, TheMountTableAnswersForRealPaths)
+{
+    QTemporaryDir dir;
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    qint64 total = 0, freeSize = 0;
+    ASSERT_TRUE(disk->getDiskSizeInfo(dir.path() + "/not/yet/made", &total, &freeSize));
+    EXPECT_GT(total, 0);
+    EXPECT_GE(freeSize, 0);
+    EXPECT_LE(freeSize, total);
+    EXPECT_EQ(disk->getUsedSize(dir.path()), disk->getDiskSize(dir.path()) - disk->getFreeSize(dir.path()));
+    EXPECT_EQ(disk->isUsableDrive("/proc/self"), 3); // a pseudo file system is not for material
+    const QStringList volumes = BLCommon::getFileList(QString());
+    ASSERT_FALSE(volumes.isEmpty());
+    EXPECT_EQ(volumes.first(), "/");
+    EXPECT_FALSE(volumes.contains("/proc"));
+    EXPECT_FALSE(volumes.contains("/sys"));
+}
+
+TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
+{
+    QTemporaryDir dir;
+    const QString root = dir.path() + "/work";
+    const QString clip = root + "/BPAV/CLPR/C0001";
+    writeFile(clip + "/C0001.MP4", 10);
+    writeFile(clip + "/C0001M01.XML", 10);
+    writeFile(root + "/BPAV/MEDIAPRO.XML", 10);
+    writeFile(root + "/.lock", 1);
+    writeFile(root + "/notes.txt", 1);
+    QFile::setPermissions(dir.path(), kOpenDir);
+    chmodTree(root, kOpenDir, kOpenFile);
+    QFile::setPermissions(root + "/.lock", kReadOnlyFile); // invisible: never examined
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+
+    {
+        AsOrdinaryUser user;
+        EXPECT_TRUE(disk->isWritableFolderPath(root));
+        EXPECT_TRUE(disk->isReadableFolderPath(root));
+        EXPECT_TRUE(disk->isDeletablePath(root));
+        EXPECT_TRUE(disk->isWritablePath(root));
+        EXPECT_TRUE(disk->baseWritableCheck(root));
+        EXPECT_TRUE(disk->baseReadableCheck(root));
+        EXPECT_FALSE(disk->isWritableThisPath(root + "/.lock"));
+    }
+
+    QFile::setPermissions(clip + "/C0001M01.XML", kReadOnlyFile);
+    {
+        AsOrdinaryUser user;
+        EXPECT_FALSE(disk->isWritableFolderPath(root));
+        EXPECT_FALSE(disk->isWritableFolderPath(clip));
+        EXPECT_TRUE(disk->isWritableFolderPath(clip + "/C0001M01.XML")); // not a folder
+        EXPECT_TRUE(disk->isWritableFolderPath(root + "/missing"));
+        EXPECT_FALSE(disk->isWritablePath(root)); // its BPAV folder holds a read-only file
+        EXPECT_FALSE(disk->isWritablePath(clip + "/C0001M01.XML"));
+        EXPECT_TRUE(disk->isWritablePath(root + "/missing"));
+        EXPECT_TRUE(disk->isWritablePath(root + "/BPAV/CLPR")); // only a BPAV entry is looked into
+        EXPECT_TRUE(disk->baseWritableCheck(root));              // clip contents are not part of it
+        EXPECT_TRUE(disk->isReadableFolderPath(root));
+        EXPECT_TRUE(disk->isDeletablePath(root)); // the file's folder is writable
+    }
+
+    QFile::setPermissions(root + "/BPAV/MEDIAPRO.XML", QFile::Permissions());
+    QFile::setPermissions(clip, kReadOnlyDir);
+    {
+        AsOrdinaryUser user;
+        EXPECT_FALSE(disk->baseWritableCheck(root));
+        EXPECT_FALSE(disk->baseReadableCheck(root));
+        EXPECT_FALSE(disk->isReadableFolderPath(root));
+        EXPECT_TRUE(disk->isReadableFolderPath(clip));
+        EXPECT_FALSE(disk->isDeletablePath(root)); // nothing can leave the read-only clip folder
+        EXPECT_FALSE(disk->isDeletablePath(clip + "/C0001.MP4"));
+        EXPECT_TRUE(disk->isDeletableThisPath(clip)); // the folder itself could go from CLPR
+        EXPECT_TRUE(disk->isDeletablePath(root + "/notes.txt"));
+        EXPECT_TRUE(disk->isDeletableThisPath("/"));
+        EXPECT_FALSE(disk->isDeletableThisPath(root + "/missing"));
+    }
+    chmodTree(root, kOpenDir, kOpenFile);
+}
+
+TEST(DiskSizeTest, SizesOfFilesFoldersAndLinks)
+{
+    QTemporaryDir dir;
+    const QString clip = dir.path() + "/C0001";
+    writeFile(clip + "/C0001.MP4", 100000);
+    writeFile(clip + "/C0001M01.XML", 2000);
+    writeFile(clip + "/.DS_Store", 30);
+    writeFile(clip + "/sub/part.BIM", 400);
+    ASSERT_TRUE(QFile::link(clip + "/C0001.MP4", clip + "/link.MP4"));
+    const qint64 linkSize = QFileInfo(clip + "/link.MP4").symLinkTarget().toUtf8().size();
+    ASSERT_TRUE(QFile::link(clip, clip + "/sub/loop")); // a loop of links must not recurse
+
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    EXPECT_EQ(disk->getFileSize(clip + "/C0001.MP4"), 100000);
+    EXPECT_EQ(disk->getFileSize(clip + "/link.MP4"), linkSize); // the link, not its target
+    EXPECT_EQ(disk->getFileSize(clip + "/missing"), 0);
+    const qint64 loopSize = disk->getFileSize(clip + "/sub/loop");
+    EXPECT_EQ(disk->getFolderSize(clip), 100000 + 2000 + 30 + 400 + linkSize + loopSize);
+    EXPECT_EQ(disk->getClipSize(clip + "/sub"), 400 + loopSize);
+
+    EXPECT_TRUE(disk->getCreationDate(clip + "/C0001.MP4").isValid());
+    EXPECT_LE(disk->getCreationDate(clip + "/C0001.MP4"), QDateTime::currentDateTime().addSecs(1));
+    EXPECT_FALSE(disk->getCreationDate(clip + "/missing").isValid());
+}
+
+TEST(DiskNumberTest, NumbersAsTextAndTheHardwareAddress)
+{
+    EXPECT_EQ(BLDiskCtrl::str_ll("123"), 123);
+    EXPECT_EQ(BLDiskCtrl::str_ll(""), 0);
+    EXPECT_EQ(BLDiskCtrl::str_ll("9223372036854775807"), Q_INT64_C(9223372036854775807));
+    EXPECT_EQ(BLDiskCtrl::ll_str(-42), "-42");
+    EXPECT_EQ(BLDiskCtrl::str_ll(BLDiskCtrl::ll_str(Q_INT64_C(4294967296123))), Q_INT64_C(4294967296123));
+
+    EXPECT_EQ(BLDiskCtrl::convertMacAddress(""), "000000FFFE000000");
+    EXPECT_EQ(BLDiskCtrl::convertMacAddress("0123456789ABCDEF"), "012345FFFE6789AB");
+    EXPECT_EQ(BLDiskCtrl::convertMacAddress("ABC"), "ABC000FFFE000000");
+    const QString address = BLDiskCtrl::sharedCtrl()->getMacAddress(false);
+    EXPECT_EQ(address.size(), 12);
+    EXPECT_EQ(BLDiskCtrl::sharedCtrl()->getMacAddress(true), BLDiskCtrl::convertMacAddress(address));
+}

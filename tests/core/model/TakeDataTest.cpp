@@ -1,0 +1,614 @@
+#include "core/model/DOTakeData.h"
+
+#include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace {
+
+const QString kDigits = QStringLiteral("060A2B340101010501010D4313000000"
+                                       "3F2B1C0D954805C00800460202BA1FFE");
+
+DOClipData clip(const QString& umid, qint64 duration, qint64 size, quint32 offset = 0)
+{
+    DOClipData c;
+    c.setUmid(umid);
+    c.setCurrentDuration(duration);
+    c.setSize(size);
+    c.setOffset(offset);
+    return c;
+}
+
+DOComponent component(const QString& uri, const QString& umid)
+{
+    DOComponent c;
+    c.setUri(uri);
+    c.setUmid(umid);
+    c.setType("PD-EDL");
+    return c;
+}
+
+QStringList uris(const QList<DOComponent>& components)
+{
+    QStringList out;
+    for (const DOComponent& c : components)
+        out.append(c.getUri());
+    return out;
+}
+
+DOLtcChange ltc(const QString& value)
+{
+    DOLtcChange change;
+    change.setFrameCount("0");
+    change.setValue(value);
+    change.setStatus("increment");
+    return change;
+}
+
+} // namespace
+
+TEST(TakeDataTest, UmidsKeepTheirLast64Characters)
+{
+    DOTakeData take;
+    take.setUmid("urn:smpte:umid:" + kDigits);
+    EXPECT_EQ(take.getUmid(), kDigits);
+
+    take.setClipUmid("urn:smpte:umid:" + kDigits);
+    take.setClipUmid("C2");
+    take.setClipUmid("urn:smpte:umid:" + QString(kDigits).replace(0, 1, "1"), 0);
+    EXPECT_EQ(take.getClipUmid(), QStringList({QString(kDigits).replace(0, 1, "1"), kDigits, "C2"}));
+    EXPECT_EQ(take.getClipUmid(1), kDigits);
+}
+
+TEST(TakeDataTest, TextSettersIgnoreAMissingValueButTakeAnEmptyOne)
+{
+    DOTakeData take;
+    take.setAlias("Title");
+    take.setUmid("U");
+    take.setAlias(QString());
+    take.setUmid(QString());
+    take.setClipUmid(QString());
+    EXPECT_EQ(take.getAlias(), "Title");
+    EXPECT_EQ(take.getUmid(), "U");
+    EXPECT_TRUE(take.getClipUmid().isEmpty());
+
+    take.setAlias(QStringLiteral(""));
+    EXPECT_TRUE(take.getAlias().isEmpty());
+}
+
+TEST(TakeDataTest, ListOperationsAppendInsertGetAndRemove)
+{
+    DOTakeData take;
+    take.setOldUmid("O2");
+    take.setOldUmid("O1", 0);
+    take.setOldUmid("O3", 99); // past the end: appended, nothing lost
+    EXPECT_EQ(take.getOldUmid(), QStringList({"O1", "O2", "O3"}));
+    take.removeOldUmid(1);
+    take.removeOldUmid(7); // no such entry: nothing happens
+    EXPECT_EQ(take.getOldUmid(), QStringList({"O1", "O3"}));
+    EXPECT_EQ(take.getOldUmid(5), QString());
+
+    take.setNextTakeUmid("N1");
+    take.setNextTakeUmid("N0", 0);
+    take.removeNextTakeUmid(1);
+    EXPECT_EQ(take.getNextTakeUmid(), QStringList({"N0"}));
+
+    take.setClipUmid("A");
+    take.setClipUmid("B");
+    take.removeClipUmid(0);
+    EXPECT_EQ(take.getClipUmid(), QStringList({"B"}));
+    take.setArrClipUmid({"urn:smpte:umid:" + kDigits, "X"});
+    EXPECT_EQ(take.getClipUmid(), QStringList({kDigits, "X"}));
+
+    take.setClipData(clip("C2", 10, 1));
+    take.setClipData(clip("C1", 10, 1), 0);
+    take.setClipData(clip("C3", 10, 1));
+    take.removeClipData(1);
+    ASSERT_EQ(take.getClipData().size(), 2);
+    EXPECT_EQ(take.getClipData(0).getUmid(), "C1");
+    EXPECT_EQ(take.getClipData(1).getUmid(), "C3");
+    EXPECT_TRUE(take.getClipData(2).getUmid().isEmpty());
+    take.setArrClipData({clip("Z", 1, 1)});
+    EXPECT_EQ(take.getClipData(0).getUmid(), "Z");
+
+    DOTakeInfo first;
+    first.setSrc("S1");
+    DOTakeInfo second;
+    second.setSrc("S2");
+    take.setTakeInfoData(second);
+    take.setTakeInfo(first, 0);
+    EXPECT_EQ(take.getTakeInfo(0).getSrc(), "S1");
+    take.delTakeInfo(0);
+    ASSERT_EQ(take.getTakeInfo().size(), 1);
+    EXPECT_EQ(take.getTakeInfo(0).getSrc(), "S2");
+
+    take.setLtcChange(ltc("40000000"));
+    take.setLtcChange(ltc("40010000"));
+    EXPECT_EQ(take.getLtcChange(1).getValue(), "40010000");
+
+    take.addTakeComponent(component("./CLPR/A/A.SMI", "A"));
+    take.setTakeComponents({component("./CLPR/B/B.SMI", "B"), component("./CLPR/C/C.SMI", "C")});
+    EXPECT_EQ(uris(take.getTakeComponents()), QStringList({"./CLPR/B/B.SMI", "./CLPR/C/C.SMI"}));
+    take.cleanTakeComponent();
+    EXPECT_TRUE(take.getTakeComponents().isEmpty());
+}
+
+TEST(TakeDataTest, KeyFrameIsNeverBelowTheOffset)
+{
+    DOTakeData take;
+    take.setOffset(15);
+    EXPECT_EQ(take.getOffset(), 15u);
+    EXPECT_EQ(take.getKeyFrame(), 15);
+    take.setKeyFrame(40);
+    EXPECT_EQ(take.getKeyFrame(), 40);
+
+    // With clips, the first clip's offset counts, not the take's own.
+    take.setKeyFrame(0);
+    take.setClipData(clip("C1", 100, 1, 3));
+    take.setClipData(clip("C2", 100, 1, 20));
+    EXPECT_EQ(take.getOffset(), 3u);
+    EXPECT_EQ(take.getKeyFrame(), 3);
+}
+
+TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
+{
+    DOTakeData single;
+    single.setSingleClipFlag(true);
+    single.setCurrentDuration(1800);
+    single.setSize(5000);
+    EXPECT_EQ(single.getTakeDuration(), 1800);
+    EXPECT_EQ(single.getTakeSize(), 5000);
+
+    DOTakeData multi;
+    multi.setCurrentDuration(999999); // ignored once the take has clips
+    multi.setSize(2048);              // the TAKR folder itself
+    multi.setClipData(clip("C1", 1800, 4294967296LL));
+    multi.setClipData(clip("C2", 600, 1000));
+    multi.setClipData(clip("C3", 0, 24));
+    EXPECT_EQ(multi.getTakeDuration(), 2400);
+    EXPECT_EQ(multi.getTakeSize(), 2048 + 4294967296LL + 1000 + 24);
+}
+
+TEST(TakeDataTest, TakeIdFollowsTheStatus)
+{
+    DOTakeData loose;
+    loose.setTakeStatus(4);
+    loose.setMP4Uri("./CLPR/A001.MP4");
+    EXPECT_EQ(loose.getTakeID(), "A001");
+
+    DOTakeData take;
+    take.setXMLUri("./TAKR/ABC0001U01/ABC0001U01M01.XML");
+    take.setMP4Uri("./CLPR/A001.MP4");
+    for (int status : {0, 1, 2, 3}) {
+        take.setTakeStatus(status);
+        EXPECT_EQ(take.getTakeID(), "ABC0001U01") << status;
+    }
+    for (int status : {5, 6}) {
+        take.setTakeStatus(status);
+        EXPECT_EQ(take.getTakeID(), "") << status;
+    }
+}
+
+TEST(TakeDataTest, DisplayTextsAndFormatTests)
+{
+    DOTakeData take;
+    take.setAlias("line one\r\nline two\rthree\nfour");
+    EXPECT_EQ(take.getSingleLineAlias(), "line one  line two three four");
+
+    take.setPixel("1440");
+    EXPECT_EQ(take.getResolution(), "");
+    take.setNumOfVerticalLine("1080");
+    EXPECT_EQ(take.getResolution(), "1440 X 1080");
+
+    take.setVideoCodec("MPEG2HD35_1440_MP@HL");
+    EXPECT_EQ(take.getVideoFormat(), "MPEG2HD35");
+    EXPECT_TRUE(take.IsHQMode());
+    EXPECT_FALSE(take.Is720SP());
+
+    take.setVideoCodec("MPEG2HD18.3CBR_1280_720_MP@HL");
+    EXPECT_EQ(take.getVideoFormat(), "MPEG2HD18.3CBR");
+    EXPECT_TRUE(take.Is720SP());
+    EXPECT_FALSE(take.IsHQMode());
+
+    take.setVideoCodec("VBR");
+    EXPECT_EQ(take.getVideoFormat(), "VBR");
+    EXPECT_TRUE(take.IsHQMode());
+    take.setVideoCodec("VBR_1920");
+    EXPECT_FALSE(take.IsHQMode());
+}
+
+TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
+{
+    DOTakeData early; // its own date is late, but its last clip is early
+    early.setCreationDate("2010-01-01T00:00:00+09:00");
+    DOClipData c1;
+    c1.setCreationDate("2009-03-05T14:00:00+09:00");
+    DOClipData c2;
+    c2.setCreationDate("2009-03-05T15:00:00+09:00");
+    early.setClipData(c2);
+    early.setClipData(c1, 0);
+    EXPECT_EQ(early.getClipCreationDate(), "2009-03-05T15:00:00+09:00");
+
+    DOTakeData late;
+    late.setCreationDate("2009-03-05t16:00:00+09:00");
+    EXPECT_EQ(late.getClipCreationDate(), "2009-03-05t16:00:00+09:00");
+
+    QList<DOTakeData> takes{late, early};
+    std::sort(takes.begin(), takes.end(),
+              [](const DOTakeData& a, const DOTakeData& b) { return a.compareByCreationDate(b) < 0; });
+    EXPECT_EQ(takes[0].getCreationDate(), "2010-01-01T00:00:00+09:00");
+    EXPECT_LT(early.compareByCreationDate(late), 0);
+    EXPECT_GT(late.compareByCreationDate(early), 0);
+}
+
+TEST(TakeDataTest, CopyTakeKeepsEveryFieldButTheTimeCodeRateAndHalfStep)
+{
+    DOTakeData take;
+    take.setCompleteFlag(true);
+    take.setClipEndFlag(true);
+    take.setSingleClipFlag(true);
+    take.setInvalidTakeFlag(true);
+    take.setUmid(kDigits);
+    take.setClipUmid("C1");
+    take.setOldUmid("O1");
+    take.setNextTakeUmid("N1");
+    take.setCurrentDuration(1800);
+    take.setOldFileName("OLD0001");
+    DOClipData c = clip("C1", 1800, 100, 4);
+    c.setCreationDate("2009-03-05T14:07:59+09:00");
+    c.setLtcChange(ltc("44030201"));
+    c.setMateUpFlg(false);
+    c.setXMLUri("./CLPR/C1/C1M01.XML");
+    take.setClipData(c);
+    take.setRealFlag(true);
+    take.setXMLUri("./TAKR/T/TM01.XML");
+    take.setSMIUri("./TAKR/T/T.SMI");
+    take.setBIMUri("./TAKR/T/T.BIM");
+    take.setPPNUri("./TAKR/T/T.PPN");
+    take.setMP4Uri("./TAKR/T/T.MP4");
+    take.setUsAscii("ascii");
+    take.setAlias("alias");
+    take.setDescription("description");
+    take.setCreator("creator");
+    take.setStatus("OK");
+    take.setCreationDate("2009-03-05T14:07:59+09:00");
+    take.setLastUpDate("2009-03-06T10:00:00+09:00");
+    take.setRecodingMode("normal");
+    take.setVideoCodec("MPEG2HD35_1920_1080_MP@HL");
+    take.setFormatFps("59.94i");
+    take.setPixel("1920");
+    take.setNumOfVerticalLine("1080");
+    take.setARatio("16:9");
+    take.setNumOfChannel("4");
+    take.setAudioCodec("LPCM16");
+    take.setMediaSpanning(true);
+    take.setManufacturer("Maker");
+    take.setModelName("Model");
+    take.setSize(4096);
+    DOTakeInfo info;
+    info.setSrc("C1");
+    info.setClipEnd("end");
+    take.setTakeInfoData(info);
+    take.setTakeStatus(2);
+    take.setKeyFrame(77);
+    take.addTakeComponent(component("./CLPR/C1/C1.SMI", "C1"));
+    take.setMPStatus("none");
+    take.setMateUpFlg(false);
+    take.setTakeNumber(2);
+    take.setTotalTakeCount(3);
+    take.setLtcChange(ltc("40000000"));
+    take.setHalfStep("false");
+    take.setTcFps("30");
+    take.setOffset(9);
+
+    const DOTakeData copy = take.copyTake();
+    EXPECT_TRUE(copy.getTcFps().isEmpty());
+    EXPECT_TRUE(copy.getHalfStep().isEmpty());
+
+    EXPECT_TRUE(copy.getCompleteFlag());
+    EXPECT_TRUE(copy.getClipEndFlag());
+    EXPECT_TRUE(copy.getSingleClipFlag());
+    EXPECT_TRUE(copy.getInvalidTakeFlag());
+    EXPECT_EQ(copy.getUmid(), kDigits);
+    EXPECT_EQ(copy.getClipUmid(), QStringList({"C1"}));
+    EXPECT_EQ(copy.getOldUmid(), QStringList({"O1"}));
+    EXPECT_EQ(copy.getNextTakeUmid(), QStringList({"N1"}));
+    EXPECT_EQ(copy.getCurrentDuration(), 1800);
+    EXPECT_EQ(copy.getOldFileName(), "OLD0001");
+    EXPECT_TRUE(copy.getRealFlag());
+    EXPECT_EQ(copy.getXMLUri(), "./TAKR/T/TM01.XML");
+    EXPECT_EQ(copy.getSMIUri(), "./TAKR/T/T.SMI");
+    EXPECT_EQ(copy.getBIMUri(), "./TAKR/T/T.BIM");
+    EXPECT_EQ(copy.getPPNUri(), "./TAKR/T/T.PPN");
+    EXPECT_EQ(copy.getMP4Uri(), "./TAKR/T/T.MP4");
+    EXPECT_EQ(copy.getUsAscii(), "ascii");
+    EXPECT_EQ(copy.getAlias(), "alias");
+    EXPECT_EQ(copy.getDescription(), "description");
+    EXPECT_EQ(copy.getCreator(), "creator");
+    EXPECT_EQ(copy.getStatus(), "OK");
+    EXPECT_EQ(copy.getCreationDate(), "2009-03-05T14:07:59+09:00");
+    EXPECT_EQ(copy.getLastUpDate(), "2009-03-06T10:00:00+09:00");
+    EXPECT_EQ(copy.getRecodingMode(), "normal");
+    EXPECT_EQ(copy.getVideoCodec(), "MPEG2HD35_1920_1080_MP@HL");
+    EXPECT_EQ(copy.getFormatFps(), "59.94i");
+    EXPECT_EQ(copy.getPixel(), "1920");
+    EXPECT_EQ(copy.getNumOfVerticalLine(), "1080");
+    EXPECT_EQ(copy.getARatio(), "16:9");
+    EXPECT_EQ(copy.getNumOfChannel(), "4");
+    EXPECT_EQ(copy.getAudioCodec(), "LPCM16");
+    EXPECT_TRUE(copy.getMediaSpanning());
+    EXPECT_EQ(copy.getManufacturer(), "Maker");
+    EXPECT_EQ(copy.getModelName(), "Model");
+    EXPECT_EQ(copy.getSize(), 4096);
+    ASSERT_EQ(copy.getTakeInfo().size(), 1);
+    EXPECT_EQ(copy.getTakeInfo(0).getSrc(), "C1");
+    EXPECT_EQ(copy.getTakeInfo(0).getClipEnd(), "end");
+    EXPECT_EQ(copy.getTakeStatus(), 2);
+    EXPECT_EQ(copy.getKeyFrame(), 77);
+    EXPECT_EQ(uris(copy.getTakeComponents()), QStringList({"./CLPR/C1/C1.SMI"}));
+    EXPECT_EQ(copy.getMPStatus(), "none");
+    EXPECT_FALSE(copy.getMateUpFlg());
+    EXPECT_EQ(copy.getTakeNumber(), 2);
+    EXPECT_EQ(copy.getTotalTakeCount(), 3);
+    ASSERT_EQ(copy.getLtcChanges().size(), 1);
+    EXPECT_EQ(copy.getLtcChange(0).getValue(), "40000000");
+    EXPECT_EQ(copy.getOffset(), 4u); // the first clip's
+
+    // The clips are copied by copyClip: creation date, LTC changes and mate-up
+    // flag are back at their starting values, the rest is kept.
+    ASSERT_EQ(copy.getClipData().size(), 1);
+    const DOClipData copiedClip = copy.getClipData(0);
+    EXPECT_EQ(copiedClip.getUmid(), "C1");
+    EXPECT_EQ(copiedClip.getXMLUri(), "./CLPR/C1/C1M01.XML");
+    EXPECT_EQ(copiedClip.getSize(), 100);
+    EXPECT_TRUE(copiedClip.getCreationDate().isEmpty());
+    EXPECT_TRUE(copiedClip.getLtcChanges().isEmpty());
+    EXPECT_TRUE(copiedClip.getMateUpFlg());
+
+    // Starting values of a fresh take survive a copy.
+    const DOTakeData fresh = DOTakeData().copyTake();
+    EXPECT_TRUE(fresh.getMateUpFlg());
+    EXPECT_EQ(fresh.getTakeNumber(), 0);
+    EXPECT_EQ(fresh.getTotalTakeCount(), 1);
+}
+
+TEST(TakeDataTest, FrontAndRearComponentsReplaceAnOtherMediumEntryAtThatEnd)
+{
+    DOTakeData take;
+    take.setTakeComponents({component("file:///media/prev/A.SMI", "P"), component("./CLPR/C1/C1.SMI", "C1"),
+                            component("file:///media/next/B.SMI", "N")});
+    take.addFrontComponent(component("file:///media/new-prev/X.SMI", "X"));
+    take.addRearComponent(component("file:///media/new-next/Y.SMI", "Y"));
+    EXPECT_EQ(uris(take.getTakeComponents()), QStringList({"file:///media/new-prev/X.SMI", "./CLPR/C1/C1.SMI",
+                                                           "file:///media/new-next/Y.SMI"}));
+
+    // A clip entry at an end stays.
+    DOTakeData clipsOnly;
+    clipsOnly.setTakeComponents({component("./CLPR/C1/C1.SMI", "C1")});
+    clipsOnly.addFrontComponent(component("file:///media/p/P.SMI", "P"));
+    clipsOnly.addRearComponent(component("file:///media/n/N.SMI", "N"));
+    EXPECT_EQ(uris(clipsOnly.getTakeComponents()),
+              QStringList({"file:///media/p/P.SMI", "./CLPR/C1/C1.SMI", "file:///media/n/N.SMI"}));
+
+    DOTakeData empty;
+    empty.addFrontComponent(component("file:///media/p/P.SMI", "P"));
+    EXPECT_EQ(empty.getTakeComponents().size(), 1);
+}
+
+TEST(TakeDataTest, RebuildTakeComponentJoinsBothClipRunsBetweenTheOtherMediaEntries)
+{
+    DOTakeData take;
+    take.setUmid("TAKE");
+    take.setTakeComponents({
+        component("file:///media/prev/P.SMI", "P1"), // before the own clips: dropped
+        component("./CLPR/C003/C003.SMI", "C3"),
+        component("./CLPR/C001/C001.SMI", "C1"),     // also in the given list, which comes first
+        component("./TAKR/TAKE/TAKE.SMI", "take"),   // the take's own UMID: dropped
+        component("file:///media/next/N.SMI", "N1"), // ends the own clips: kept last
+        component("./CLPR/C009/C009.SMI", "C9"),     // after that entry: dropped
+    });
+    const QList<DOComponent> given{
+        component("file:///media/older/O.SMI", "O1"), // before the given clips: kept first
+        component("./TAKR/TAKE/X.SMI", "TAKE"),       // the take's own UMID: dropped
+        component("./CLPR/C002/C002.SMI", "C2"),
+        component("./CLPR/c001/C001.smi", "c1"),  // same UMID as the own C1, ignoring case
+        component("./CLPR/G/G.SMI", "g"),         // the given UMID, ignoring case: dropped
+        component("file:///media/x/X.SMI", "X1"), // ends the given clips: dropped
+        component("./CLPR/C004/C004.SMI", "C4"),  // after that entry: dropped
+    };
+    take.rebuildTakeComponent("G", given);
+    EXPECT_EQ(uris(take.getTakeComponents()),
+              QStringList({"file:///media/older/O.SMI", "./CLPR/c001/C001.smi", "./CLPR/C002/C002.SMI",
+                           "./CLPR/C003/C003.SMI", "file:///media/next/N.SMI"}));
+
+    // The own trailing entry is left out when its UMID is already taken.
+    DOTakeData repeat;
+    repeat.setTakeComponents({component("./CLPR/B/B.SMI", "B"), component("file:///media/n/N.SMI", "O1")});
+    repeat.rebuildTakeComponent("G",
+                                {component("file:///media/o/O.SMI", "O1"), component("./CLPR/A/A.SMI", "A")});
+    EXPECT_EQ(uris(repeat.getTakeComponents()),
+              QStringList({"file:///media/o/O.SMI", "./CLPR/A/A.SMI", "./CLPR/B/B.SMI"}));
+
+    // Lists without clip entries: every given entry is "before the clips"; the
+    // take's own entries without a clip run contribute nothing.
+    DOTakeData noClips;
+    noClips.setTakeComponents({component("file:///media/n/N.SMI", "N")});
+    noClips.rebuildTakeComponent(
+        "G", {component("file:///media/a/A.SMI", "A"), component("file:///media/b/B.SMI", "B")});
+    EXPECT_EQ(uris(noClips.getTakeComponents()),
+              QStringList({"file:///media/a/A.SMI", "file:///media/b/B.SMI"}));
+}
+
+TEST(TakeDataTest, RemoveTakeComponentDropsOtherMediaEntriesOfTheGivenTakesAndTheTakeItself)
+{
+    DOTakeData take;
+    take.setUmid("TAKE");
+    take.setTakeComponents({
+        component("file:///media/a/A.SMI", "A"),       // a given take: removed
+        component("./CLPR/A/A.SMI", "A"),              // on this medium: always kept
+        component("file:///media/self/S.SMI", "take"), // the take's own UMID: removed
+        component("file:///media/b/B.SMI", "b-clip"),  // a clip of a given take (clip data): removed
+        component("file:///media/c/C.SMI", "C-UMID"),  // a clip of a given take (UMID list): removed
+        component("file:///media/z/Z.SMI", "Z"),       // unrelated: kept
+        component("./TAKR/T/T.SMI", "A"),              // not on this medium, given take: removed
+    });
+
+    DOTakeData a;
+    a.setUmid("a");
+    DOTakeData withClips;
+    withClips.setUmid("Q");
+    withClips.setClipData(clip("B-CLIP", 1, 1));
+    withClips.setClipUmid("c-umid");
+    take.removeTakeComponent({a, withClips});
+    EXPECT_EQ(uris(take.getTakeComponents()), QStringList({"./CLPR/A/A.SMI", "file:///media/z/Z.SMI"}));
+}
+
+TEST(TakeDataTest, RecordsTravelInNotificationUserInfo)
+{
+    DOTakeData take;
+    take.setUmid(kDigits);
+    take.setClipData(clip("C1", 1800, 10));
+    QVariantMap userInfo;
+    userInfo[SC::SCAddTakeDatasKey] = QVariant::fromValue(QList<DOTakeData>{take, take.copyTake()});
+    userInfo[SC::SCPlayTakeDataKey] = QVariant::fromValue(take);
+
+    SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
+    QList<DOTakeData> received;
+    DOTakeData single;
+    int calls = 0;
+    const int token = center->addObserver(this, "RecordsTestNotification", [&](const SCNotification& n) {
+        received = n.userInfo.value(SC::SCAddTakeDatasKey).value<QList<DOTakeData>>();
+        single = n.userInfo.value(SC::SCPlayTakeDataKey).value<DOTakeData>();
+        ++calls;
+    });
+    // Posted from a worker, delivered on the main thread.
+    std::thread worker([&] {
+        BLCommon::sharedCtrl()->sendNotificationNotCoalesce(nullptr, "RecordsTestNotification", userInfo);
+    });
+    worker.join();
+    const QDeadlineTimer deadline(5000);
+    while (calls == 0 && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    center->removeObserver(token);
+
+    ASSERT_EQ(calls, 1);
+    ASSERT_EQ(received.size(), 2);
+    EXPECT_EQ(received[1].getUmid(), kDigits);
+    EXPECT_EQ(received[1].getClipData(0).getCurrentDuration(), 1800);
+    EXPECT_EQ(single.getTakeDuration(), 1800);
+    EXPECT_TRUE(userInfo.value(SC::SCPlayTakeDataKey).canConvert<DOTakeData>());
+}
+
+class TakeDataLogTest : public cwtest::HomeTest
+{
+};
+
+TEST_F(TakeDataLogTest, DebugDumpWritesOneLinePerFieldBetweenNumberedMarks)
+{
+    cwtest::writeSettings(home().configHome(), QVariantMap{{"LOG_FLAG", "ALL"}});
+    DOTakeData first;
+    first.setCompleteFlag(true);
+    first.setUmid("U0");
+    first.setClipUmid("C1");
+    first.setClipUmid("C2");
+    first.setMediaSpanning(true);
+    first.setSize(1234);
+    first.setTakeStatus(2);
+    first.setAlias("two\r\nlines");
+    DOTakeData second;
+    second.setUmid("U1");
+    DOTakeData::debugDOTakeDataLog({first, second});
+
+    QFile file(BLLogCtrl::sharedCtrl()->logFilePath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QStringList lines;
+    for (const QByteArray& raw : file.readAll().split('\n')) {
+        if (!raw.isEmpty())
+            lines.append(QString::fromUtf8(raw.mid(20).chopped(1))); // no time stamp, no CR
+    }
+    const QString stars(38, '*');
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_EQ(lines.first(), "0700:" + stars + " 0 start" + stars + " ");
+    EXPECT_EQ(lines.last(), "0700:" + stars + " 1 end" + stars + " ");
+    const qsizetype end0 = lines.indexOf("0700:" + stars + " 0 end" + stars + " ");
+    ASSERT_GT(end0, 0);
+    EXPECT_EQ(lines[end0 + 1], "0700:" + stars + " 1 start" + stars + " ");
+
+    // The first take's block: every field once, in the order of the record.
+    QStringList names;
+    for (qsizetype i = 1; i < end0; ++i) {
+        ASSERT_TRUE(lines[i].startsWith("0700:")) << lines[i].toStdString();
+        names.append(lines[i].mid(5).section(" : ", 0, 0));
+    }
+    const QStringList expected{"m_bCompleteFlag",
+                               "m_bClipEndFlag",
+                               "m_bSingleClipFlag",
+                               "m_bInvalidTakeFlag",
+                               "m_sUmid",
+                               "m_arrClipUmid count",
+                               "m_arrClipUmid0",
+                               "m_arrClipUmid1",
+                               "m_arrOldUmid count",
+                               "m_arrNextTakeUmid count",
+                               "m_llCurrentDuration",
+                               "m_sOldFileName",
+                               "m_arrClipData count",
+                               "m_bRealFlag",
+                               "m_XMLUri",
+                               "m_SMIUri",
+                               "m_BIMUri",
+                               "m_PPNUri",
+                               "m_MP4Uri",
+                               "m_sUsAscii",
+                               "m_sAlias",
+                               "m_sDescription",
+                               "m_sCreator",
+                               "m_sStatus",
+                               "m_sCreationDate",
+                               "m_sLastUpDate",
+                               "m_sRecodingMode",
+                               "m_sVideoCodec",
+                               "m_sFormatFps",
+                               "m_sPixel",
+                               "m_sNumOfVerticalLine",
+                               "m_sAspectRatio",
+                               "m_sNumOfChannel",
+                               "m_sAudioCodec",
+                               "m_sMediaSpanning",
+                               "m_sManufacturer",
+                               "m_sModelName",
+                               "m_Size",
+                               "m_arrTakeInfo count",
+                               "m_sm_TakeStatus",
+                               "m_llKeyFrame",
+                               "m_TakeComponents count",
+                               "m_MPStatus",
+                               "m_bMateUpFlg",
+                               "m_TakeNumber",
+                               "m_TotalTakeCount",
+                               "m_arrLtcChanges count",
+                               "m_halfStep",
+                               "m_tcFps",
+                               "m_uiOffset"};
+    EXPECT_EQ(names, expected);
+
+    const QStringList block = lines.mid(1, end0 - 1);
+    for (const char* line :
+         {"0700:m_bCompleteFlag : true", "0700:m_bClipEndFlag : false", "0700:m_sUmid : U0",
+          "0700:m_arrClipUmid count : 2", "0700:m_arrClipUmid1 : C2", "0700:m_sMediaSpanning : true",
+          "0700:m_Size : 1234", "0700:m_sm_TakeStatus : 2", "0700:m_sAlias : two  lines",
+          "0700:m_bMateUpFlg : true", "0700:m_TotalTakeCount : 1"})
+        EXPECT_TRUE(block.contains(line)) << line;
+    EXPECT_TRUE(lines.contains("0700:m_sUmid : U1"));
+}
