@@ -1,6 +1,6 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
-#include "core/metadata/XmlOutline.h"
+#include "core/metadata/MetadataTestSupport.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -150,15 +150,6 @@ bool rebuild(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials, const
     return acss.updateVersion("1.10") && acss.save(mediaId);
 }
 
-qint64 peakMemoryKiB()
-{
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QRegularExpression peak(R"(VmHWM:\s+(\d+))");
-    const QRegularExpressionMatch match = peak.match(QString::fromLatin1(status.readAll()));
-    return match.hasMatch() ? match.captured(1).toLongLong() : 0;
-}
 } // namespace
 
 TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
@@ -660,23 +651,8 @@ TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
 
     QElapsedTimer timer;
     timer.start();
-    const qint64 memoryBefore = peakMemoryKiB();
-    const QList<QByteArray> unreadable = {
-        "<MediaProfile><Contents></MediaProfile>",
-        // external entity
-        R"(<?xml version="1.0"?><!DOCTYPE MediaProfile [<!ENTITY x SYSTEM "file:///etc/passwd">]>)"
-        R"(<MediaProfile><Properties><Attached mediaId="&x;"/></Properties></MediaProfile>)",
-        // entity expansion bomb
-        R"(<?xml version="1.0"?><!DOCTYPE MediaProfile [<!ENTITY a "aaaaaaaaaa">)"
-        R"(<!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;"><!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;">)"
-        R"(<!ENTITY d "&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;"><!ENTITY e "&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;">)"
-        R"(<!ENTITY f "&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;"><!ENTITY g "&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;">]>)"
-        R"(<MediaProfile><Contents><Material uri="&g;&g;&g;&g;&g;&g;&g;&g;&g;&g;"/></Contents></MediaProfile>)",
-        // invalid UTF-8 in an attribute value
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><MediaProfile><Contents><Material uri=\"\xc3\x28\xfe\"/>"
-        "</Contents></MediaProfile>",
-    };
-    for (const QByteArray& text : unreadable) {
+    const qint64 memoryBefore = cwtest::peakMemoryKiB();
+    for (const QByteArray& text : cwtest::hostileDocuments("MediaProfile")) {
         const QString folder = makeFolder(text);
         BLMediaProfileAcss acss;
         EXPECT_FALSE(acss.loadForFolderPath(folder)) << text.left(80).constData();
@@ -684,21 +660,13 @@ TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
         EXPECT_FALSE(acss.getMediaPro(data, "", 0));
         EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
     }
-    // A 50 MB attribute value, written in pieces.
-    const QString folder = makeFolder("<MediaProfile><Contents><Material uri=\"");
-    {
-        QFile file(folder + "/MEDIAPRO.XML");
-        ASSERT_TRUE(file.open(QIODevice::Append));
-        const QByteArray piece(1024 * 1024, 'x');
-        for (int i = 0; i < 50; ++i)
-            ASSERT_EQ(file.write(piece), piece.size());
-        file.write("\"/></Contents></MediaProfile>");
-    }
+    const QString folder = makeFolder("");
+    ASSERT_TRUE(cwtest::writeHugeAttributeDocument(folder + "/MEDIAPRO.XML", "MediaProfile"));
     BLMediaProfileAcss big;
     EXPECT_FALSE(big.loadForFolderPath(folder));
     EXPECT_TRUE(big.getMaterialData("", 0).isEmpty());
     EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(peakMemoryKiB() - memoryBefore, 64 * 1024);
+    EXPECT_LT(cwtest::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
