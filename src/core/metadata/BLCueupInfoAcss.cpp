@@ -1,19 +1,11 @@
 #include "core/metadata/BLCueupInfoAcss.h"
 
-#include <QDir>
+#include "core/common/BLCommon.h"
 
 namespace {
 const QString kRootPath = QStringLiteral("/cueupinfo");
 const QString kHistoryPath = QStringLiteral("/cueupinfo/history");
 const QString kClipPath = QStringLiteral("/cueupinfo/history/clip");
-
-QString fileInFolder(const QString& folderPath, const QString& fileName)
-{
-    QString folder = folderPath;
-    if (folder == QLatin1String("~") || folder.startsWith(QLatin1String("~/")))
-        folder = QDir::homePath() + folder.mid(1);
-    return QDir::cleanPath(folder + QLatin1Char('/') + fileName);
-}
 
 QString clipPath(const QString& uri)
 {
@@ -23,7 +15,7 @@ QString clipPath(const QString& uri)
 
 bool BLCueupInfoAcss::loadForFolderPath(const QString& folderPath)
 {
-    m_sFilePath = fileInFolder(folderPath, kFileName);
+    m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
     m_bLoaded = m_xml.loadXml(m_sFilePath);
     return m_bLoaded;
 }
@@ -31,7 +23,7 @@ bool BLCueupInfoAcss::loadForFolderPath(const QString& folderPath)
 bool BLCueupInfoAcss::createForFolderPath(const QString& folderPath)
 {
     m_bLoaded = false;
-    m_sFilePath = fileInFolder(folderPath, kFileName);
+    m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
     return m_xml.createDocument(QStringLiteral("cueupinfo")) && m_xml.selectNodeArray(kRootPath) == 1 &&
            m_xml.setNameSpaceWithName(QString(), kNameSpace) == 1 &&
            m_xml.setNameSpaceWithName(QStringLiteral("xsi"), QStringLiteral("http://www.w3.org/2001/XMLSchema-instance")) ==

@@ -4,8 +4,6 @@
 #include "core/common/BLCommon.h"
 #include "core/model/BLDiskCtrl.h"
 
-#include <QDir>
-
 #include <algorithm>
 
 namespace {
@@ -18,14 +16,6 @@ const QString kMaterialPath = QStringLiteral("/MediaProfile/Contents/Material");
 const QStringList kRootKinds = {QStringLiteral("Properties"), QStringLiteral("Contents")};
 const QStringList kPropertyKinds = {QStringLiteral("System"), QStringLiteral("Attached"), QStringLiteral("Metadata")};
 const QStringList kMaterialKinds = {QStringLiteral("Component"), QStringLiteral("Proxy"), QStringLiteral("RelevantInfo")};
-
-QString fileInFolder(const QString& folderPath, const QString& fileName)
-{
-    QString folder = folderPath;
-    if (folder == QLatin1String("~") || folder.startsWith(QLatin1String("~/")))
-        folder = QDir::homePath() + folder.mid(1);
-    return QDir::cleanPath(folder + QLatin1Char('/') + fileName);
-}
 
 QString uriPredicate(const QString& uri)
 {
@@ -84,7 +74,7 @@ bool anyWithoutUri(const QList<Record>& records)
 
 bool BLMediaProfileAcss::loadForFolderPath(const QString& folderPath)
 {
-    m_sFilePath = fileInFolder(folderPath, kFileName);
+    m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
     m_bLoaded = m_xml.loadXml(m_sFilePath);
     return m_bLoaded;
 }
@@ -92,7 +82,7 @@ bool BLMediaProfileAcss::loadForFolderPath(const QString& folderPath)
 bool BLMediaProfileAcss::createForFolderPath(const QString& folderPath)
 {
     m_bLoaded = false;
-    m_sFilePath = fileInFolder(folderPath, kFileName);
+    m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
     return m_xml.createDocument(QStringLiteral("MediaProfile")) && m_xml.selectNodeArray(kRootPath) == 1 &&
            m_xml.setNameSpaceWithName(QString(), kNameSpace) == 1 && m_xml.setMediaProfileHeader() == 1 &&
            m_xml.setAttribute(QStringLiteral("version"), QStringLiteral("1.10")) == 1 && initMediaPro();
