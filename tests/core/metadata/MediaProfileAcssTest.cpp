@@ -336,6 +336,49 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
     EXPECT_EQ(kept.getMediaId(), kCameraMediaId);
 }
 
+TEST_F(MediaProfileAcssTest, FullFolderRewritesReadBackExactly)
+{
+    // A folder at the 600-clip limit, rewritten twice: once from scratch and
+    // once in a different order with every third clip gone and a take added.
+    const QString folder = home().path("full/BPAV");
+    QDir().mkpath(folder);
+    QList<DOMaterial> materials;
+    for (int i = 1; i <= 600; ++i)
+        materials.append(clipMaterial(QStringLiteral("A%1").arg(i, 4, 10, QLatin1Char('0'))));
+    BLMediaProfileAcss created;
+    ASSERT_TRUE(created.createForFolderPath(folder));
+    ASSERT_TRUE(rebuild(created, materials, "ID"));
+
+    QList<DOMaterial> second;
+    for (qsizetype i = materials.size() - 1; i >= 0; --i)
+        if (i % 3 != 0)
+            second.append(materials.at(i));
+    DOMaterial take;
+    take.setUri("./TAKR/T0001/T0001.SMI");
+    take.setType("PD-EDL");
+    for (int i = 1; i <= 3; ++i) {
+        DOComponent part;
+        part.setUri(second.at(i).getUri());
+        part.setType("PD-EDL");
+        part.setUmid(second.at(i).getUmid());
+        take.addComponent(part);
+    }
+    DORelevantInfo nrt;
+    nrt.setUri("./TAKR/T0001/T0001M01.XML");
+    nrt.setType("XML");
+    take.addRelevantInfo(nrt);
+    second.insert(200, take);
+
+    BLMediaProfileAcss acss;
+    ASSERT_TRUE(acss.loadForFolderPath(folder));
+    EXPECT_EQ(acss.getMaterialData("", 0).size(), 600);
+    ASSERT_TRUE(rebuild(acss, second, "ID"));
+    BLMediaProfileAcss again;
+    ASSERT_TRUE(again.loadForFolderPath(folder));
+    EXPECT_EQ(cwtest::joined(describe(again.getMaterialData("", 0))), cwtest::joined(describe(second)));
+    EXPECT_EQ(again.getMaterialData("", 2).size(), 1);
+}
+
 TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
 {
     cwtest::writeSettings(home().configHome(), {{"SEQUENTIAL_NO", 9997}});
