@@ -39,20 +39,24 @@ bool isNameChar(QChar c)
 }
 
 // One step of a plain location path: a name with attribute-equality and
-// position predicates, as in "Material[@uri='./CLPR/A0001.SMI'][1]".
+// position predicates, as in "Material[@uri='./CLPR/A0001.SMI'][1]". The
+// views point into the query text.
 struct PathPredicate
 {
-    QByteArray attribute; // empty for a position predicate
-    QByteArray value;
+    QByteArrayView attribute; // empty for a position predicate
+    QByteArrayView value;
     int position = 0;
 };
 
 struct PathStep
 {
-    QByteArray prefix; // empty for an unprefixed name
-    QByteArray local;
-    QList<PathPredicate> predicates;
+    QByteArrayView prefix; // empty for an unprefixed name
+    QByteArrayView local;
+    QVarLengthArray<PathPredicate, 2> predicates;
+    qsizetype end = 0; // where the step ends in the query
 };
+
+using PathSteps = QVarLengthArray<PathStep, 6>;
 
 bool isNameStart(char c)
 {
@@ -65,18 +69,18 @@ bool isNameByte(char c)
 }
 
 // Reads a name (with at most one prefix) at pos; false when there is none.
-bool parseQName(const QByteArray& q, qsizetype& pos, QByteArray& prefix, QByteArray& local)
+bool parseQName(QByteArrayView q, qsizetype& pos, QByteArrayView& prefix, QByteArrayView& local)
 {
-    auto part = [&](QByteArray& out) {
+    auto part = [&](QByteArrayView& out) {
         const qsizetype start = pos;
         if (pos >= q.size() || !isNameStart(q[pos]))
             return false;
         while (pos < q.size() && isNameByte(q[pos]))
             ++pos;
-        out = q.mid(start, pos - start);
+        out = q.sliced(start, pos - start);
         return true;
     };
-    prefix.clear();
+    prefix = {};
     if (!part(local))
         return false;
     if (pos < q.size() && q[pos] == ':') {
@@ -90,7 +94,7 @@ bool parseQName(const QByteArray& q, qsizetype& pos, QByteArray& prefix, QByteAr
 // Parses the absolute paths of child steps that the accessors build; false
 // for anything else (axes, wildcards, functions, blanks, other predicates),
 // which then goes to the full XPath engine.
-bool parseSimplePath(const QByteArray& q, QList<PathStep>& steps, QList<qsizetype>& stepEnds)
+bool parseSimplePath(QByteArrayView q, PathSteps& steps)
 {
     qsizetype pos = 0;
     while (pos < q.size()) {
@@ -105,16 +109,15 @@ bool parseSimplePath(const QByteArray& q, QList<PathStep>& steps, QList<qsizetyp
             PathPredicate predicate;
             if (pos < q.size() && q[pos] == '@') {
                 ++pos;
-                QByteArray prefix;
+                QByteArrayView prefix;
                 if (!parseQName(q, pos, prefix, predicate.attribute) || !prefix.isEmpty())
                     return false;
                 if (pos + 1 >= q.size() || q[pos] != '=' || (q[pos + 1] != '\'' && q[pos + 1] != '"'))
                     return false;
-                const char quote = q[pos + 1];
-                const qsizetype end = q.indexOf(quote, pos + 2);
+                const qsizetype end = q.indexOf(q[pos + 1], pos + 2);
                 if (end < 0)
                     return false;
-                predicate.value = q.mid(pos + 2, end - pos - 2);
+                predicate.value = q.sliced(pos + 2, end - pos - 2);
                 pos = end + 1;
             } else {
                 const qsizetype start = pos;
@@ -122,31 +125,50 @@ bool parseSimplePath(const QByteArray& q, QList<PathStep>& steps, QList<qsizetyp
                     ++pos;
                 if (pos == start)
                     return false;
-                predicate.position = q.mid(start, pos - start).toInt();
+                predicate.position = q.sliced(start, pos - start).toInt();
             }
             if (pos >= q.size() || q[pos] != ']')
                 return false;
             ++pos;
             step.predicates.append(predicate);
         }
+        step.end = pos;
         steps.append(step);
-        stepEnds.append(pos);
     }
     return !steps.isEmpty();
 }
 
-bool attributeEquals(xmlNodePtr node, const QByteArray& name, const QByteArray& value)
+bool equals(const xmlChar* text, QByteArrayView view)
+{
+    const char* s = reinterpret_cast<const char*>(text ? text : BAD_CAST "");
+    return qstrncmp(s, view.data(), view.size()) == 0 && s[view.size()] == '\0';
+}
+
+// A name as the document's dictionary holds it, so that names read or made
+// for this document compare by pointer; null when the dictionary lacks it.
+const xmlChar* internedName(xmlDocPtr document, QByteArrayView name)
+{
+    return document->dict ? xmlDictExists(document->dict, reinterpret_cast<const xmlChar*>(name.data()), int(name.size()))
+                          : nullptr;
+}
+
+bool nameEquals(const xmlChar* name, const xmlChar* interned, QByteArrayView view)
+{
+    return (interned && name == interned) || equals(name, view);
+}
+
+bool attributeEquals(xmlNodePtr node, const xmlChar* interned, const PathPredicate& predicate)
 {
     for (xmlAttrPtr attr = node->properties; attr; attr = attr->next) {
-        if (attr->ns || !xmlStrEqual(attr->name, X(name)))
+        if (attr->ns || !nameEquals(attr->name, interned, predicate.attribute))
             continue;
         xmlNodePtr text = attr->children;
         if (!text)
-            return value.isEmpty();
+            return predicate.value.isEmpty();
         if (!text->next && text->type == XML_TEXT_NODE)
-            return xmlStrEqual(text->content ? text->content : BAD_CAST "", X(value));
+            return equals(text->content, predicate.value);
         xmlChar* content = xmlNodeGetContent(reinterpret_cast<xmlNodePtr>(attr));
-        const bool equal = xmlStrEqual(content ? content : BAD_CAST "", X(value));
+        const bool equal = equals(content, predicate.value);
         xmlFree(content);
         return equal;
     }
@@ -323,9 +345,8 @@ QString BLDomXmlParse::rewriteQuery(const QString& query) const
 // an XPath expression for each of the many lookups a profile rewrite makes.
 bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
 {
-    QList<PathStep> steps;
-    QList<qsizetype> stepEnds;
-    if (!parseSimplePath(query, steps, stepEnds))
+    PathSteps steps;
+    if (!parseSimplePath(query, steps))
         return false;
     const xmlChar* defaultUri = nullptr;
     if (xmlNodePtr root = xmlDocGetRootElement(m_document))
@@ -344,7 +365,7 @@ bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
     qsizetype reused = 0;
     while (reused < m_memo.size() && reused < steps.size()) {
         const PathMemo& memo = m_memo.at(reused);
-        if (memo.end != stepEnds.at(reused) || !query.startsWith(QByteArrayView(m_memoQuery).first(memo.end)) ||
+        if (memo.end != steps[reused].end || !query.startsWith(QByteArrayView(m_memoQuery).first(memo.end)) ||
             !unchangedSince(context, memo.generation))
             break;
         context = memo.nodes;
@@ -355,35 +376,40 @@ bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
 
     QList<xmlNodePtr> next;
     QVarLengthArray<int, 4> reached;
+    QVarLengthArray<const xmlChar*, 4> attributeNames;
     for (qsizetype s = reused; s < steps.size(); ++s) {
-        const PathStep& step = steps.at(s);
-        next.clear();
+        const PathStep& step = steps[s];
+        const xmlChar* stepName = internedName(m_document, step.local);
         const qsizetype predicates = step.predicates.size();
+        attributeNames.resize(predicates);
+        for (qsizetype i = 0; i < predicates; ++i)
+            attributeNames[i] = internedName(m_document, step.predicates[i].attribute);
+        next.clear();
         for (xmlNodePtr parent : std::as_const(context)) {
             // reached[i]: how many children of this parent got to predicate i.
             reached.resize(predicates);
             std::fill(reached.begin(), reached.end(), 0);
             bool exhausted = false;
             for (xmlNodePtr child = parent->children; child && !exhausted; child = child->next) {
-                if (child->type != XML_ELEMENT_NODE || !xmlStrEqual(child->name, X(step.local)))
+                if (child->type != XML_ELEMENT_NODE || !nameEquals(child->name, stepName, step.local))
                     continue;
                 if (step.prefix.isEmpty()) {
                     const xmlChar* href = child->ns ? child->ns->href : nullptr;
                     if (href && *href && !(defaultUri && xmlStrEqual(href, defaultUri)))
                         continue;
-                } else if (!child->ns || !child->ns->prefix || !xmlStrEqual(child->ns->prefix, X(step.prefix))) {
+                } else if (!child->ns || !child->ns->prefix || !equals(child->ns->prefix, step.prefix)) {
                     continue;
                 }
                 bool passed = true;
                 for (qsizetype i = 0; i < predicates && passed; ++i) {
-                    const PathPredicate& predicate = step.predicates.at(i);
+                    const PathPredicate& predicate = step.predicates[i];
                     if (predicate.attribute.isEmpty()) {
                         const int position = ++reached[i];
                         passed = position == predicate.position;
                         // Later children cannot reach this position again.
                         exhausted = position >= predicate.position;
                     } else {
-                        passed = attributeEquals(child, predicate.attribute, predicate.value);
+                        passed = attributeEquals(child, attributeNames[i], predicate);
                     }
                 }
                 if (passed)
@@ -391,7 +417,7 @@ bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
             }
         }
         context.swap(next);
-        m_memo.append({stepEnds.at(s), m_generation, context});
+        m_memo.append({step.end, m_generation, context});
     }
     m_selection = context;
     return true;
