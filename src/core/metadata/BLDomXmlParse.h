@@ -84,6 +84,8 @@ private:
     QList<PathMemo> m_memo;
     quint64 m_generation = 0;
     xmlNodePtr newElement(const QString& name, const QString& value);
+    xmlAttrPtr findAttribute(const QString& name) const;
+    bool isPrefixBound(const QString& name) const;
     void forgetSubtree(xmlNodePtr node);
     int setRootAttribute(const char* name, const QString& value);
 

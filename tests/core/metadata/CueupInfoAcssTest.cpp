@@ -1,5 +1,6 @@
+#include "MetadataTestSupport.h"
+
 #include "core/metadata/BLCueupInfoAcss.h"
-#include "core/metadata/MetadataTestSupport.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -9,7 +10,7 @@
 #include <gtest/gtest.h>
 
 namespace {
-const QString kFixture = QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/cueup/CUEUP.XML");
+const QString kFixture = cwmeta::fixturePath("cueup/CUEUP.XML");
 const QString kUmid1 = "060A2B340101010501010D431300000000123456789012340800460202123456";
 const QString kUmid2 = "060A2B340101010501010D431300000000123456789012350800460202123456";
 
@@ -54,11 +55,11 @@ TEST_F(CueupInfoAcssTest, NewFileHoldsTheRootAndAnEmptyHistory)
     EXPECT_FALSE(acss.getClipData(read)); // not loaded
     ASSERT_TRUE(acss.save());
 
-    const QByteArray text = cwtest::readFileBytes(acss.filePath());
+    const QByteArray text = cwmeta::readBytes(acss.filePath());
     EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
     EXPECT_TRUE(text.contains("<history/>")) << text.constData();
-    EXPECT_EQ(cwtest::joined(cwtest::xmlOutline(text)),
-              cwtest::joined({R"(cueupinfo xmlns="urn:schemas-professionalDisc:cueupinfo" )"
+    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(text)),
+              cwmeta::joined({R"(cueupinfo xmlns="urn:schemas-professionalDisc:cueupinfo" )"
                               R"(xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" )"
                               R"(xsi:schemaLocation="urn:schemas-professionalDisc:cueupinfo cueupinfo.xsd")",
                               "  history"}));
@@ -70,14 +71,14 @@ TEST_F(CueupInfoAcssTest, NewFileHoldsTheRootAndAnEmptyHistory)
     EXPECT_EQ(describe(unchanged), "keep|U|F");
     ASSERT_TRUE(loaded.setClipData(clip("./CLPR/A0001/A0001.SMI", kUmid1, "00:00:01:00")));
     ASSERT_TRUE(loaded.save());
-    EXPECT_EQ(cwtest::fileOutline(loaded.filePath()).last(),
+    EXPECT_EQ(cwmeta::fileOutlineLines(loaded.filePath()).last(),
               QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:01:00")").arg(kUmid1));
 }
 
 TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
 {
-    const QString folder = makeFolder(cwtest::readFileBytes(kFixture));
-    QStringList expected = cwtest::fileOutline(kFixture);
+    const QString folder = makeFolder(cwmeta::readBytes(kFixture));
+    QStringList expected = cwmeta::fileOutlineLines(kFixture);
     ASSERT_FALSE(expected.isEmpty());
     BLCueupInfoAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
@@ -106,11 +107,11 @@ TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
     const qsizetype a0001 =
         expected.indexOf(QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:03:00")").arg(kUmid1));
     const qsizetype note = expected.indexOf(R"(      "kept")");
-    ASSERT_TRUE(a0002 >= 0 && a0001 >= 0 && note >= 0) << cwtest::joined(expected);
+    ASSERT_TRUE(a0002 >= 0 && a0001 >= 0 && note >= 0) << cwmeta::joined(expected);
     expected[a0001] = QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:01:00:00")").arg(kUmid1);
     expected.insert(note + 1, R"(    clip uri="./CLPR/A0003/A0003.SMI" umid="UMID3" ftc="00:00:00:10")");
     expected.removeAt(a0002);
-    EXPECT_EQ(cwtest::joined(cwtest::fileOutline(acss.filePath())), cwtest::joined(expected));
+    EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())), cwmeta::joined(expected));
 }
 
 TEST_F(CueupInfoAcssTest, MissingHistoryIsMadeForTheFirstEntry)
@@ -123,8 +124,8 @@ TEST_F(CueupInfoAcssTest, MissingHistoryIsMadeForTheFirstEntry)
     EXPECT_FALSE(acss.delClipData("./CLPR/A0001/A0001.SMI"));
     ASSERT_TRUE(acss.setClipData(clip("./CLPR/A0001/A0001.SMI", "U", "F")));
     ASSERT_TRUE(acss.save());
-    EXPECT_EQ(cwtest::joined(cwtest::fileOutline(acss.filePath())),
-              cwtest::joined({R"(cueupinfo xmlns="urn:x")", "  other", "  history",
+    EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())),
+              cwmeta::joined({R"(cueupinfo xmlns="urn:x")", "  other", "  history",
                               R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="U" ftc="F")"}));
 }
 
@@ -139,18 +140,18 @@ TEST_F(CueupInfoAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
 
     QElapsedTimer timer;
     timer.start();
-    const qint64 memoryBefore = cwtest::peakMemoryKiB();
-    for (const QByteArray& text : cwtest::hostileDocuments("cueupinfo")) {
+    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
+    for (const QByteArray& text : cwmeta::hostileDocuments("cueupinfo")) {
         BLCueupInfoAcss acss;
         EXPECT_FALSE(acss.loadForFolderPath(makeFolder(text))) << text.left(80).constData();
         EXPECT_FALSE(acss.isLoaded());
         EXPECT_FALSE(acss.getClipData(read));
     }
     const QString folder = makeFolder("");
-    ASSERT_TRUE(cwtest::writeHugeAttributeDocument(folder + "/CUEUP.XML", "cueupinfo"));
+    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/CUEUP.XML", "cueupinfo"));
     BLCueupInfoAcss big;
     EXPECT_FALSE(big.loadForFolderPath(folder));
     EXPECT_FALSE(big.getClipData(read));
     EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwtest::peakMemoryKiB() - memoryBefore, 64 * 1024);
+    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }

@@ -1,6 +1,7 @@
+#include "MetadataTestSupport.h"
+
 #include "core/app/BLPlistCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
-#include "core/metadata/MetadataTestSupport.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -13,7 +14,7 @@
 #include <algorithm>
 
 namespace {
-const QString kFixture = QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/mediapro/MEDIAPRO.XML");
+const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
 const QString kCameraMediaId = "1234567890ABCDEF1234567890ABCDEF";
 
 class MediaProfileAcssTest : public cwtest::HomeTest
@@ -29,14 +30,14 @@ protected:
         file.write(profile);
         return folder;
     }
-    QString cameraFolder() { return makeFolder(cwtest::readFileBytes(kFixture)); }
+    QString cameraFolder() { return makeFolder(cwmeta::readBytes(kFixture)); }
 };
 
 // The outline of a saved profile with the save stamp blanked out.
 QStringList savedOutline(const QString& path)
 {
     static const QRegularExpression stamp(R"(createdAt="[^"]*")");
-    QStringList lines = cwtest::fileOutline(path);
+    QStringList lines = cwmeta::fileOutlineLines(path);
     for (QString& line : lines)
         line.replace(stamp, R"(createdAt="*")");
     return lines;
@@ -176,7 +177,7 @@ TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
                                 "060A2B340101010501010D431300000000123456789012370800460202123456",
                                 "060A2B340101010501010D431300000000123456789012380800460202123456"};
     const QString hd = "MPEG2HD35_1920_1080_MP@HL";
-    EXPECT_EQ(cwtest::joined(describe(data.getMaterial())), cwtest::joined(QStringList({
+    EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())), cwmeta::joined(QStringList({
                   "./CLPR/A0001/A0001.SMI|PD-EDL|||59.94i|300|2|16:9|0|" + umidOf[1] + "||0"
                   " C:,,,./CLPR/A0001/A0001.MP4|MP4|" + hd + "|LPCM16|59.94i|300|2|16:9|0|"
                   " P:,,./CLPR/A0001/A0001P.MP4|MP4|MPEG4SP|||||||"
@@ -280,7 +281,7 @@ TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
                  R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
                  R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
                  R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
-    EXPECT_EQ(cwtest::joined(savedOutline(acss.filePath())), cwtest::joined(expected));
+    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(expected));
 
     // The saved file reads back with the same values.
     BLMediaProfileAcss again;
@@ -312,7 +313,7 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
     EXPECT_EQ(rootLine(after).toStdString(),
               QString(rootLine(before)).replace(R"(version="1.20")", R"(version="1.10")").toStdString());
     const QString properties = "  Properties";
-    EXPECT_EQ(cwtest::joined(block(after, properties)), cwtest::joined(block(before, properties)));
+    EXPECT_EQ(cwmeta::joined(block(after, properties)), cwmeta::joined(block(before, properties)));
     EXPECT_TRUE(after.contains(R"(  cam:Trailer checksum="9f2c")"));
     EXPECT_LT(after.indexOf(properties), after.indexOf("  Contents"));
     EXPECT_LT(after.indexOf("  Contents"), after.indexOf(R"(  cam:Trailer checksum="9f2c")"));
@@ -321,7 +322,7 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
     const QStringList contents = block(after, "  Contents");
     EXPECT_FALSE(contents.join('\n').contains("cam:")) << contents.join('\n').toStdString();
     EXPECT_FALSE(contents.join('\n').contains("Proxy"));
-    EXPECT_EQ(cwtest::joined(contents.mid(contents.size() - 5)), cwtest::joined(QStringList({R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
+    EXPECT_EQ(cwmeta::joined(contents.mid(contents.size() - 5)), cwmeta::joined(QStringList({R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
                            R"(      Component uri="./CLPR/A0005/A0005.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
                            R"(      RelevantInfo uri="./CLPR/A0005/A0005M01.XML" type="XML")",
                            R"(      RelevantInfo uri="./CLPR/A0005/A0005R01.BIM" type="BiM")",
@@ -330,7 +331,7 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
 
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
-    EXPECT_EQ(cwtest::joined(describe(again.getMaterialData("", 0))), cwtest::joined(describe(materials)));
+    EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(materials)));
     DOAttached kept;
     ASSERT_TRUE(again.getAttachedData(kept));
     EXPECT_EQ(kept.getMediaId(), kCameraMediaId);
@@ -375,7 +376,7 @@ TEST_F(MediaProfileAcssTest, FullFolderRewritesReadBackExactly)
     ASSERT_TRUE(rebuild(acss, second, "ID"));
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
-    EXPECT_EQ(cwtest::joined(describe(again.getMaterialData("", 0))), cwtest::joined(describe(second)));
+    EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(second)));
     EXPECT_EQ(again.getMaterialData("", 2).size(), 1);
 }
 
@@ -413,7 +414,7 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
     }
     EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), 3);
     // Attached was changed in place: its other values and foreign attribute stay.
-    EXPECT_TRUE(cwtest::fileOutline(path).contains(
+    EXPECT_TRUE(cwmeta::fileOutlineLines(path).contains(
         QStringLiteral(R"(    Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")")
             .arg(ids.last())));
 
@@ -423,7 +424,7 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(noAttached));
     ASSERT_TRUE(acss.save(""));
-    const QStringList outline = cwtest::fileOutline(acss.filePath());
+    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     ASSERT_EQ(outline.size(), 6);
     EXPECT_TRUE(QRegularExpression(R"(^    Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName=""$)")
                     .match(outline.at(3))
@@ -448,9 +449,9 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     // Saving with empty text makes no media id for a created profile.
     ASSERT_TRUE(acss.save(""));
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 0);
-    const QByteArray text = cwtest::readFileBytes(acss.filePath());
+    const QByteArray text = cwmeta::readBytes(acss.filePath());
     EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
-    const QStringList outline = cwtest::fileOutline(acss.filePath());
+    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     ASSERT_EQ(outline.size(), 3) << outline.join('\n').toStdString();
     EXPECT_TRUE(QRegularExpression(
                     R"re(^MediaProfile xmlns="urn:clipwright:mediaProfile:ver.1.0" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
@@ -468,12 +469,12 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
     EXPECT_TRUE(loaded.getMaterialData("", 0).isEmpty());
     ASSERT_TRUE(rebuild(loaded, {clipMaterial("A0001")}, "KEEP"));
-    const QStringList rebuilt = cwtest::fileOutline(loaded.filePath());
+    const QStringList rebuilt = cwmeta::fileOutlineLines(loaded.filePath());
     ASSERT_EQ(rebuilt.size(), 9);
     EXPECT_EQ(rebuilt.at(3), "  Contents");
     BLMediaProfileAcss reread;
     ASSERT_TRUE(reread.loadForFolderPath(folder));
-    EXPECT_EQ(cwtest::joined(describe(reread.getMaterialData("", 0))), cwtest::joined(QStringList{describe(clipMaterial("A0001"))}));
+    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))), cwmeta::joined(QStringList{describe(clipMaterial("A0001"))}));
 }
 
 TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
@@ -508,7 +509,7 @@ TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
     EXPECT_EQ(acss.setAttachedData(attached), 0);
     ASSERT_TRUE(acss.save("ID"));
 
-    EXPECT_EQ(cwtest::joined(savedOutline(acss.filePath())), cwtest::joined(QStringList({R"(MediaProfile xmlns="urn:x" xmlns:f="urn:f" createdAt="*")",
+    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(QStringList({R"(MediaProfile xmlns="urn:x" xmlns:f="urn:f" createdAt="*")",
                            "  Properties",
                            R"(    System systemId="0800460200a1" systemKind="K2" version="3")",
                            R"(    Attached mediaId="ID" mediaKind="ProfessionalMemoryCard" mediaName="")",
@@ -555,8 +556,8 @@ TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
     EXPECT_EQ(acss.setComponentData({local}, "./TAKR/T9999/T9999.SMI"), -1); // no such material
     ASSERT_TRUE(acss.save(""));
 
-    const QStringList outline = cwtest::fileOutline(acss.filePath());
-    EXPECT_EQ(cwtest::joined(block(outline, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")), cwtest::joined(QStringList({R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
+    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
+    EXPECT_EQ(cwmeta::joined(block(outline, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")), cwmeta::joined(QStringList({R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
                            R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
                            R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
                            R"(      Proxy mediaId="" mediaKind="ProfessionalMemoryCard" uri="./CLPR/A0001/A0001P.MP4" fps="59.94i")",
@@ -590,7 +591,7 @@ TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
     // Refused requests change nothing.
     const QByteArray before = [&] {
         EXPECT_TRUE(acss.save("ID"));
-        return cwtest::readFileBytes(acss.filePath());
+        return cwmeta::readBytes(acss.filePath());
     }();
     DOMaterial noUri;
     noUri.setTitle("x");
@@ -599,7 +600,7 @@ TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
     EXPECT_EQ(acss.setComponentData({}, first.getUri()), -1);
     EXPECT_EQ(acss.setComponentData({DOComponent()}, first.getUri()), -1);
     ASSERT_TRUE(acss.save("ID"));
-    EXPECT_EQ(cwtest::joined(cwtest::xmlOutline(cwtest::readFileBytes(acss.filePath())).mid(1)), cwtest::joined(cwtest::xmlOutline(before).mid(1)));
+    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(cwmeta::readBytes(acss.filePath())).mid(1)), cwmeta::joined(cwmeta::outlineLines(before).mid(1)));
 
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(home().path("BPAV")));
@@ -620,10 +621,10 @@ TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(home().path("card/BPAV")));
 
-    EXPECT_EQ(cwtest::joined(uris(acss.getMaterialData("", 1))), cwtest::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_EQ(cwtest::joined(uris(acss.getMaterialData("", 2))), cwtest::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 1))), cwmeta::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 2))), cwmeta::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
     EXPECT_EQ(uris(acss.getMaterialData("", 0)).size(), 4);
-    EXPECT_EQ(cwtest::joined(uris(acss.getMaterialData("A000", 0))), cwtest::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("A000", 0))), cwmeta::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
     EXPECT_TRUE(acss.getMaterialData("A0001", 2).isEmpty());
     EXPECT_TRUE(acss.getMaterialData("T0001", 1).isEmpty());
 
@@ -651,7 +652,7 @@ TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
 
 TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
 {
-    const QString folder = makeFolder(cwtest::readFileBytes(kFixture).replace("./CLPR/A0003/A0003.MP4", "./CLPR/A0002/A0002.SMI"));
+    const QString folder = makeFolder(cwmeta::readBytes(kFixture).replace("./CLPR/A0003/A0003.MP4", "./CLPR/A0002/A0002.SMI"));
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
     EXPECT_EQ(acss.delComponentData("./TAKR/T0001/T0001.SMI"), 2);
@@ -674,8 +675,8 @@ TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
     EXPECT_TRUE(data.getMaterial().isEmpty());
     EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
     ASSERT_TRUE(acss.save(kCameraMediaId));
-    const QStringList outline = cwtest::fileOutline(acss.filePath());
-    EXPECT_EQ(cwtest::joined(block(outline, "  Properties")), cwtest::joined(block(cwtest::fileOutline(kFixture), "  Properties")));
+    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
+    EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")), cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
     EXPECT_FALSE(outline.join('\n').contains("Contents"));
     EXPECT_EQ(outline.last(), R"(  cam:Trailer checksum="9f2c")");
 }
@@ -694,8 +695,8 @@ TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
 
     QElapsedTimer timer;
     timer.start();
-    const qint64 memoryBefore = cwtest::peakMemoryKiB();
-    for (const QByteArray& text : cwtest::hostileDocuments("MediaProfile")) {
+    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
+    for (const QByteArray& text : cwmeta::hostileDocuments("MediaProfile")) {
         const QString folder = makeFolder(text);
         BLMediaProfileAcss acss;
         EXPECT_FALSE(acss.loadForFolderPath(folder)) << text.left(80).constData();
@@ -704,12 +705,12 @@ TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
         EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
     }
     const QString folder = makeFolder("");
-    ASSERT_TRUE(cwtest::writeHugeAttributeDocument(folder + "/MEDIAPRO.XML", "MediaProfile"));
+    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/MEDIAPRO.XML", "MediaProfile"));
     BLMediaProfileAcss big;
     EXPECT_FALSE(big.loadForFolderPath(folder));
     EXPECT_TRUE(big.getMaterialData("", 0).isEmpty());
     EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwtest::peakMemoryKiB() - memoryBefore, 64 * 1024);
+    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)

@@ -1,113 +1,71 @@
 #pragma once
 
-#include <QByteArray>
-#include <QFile>
+#include <QList>
 #include <QString>
 #include <QStringList>
-#include <QRegularExpression>
-#include <QXmlStreamReader>
 
+#include <ostream>
 #include <string>
+#include <utility>
+#include <vector>
 
-namespace cwtest {
+// Helpers for the metadata accessor tests: fixture files and an outline of an
+// XML file read with Qt's own reader, independent of the XML layer under test.
+namespace cwmeta {
 
-// The structure of an XML text, one line per element, text and comment,
-// indented by depth: the qualified name, then namespace declarations and
-// attributes in file order. Whitespace between elements is left out, so two
-// texts with the same outline differ only in formatting. Empty on a parse error.
-inline QStringList xmlOutline(const QByteArray& xml)
+// Element names as standard strings, which test failures print readably.
+using Names = std::vector<std::string>;
+
+struct XmlNode
 {
-    QStringList lines;
-    QXmlStreamReader reader(xml);
-    int depth = 0;
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            QString line = QString(depth * 2, QLatin1Char(' ')) + reader.qualifiedName().toString();
-            for (const QXmlStreamNamespaceDeclaration& ns : reader.namespaceDeclarations())
-                line += ns.prefix().isEmpty()
-                            ? QStringLiteral(" xmlns=\"%1\"").arg(ns.namespaceUri())
-                            : QStringLiteral(" xmlns:%1=\"%2\"").arg(ns.prefix(), ns.namespaceUri());
-            for (const QXmlStreamAttribute& attribute : reader.attributes())
-                line += QStringLiteral(" %1=\"%2\"").arg(attribute.qualifiedName(), attribute.value());
-            lines << line;
-            ++depth;
-            break;
-        }
-        case QXmlStreamReader::EndElement:
-            --depth;
-            break;
-        case QXmlStreamReader::Characters:
-            if (!reader.isWhitespace())
-                lines << QString(depth * 2, QLatin1Char(' ')) + QLatin1Char('"') + reader.text().toString() + QLatin1Char('"');
-            break;
-        case QXmlStreamReader::Comment:
-            lines << QString(depth * 2, QLatin1Char(' ')) + QStringLiteral("<!--%1-->").arg(reader.text());
-            break;
-        default:
-            break;
-        }
-    }
-    return reader.hasError() ? QStringList() : lines;
+    QString name;                                  // qualified name as written
+    QString namespaceUri;                          // the element's namespace
+    QList<std::pair<QString, QString>> attributes; // qualified name and value, in document order
+    QList<std::pair<QString, QString>> namespaces; // declared prefix and URI
+    QString text;                                  // text directly inside, trimmed
+    QList<XmlNode> children;
+
+    Names childNames() const;
+    // The n-th child with that qualified name; nullptr when there is none.
+    const XmlNode* child(const QString& childName, int n = 0) const;
+    // "" when absent.
+    QString attribute(const QString& attributeName) const;
+    bool hasAttribute(const QString& attributeName) const;
+    bool operator==(const XmlNode&) const = default;
+};
+
+// An indented outline for failure messages.
+QString describe(const XmlNode& node, int depth = 0);
+inline void PrintTo(const XmlNode& node, std::ostream* os)
+{
+    *os << "\n" << describe(node).toStdString();
 }
 
-// Lines as one text, for comparisons that print readably when they fail.
-inline std::string joined(const QStringList& lines)
-{
-    return lines.join(QLatin1Char('\n')).toStdString();
-}
+// The root element of a file; a node with an empty name when it is not well formed.
+XmlNode readXmlOutline(const QString& path);
 
-inline QByteArray readFileBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+// Path of a committed fixture ("smi/C0001.SMI").
+QString fixturePath(const QString& relative);
+// Copies a fixture into a folder; answers the copy's path.
+QString copyFixture(const QString& relative, const QString& folder);
+QByteArray readBytes(const QString& path);
+bool writeBytes(const QString& path, const QByteArray& data);
 
-inline QStringList fileOutline(const QString& path)
-{
-    return xmlOutline(readFileBytes(path));
-}
+// A flat outline of an XML text for comparing whole files: one line per
+// element, text and comment, indented by depth, each element with its
+// qualified name, namespace declarations and attributes in file order.
+// Whitespace between elements is left out. Empty when not well formed.
+QStringList outlineLines(const QByteArray& xml);
+QStringList fileOutlineLines(const QString& path);
+// Lines as one text, which test failures print readably.
+std::string joined(const QStringList& lines);
 
 // Documents a metadata reader must refuse, each with the given root element:
 // an external entity, an entity-expansion bomb, invalid UTF-8, a broken tag.
-inline QList<QByteArray> hostileDocuments(const QByteArray& root)
-{
-    return {
-        "<?xml version=\"1.0\"?><!DOCTYPE " + root + " [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><" + root +
-            " a=\"&x;\">&x;</" + root + ">",
-        "<?xml version=\"1.0\"?><!DOCTYPE " + root +
-            " [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
-            "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
-            "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">"
-            "<!ENTITY g \"&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;\">]><" + root + " uri=\"&g;&g;&g;&g;&g;&g;&g;&g;\">&g;</" +
-            root + ">",
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><" + root + " uri=\"\xc3\x28\xfe\"/>",
-        "<" + root + "><a></" + root + ">",
-    };
-}
-
+QList<QByteArray> hostileDocuments(const QByteArray& root);
 // Writes a document whose one attribute value is 50 MB, in pieces.
-inline bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write("<" + root + " uri=\"") < 0)
-        return false;
-    const QByteArray piece(1024 * 1024, 'x');
-    for (int i = 0; i < 50; ++i)
-        if (file.write(piece) != piece.size())
-            return false;
-    return file.write("\"/>") == 3;
-}
-
+bool writeHugeAttributeDocument(const QString& path, const QByteArray& root);
 // The process's peak resident memory in KiB (0 when unknown).
-inline qint64 peakMemoryKiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    static const QRegularExpression peak(QStringLiteral(R"(VmHWM:\s+(\d+))"));
-    const QRegularExpressionMatch match = peak.match(QString::fromLatin1(status.readAll()));
-    return match.hasMatch() ? match.captured(1).toLongLong() : 0;
-}
+qint64 peakMemoryKiB();
 
-} // namespace cwtest
+} // namespace cwmeta

@@ -1,0 +1,207 @@
+#include "MetadataTestSupport.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+namespace cwmeta {
+
+Names XmlNode::childNames() const
+{
+    Names names;
+    for (const XmlNode& c : children)
+        names.push_back(c.name.toStdString());
+    return names;
+}
+
+const XmlNode* XmlNode::child(const QString& childName, int n) const
+{
+    for (const XmlNode& c : children)
+        if (c.name == childName && n-- == 0)
+            return &c;
+    return nullptr;
+}
+
+QString XmlNode::attribute(const QString& attributeName) const
+{
+    for (const auto& [key, value] : attributes)
+        if (key == attributeName)
+            return value;
+    return {};
+}
+
+bool XmlNode::hasAttribute(const QString& attributeName) const
+{
+    for (const auto& attr : attributes)
+        if (attr.first == attributeName)
+            return true;
+    return false;
+}
+
+QString describe(const XmlNode& node, int depth)
+{
+    QString line = QString(depth * 2, QLatin1Char(' ')) + QLatin1Char('<') + node.name;
+    for (const auto& [prefix, uri] : node.namespaces)
+        line += QStringLiteral(" xmlns%1=\"%2\"").arg(prefix.isEmpty() ? QString() : ':' + prefix, uri);
+    for (const auto& [key, value] : node.attributes)
+        line += QStringLiteral(" %1=\"%2\"").arg(key, value);
+    line += QLatin1Char('>') + node.text + QLatin1Char('\n');
+    for (const XmlNode& c : node.children)
+        line += describe(c, depth + 1);
+    return line;
+}
+
+namespace {
+XmlNode readElement(QXmlStreamReader& reader)
+{
+    XmlNode node;
+    node.name = reader.qualifiedName().toString();
+    node.namespaceUri = reader.namespaceUri().toString();
+    for (const QXmlStreamAttribute& a : reader.attributes())
+        node.attributes.append({a.qualifiedName().toString(), a.value().toString()});
+    for (const QXmlStreamNamespaceDeclaration& d : reader.namespaceDeclarations())
+        node.namespaces.append({d.prefix().toString(), d.namespaceUri().toString()});
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement())
+            node.children.append(readElement(reader));
+        else if (reader.isCharacters())
+            node.text += reader.text();
+        else if (reader.isEndElement())
+            break;
+    }
+    node.text = node.text.trimmed();
+    return node;
+}
+} // namespace
+
+XmlNode readXmlOutline(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QXmlStreamReader reader(&file);
+    while (!reader.atEnd() && !reader.isStartElement())
+        reader.readNext();
+    if (!reader.isStartElement())
+        return {};
+    XmlNode root = readElement(reader);
+    while (!reader.atEnd())
+        reader.readNext();
+    return reader.hasError() ? XmlNode() : root;
+}
+
+QString fixturePath(const QString& relative)
+{
+    return QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/") + relative;
+}
+
+QString copyFixture(const QString& relative, const QString& folder)
+{
+    const QString target = folder + QLatin1Char('/') + QFileInfo(relative).fileName();
+    QFile::remove(target);
+    if (!QFile::copy(fixturePath(relative), target))
+        return {};
+    QFile::setPermissions(target, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    return target;
+}
+
+QByteArray readBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeBytes(const QString& path, const QByteArray& data)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
+}
+
+QStringList outlineLines(const QByteArray& xml)
+{
+    QStringList lines;
+    QXmlStreamReader reader(xml);
+    int depth = 0;
+    auto indent = [&depth] { return QString(depth * 2, QLatin1Char(' ')); };
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement: {
+            QString line = indent() + reader.qualifiedName().toString();
+            for (const QXmlStreamNamespaceDeclaration& ns : reader.namespaceDeclarations())
+                line += ns.prefix().isEmpty()
+                            ? QStringLiteral(" xmlns=\"%1\"").arg(ns.namespaceUri())
+                            : QStringLiteral(" xmlns:%1=\"%2\"").arg(ns.prefix(), ns.namespaceUri());
+            for (const QXmlStreamAttribute& attribute : reader.attributes())
+                line += QStringLiteral(" %1=\"%2\"").arg(attribute.qualifiedName(), attribute.value());
+            lines << line;
+            ++depth;
+            break;
+        }
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        case QXmlStreamReader::Characters:
+            if (!reader.isWhitespace())
+                lines << indent() + QLatin1Char('"') + reader.text().toString() + QLatin1Char('"');
+            break;
+        case QXmlStreamReader::Comment:
+            lines << indent() + QStringLiteral("<!--%1-->").arg(reader.text());
+            break;
+        default:
+            break;
+        }
+    }
+    return reader.hasError() ? QStringList() : lines;
+}
+
+QStringList fileOutlineLines(const QString& path)
+{
+    return outlineLines(readBytes(path));
+}
+
+std::string joined(const QStringList& lines)
+{
+    return lines.join(QLatin1Char('\n')).toStdString();
+}
+
+QList<QByteArray> hostileDocuments(const QByteArray& root)
+{
+    return {
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root + " [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><" + root +
+            " a=\"&x;\">&x;</" + root + ">",
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root +
+            " [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
+            "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
+            "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">"
+            "<!ENTITY g \"&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;\">]><" +
+            root + " uri=\"&g;&g;&g;&g;&g;&g;&g;&g;\">&g;</" + root + ">",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><" + root + " uri=\"\xc3\x28\xfe\"/>",
+        "<" + root + "><a></" + root + ">",
+    };
+}
+
+bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write("<" + root + " uri=\"") < 0)
+        return false;
+    const QByteArray piece(1024 * 1024, 'x');
+    for (int i = 0; i < 50; ++i)
+        if (file.write(piece) != piece.size())
+            return false;
+    return file.write("\"/>") == 3;
+}
+
+qint64 peakMemoryKiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    static const QRegularExpression peak(QStringLiteral(R"(VmHWM:\s+(\d+))"));
+    const QRegularExpressionMatch match = peak.match(QString::fromLatin1(status.readAll()));
+    return match.hasMatch() ? match.captured(1).toLongLong() : 0;
+}
+
+} // namespace cwmeta
