@@ -35,15 +35,17 @@ QByteArray cameraProfile(int n)
 )";
     for (int i = 0; i < n; ++i) {
         const QString c = clipFolder(i);
-        xml += QStringLiteral(R"(    <Material uri="./CLPR/%1/%1.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="%2" status="0">
+        xml +=
+            QStringLiteral(
+                R"(    <Material uri="./CLPR/%1/%1.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="%2" status="0">
       <Component uri="./CLPR/%1/%1.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0"/>
       <RelevantInfo uri="./CLPR/%1/%1M01.XML" type="XML"/>
       <RelevantInfo uri="./CLPR/%1/%1R01.BIM" type="BiM"/>
       <RelevantInfo uri="./CLPR/%1/%1I01.PPN" type="PPN"/>
     </Material>
 )")
-                   .arg(c, umid(i))
-                   .toUtf8();
+                .arg(c, umid(i))
+                .toUtf8();
     }
     xml += "  </Contents>\n</MediaProfile>\n";
     return xml;
@@ -76,7 +78,8 @@ QList<DOMaterial> clipMaterials(int n)
         essence.setAspectRatio(QStringLiteral("16:9"));
         essence.setOffset(QStringLiteral("0"));
         material.addComponent(essence);
-        const QStringList suffixes = {QStringLiteral("M01.XML"), QStringLiteral("R01.BIM"), QStringLiteral("I01.PPN")};
+        const QStringList suffixes = {QStringLiteral("M01.XML"), QStringLiteral("R01.BIM"),
+                                      QStringLiteral("I01.PPN")};
         const QStringList types = {QStringLiteral("XML"), QStringLiteral("BiM"), QStringLiteral("PPN")};
         for (int k = 0; k < 3; ++k) {
             DORelevantInfo info;

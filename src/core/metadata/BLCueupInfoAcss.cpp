@@ -26,9 +26,10 @@ bool BLCueupInfoAcss::createForFolderPath(const QString& folderPath)
     m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
     return m_xml.createDocument(QStringLiteral("cueupinfo")) && m_xml.selectNodeArray(kRootPath) == 1 &&
            m_xml.setNameSpaceWithName(QString(), kNameSpace) == 1 &&
-           m_xml.setNameSpaceWithName(QStringLiteral("xsi"), QStringLiteral("http://www.w3.org/2001/XMLSchema-instance")) ==
-               1 &&
-           m_xml.setAttribute(QStringLiteral("xsi:schemaLocation"), kNameSpace + QLatin1String(" cueupinfo.xsd")) == 1 &&
+           m_xml.setNameSpaceWithName(QStringLiteral("xsi"),
+                                      QStringLiteral("http://www.w3.org/2001/XMLSchema-instance")) == 1 &&
+           m_xml.setAttribute(QStringLiteral("xsi:schemaLocation"),
+                              kNameSpace + QLatin1String(" cueupinfo.xsd")) == 1 &&
            m_xml.addElement(QStringLiteral("history"), QString()) == 1;
 }
 

@@ -148,7 +148,8 @@ bool equals(const xmlChar* text, QByteArrayView view)
 // for this document compare by pointer; null when the dictionary lacks it.
 const xmlChar* internedName(xmlDocPtr document, QByteArrayView name)
 {
-    return document->dict ? xmlDictExists(document->dict, reinterpret_cast<const xmlChar*>(name.data()), int(name.size()))
+    return document->dict ? xmlDictExists(document->dict, reinterpret_cast<const xmlChar*>(name.data()),
+                                          int(name.size()))
                           : nullptr;
 }
 

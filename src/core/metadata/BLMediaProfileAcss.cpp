@@ -14,8 +14,10 @@ const QString kMaterialPath = QStringLiteral("/MediaProfile/Contents/Material");
 
 // The known children of an element, in the order the card format wants them.
 const QStringList kRootKinds = {QStringLiteral("Properties"), QStringLiteral("Contents")};
-const QStringList kPropertyKinds = {QStringLiteral("System"), QStringLiteral("Attached"), QStringLiteral("Metadata")};
-const QStringList kMaterialKinds = {QStringLiteral("Component"), QStringLiteral("Proxy"), QStringLiteral("RelevantInfo")};
+const QStringList kPropertyKinds = {QStringLiteral("System"), QStringLiteral("Attached"),
+                                    QStringLiteral("Metadata")};
+const QStringList kMaterialKinds = {QStringLiteral("Component"), QStringLiteral("Proxy"),
+                                    QStringLiteral("RelevantInfo")};
 
 QString uriPredicate(const QString& uri)
 {
@@ -34,8 +36,7 @@ QString positionPredicate(int position)
 
 // The attributes every child kind and the material share, in file order
 // after "uri" (the material puts "title" before them and "status" after).
-template <class Record>
-void readCommonAttributes(const BLDomXmlParse& xml, Record& record)
+template <class Record> void readCommonAttributes(const BLDomXmlParse& xml, Record& record)
 {
     record.setUri(xml.getAttributeValue(QStringLiteral("uri")));
     record.setType(xml.getAttributeValue(QStringLiteral("type")));
@@ -49,8 +50,7 @@ void readCommonAttributes(const BLDomXmlParse& xml, Record& record)
     record.setUmid(xml.getAttributeValue(QStringLiteral("umid")));
 }
 
-template <class Record>
-void writeCommonAttributes(BLDomXmlParse& xml, const Record& record)
+template <class Record> void writeCommonAttributes(BLDomXmlParse& xml, const Record& record)
 {
     xml.setAttribute(QStringLiteral("type"), record.getType());
     xml.setAttribute(QStringLiteral("videoType"), record.getVideoType());
@@ -63,8 +63,7 @@ void writeCommonAttributes(BLDomXmlParse& xml, const Record& record)
     xml.setAttribute(QStringLiteral("umid"), record.getUmid());
 }
 
-template <class Record>
-bool anyWithoutUri(const QList<Record>& records)
+template <class Record> bool anyWithoutUri(const QList<Record>& records)
 {
     return std::any_of(records.begin(), records.end(), [](const Record& r) { return r.getUri().isEmpty(); });
 }
@@ -191,12 +190,12 @@ QList<DOMaterial> BLMediaProfileAcss::getMaterialData(const QString& takeID, int
     }
     for (qsizetype i = 0; i < materials.size(); ++i) {
         const QString path = kMaterialPath + positionPredicate(positions.at(i));
-        materials[i].setComponent(
-            getChildData<DOComponent>(path, QStringLiteral("Component"), takeID, &BLMediaProfileAcss::getComponentTag));
+        materials[i].setComponent(getChildData<DOComponent>(path, QStringLiteral("Component"), takeID,
+                                                            &BLMediaProfileAcss::getComponentTag));
         materials[i].setProxy(
             getChildData<DOProxy>(path, QStringLiteral("Proxy"), takeID, &BLMediaProfileAcss::getProxyTag));
-        materials[i].setRelevantInfo(getChildData<DORelevantInfo>(path, QStringLiteral("RelevantInfo"), takeID,
-                                                                  &BLMediaProfileAcss::getRelevantInfoTag));
+        materials[i].setRelevantInfo(getChildData<DORelevantInfo>(
+            path, QStringLiteral("RelevantInfo"), takeID, &BLMediaProfileAcss::getRelevantInfoTag));
     }
     return materials;
 }
@@ -204,7 +203,8 @@ QList<DOMaterial> BLMediaProfileAcss::getMaterialData(const QString& takeID, int
 QList<DOComponent> BLMediaProfileAcss::getComponentData(const QString& materialUri, const QString& takeID)
 {
     return getChildData<DOComponent>(materialUri.isEmpty() ? kMaterialPath : materialPath(materialUri),
-                                     QStringLiteral("Component"), takeID, &BLMediaProfileAcss::getComponentTag);
+                                     QStringLiteral("Component"), takeID,
+                                     &BLMediaProfileAcss::getComponentTag);
 }
 
 QList<DOProxy> BLMediaProfileAcss::getProxyData(const QString& materialUri, const QString& takeID)
@@ -213,7 +213,8 @@ QList<DOProxy> BLMediaProfileAcss::getProxyData(const QString& materialUri, cons
                                  QStringLiteral("Proxy"), takeID, &BLMediaProfileAcss::getProxyTag);
 }
 
-QList<DORelevantInfo> BLMediaProfileAcss::getRelevantInfoData(const QString& materialUri, const QString& takeID)
+QList<DORelevantInfo> BLMediaProfileAcss::getRelevantInfoData(const QString& materialUri,
+                                                              const QString& takeID)
 {
     return getChildData<DORelevantInfo>(materialUri.isEmpty() ? kMaterialPath : materialPath(materialUri),
                                         QStringLiteral("RelevantInfo"), takeID,
@@ -221,7 +222,8 @@ QList<DORelevantInfo> BLMediaProfileAcss::getRelevantInfoData(const QString& mat
 }
 
 template <class Record>
-QList<Record> BLMediaProfileAcss::getChildData(const QString& parentPath, const QString& kind, const QString& takeID,
+QList<Record> BLMediaProfileAcss::getChildData(const QString& parentPath, const QString& kind,
+                                               const QString& takeID,
                                                void (BLMediaProfileAcss::*readRow)(Record&, int))
 {
     QList<Record> records;
@@ -375,7 +377,8 @@ int BLMediaProfileAcss::setMaterialData(const QList<DOMaterial>& materials)
         if (found < 0)
             return -1;
         if (found == 0) {
-            if (m_xml.selectNodeArray(kContentsPath) <= 0 || !m_xml.addElement(QStringLiteral("Material"), QString()))
+            if (m_xml.selectNodeArray(kContentsPath) <= 0 ||
+                !m_xml.addElement(QStringLiteral("Material"), QString()))
                 return -1;
             const int count = m_xml.selectNodeArray(kMaterialPath);
             if (count <= 0 || m_xml.selectNodeArray(kMaterialPath + positionPredicate(count)) != 1)
@@ -491,5 +494,6 @@ int BLMediaProfileAcss::delRelevantInfoData(const QString& materialUri)
 
 bool BLMediaProfileAcss::updateVersion(const QString& version)
 {
-    return m_xml.selectNodeArray(kRootPath) > 0 && m_xml.setAttribute(QStringLiteral("version"), version) == 1;
+    return m_xml.selectNodeArray(kRootPath) > 0 &&
+           m_xml.setAttribute(QStringLiteral("version"), version) == 1;
 }

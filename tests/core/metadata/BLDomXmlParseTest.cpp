@@ -257,8 +257,10 @@ QStringList selectionOutline(BLDomXmlParse& xml, int count)
     QStringList outline;
     for (int i = 0; i < count; ++i) {
         xml.selectNode(i);
-        outline << QStringLiteral("%1@%2 %3").arg(xml.currentNodeName()).arg(xml.getIndexByParent()).arg(
-                       xml.getAttributeValue("uri"));
+        outline << QStringLiteral("%1@%2 %3")
+                       .arg(xml.currentNodeName())
+                       .arg(xml.getIndexByParent())
+                       .arg(xml.getAttributeValue("uri"));
     }
     return outline;
 }

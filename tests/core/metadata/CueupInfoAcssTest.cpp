@@ -71,8 +71,9 @@ TEST_F(CueupInfoAcssTest, NewFileHoldsTheRootAndAnEmptyHistory)
     EXPECT_EQ(describe(unchanged), "keep|U|F");
     ASSERT_TRUE(loaded.setClipData(clip("./CLPR/A0001/A0001.SMI", kUmid1, "00:00:01:00")));
     ASSERT_TRUE(loaded.save());
-    EXPECT_EQ(cwmeta::fileOutlineLines(loaded.filePath()).last(),
-              QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:01:00")").arg(kUmid1));
+    EXPECT_EQ(
+        cwmeta::fileOutlineLines(loaded.filePath()).last(),
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:01:00")").arg(kUmid1));
 }
 
 TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
@@ -102,13 +103,15 @@ TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
     EXPECT_FALSE(acss.delClipData("./CLPR/A0002/A0002.SMI"));
     ASSERT_TRUE(acss.save());
 
-    const qsizetype a0002 = expected.indexOf(QStringLiteral(
-        R"(    clip uri="./CLPR/A0002/A0002.SMI" umid="%1" ftc="00:00:12:05" cam:frame="365")").arg(kUmid2));
-    const qsizetype a0001 =
-        expected.indexOf(QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:03:00")").arg(kUmid1));
+    const qsizetype a0002 = expected.indexOf(
+        QStringLiteral(R"(    clip uri="./CLPR/A0002/A0002.SMI" umid="%1" ftc="00:00:12:05" cam:frame="365")")
+            .arg(kUmid2));
+    const qsizetype a0001 = expected.indexOf(
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:03:00")").arg(kUmid1));
     const qsizetype note = expected.indexOf(R"(      "kept")");
     ASSERT_TRUE(a0002 >= 0 && a0001 >= 0 && note >= 0) << cwmeta::joined(expected);
-    expected[a0001] = QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:01:00:00")").arg(kUmid1);
+    expected[a0001] =
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:01:00:00")").arg(kUmid1);
     expected.insert(note + 1, R"(    clip uri="./CLPR/A0003/A0003.SMI" umid="UMID3" ftc="00:00:00:10")");
     expected.removeAt(a0002);
     EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())), cwmeta::joined(expected));

@@ -62,11 +62,10 @@ QStringList block(const QStringList& outline, const QString& start)
     return outline.mid(first, end - first);
 }
 
-template <class Record>
-QString describeFile(const Record& r)
+template <class Record> QString describeFile(const Record& r)
 {
-    return QStringList{r.getUri(), r.getType(), r.getVideoType(), r.getAudioType(), r.getFps(), r.getDur(),
-                       r.getCh(), r.getAspectRatio(), r.getOffset(), r.getUmid()}
+    return QStringList{r.getUri(), r.getType(), r.getVideoType(),   r.getAudioType(), r.getFps(),
+                       r.getDur(), r.getCh(),   r.getAspectRatio(), r.getOffset(),    r.getUmid()}
         .join('|');
 }
 
@@ -74,7 +73,8 @@ QString describe(const DOMaterial& m)
 {
     QStringList parts{describeFile(m) + '|' + m.getTitle() + '|' + m.getMPStatus()};
     for (const DOComponent& c : m.getComponent())
-        parts << "C:" + c.getMediaId() + "," + c.getMediaKind() + "," + c.getMediaName() + "," + describeFile(c);
+        parts << "C:" + c.getMediaId() + "," + c.getMediaKind() + "," + c.getMediaName() + "," +
+                     describeFile(c);
     for (const DOProxy& p : m.getProxy())
         parts << "P:" + p.getMediaId() + "," + p.getMediaKind() + "," + describeFile(p);
     for (const DORelevantInfo& i : m.getRelevantInfo())
@@ -171,31 +171,42 @@ TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
     EXPECT_EQ(data.getMetadata().getCharset(), "UTF-8");
     EXPECT_EQ(data.getMetadata().getType(), "nonRealTimeMeta");
 
-    const QStringList umidOf = {"", "060A2B340101010501010D431300000000123456789012340800460202123456",
+    const QStringList umidOf = {"",
+                                "060A2B340101010501010D431300000000123456789012340800460202123456",
                                 "060A2B340101010501010D431300000000123456789012350800460202123456",
                                 "060A2B340101010501010D431300000000123456789012360800460202123456",
                                 "060A2B340101010501010D431300000000123456789012370800460202123456",
                                 "060A2B340101010501010D431300000000123456789012380800460202123456"};
     const QString hd = "MPEG2HD35_1920_1080_MP@HL";
-    EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())), cwmeta::joined(QStringList({
-                  "./CLPR/A0001/A0001.SMI|PD-EDL|||59.94i|300|2|16:9|0|" + umidOf[1] + "||0"
-                  " C:,,,./CLPR/A0001/A0001.MP4|MP4|" + hd + "|LPCM16|59.94i|300|2|16:9|0|"
-                  " P:,,./CLPR/A0001/A0001P.MP4|MP4|MPEG4SP|||||||"
-                  " R:,,./CLPR/A0001/A0001M01.XML|XML||||||||"
-                  " R:,,./CLPR/A0001/A0001R01.BIM|BiM||||||||"
-                  " R:,,./CLPR/A0001/A0001I01.PPN|PPN||||||||",
-                  "./CLPR/A0002/A0002.SMI|PD-EDL|||59.94i|450|2|16:9|0|" + umidOf[2] + "||0"
-                  " C:,,,./CLPR/A0002/A0002.MP4|MP4|" + hd + "|LPCM16|59.94i|450|2|16:9|0|"
-                  " R:,,./CLPR/A0002/A0002M01.XML|XML||||||||"
-                  " R:,,./CLPR/A0002/A0002R01.BIM|BiM||||||||"
-                  " R:,,./CLPR/A0002/A0002I01.PPN|PPN||||||||",
-                  "./CLPR/A0003/A0003.MP4|MP4|" + hd + "|LPCM16|29.97p|120|2|16:9|0|" + umidOf[3] + "||3"
-                  " R:,,./CLPR/A0003/A0003M01.XML|XML||||||||",
-                  "./TAKR/T0001/T0001.SMI|PD-EDL|||59.94i|750|2|16:9|0|" + umidOf[4] + "||0"
-                  " C:,,,./CLPR/A0001/A0001.SMI|PD-EDL||||||||" + umidOf[1] +
-                  " C:FEDCBA0987654321FEDCBA0987654321,ProfessionalMemoryCard,Wedding B,"
-                  "file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI|PD-EDL||||||||" + umidOf[5] +
-                  " R:,,./TAKR/T0001/T0001M01.XML|XML||||||||",
+    EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())),
+              cwmeta::joined(QStringList({
+                  "./CLPR/A0001/A0001.SMI|PD-EDL|||59.94i|300|2|16:9|0|" + umidOf[1] +
+                      "||0"
+                      " C:,,,./CLPR/A0001/A0001.MP4|MP4|" +
+                      hd +
+                      "|LPCM16|59.94i|300|2|16:9|0|"
+                      " P:,,./CLPR/A0001/A0001P.MP4|MP4|MPEG4SP|||||||"
+                      " R:,,./CLPR/A0001/A0001M01.XML|XML||||||||"
+                      " R:,,./CLPR/A0001/A0001R01.BIM|BiM||||||||"
+                      " R:,,./CLPR/A0001/A0001I01.PPN|PPN||||||||",
+                  "./CLPR/A0002/A0002.SMI|PD-EDL|||59.94i|450|2|16:9|0|" + umidOf[2] +
+                      "||0"
+                      " C:,,,./CLPR/A0002/A0002.MP4|MP4|" +
+                      hd +
+                      "|LPCM16|59.94i|450|2|16:9|0|"
+                      " R:,,./CLPR/A0002/A0002M01.XML|XML||||||||"
+                      " R:,,./CLPR/A0002/A0002R01.BIM|BiM||||||||"
+                      " R:,,./CLPR/A0002/A0002I01.PPN|PPN||||||||",
+                  "./CLPR/A0003/A0003.MP4|MP4|" + hd + "|LPCM16|29.97p|120|2|16:9|0|" + umidOf[3] +
+                      "||3"
+                      " R:,,./CLPR/A0003/A0003M01.XML|XML||||||||",
+                  "./TAKR/T0001/T0001.SMI|PD-EDL|||59.94i|750|2|16:9|0|" + umidOf[4] +
+                      "||0"
+                      " C:,,,./CLPR/A0001/A0001.SMI|PD-EDL||||||||" +
+                      umidOf[1] +
+                      " C:FEDCBA0987654321FEDCBA0987654321,ProfessionalMemoryCard,Wedding B,"
+                      "file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI|PD-EDL||||||||" +
+                      umidOf[5] + " R:,,./TAKR/T0001/T0001M01.XML|XML||||||||",
               })));
 
     // The single-kind readers agree with the full read.
@@ -265,22 +276,29 @@ TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
     };
     const QString root = rootLine(expected);
     replace(root, QString(root).replace(R"(version="1.20")", R"(version="1.10")"));
-    replace(R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")",
-            R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A2" cam:slot="A")");
-    const QString oldA0002 = R"(    Material uri="./CLPR/A0002/A0002.SMI" type="PD-EDL" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012350800460202123456" status="0")";
-    replace(oldA0002, QString(oldA0002).replace(R"(dur="450")", R"(dur="451")").replace(R"(status="0")", R"(status="5")"));
-    insertAfter(R"(      Component uri="./CLPR/A0002/A0002.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0")",
-                {R"(      Proxy mediaId="" uri="./CLPR/A0002/A0002P.MP4" type="MP4")"});
-    insertAfter(R"(      Component mediaId="FEDCBA0987654321FEDCBA0987654321" mediaKind="ProfessionalMemoryCard" mediaName="Wedding B" uri="file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI" type="PD-EDL" umid="060A2B340101010501010D431300000000123456789012380800460202123456")",
-                {R"(      Component mediaId="00112233445566778899AABBCCDDEEFF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding C" uri="file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI" type="PD-EDL" umid="UMID-C0001")"});
+    replace(
+        R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")",
+        R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A2" cam:slot="A")");
+    const QString oldA0002 =
+        R"(    Material uri="./CLPR/A0002/A0002.SMI" type="PD-EDL" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012350800460202123456" status="0")";
+    replace(
+        oldA0002,
+        QString(oldA0002).replace(R"(dur="450")", R"(dur="451")").replace(R"(status="0")", R"(status="5")"));
+    insertAfter(
+        R"(      Component uri="./CLPR/A0002/A0002.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0")",
+        {R"(      Proxy mediaId="" uri="./CLPR/A0002/A0002P.MP4" type="MP4")"});
+    insertAfter(
+        R"(      Component mediaId="FEDCBA0987654321FEDCBA0987654321" mediaKind="ProfessionalMemoryCard" mediaName="Wedding B" uri="file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI" type="PD-EDL" umid="060A2B340101010501010D431300000000123456789012380800460202123456")",
+        {R"(      Component mediaId="00112233445566778899AABBCCDDEEFF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding C" uri="file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI" type="PD-EDL" umid="UMID-C0001")"});
     replace(R"(      RelevantInfo uri="./CLPR/A0001/A0001M01.XML" type="XML")",
             R"(      RelevantInfo uri="./CLPR/A0001/A0001M01.XML" type="XML" umid="UMID-NRT")");
-    insertAfter(R"(      "./CLPR/A0002/A0002.SMI")",
-                {R"(    Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0")",
-                 R"(      Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-                 R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
-                 R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
-                 R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
+    insertAfter(
+        R"(      "./CLPR/A0002/A0002.SMI")",
+        {R"(    Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0")",
+         R"(      Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
+         R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
+         R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
+         R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
     EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(expected));
 
     // The saved file reads back with the same values.
@@ -322,12 +340,17 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
     const QStringList contents = block(after, "  Contents");
     EXPECT_FALSE(contents.join('\n').contains("cam:")) << contents.join('\n').toStdString();
     EXPECT_FALSE(contents.join('\n').contains("Proxy"));
-    EXPECT_EQ(cwmeta::joined(contents.mid(contents.size() - 5)), cwmeta::joined(QStringList({R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
-                           R"(      Component uri="./CLPR/A0005/A0005.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-                           R"(      RelevantInfo uri="./CLPR/A0005/A0005M01.XML" type="XML")",
-                           R"(      RelevantInfo uri="./CLPR/A0005/A0005R01.BIM" type="BiM")",
-                           R"(      RelevantInfo uri="./CLPR/A0005/A0005I01.PPN" type="PPN")"})));
-    EXPECT_EQ(contents.at(1), R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012340800460202123456" status="0")");
+    EXPECT_EQ(
+        cwmeta::joined(contents.mid(contents.size() - 5)),
+        cwmeta::joined(QStringList(
+            {R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
+             R"(      Component uri="./CLPR/A0005/A0005.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
+             R"(      RelevantInfo uri="./CLPR/A0005/A0005M01.XML" type="XML")",
+             R"(      RelevantInfo uri="./CLPR/A0005/A0005R01.BIM" type="BiM")",
+             R"(      RelevantInfo uri="./CLPR/A0005/A0005I01.PPN" type="PPN")"})));
+    EXPECT_EQ(
+        contents.at(1),
+        R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012340800460202123456" status="0")");
 
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
@@ -409,26 +432,31 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
         ASSERT_TRUE(acss.save(""));
         EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), expectedNo);
         ids << storedMediaId();
-        EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(ids.last()).hasMatch()) << ids.last().toStdString();
+        EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(ids.last()).hasMatch())
+            << ids.last().toStdString();
         EXPECT_EQ(ids.last().mid(14, 2), QString::number((expectedNo % 64) | 0xC0, 16).toUpper());
     }
     EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), 3);
     // Attached was changed in place: its other values and foreign attribute stay.
     EXPECT_TRUE(cwmeta::fileOutlineLines(path).contains(
-        QStringLiteral(R"(    Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")")
+        QStringLiteral(
+            R"(    Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")")
             .arg(ids.last())));
 
     // A profile without Attached gets one, in its place among the properties.
-    const QString noAttached = makeFolder(R"(<MediaProfile xmlns="urn:x"><Properties><System systemId="a"/>)"
-                                          R"(<Metadata charset="UTF-8"/></Properties><Contents/></MediaProfile>)");
+    const QString noAttached =
+        makeFolder(R"(<MediaProfile xmlns="urn:x"><Properties><System systemId="a"/>)"
+                   R"(<Metadata charset="UTF-8"/></Properties><Contents/></MediaProfile>)");
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(noAttached));
     ASSERT_TRUE(acss.save(""));
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     ASSERT_EQ(outline.size(), 6);
-    EXPECT_TRUE(QRegularExpression(R"(^    Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName=""$)")
-                    .match(outline.at(3))
-                    .hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(
+            R"(^    Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName=""$)")
+            .match(outline.at(3))
+            .hasMatch())
         << outline.join('\n').toStdString();
     EXPECT_EQ(outline.at(4), R"(    Metadata charset="UTF-8")");
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 2);
@@ -453,15 +481,17 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     ASSERT_EQ(outline.size(), 3) << outline.join('\n').toStdString();
-    EXPECT_TRUE(QRegularExpression(
-                    R"re(^MediaProfile xmlns="urn:clipwright:mediaProfile:ver.1.0" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
-                    .match(outline.at(0))
-                    .hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(
+            R"re(^MediaProfile xmlns="urn:clipwright:mediaProfile:ver.1.0" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
+            .match(outline.at(0))
+            .hasMatch())
         << outline.at(0).toStdString();
     EXPECT_EQ(outline.at(1), "  Properties");
-    EXPECT_TRUE(QRegularExpression(R"(^    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)")
-                    .match(outline.at(2))
-                    .hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(R"(^    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)")
+            .match(outline.at(2))
+            .hasMatch())
         << outline.at(2).toStdString();
 
     // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
@@ -474,13 +504,15 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     EXPECT_EQ(rebuilt.at(3), "  Contents");
     BLMediaProfileAcss reread;
     ASSERT_TRUE(reread.loadForFolderPath(folder));
-    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))), cwmeta::joined(QStringList{describe(clipMaterial("A0001"))}));
+    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))),
+              cwmeta::joined(QStringList{describe(clipMaterial("A0001"))}));
 }
 
 TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
 {
     // A profile without Properties, with a foreign element first.
-    const QString folder = makeFolder(R"(<MediaProfile xmlns="urn:x" xmlns:f="urn:f"><f:Head/><Contents/></MediaProfile>)");
+    const QString folder =
+        makeFolder(R"(<MediaProfile xmlns="urn:x" xmlns:f="urn:f"><f:Head/><Contents/></MediaProfile>)");
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
 
@@ -509,13 +541,12 @@ TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
     EXPECT_EQ(acss.setAttachedData(attached), 0);
     ASSERT_TRUE(acss.save("ID"));
 
-    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(QStringList({R"(MediaProfile xmlns="urn:x" xmlns:f="urn:f" createdAt="*")",
-                           "  Properties",
-                           R"(    System systemId="0800460200a1" systemKind="K2" version="3")",
-                           R"(    Attached mediaId="ID" mediaKind="ProfessionalMemoryCard" mediaName="")",
-                           R"(    Metadata type="nonRealTimeMeta")",
-                           "  f:Head",
-                           "  Contents"})));
+    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())),
+              cwmeta::joined(
+                  QStringList({R"(MediaProfile xmlns="urn:x" xmlns:f="urn:f" createdAt="*")", "  Properties",
+                               R"(    System systemId="0800460200a1" systemKind="K2" version="3")",
+                               R"(    Attached mediaId="ID" mediaKind="ProfessionalMemoryCard" mediaName="")",
+                               R"(    Metadata type="nonRealTimeMeta")", "  f:Head", "  Contents"})));
 }
 
 TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
@@ -557,11 +588,14 @@ TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
     ASSERT_TRUE(acss.save(""));
 
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    EXPECT_EQ(cwmeta::joined(block(outline, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")), cwmeta::joined(QStringList({R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
-                           R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
-                           R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
-                           R"(      Proxy mediaId="" mediaKind="ProfessionalMemoryCard" uri="./CLPR/A0001/A0001P.MP4" fps="59.94i")",
-                           R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
+    EXPECT_EQ(
+        cwmeta::joined(block(outline, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")),
+        cwmeta::joined(QStringList(
+            {R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
+             R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
+             R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
+             R"(      Proxy mediaId="" mediaKind="ProfessionalMemoryCard" uri="./CLPR/A0001/A0001P.MP4" fps="59.94i")",
+             R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
 }
 
 TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
@@ -600,7 +634,8 @@ TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
     EXPECT_EQ(acss.setComponentData({}, first.getUri()), -1);
     EXPECT_EQ(acss.setComponentData({DOComponent()}, first.getUri()), -1);
     ASSERT_TRUE(acss.save("ID"));
-    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(cwmeta::readBytes(acss.filePath())).mid(1)), cwmeta::joined(cwmeta::outlineLines(before).mid(1)));
+    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(cwmeta::readBytes(acss.filePath())).mid(1)),
+              cwmeta::joined(cwmeta::outlineLines(before).mid(1)));
 
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(home().path("BPAV")));
@@ -621,10 +656,15 @@ TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(home().path("card/BPAV")));
 
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 1))), cwmeta::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 2))), cwmeta::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 1))),
+              cwmeta::joined(QStringList(
+                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 2))),
+              cwmeta::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
     EXPECT_EQ(uris(acss.getMaterialData("", 0)).size(), 4);
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("A000", 0))), cwmeta::joined(QStringList({"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
+    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("A000", 0))),
+              cwmeta::joined(QStringList(
+                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
     EXPECT_TRUE(acss.getMaterialData("A0001", 2).isEmpty());
     EXPECT_TRUE(acss.getMaterialData("T0001", 1).isEmpty());
 
@@ -652,7 +692,8 @@ TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
 
 TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
 {
-    const QString folder = makeFolder(cwmeta::readBytes(kFixture).replace("./CLPR/A0003/A0003.MP4", "./CLPR/A0002/A0002.SMI"));
+    const QString folder =
+        makeFolder(cwmeta::readBytes(kFixture).replace("./CLPR/A0003/A0003.MP4", "./CLPR/A0002/A0002.SMI"));
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
     EXPECT_EQ(acss.delComponentData("./TAKR/T0001/T0001.SMI"), 2);
@@ -676,7 +717,8 @@ TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
     EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
     ASSERT_TRUE(acss.save(kCameraMediaId));
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")), cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
+    EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")),
+              cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
     EXPECT_FALSE(outline.join('\n').contains("Contents"));
     EXPECT_EQ(outline.last(), R"(  cam:Trailer checksum="9f2c")");
 }
