@@ -733,6 +733,13 @@ QString BLCommon::removalDot(const QString& reference)
     return reference.startsWith(QLatin1Char('.')) ? reference.mid(1) : reference;
 }
 
+QString BLCommon::standardizePath(const QString& path)
+{
+    if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
+        return QDir::cleanPath(QDir::homePath() + path.mid(1));
+    return QDir::cleanPath(path);
+}
+
 QString BLCommon::getPathOfBPAV(const QString& folder)
 {
     const QString direct = makeFilePath(folder, {QStringLiteral("BPAV")});

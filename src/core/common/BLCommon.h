@@ -113,6 +113,9 @@ public:
     static QString addDot(const QString& reference);
     // Removes one leading "." character.
     static QString removalDot(const QString& reference);
+    // A leading "~" becomes the home folder; "." and ".." steps and repeated
+    // or trailing separators are resolved.
+    static QString standardizePath(const QString& path);
     // folder/BPAV, else folder/PRIVATE/ORX/BPAV when that is a folder, else folder/BPAV.
     static QString getPathOfBPAV(const QString& folder);
     // "BPAV" or "PRIVATE": the top folder that holds the material.

@@ -4,6 +4,8 @@
 #include "core/common/BLCommon.h"
 
 #include <QFile>
+#include <QStringList>
+#include <QVarLengthArray>
 
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
@@ -35,6 +37,144 @@ bool isNameChar(QChar c)
     return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('-') || c == QLatin1Char('.') ||
            c == QLatin1Char(':');
 }
+
+// One step of a plain location path: a name with attribute-equality and
+// position predicates, as in "Material[@uri='./CLPR/A0001.SMI'][1]". The
+// views point into the query text.
+struct PathPredicate
+{
+    QByteArrayView attribute; // empty for a position predicate
+    QByteArrayView value;
+    int position = 0;
+};
+
+struct PathStep
+{
+    QByteArrayView prefix; // empty for an unprefixed name
+    QByteArrayView local;
+    QVarLengthArray<PathPredicate, 2> predicates;
+    qsizetype end = 0; // where the step ends in the query
+};
+
+using PathSteps = QVarLengthArray<PathStep, 6>;
+
+bool isNameStart(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || (c & 0x80);
+}
+
+bool isNameByte(char c)
+{
+    return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
+// Reads a name (with at most one prefix) at pos; false when there is none.
+bool parseQName(QByteArrayView q, qsizetype& pos, QByteArrayView& prefix, QByteArrayView& local)
+{
+    auto part = [&](QByteArrayView& out) {
+        const qsizetype start = pos;
+        if (pos >= q.size() || !isNameStart(q[pos]))
+            return false;
+        while (pos < q.size() && isNameByte(q[pos]))
+            ++pos;
+        out = q.sliced(start, pos - start);
+        return true;
+    };
+    prefix = {};
+    if (!part(local))
+        return false;
+    if (pos < q.size() && q[pos] == ':') {
+        ++pos;
+        prefix = local;
+        return part(local);
+    }
+    return true;
+}
+
+// Parses the absolute paths of child steps that the accessors build; false
+// for anything else (axes, wildcards, functions, blanks, other predicates),
+// which then goes to the full XPath engine.
+bool parseSimplePath(QByteArrayView q, PathSteps& steps)
+{
+    qsizetype pos = 0;
+    while (pos < q.size()) {
+        if (q[pos] != '/')
+            return false;
+        ++pos;
+        PathStep step;
+        if (!parseQName(q, pos, step.prefix, step.local))
+            return false;
+        while (pos < q.size() && q[pos] == '[') {
+            ++pos;
+            PathPredicate predicate;
+            if (pos < q.size() && q[pos] == '@') {
+                ++pos;
+                QByteArrayView prefix;
+                if (!parseQName(q, pos, prefix, predicate.attribute) || !prefix.isEmpty())
+                    return false;
+                if (pos + 1 >= q.size() || q[pos] != '=' || (q[pos + 1] != '\'' && q[pos + 1] != '"'))
+                    return false;
+                const qsizetype end = q.indexOf(q[pos + 1], pos + 2);
+                if (end < 0)
+                    return false;
+                predicate.value = q.sliced(pos + 2, end - pos - 2);
+                pos = end + 1;
+            } else {
+                const qsizetype start = pos;
+                while (pos < q.size() && q[pos] >= '0' && q[pos] <= '9' && pos - start < 9)
+                    ++pos;
+                if (pos == start)
+                    return false;
+                predicate.position = q.sliced(start, pos - start).toInt();
+            }
+            if (pos >= q.size() || q[pos] != ']')
+                return false;
+            ++pos;
+            step.predicates.append(predicate);
+        }
+        step.end = pos;
+        steps.append(step);
+    }
+    return !steps.isEmpty();
+}
+
+bool equals(const xmlChar* text, QByteArrayView view)
+{
+    const char* s = reinterpret_cast<const char*>(text ? text : BAD_CAST "");
+    return qstrncmp(s, view.data(), view.size()) == 0 && s[view.size()] == '\0';
+}
+
+// A name as the document's dictionary holds it, so that names read or made
+// for this document compare by pointer; null when the dictionary lacks it.
+const xmlChar* internedName(xmlDocPtr document, QByteArrayView name)
+{
+    return document->dict ? xmlDictExists(document->dict, reinterpret_cast<const xmlChar*>(name.data()),
+                                          int(name.size()))
+                          : nullptr;
+}
+
+bool nameEquals(const xmlChar* name, const xmlChar* interned, QByteArrayView view)
+{
+    return (interned && name == interned) || equals(name, view);
+}
+
+bool attributeEquals(xmlNodePtr node, const xmlChar* interned, const PathPredicate& predicate)
+{
+    for (xmlAttrPtr attr = node->properties; attr; attr = attr->next) {
+        if (attr->ns || !nameEquals(attr->name, interned, predicate.attribute))
+            continue;
+        xmlNodePtr text = attr->children;
+        if (!text)
+            return predicate.value.isEmpty();
+        if (!text->next && text->type == XML_TEXT_NODE)
+            return equals(text->content, predicate.value);
+        xmlChar* content = xmlNodeGetContent(reinterpret_cast<xmlNodePtr>(attr));
+        const bool equal = equals(content, predicate.value);
+        xmlFree(content);
+        return equal;
+    }
+    return false;
+}
 } // namespace
 
 BLDomXmlParse::BLDomXmlParse() = default;
@@ -51,6 +191,7 @@ void BLDomXmlParse::reset()
     m_document = nullptr;
     m_currentNode = nullptr;
     m_selection.clear();
+    m_memo.clear();
 }
 
 bool BLDomXmlParse::createDocument(const QString& rootName)
@@ -86,8 +227,6 @@ bool BLDomXmlParse::loadXml(const QString& path)
 bool BLDomXmlParse::loadXmlData(const QByteArray& data)
 {
     reset();
-    // Card metadata never carries a document type; refusing it keeps entity
-    // definitions (and their expansion) out altogether.
     // Card metadata is UTF-8 without a document type; refusing a DOCTYPE keeps
     // entity definitions (and their expansion) out altogether, and refusing NUL
     // bytes keeps out other encodings that could hide one.
@@ -129,6 +268,19 @@ bool BLDomXmlParse::saveXml(const QString& path) const
         return false;
     const QByteArray data = xmlData();
     return !data.isEmpty() && BLAtomicFile::writeFile(path, data);
+}
+
+QString BLDomXmlParse::quoteLiteral(const QString& value)
+{
+    const QChar apostrophe = QLatin1Char('\'');
+    if (!value.contains(apostrophe))
+        return apostrophe + value + apostrophe;
+    if (!value.contains(QLatin1Char('"')))
+        return QLatin1Char('"') + value + QLatin1Char('"');
+    QStringList parts;
+    for (const QString& piece : value.split(apostrophe))
+        parts << apostrophe + piece + apostrophe;
+    return QStringLiteral("concat(%1)").arg(parts.join(QStringLiteral(", \"'\", ")));
 }
 
 QString BLDomXmlParse::rewriteQuery(const QString& query) const
@@ -188,11 +340,106 @@ QString BLDomXmlParse::rewriteQuery(const QString& query) const
     return out;
 }
 
+// Walks the tree for a plain path with the name rules of rewriteQuery: an
+// unprefixed step matches no namespace or the root's default namespace, a
+// prefixed step the prefix as written. Far cheaper than compiling and running
+// an XPath expression for each of the many lookups a profile rewrite makes.
+bool BLDomXmlParse::selectSimplePath(const QByteArray& query)
+{
+    PathSteps steps;
+    if (!parseSimplePath(query, steps))
+        return false;
+    const xmlChar* defaultUri = nullptr;
+    if (xmlNodePtr root = xmlDocGetRootElement(m_document))
+        if (xmlNsPtr ns = xmlSearchNs(m_document, root, nullptr))
+            defaultUri = ns->href;
+    auto unchangedSince = [](const QList<xmlNodePtr>& nodes, quint64 generation) {
+        return std::all_of(nodes.begin(), nodes.end(), [generation](xmlNodePtr node) {
+            return reinterpret_cast<quintptr>(node->_private) <= generation;
+        });
+    };
+
+    // Reuse the leading steps this query shares with the last one. Checking
+    // from the top is safe: a removed element marks its parent, which is
+    // checked (and found changed) before anything below it is looked at.
+    QList<xmlNodePtr> context{reinterpret_cast<xmlNodePtr>(m_document)};
+    qsizetype reused = 0;
+    while (reused < m_memo.size() && reused < steps.size()) {
+        const PathMemo& memo = m_memo.at(reused);
+        if (memo.end != steps[reused].end || !query.startsWith(QByteArrayView(m_memoQuery).first(memo.end)) ||
+            !unchangedSince(context, memo.generation))
+            break;
+        context = memo.nodes;
+        ++reused;
+    }
+    m_memo.resize(reused);
+    m_memoQuery = query;
+
+    QList<xmlNodePtr> next;
+    QVarLengthArray<int, 4> reached;
+    QVarLengthArray<const xmlChar*, 4> attributeNames;
+    for (qsizetype s = reused; s < steps.size(); ++s) {
+        const PathStep& step = steps[s];
+        const xmlChar* stepName = internedName(m_document, step.local);
+        const qsizetype predicates = step.predicates.size();
+        attributeNames.resize(predicates);
+        for (qsizetype i = 0; i < predicates; ++i)
+            attributeNames[i] = internedName(m_document, step.predicates[i].attribute);
+        next.clear();
+        for (xmlNodePtr parent : std::as_const(context)) {
+            // reached[i]: how many children of this parent got to predicate i.
+            reached.resize(predicates);
+            std::fill(reached.begin(), reached.end(), 0);
+            bool exhausted = false;
+            for (xmlNodePtr child = parent->children; child && !exhausted; child = child->next) {
+                if (child->type != XML_ELEMENT_NODE || !nameEquals(child->name, stepName, step.local))
+                    continue;
+                if (step.prefix.isEmpty()) {
+                    const xmlChar* href = child->ns ? child->ns->href : nullptr;
+                    if (href && *href && !(defaultUri && xmlStrEqual(href, defaultUri)))
+                        continue;
+                } else if (!child->ns || !child->ns->prefix || !equals(child->ns->prefix, step.prefix)) {
+                    continue;
+                }
+                bool passed = true;
+                for (qsizetype i = 0; i < predicates && passed; ++i) {
+                    const PathPredicate& predicate = step.predicates[i];
+                    if (predicate.attribute.isEmpty()) {
+                        const int position = ++reached[i];
+                        passed = position == predicate.position;
+                        // Later children cannot reach this position again.
+                        exhausted = position >= predicate.position;
+                    } else {
+                        passed = attributeEquals(child, attributeNames[i], predicate);
+                    }
+                }
+                if (passed)
+                    next.append(child);
+            }
+        }
+        context.swap(next);
+        m_memo.append({step.end, m_generation, context});
+    }
+    m_selection = context;
+    return true;
+}
+
+void BLDomXmlParse::touch(xmlNodePtr parent)
+{
+    if (parent)
+        parent->_private = reinterpret_cast<void*>(quintptr(++m_generation));
+}
+
 int BLDomXmlParse::selectNodeArray(const QString& query)
 {
     if (!m_document) {
         m_selection.clear();
         return -1;
+    }
+    if (selectSimplePath(query.toUtf8())) {
+        if (!m_selection.isEmpty())
+            m_currentNode = m_selection.first();
+        return int(m_selection.size());
     }
     xmlXPathContextPtr ctx = xmlXPathNewContext(m_document);
     if (!ctx) {
@@ -310,6 +557,7 @@ int BLDomXmlParse::addElement(const QString& name, const QString& value)
     xmlNodePtr node = newElement(name, value);
     if (!node)
         return 0;
+    touch(m_currentNode);
     xmlAddChild(m_currentNode, node);
     return 1;
 }
@@ -321,6 +569,7 @@ int BLDomXmlParse::insertElement(const QString& name, const QString& value, int 
     xmlNodePtr node = newElement(name, value);
     if (!node)
         return 0;
+    touch(m_currentNode);
     xmlNodePtr before = m_currentNode->children;
     for (int i = 0; before && i < atIndex; ++i)
         before = before->next;
@@ -338,6 +587,7 @@ int BLDomXmlParse::setElement(const QString& text)
     // Drop the old content; selected descendants go with it.
     for (xmlNodePtr c = m_currentNode->children; c; c = c->next)
         forgetSubtree(c);
+    touch(m_currentNode);
     xmlNodeSetContent(m_currentNode, nullptr);
     xmlAddChild(m_currentNode, xmlNewDocText(m_document, X(text.toUtf8())));
     return 1;
@@ -356,6 +606,7 @@ int BLDomXmlParse::setAttribute(const QString& name, const QString& value)
         return 0;
     const QByteArray n = name.toUtf8();
     const QByteArray v = value.toUtf8();
+    touch(m_currentNode->parent);
     // xmlSetProp keeps an existing attribute in its place and resolves a
     // prefixed name ("xml:lang") against the namespaces in scope.
     return xmlSetProp(m_currentNode, X(n), X(v)) ? 1 : 0;
@@ -367,6 +618,7 @@ int BLDomXmlParse::setNameSpaceWithName(const QString& prefix, const QString& ur
         return 0;
     const QByteArray p = prefix.toUtf8();
     const QByteArray u = uri.toUtf8();
+    m_memo.clear(); // names may match differently from now on
     for (xmlNsPtr ns = m_currentNode->nsDef; ns; ns = ns->next) {
         const bool same = prefix.isEmpty() ? ns->prefix == nullptr
                                            : (ns->prefix && xmlStrEqual(ns->prefix, X(p)));
@@ -392,6 +644,7 @@ int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
     xmlNodePtr root = xmlDocGetRootElement(m_document);
     if (!root)
         return 0;
+    touch(root->parent);
     xmlSetProp(root, BAD_CAST name, X(value.toUtf8()));
     return 1;
 }
@@ -432,6 +685,7 @@ int BLDomXmlParse::removeElement()
         return -1;
     xmlNodePtr node = m_currentNode;
     forgetSubtree(node);
+    touch(node->parent);
     xmlUnlinkNode(node);
     xmlFreeNode(node);
     return 1;
@@ -442,6 +696,7 @@ int BLDomXmlParse::removeChildNode()
     if (!m_currentNode)
         return -1;
     int count = 0;
+    touch(m_currentNode);
     while (xmlNodePtr last = m_currentNode->last) {
         forgetSubtree(last);
         xmlUnlinkNode(last);
@@ -455,9 +710,12 @@ int BLDomXmlParse::removeAttribute(const QString& name)
 {
     if (!m_currentNode)
         return -1;
-    if (m_currentNode->type == XML_ELEMENT_NODE && !name.isEmpty())
-        if (xmlAttrPtr attr = findAttribute(name))
+    if (m_currentNode->type == XML_ELEMENT_NODE && !name.isEmpty()) {
+        if (xmlAttrPtr attr = findAttribute(name)) {
+            touch(m_currentNode->parent);
             xmlRemoveProp(attr);
+        }
+    }
     return 1;
 }
 

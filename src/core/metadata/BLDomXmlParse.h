@@ -54,6 +54,10 @@ public:
     int removeChildNode();
     int removeAttribute(const QString& name);
 
+    // A query literal for a value: single-quoted, double-quoted when the value
+    // holds a single quote, concat() of both kinds when it holds both.
+    static QString quoteLiteral(const QString& value);
+
     bool hasDocument() const { return m_document != nullptr; }
     QString fileLocation() const { return m_fileLocation; }
     // The name of the current node ("" without one); for tests and diagnostics.
@@ -62,6 +66,23 @@ public:
 private:
     void reset();
     QString rewriteQuery(const QString& query) const;
+    bool selectSimplePath(const QByteArray& query);
+    // Records a change of the element's children or of their attributes, so
+    // that remembered path steps that scanned it are evaluated again.
+    void touch(xmlNodePtr parent);
+
+    // The step results of the last plain path: the next query that starts
+    // with the same steps reuses them while the elements scanned for them are
+    // unchanged (a node's _private holds the generation of its last change).
+    struct PathMemo
+    {
+        qsizetype end; // the step's end in m_memoQuery
+        quint64 generation;
+        QList<xmlNodePtr> nodes;
+    };
+    QByteArray m_memoQuery;
+    QList<PathMemo> m_memo;
+    quint64 m_generation = 0;
     xmlNodePtr newElement(const QString& name, const QString& value);
     xmlAttrPtr findAttribute(const QString& name) const;
     bool isPrefixBound(const QString& name) const;

@@ -250,6 +250,161 @@ TEST(DomXmlParseTest, SavesAreAtomic)
     EXPECT_FALSE(xml.saveXml(dir.path())); // a folder is never replaced
 }
 
+namespace {
+// What a selection holds, node by node: name, position under its parent, uri.
+QStringList selectionOutline(BLDomXmlParse& xml, int count)
+{
+    QStringList outline;
+    for (int i = 0; i < count; ++i) {
+        xml.selectNode(i);
+        outline << QStringLiteral("%1@%2 %3")
+                       .arg(xml.currentNodeName())
+                       .arg(xml.getIndexByParent())
+                       .arg(xml.getAttributeValue("uri"));
+    }
+    return outline;
+}
+
+// Plain paths are walked directly; the same path with a no-op predicate goes
+// through the XPath engine. Both must select the same nodes.
+void expectSameAsXPath(BLDomXmlParse& xml, const QString& query)
+{
+    const int plain = xml.selectNodeArray(query);
+    const QStringList plainOutline = selectionOutline(xml, plain);
+    const int engine = xml.selectNodeArray(query + "[true()]");
+    EXPECT_EQ(plain, engine) << query.toStdString();
+    EXPECT_EQ(plainOutline, selectionOutline(xml, engine)) << query.toStdString();
+}
+
+const QByteArray kMixed = R"(<?xml version="1.0" encoding="UTF-8"?>
+<MediaProfile xmlns="urn:a" xmlns:lib="urn:lib" xmlns:same="urn:a">
+  <Contents>
+    <Material uri="m1" k="1"><Component uri="c1"/><Component uri="c2"/></Material>
+    <!-- a comment between elements -->
+    <Material uri="m2" k="1"><Component uri="c3"/></Material>
+    <lib:Material uri="m1"/>
+    <same:Material uri="m3"/>
+    <Material xmlns="" uri="m4"/>
+    <Material xmlns="urn:other" uri="m5"/>
+    <Material uri="it's"/>
+    <Material uri="m1" k="2"/>
+    <Material lib:uri="m6"/>
+    <Material uri=""/>
+  </Contents>
+  <Contents><Material uri="m7"/></Contents>
+</MediaProfile>
+)";
+
+const QStringList kQueries = {
+    "/MediaProfile",
+    "/Other",
+    "/MediaProfile/Contents",
+    "/MediaProfile/Contents[2]",
+    "/MediaProfile/Contents/Material",
+    "/MediaProfile/Contents/Material[1]",
+    "/MediaProfile/Contents/Material[3]",
+    "/MediaProfile/Contents/Material[0]",
+    "/MediaProfile/Contents/Material[99]",
+    "/MediaProfile/Contents/Material[@uri='m1']",
+    "/MediaProfile/Contents/Material[@uri='m1'][2]",
+    "/MediaProfile/Contents/Material[@uri='m1'][1]/Component",
+    "/MediaProfile/Contents/Material[@uri='m1']/Component[2]",
+    "/MediaProfile/Contents/Material[2][@uri='m2']",
+    "/MediaProfile/Contents/Material[2][@uri='m1']",
+    "/MediaProfile/Contents/Material[@k='1'][2]/Component",
+    "/MediaProfile/Contents/Material[@uri=\"it's\"]",
+    "/MediaProfile/Contents/Material[@uri='m6']",
+    "/MediaProfile/Contents/Material[@uri='']",
+    "/MediaProfile/Contents/Material[@nothing='']",
+    "/MediaProfile/Contents/Material/Component",
+    "/MediaProfile/Contents/lib:Material",
+    "/MediaProfile/Contents/same:Material",
+    "/MediaProfile/Contents[2]/Material[1]",
+};
+} // namespace
+
+TEST(DomXmlParseTest, PlainPathsSelectWhatTheXPathEngineSelects)
+{
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(kMixed));
+    for (const QString& query : kQueries)
+        expectSameAsXPath(xml, query);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1']"), 2);
+    // m3 is in the default namespace under another prefix, m4 in none; m5 is foreign.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 9);
+
+    // Values with either quote, or both, make valid literals.
+    const QString quoted = "/MediaProfile/Contents/Material[@uri=%1]";
+    EXPECT_EQ(xml.selectNodeArray(quoted.arg(BLDomXmlParse::quoteLiteral("m2"))), 1);
+    EXPECT_EQ(xml.selectNodeArray(quoted.arg(BLDomXmlParse::quoteLiteral("it's"))), 1);
+    ASSERT_EQ(xml.setAttribute("uri", R"(say "it's")"), 1);
+    EXPECT_EQ(xml.selectNodeArray(quoted.arg(BLDomXmlParse::quoteLiteral(R"(say "it's")"))), 1);
+    EXPECT_EQ(xml.getAttributeValue("uri"), R"(say "it's")");
+
+    // Changing the default namespace changes what unprefixed names match.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile"), 1);
+    ASSERT_EQ(xml.setNameSpaceWithName("", "urn:other"), 1);
+    for (const QString& query : kQueries)
+        expectSameAsXPath(xml, query);
+}
+
+TEST(DomXmlParseTest, RepeatedPathsSeeEveryEdit)
+{
+    // Successive queries share leading steps; each edit below changes what a
+    // shared step or the step after it selects.
+    BLDomXmlParse xml;
+    ASSERT_TRUE(xml.loadXmlData(kMixed));
+    const QString m2 = "/MediaProfile/Contents/Material[@uri='m2'][1]";
+    EXPECT_EQ(xml.selectNodeArray(m2 + "/Component"), 1);
+    ASSERT_EQ(xml.selectNodeArray(m2), 1);
+    ASSERT_EQ(xml.addElement("Component", ""), 1);
+    EXPECT_EQ(xml.selectNodeArray(m2 + "/Component"), 2);
+    ASSERT_EQ(xml.selectNodeArray(m2 + "/Component[2]"), 1);
+    ASSERT_EQ(xml.setAttribute("uri", "c4"), 1);
+    EXPECT_EQ(xml.selectNodeArray(m2 + "/Component[@uri='c4']"), 1);
+
+    // A changed attribute moves a material out of and into a predicate.
+    ASSERT_EQ(xml.selectNodeArray(m2), 1);
+    ASSERT_EQ(xml.setAttribute("uri", "m9"), 1);
+    EXPECT_EQ(xml.selectNodeArray(m2 + "/Component"), 0);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m9'][1]/Component"), 2);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m9']"), 1);
+    ASSERT_EQ(xml.removeAttribute("uri"), 1);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m9'][1]/Component"), 0);
+
+    // Inserted siblings shift positions.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[1]/Component[1]"), 1);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents[1]"), 1);
+    ASSERT_EQ(xml.insertElement("Material", "", 0), 1);
+    expectSameAsXPath(xml, "/MediaProfile/Contents/Material[1]/Component[1]");
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[1]/Component[1]"), 0);
+
+    // Removed elements (and those under them) are never selected again.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1'][1]/Component"), 2);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1'][1]"), 1);
+    ASSERT_EQ(xml.removeChildNode(), 2);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1'][1]/Component"), 0);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1'][1]"), 1);
+    ASSERT_EQ(xml.removeElement(), 1);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[@uri='m1'][1]"), 1);
+    EXPECT_EQ(xml.getAttributeValue("k"), "2");
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material/Component"), 2);
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 2);
+    ASSERT_EQ(xml.removeElement(), 1);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material/Component"), 0);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 1);
+
+    // Text content replaced under a selected path drops its children.
+    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents"), 1);
+    ASSERT_EQ(xml.setElement("text"), 1);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 0);
+
+    // A header stamp on the root is seen by a root predicate.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile[@umid='U']"), 0);
+    ASSERT_EQ(xml.setTakeInfoHeader("U"), 1);
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile[@umid='U']/Contents"), 1);
+}
+
 TEST(DomXmlParseTest, PrefixedAttributesAndUnboundPrefixes)
 {
     BLDomXmlParse xml;

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QXmlStreamReader>
 
 namespace cwmeta {
@@ -116,6 +117,91 @@ bool writeBytes(const QString& path, const QByteArray& data)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
+}
+
+QStringList outlineLines(const QByteArray& xml)
+{
+    QStringList lines;
+    QXmlStreamReader reader(xml);
+    int depth = 0;
+    auto indent = [&depth] { return QString(depth * 2, QLatin1Char(' ')); };
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement: {
+            QString line = indent() + reader.qualifiedName().toString();
+            for (const QXmlStreamNamespaceDeclaration& ns : reader.namespaceDeclarations())
+                line += ns.prefix().isEmpty()
+                            ? QStringLiteral(" xmlns=\"%1\"").arg(ns.namespaceUri())
+                            : QStringLiteral(" xmlns:%1=\"%2\"").arg(ns.prefix(), ns.namespaceUri());
+            for (const QXmlStreamAttribute& attribute : reader.attributes())
+                line += QStringLiteral(" %1=\"%2\"").arg(attribute.qualifiedName(), attribute.value());
+            lines << line;
+            ++depth;
+            break;
+        }
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        case QXmlStreamReader::Characters:
+            if (!reader.isWhitespace())
+                lines << indent() + QLatin1Char('"') + reader.text().toString() + QLatin1Char('"');
+            break;
+        case QXmlStreamReader::Comment:
+            lines << indent() + QStringLiteral("<!--%1-->").arg(reader.text());
+            break;
+        default:
+            break;
+        }
+    }
+    return reader.hasError() ? QStringList() : lines;
+}
+
+QStringList fileOutlineLines(const QString& path)
+{
+    return outlineLines(readBytes(path));
+}
+
+std::string joined(const QStringList& lines)
+{
+    return lines.join(QLatin1Char('\n')).toStdString();
+}
+
+QList<QByteArray> hostileDocuments(const QByteArray& root)
+{
+    return {
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root + " [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><" + root +
+            " a=\"&x;\">&x;</" + root + ">",
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root +
+            " [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
+            "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
+            "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">"
+            "<!ENTITY g \"&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;\">]><" +
+            root + " uri=\"&g;&g;&g;&g;&g;&g;&g;&g;\">&g;</" + root + ">",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><" + root + " uri=\"\xc3\x28\xfe\"/>",
+        "<" + root + "><a></" + root + ">",
+    };
+}
+
+bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write("<" + root + " uri=\"") < 0)
+        return false;
+    const QByteArray piece(1024 * 1024, 'x');
+    for (int i = 0; i < 50; ++i)
+        if (file.write(piece) != piece.size())
+            return false;
+    return file.write("\"/>") == 3;
+}
+
+qint64 peakMemoryKiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    static const QRegularExpression peak(QStringLiteral(R"(VmHWM:\s+(\d+))"));
+    const QRegularExpressionMatch match = peak.match(QString::fromLatin1(status.readAll()));
+    return match.hasMatch() ? match.captured(1).toLongLong() : 0;
 }
 
 } // namespace cwmeta

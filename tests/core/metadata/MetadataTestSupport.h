@@ -51,4 +51,21 @@ QString copyFixture(const QString& relative, const QString& folder);
 QByteArray readBytes(const QString& path);
 bool writeBytes(const QString& path, const QByteArray& data);
 
+// A flat outline of an XML text for comparing whole files: one line per
+// element, text and comment, indented by depth, each element with its
+// qualified name, namespace declarations and attributes in file order.
+// Whitespace between elements is left out. Empty when not well formed.
+QStringList outlineLines(const QByteArray& xml);
+QStringList fileOutlineLines(const QString& path);
+// Lines as one text, which test failures print readably.
+std::string joined(const QStringList& lines);
+
+// Documents a metadata reader must refuse, each with the given root element:
+// an external entity, an entity-expansion bomb, invalid UTF-8, a broken tag.
+QList<QByteArray> hostileDocuments(const QByteArray& root);
+// Writes a document whose one attribute value is 50 MB, in pieces.
+bool writeHugeAttributeDocument(const QString& path, const QByteArray& root);
+// The process's peak resident memory in KiB (0 when unknown).
+qint64 peakMemoryKiB();
+
 } // namespace cwmeta

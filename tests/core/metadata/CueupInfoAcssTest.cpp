@@ -1,0 +1,160 @@
+#include "MetadataTestSupport.h"
+
+#include "core/metadata/BLCueupInfoAcss.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace {
+const QString kFixture = cwmeta::fixturePath("cueup/CUEUP.XML");
+const QString kUmid1 = "060A2B340101010501010D431300000000123456789012340800460202123456";
+const QString kUmid2 = "060A2B340101010501010D431300000000123456789012350800460202123456";
+
+class CueupInfoAcssTest : public cwtest::HomeTest
+{
+protected:
+    QString makeFolder(const QByteArray& text)
+    {
+        const QString folder = home().path("card/BPAV");
+        QDir().mkpath(folder);
+        QFile file(folder + "/CUEUP.XML");
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return folder;
+    }
+};
+
+DOClip clip(const QString& uri, const QString& umid = {}, const QString& ftc = {})
+{
+    DOClip c;
+    c.setUri(uri);
+    c.setUmid(umid);
+    c.setFtc(ftc);
+    return c;
+}
+
+std::string describe(const DOClip& c)
+{
+    return (c.getUri() + '|' + c.getUmid() + '|' + c.getFtc()).toStdString();
+}
+} // namespace
+
+TEST_F(CueupInfoAcssTest, NewFileHoldsTheRootAndAnEmptyHistory)
+{
+    const QString folder = home().path("card/BPAV");
+    QDir().mkpath(folder);
+    BLCueupInfoAcss acss;
+    ASSERT_TRUE(acss.createForFolderPath("~/card/./BPAV"));
+    EXPECT_EQ(acss.filePath(), folder + "/CUEUP.XML");
+    EXPECT_FALSE(QFile::exists(acss.filePath())); // written by save only
+    DOClip read;
+    EXPECT_FALSE(acss.getClipData(read)); // not loaded
+    ASSERT_TRUE(acss.save());
+
+    const QByteArray text = cwmeta::readBytes(acss.filePath());
+    EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
+    EXPECT_TRUE(text.contains("<history/>")) << text.constData();
+    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(text)),
+              cwmeta::joined({R"(cueupinfo xmlns="urn:schemas-professionalDisc:cueupinfo" )"
+                              R"(xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" )"
+                              R"(xsi:schemaLocation="urn:schemas-professionalDisc:cueupinfo cueupinfo.xsd")",
+                              "  history"}));
+
+    BLCueupInfoAcss loaded;
+    ASSERT_TRUE(loaded.loadForFolderPath(folder));
+    DOClip unchanged = clip("keep", "U", "F");
+    EXPECT_TRUE(loaded.getClipData(unchanged));
+    EXPECT_EQ(describe(unchanged), "keep|U|F");
+    ASSERT_TRUE(loaded.setClipData(clip("./CLPR/A0001/A0001.SMI", kUmid1, "00:00:01:00")));
+    ASSERT_TRUE(loaded.save());
+    EXPECT_EQ(
+        cwmeta::fileOutlineLines(loaded.filePath()).last(),
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:01:00")").arg(kUmid1));
+}
+
+TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
+{
+    const QString folder = makeFolder(cwmeta::readBytes(kFixture));
+    QStringList expected = cwmeta::fileOutlineLines(kFixture);
+    ASSERT_FALSE(expected.isEmpty());
+    BLCueupInfoAcss acss;
+    ASSERT_TRUE(acss.loadForFolderPath(folder));
+
+    DOClip first;
+    ASSERT_TRUE(acss.getClipData(first)); // no uri: the first entry
+    EXPECT_EQ(describe(first), "./CLPR/A0002/A0002.SMI|" + kUmid2.toStdString() + "|00:00:12:05");
+    DOClip second = clip("./CLPR/A0001/A0001.SMI");
+    ASSERT_TRUE(acss.getClipData(second));
+    EXPECT_EQ(describe(second), "./CLPR/A0001/A0001.SMI|" + kUmid1.toStdString() + "|00:00:03:00");
+    DOClip missing = clip("./CLPR/A0009/A0009.SMI");
+    EXPECT_TRUE(acss.getClipData(missing));
+    EXPECT_EQ(describe(missing), "./CLPR/A0009/A0009.SMI||");
+
+    // An entry already present is updated, not added; a new one goes to the history's end.
+    EXPECT_FALSE(acss.setClipData(clip("", kUmid1, "00:00:00:00")));
+    EXPECT_TRUE(acss.setClipData(clip("./CLPR/A0001/A0001.SMI", kUmid1, "00:01:00:00")));
+    EXPECT_TRUE(acss.setClipData(clip("./CLPR/A0003/A0003.SMI", "UMID3", "00:00:00:10")));
+    EXPECT_FALSE(acss.delClipData(""));
+    EXPECT_TRUE(acss.delClipData("./CLPR/A0002/A0002.SMI"));
+    EXPECT_FALSE(acss.delClipData("./CLPR/A0002/A0002.SMI"));
+    ASSERT_TRUE(acss.save());
+
+    const qsizetype a0002 = expected.indexOf(
+        QStringLiteral(R"(    clip uri="./CLPR/A0002/A0002.SMI" umid="%1" ftc="00:00:12:05" cam:frame="365")")
+            .arg(kUmid2));
+    const qsizetype a0001 = expected.indexOf(
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:00:03:00")").arg(kUmid1));
+    const qsizetype note = expected.indexOf(R"(      "kept")");
+    ASSERT_TRUE(a0002 >= 0 && a0001 >= 0 && note >= 0) << cwmeta::joined(expected);
+    expected[a0001] =
+        QStringLiteral(R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="%1" ftc="00:01:00:00")").arg(kUmid1);
+    expected.insert(note + 1, R"(    clip uri="./CLPR/A0003/A0003.SMI" umid="UMID3" ftc="00:00:00:10")");
+    expected.removeAt(a0002);
+    EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())), cwmeta::joined(expected));
+}
+
+TEST_F(CueupInfoAcssTest, MissingHistoryIsMadeForTheFirstEntry)
+{
+    const QString folder = makeFolder(R"(<cueupinfo xmlns="urn:x"><other/></cueupinfo>)");
+    BLCueupInfoAcss acss;
+    ASSERT_TRUE(acss.loadForFolderPath(folder));
+    DOClip none;
+    EXPECT_TRUE(acss.getClipData(none));
+    EXPECT_FALSE(acss.delClipData("./CLPR/A0001/A0001.SMI"));
+    ASSERT_TRUE(acss.setClipData(clip("./CLPR/A0001/A0001.SMI", "U", "F")));
+    ASSERT_TRUE(acss.save());
+    EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())),
+              cwmeta::joined({R"(cueupinfo xmlns="urn:x")", "  other", "  history",
+                              R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="U" ftc="F")"}));
+}
+
+TEST_F(CueupInfoAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
+{
+    BLCueupInfoAcss absent;
+    EXPECT_FALSE(absent.loadForFolderPath(home().path("nowhere/BPAV")));
+    DOClip read;
+    EXPECT_FALSE(absent.getClipData(read));
+    EXPECT_FALSE(absent.setClipData(clip("./CLPR/A0001/A0001.SMI")));
+    EXPECT_FALSE(absent.save());
+
+    QElapsedTimer timer;
+    timer.start();
+    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
+    for (const QByteArray& text : cwmeta::hostileDocuments("cueupinfo")) {
+        BLCueupInfoAcss acss;
+        EXPECT_FALSE(acss.loadForFolderPath(makeFolder(text))) << text.left(80).constData();
+        EXPECT_FALSE(acss.isLoaded());
+        EXPECT_FALSE(acss.getClipData(read));
+    }
+    const QString folder = makeFolder("");
+    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/CUEUP.XML", "cueupinfo"));
+    BLCueupInfoAcss big;
+    EXPECT_FALSE(big.loadForFolderPath(folder));
+    EXPECT_FALSE(big.getClipData(read));
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
+}
