@@ -1,6 +1,7 @@
 #include "core/model/DOTakeData.h"
 
 #include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
 
 #include <algorithm>
 
@@ -178,6 +179,11 @@ qint64 DOTakeData::getTakeSize() const
     return total;
 }
 
+QString DOTakeData::getSearchTakeSize() const
+{
+    return BLCommon::convertSizeStr(getTakeSize(), QStringLiteral("#,##0"), 1);
+}
+
 QString DOTakeData::getTakeID() const
 {
     if (m_TakeStatus == 4) {
@@ -228,6 +234,23 @@ bool DOTakeData::Is720SP() const
 bool DOTakeData::IsHQMode() const
 {
     return m_sVideoCodec.startsWith(QLatin1String("MPEG2HD35")) || m_sVideoCodec == QLatin1String("VBR");
+}
+
+bool DOTakeData::isAllFileExist(const QString& workFolder) const
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
+    QList<const QString*> references{&m_XMLUri, &m_MP4Uri};
+    if (m_TakeStatus != 3)
+        references << &m_SMIUri << &m_BIMUri << &m_PPNUri;
+    for (const QString* reference : references) {
+        if (!DOClipData::isFileOrNone(bpav, *reference))
+            return false;
+    }
+    for (const DOClipData& clip : m_arrClipData) {
+        if (!clip.isAllFileExist(workFolder))
+            return false;
+    }
+    return true;
 }
 
 DOTakeData DOTakeData::copyTake() const
