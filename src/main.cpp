@@ -1,6 +1,7 @@
-#include "ui/app/ClipwrightMain.h"
+#include "ui/app/BLApplication.h"
 
 int main(int argc, char** argv)
 {
-    return clipwrightMain(argc, argv);
+    BLApplication app(argc, argv);
+    return app.run();
 }

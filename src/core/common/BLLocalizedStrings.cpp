@@ -17,6 +17,9 @@ QHash<QString, QString> BLLocalizedStrings::parse(const QString& content)
             continue;
         const QString key = line.left(eq).trimmed();
         QString value = line.mid(eq + 1).trimmed();
+        // A text in double quotes keeps its leading and trailing blanks.
+        if (value.size() >= 2 && value.startsWith(QLatin1Char('"')) && value.endsWith(QLatin1Char('"')))
+            value = value.mid(1, value.size() - 2);
         value.replace(QLatin1String("\\n"), QLatin1String("\n"));
         value.replace(QLatin1String("\\t"), QLatin1String("\t"));
         if (!key.isEmpty())

@@ -4,7 +4,8 @@
 #include <QString>
 
 // The localisation table: "KEY = text" lines from a resource file, loaded once.
-// Text escapes "\n" and "\t" are honoured; a key without an entry shows itself.
+// Text escapes "\n" and "\t" are honoured, and a text in double quotes keeps
+// its leading and trailing blanks ("Size: "); a key without an entry shows itself.
 class BLLocalizedStrings
 {
 public:

@@ -1,8 +1,8 @@
 #include "core/metadata/BLDomXmlParse.h"
 
 #include "core/common/BLAtomicFile.h"
+#include "core/common/BLCommon.h"
 
-#include <QDateTime>
 #include <QFile>
 
 #include <libxml/parser.h>
@@ -34,12 +34,6 @@ bool isNameChar(QChar c)
 {
     return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('-') || c == QLatin1Char('.') ||
            c == QLatin1Char(':');
-}
-
-QString nowText()
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODate);
 }
 } // namespace
 
@@ -245,10 +239,27 @@ QString BLDomXmlParse::getAttributeValue(const QString& name) const
 {
     if (!m_currentNode || m_currentNode->type != XML_ELEMENT_NODE || name.isEmpty())
         return {};
+    xmlAttrPtr attr = findAttribute(name);
+    return attr ? takeXml(xmlNodeGetContent(reinterpret_cast<xmlNodePtr>(attr))) : QString();
+}
+
+xmlAttrPtr BLDomXmlParse::findAttribute(const QString& name) const
+{
+    // A prefixed name ("xml:lang", "xsi:schemaLocation") names the attribute
+    // in the namespace bound to that prefix at the current node.
     const QByteArray n = name.toUtf8();
-    if (name.startsWith(QLatin1String("xml:")))
-        return takeXml(xmlGetNsProp(m_currentNode, X(n.mid(4)), XML_XML_NAMESPACE));
-    return takeXml(xmlGetProp(m_currentNode, X(n)));
+    const qsizetype colon = n.indexOf(':');
+    if (colon <= 0)
+        return xmlHasNsProp(m_currentNode, X(n), nullptr);
+    xmlNsPtr ns = xmlSearchNs(m_document, m_currentNode, X(n.left(colon)));
+    return ns ? xmlHasNsProp(m_currentNode, X(n.mid(colon + 1)), ns->href) : nullptr;
+}
+
+bool BLDomXmlParse::isPrefixBound(const QString& name) const
+{
+    const QByteArray n = name.toUtf8();
+    const qsizetype colon = n.indexOf(':');
+    return colon <= 0 || xmlSearchNs(m_document, m_currentNode, X(n.left(colon))) != nullptr;
 }
 
 QString BLDomXmlParse::getNameSpaceValue(const QString& prefix) const
@@ -277,9 +288,11 @@ xmlNodePtr BLDomXmlParse::newElement(const QString& name, const QString& value)
     QByteArray local = qname;
     const qsizetype colon = qname.indexOf(':');
     if (colon > 0) {
+        // An unbound prefix would make the written file unreadable.
         ns = xmlSearchNs(m_document, m_currentNode, X(qname.left(colon)));
-        if (ns)
-            local = qname.mid(colon + 1);
+        if (!ns)
+            return nullptr;
+        local = qname.mid(colon + 1);
     } else {
         // A new child of an element in the default namespace joins it.
         ns = xmlSearchNs(m_document, m_currentNode, nullptr);
@@ -338,6 +351,9 @@ int BLDomXmlParse::setAttribute(const QString& name, const QString& value)
                               name == QLatin1String("usAscii");
     if (value.isEmpty() && !emptyAllowed)
         return 0;
+    // An unbound prefix would make the written file unreadable.
+    if (!isPrefixBound(name))
+        return 0;
     const QByteArray n = name.toUtf8();
     const QByteArray v = value.toUtf8();
     // xmlSetProp keeps an existing attribute in its place and resolves a
@@ -382,12 +398,12 @@ int BLDomXmlParse::setRootAttribute(const char* name, const QString& value)
 
 int BLDomXmlParse::setMediaProfileHeader()
 {
-    return setRootAttribute("createdAt", nowText());
+    return setRootAttribute("createdAt", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setNonRealTimeMetaHeader()
 {
-    return setRootAttribute("lastUpdate", nowText());
+    return setRootAttribute("lastUpdate", BLCommon::getGmtTm());
 }
 
 int BLDomXmlParse::setTakeInfoHeader(const QString& umid)
@@ -439,14 +455,9 @@ int BLDomXmlParse::removeAttribute(const QString& name)
 {
     if (!m_currentNode)
         return -1;
-    if (m_currentNode->type == XML_ELEMENT_NODE && !name.isEmpty()) {
-        const QByteArray n = name.toUtf8();
-        xmlAttrPtr attr = name.startsWith(QLatin1String("xml:"))
-                              ? xmlHasNsProp(m_currentNode, X(n.mid(4)), XML_XML_NAMESPACE)
-                              : xmlHasProp(m_currentNode, X(n));
-        if (attr)
+    if (m_currentNode->type == XML_ELEMENT_NODE && !name.isEmpty())
+        if (xmlAttrPtr attr = findAttribute(name))
             xmlRemoveProp(attr);
-    }
     return 1;
 }
 

@@ -63,6 +63,8 @@ private:
     void reset();
     QString rewriteQuery(const QString& query) const;
     xmlNodePtr newElement(const QString& name, const QString& value);
+    xmlAttrPtr findAttribute(const QString& name) const;
+    bool isPrefixBound(const QString& name) const;
     void forgetSubtree(xmlNodePtr node);
     int setRootAttribute(const char* name, const QString& value);
 

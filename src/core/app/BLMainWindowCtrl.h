@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QRectF>
+#include <QSizeF>
+
+class IMainWindowView;
+class BLMediaInfoCtrl;
+
+// Menu tag of "Reset Window Size".
+inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
+
+// Controller of the main window: restores and saves the window frame through
+// the settings store, applies the size rules for resizing and zooming, keeps
+// the housekeeping sheet on screen while housekeeping runs, and shuts down
+// when the window closes. The pane, preview, thumbnail-cache and search
+// controllers it owns are created here as they become available.
+class BLMainWindowCtrl
+{
+public:
+    explicit BLMainWindowCtrl(IMainWindowView& view);
+    ~BLMainWindowCtrl();
+    BLMainWindowCtrl(const BLMainWindowCtrl&) = delete;
+    BLMainWindowCtrl& operator=(const BLMainWindowCtrl&) = delete;
+
+    // Once the window is built: restores the frame and starts observing the
+    // housekeeping notifications.
+    void awakeFromNib();
+    // When launching has finished: initialises the panes and the preview.
+    // Answers whether everything started as remembered.
+    bool initializeCtrl();
+    void finalizeCtrl();
+
+    void readData();
+    void writeData();
+    void resetWindowSize();
+    void setWindowFrame(double width, double height, bool setOrigin, double x, double y);
+
+    // The other pane: Main for Sub1, Sub1 for Main, nothing for anything else.
+    BLMediaInfoCtrl* getAnotherMediaInfoCtrl(const BLMediaInfoCtrl* mediaInfoCtrl) const;
+
+    // Whether the controller handles the menu tag; *isEnable tells whether
+    // the item is available now.
+    bool isSupportMenuItem(int tag, bool* isEnable) const;
+    void selectMenuItem(int tag);
+
+    // Window events, reported by the view.
+    void windowWillCloseNotification();
+    void windowWillMiniaturizeNotification();
+    void windowDidDeminiaturizeNotification();
+    void applicationWillHideNotification();
+    void applicationDidUnhideNotification();
+    // The size a user resize may reach: never below the window's minimum.
+    QSizeF windowWillResize(const QSizeF& proposedSize) const;
+    // Whether a zoom to the given frame may go ahead.
+    bool windowShouldZoom(const QRectF& newFrame);
+    void windowDidResize();
+
+    bool isZoom() const { return m_isZoom; }
+
+private:
+    void showHouseKeepingWindowNotification();
+    void closeHouseKeepingWindowNotification();
+    void setDividersLocked(bool locked);
+
+    IMainWindowView& m_view;
+    BLMediaInfoCtrl* m_mediaInfoCtrl1 = nullptr;
+    BLMediaInfoCtrl* m_mediaInfoCtrl2 = nullptr;
+    bool m_isZoom = false;
+};

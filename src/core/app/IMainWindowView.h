@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QRectF>
+#include <QSizeF>
+
+// What the main window controller needs from the window itself. Geometry is
+// in screen coordinates with y growing downwards; a window frame is the
+// position of the window's outer top-left corner and the size of its content.
+class IMainWindowView
+{
+public:
+    virtual ~IMainWindowView() = default;
+
+    // The usable area of the main screen.
+    virtual QRectF screenFrame() const = 0;
+    virtual QRectF windowFrame() const = 0;
+    virtual void setWindowFrame(const QRectF& frame) = 0;
+    virtual QSizeF minimumWindowSize() const = 0;
+    virtual bool isWindowVisible() const = 0;
+    // Whether the main window receives the keyboard (no other window, such as
+    // a modal dialog, is in front of it).
+    virtual bool isKeyWindow() const = 0;
+
+    // The split between the pane area (upper side) and the preview area.
+    virtual void setSplitUpperSideToMinimum() = 0;
+    // While locked, a change of the window size keeps the upper side's height
+    // and the dividers cannot be dragged.
+    virtual void setDividersLocked(bool locked) = 0;
+
+    virtual bool isHouseKeepingSheetVisible() const = 0;
+    virtual void showHouseKeepingSheet() = 0;
+    virtual void closeHouseKeepingSheet() = 0;
+};

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "core/app/IMainWindowView.h"
+
+#include <QMainWindow>
+
+class BLMainWindowCtrl;
+class HouseKeepingSheet;
+class QAction;
+class QMenu;
+class QSplitter;
+class SCFrameView;
+
+// The main window: a vertical split between the pane area (the "Main" and
+// "Sub1" pane containers side by side) and the preview container, each in a
+// decorated frame; the housekeeping sheet; and the menu bar. It reports its
+// window events to its controller and does what the controller asks.
+class SCMainWindow : public QMainWindow, public IMainWindowView
+{
+    Q_OBJECT
+public:
+    static constexpr int kMinimumWidth = 800;
+    static constexpr int kMinimumHeight = 600;
+    static constexpr int kPaneAreaMinimumHeight = 300;
+    static constexpr int kPreviewMinimumHeight = 180;
+
+    explicit SCMainWindow(QWidget* parent = nullptr);
+
+    void setController(BLMainWindowCtrl* ctrl) { m_ctrl = ctrl; }
+
+    // The containers into which the pane views (0 Main, 1 Sub1) and the
+    // preview view are inserted.
+    QWidget* paneContainer(int index) const;
+    QWidget* previewContainer() const { return m_previewView; }
+    QSplitter* splitView() const { return m_splitView; }
+    HouseKeepingSheet* houseKeepingSheet() const { return m_hkWindow; }
+    bool dividersLocked() const { return m_dividersLocked; }
+
+    QMenu* fileMenu() const { return m_fileMenu; }
+    QMenu* editMenu() const { return m_editMenu; }
+    QMenu* viewMenu() const { return m_viewMenu; }
+    QMenu* helpMenu() const { return m_helpMenu; }
+    QAction* quitAction() const { return m_quitAction; }
+    QAction* preferencesAction() const { return m_preferencesAction; }
+    QAction* resetWindowSizeAction() const { return m_resetWindowSizeAction; }
+    QAction* aboutAction() const { return m_aboutAction; }
+    // Enables the menu items that are available now (run before a menu opens).
+    void validateMenuItems();
+
+    // IMainWindowView
+    QRectF screenFrame() const override;
+    QRectF windowFrame() const override;
+    void setWindowFrame(const QRectF& frame) override;
+    QSizeF minimumWindowSize() const override;
+    bool isWindowVisible() const override;
+    bool isKeyWindow() const override;
+    void setSplitUpperSideToMinimum() override;
+    void setDividersLocked(bool locked) override;
+    bool isHouseKeepingSheetVisible() const override;
+    void showHouseKeepingSheet() override;
+    void closeHouseKeepingSheet() override;
+
+signals:
+    // The window has closed and its controller has shut down.
+    void windowClosed();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void createMenus();
+    void zoomStateChanged(Qt::WindowStates oldState);
+    QRectF maximizedFrame() const;
+
+    BLMainWindowCtrl* m_ctrl = nullptr;
+    HouseKeepingSheet* m_hkWindow;
+    SCFrameView* m_mediaInfoFrame1;
+    SCFrameView* m_mediaInfoFrame2;
+    QWidget* m_mediaInfoView1;
+    QWidget* m_mediaInfoView2;
+    SCFrameView* m_previewFrame;
+    QWidget* m_previewView;
+    QSplitter* m_splitView;
+
+    QMenu* m_fileMenu = nullptr;
+    QMenu* m_editMenu = nullptr;
+    QMenu* m_viewMenu = nullptr;
+    QMenu* m_helpMenu = nullptr;
+    QAction* m_quitAction = nullptr;
+    QAction* m_preferencesAction = nullptr;
+    QAction* m_resetWindowSizeAction = nullptr;
+    QAction* m_aboutAction = nullptr;
+
+    bool m_dividersLocked = false;
+    int m_lockedUpperHeight = 0;
+    bool m_settingFrame = false;
+    bool m_revertingZoom = false;
+    bool m_closed = false;
+};

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Helpers for the metadata accessor tests: fixture files and an outline of an
+// XML file read with Qt's own reader, independent of the XML layer under test.
+namespace cwmeta {
+
+// Element names as standard strings, which test failures print readably.
+using Names = std::vector<std::string>;
+
+struct XmlNode
+{
+    QString name;                                  // qualified name as written
+    QString namespaceUri;                          // the element's namespace
+    QList<std::pair<QString, QString>> attributes; // qualified name and value, in document order
+    QList<std::pair<QString, QString>> namespaces; // declared prefix and URI
+    QString text;                                  // text directly inside, trimmed
+    QList<XmlNode> children;
+
+    Names childNames() const;
+    // The n-th child with that qualified name; nullptr when there is none.
+    const XmlNode* child(const QString& childName, int n = 0) const;
+    // "" when absent.
+    QString attribute(const QString& attributeName) const;
+    bool hasAttribute(const QString& attributeName) const;
+    bool operator==(const XmlNode&) const = default;
+};
+
+// An indented outline for failure messages.
+QString describe(const XmlNode& node, int depth = 0);
+inline void PrintTo(const XmlNode& node, std::ostream* os)
+{
+    *os << "\n" << describe(node).toStdString();
+}
+
+// The root element of a file; a node with an empty name when it is not well formed.
+XmlNode readXmlOutline(const QString& path);
+
+// Path of a committed fixture ("smi/C0001.SMI").
+QString fixturePath(const QString& relative);
+// Copies a fixture into a folder; answers the copy's path.
+QString copyFixture(const QString& relative, const QString& folder);
+QByteArray readBytes(const QString& path);
+bool writeBytes(const QString& path, const QByteArray& data);
+
+} // namespace cwmeta

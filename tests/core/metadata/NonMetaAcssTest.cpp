@@ -1,0 +1,625 @@
+#include "MetadataTestSupport.h"
+
+#include "core/metadata/BLNonMetaAcss.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace cwmeta;
+
+namespace {
+const QString kUmid1 = "060A2B340101010501010D43130000001111111111111111080046FFFE010203";
+
+// The root's children of the camera file C0001 in order.
+const Names kCameraOrder = {"TargetMaterial",
+                            "Duration",
+                            "LtcChangeTable",
+                            "CreationDate",
+                            "LastUpdate",
+                            "TypicalUbit",
+                            "KeyFrame",
+                            "BodyUmidBasicChangeTable",
+                            "BodyUmidWhenChangeTable",
+                            "BodyUmidWhereChangeTable",
+                            "BodyUmidWhoChangeTable",
+                            "KlvPacketTable",
+                            "VideoFormat",
+                            "AudioFormat",
+                            "SubStream",
+                            "Device",
+                            "vx:Shooting",
+                            "Lens",
+                            "Title",
+                            "Description",
+                            "RecordingMode",
+                            "vx:Extension"};
+
+bool isDateTime(const QString& text)
+{
+    return QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)").match(text).hasMatch();
+}
+
+DOAlias makeAlias(const QString& lang, const QString& value)
+{
+    DOAlias alias;
+    alias.setLang(lang);
+    alias.setValue(value);
+    return alias;
+}
+
+DOTitle makeTitle(const QString& usAscii, const QString& lang, const QString& value)
+{
+    DOTitle title;
+    title.setUsAscii(usAscii);
+    title.setAlias(makeAlias(lang, value));
+    return title;
+}
+
+// A node without the root's "lastUpdate", which every save stamps.
+XmlNode withoutStamp(XmlNode node)
+{
+    node.attributes.removeIf([](const auto& a) { return a.first == "lastUpdate"; });
+    return node;
+}
+
+class NonMetaAcssTest : public ::testing::Test
+{
+protected:
+    QString copy(const QString& name) { return copyFixture("nrt/" + name, m_dir.path()); }
+    QTemporaryDir m_dir;
+};
+} // namespace
+
+TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
+{
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(copy("C0001M01.XML")));
+    DONonRealTimeMeta meta;
+    ASSERT_TRUE(acss.getNonMetaData(meta, "ja"));
+
+    const DONonMetaHeader& header = meta.getNonMetaHeader();
+    EXPECT_EQ(header.getXmlns(), "urn:schemas-professionalDisc:nonRealTimeMeta:ver.1.20");
+    EXPECT_EQ(header.getXmlns_lib(), "urn:schemas-professionalDisc:lib:ver.1.20");
+    EXPECT_EQ(header.getXmlns_xsi(), "http://www.w3.org/2001/XMLSchema-instance");
+    EXPECT_EQ(header.getXsi_schema(),
+              "urn:schemas-professionalDisc:nonRealTimeMeta:ver.1.20 NonRealTimeMeta.xsd");
+    EXPECT_EQ(header.getLastUpdate(), "2009-03-05T14:07:59+09:00");
+
+    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), kUmid1);
+    EXPECT_EQ(meta.getTargetMaterial().getStatus(), "OK");
+    EXPECT_EQ(meta.getDuration(), "300");
+    const DOLtcChangeTable& ltc = meta.getLtcChangeTable();
+    EXPECT_EQ(ltc.getTcFps(), "30");
+    EXPECT_EQ(ltc.getHalfStep(), "false");
+    ASSERT_EQ(ltc.getLtcChangeArray().size(), 2);
+    EXPECT_EQ(ltc.getLtcChangeArray()[0].getValue(), "44030201");
+    EXPECT_EQ(ltc.getLtcChangeArray()[1].getFrameCount(), "299");
+    EXPECT_EQ(ltc.getLtcChangeArray()[1].getStatus(), "end");
+    EXPECT_EQ(meta.getCreationDate(), "2009-03-05T14:07:49+09:00");
+    EXPECT_EQ(meta.getLastUpdate(), "2009-03-05T14:07:59+09:00");
+    EXPECT_EQ(meta.getTypicalUbit(), "0000000000000000");
+    EXPECT_EQ(meta.getKeyFrame().getFrameCount(), "15");
+    ASSERT_EQ(meta.getBasicChangeArray().size(), 1);
+    EXPECT_EQ(meta.getBasicChangeArray()[0].getValue(), kUmid1);
+    EXPECT_EQ(meta.getBasicChangeArray()[0].getStatus(), "start");
+    EXPECT_EQ(meta.getWhenChangeArray().value(0).getValue(), "20090305");
+    EXPECT_EQ(meta.getWhereChangeArray().value(0).getValue(), "N35E139");
+    EXPECT_EQ(meta.getWhoChangeArray().value(0).getValue(), "CREW7");
+    ASSERT_EQ(meta.getKlvPacketArray().size(), 2);
+    EXPECT_EQ(meta.getKlvPacketArray()[1].getKey(), "060E2B34010101050301020A02000001");
+    EXPECT_EQ(meta.getKlvPacketArray()[1].getLengthValue(), "0B02");
+    EXPECT_EQ(meta.getKlvPacketArray()[1].getFrameCount(), "120");
+
+    const DOVideoFormat& video = meta.getVideoFormat();
+    EXPECT_EQ(video.getVideoRecPort(), "DIRECT");
+    EXPECT_EQ(video.getVideoFrame().getVideoCodec(), "MPEG2HD35_1920_1080_MP@HL");
+    EXPECT_EQ(video.getVideoFrame().getCaptureFps(), "29.97p");
+    EXPECT_EQ(video.getVideoFrame().getRecFps(), "59.94i");
+    EXPECT_EQ(video.getVideoFrame().getFormatFps(), "59.94i");
+    EXPECT_EQ(video.getVideoFrame().getClipBegin(), "0");
+    EXPECT_EQ(video.getVideoLayout().getPixel(), "1920");
+    EXPECT_EQ(video.getVideoLayout().getNumOfVerticalLine(), "1080");
+    EXPECT_EQ(video.getVideoLayout().getAspectRatio(), "16:9");
+    EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getPullDownKind(), "2-3");
+    EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getFramePhase(), "0");
+    EXPECT_EQ(meta.getAudioFormat().getNumOfChannel(), "2");
+    ASSERT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getTrackDst(), "CH2");
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getAudioCodec(), "LPCM16");
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getPort(), "OTHERS");
+    EXPECT_EQ(meta.getSubStream().getCodec(), "AVC");
+    EXPECT_EQ(meta.getSubStream().getClipBegin(), "0");
+    EXPECT_EQ(meta.getDevice().getManufacturer(), "Maker");
+    EXPECT_EQ(meta.getDevice().getModelName(), "CAM-100");
+    EXPECT_EQ(meta.getDevice().getSerialNo(), "10042");
+    ASSERT_EQ(meta.getDevice().getElementArray().size(), 2);
+    EXPECT_EQ(meta.getDevice().getElementArray()[1].getSoftware(), "0.90");
+    EXPECT_EQ(meta.getLens(), "ZOOM-14");
+    EXPECT_EQ(meta.getCreator(), "");
+    EXPECT_EQ(meta.getTitle().getUsAscii(), "Harbour at dawn");
+    EXPECT_EQ(meta.getTitle().getAlias().getLang(), "ja");
+    EXPECT_EQ(meta.getTitle().getAlias().getValue(), QString::fromUtf8("夜明けの港"));
+    EXPECT_EQ(meta.getDescription(), "Two boats & a crane");
+    EXPECT_EQ(meta.getRecordingMode().getType(), "normal");
+    EXPECT_EQ(meta.getRecordingMode().getCacheRec(), "false");
+
+    // Another language reads its own alias; an unknown one leaves the alias empty.
+    DOTitle title;
+    ASSERT_TRUE(acss.getTitle(title, "en"));
+    EXPECT_EQ(title.getAlias().getValue(), "Harbour at dawn");
+    DOTitle none;
+    ASSERT_TRUE(acss.getTitle(none, "fr"));
+    EXPECT_EQ(none.getUsAscii(), "Harbour at dawn");
+    EXPECT_EQ(none.getAlias().getLang(), "");
+    EXPECT_EQ(none.getAlias().getValue(), "");
+    // A language that cannot be put into a query fails the read, keeping what was read before it.
+    DONonRealTimeMeta partial;
+    EXPECT_FALSE(acss.getNonMetaData(partial, "e'n"));
+    EXPECT_EQ(partial.getDuration(), "300");
+    EXPECT_EQ(partial.getDevice().getModelName(), "CAM-100");
+
+    // A sparse file: missing elements stay empty without failing.
+    BLNonMetaAcss sparse;
+    ASSERT_TRUE(sparse.loadForFilePath(copy("C0002M01.XML")));
+    DONonRealTimeMeta few;
+    ASSERT_TRUE(sparse.getNonMetaData(few, "en"));
+    EXPECT_EQ(few.getNonMetaHeader().getXmlns(), "urn:example:camera:nonRealTimeMeta");
+    EXPECT_EQ(few.getNonMetaHeader().getXmlns_lib(), "");
+    EXPECT_EQ(few.getNonMetaHeader().getXsi_schema(), "");
+    EXPECT_EQ(few.getTargetMaterial().getStatus(), "NG");
+    EXPECT_EQ(few.getLtcChangeTable().getHalfStep(), "");
+    EXPECT_EQ(few.getLastUpdate(), "");
+    EXPECT_TRUE(few.getBasicChangeArray().isEmpty());
+    EXPECT_EQ(few.getKlvPacketArray().value(0).getKey(), "");
+    EXPECT_EQ(few.getVideoFormat().getVideoRecPort(), "");
+    EXPECT_EQ(few.getVideoFormat().getVideoFrame().getFormatFps(), "25p");
+    EXPECT_TRUE(few.getAudioFormat().getRecPortArray().isEmpty());
+    EXPECT_EQ(few.getTitle().getUsAscii(), "");
+    EXPECT_EQ(few.getDescription(), "");
+}
+
+TEST_F(NonMetaAcssTest, SavedWithoutChangesKeepsEverything)
+{
+    for (const char* name : {"C0001M01.XML", "C0002M01.XML", "C0003M01.XML"}) {
+        const QString path = copy(name);
+        const XmlNode before = readXmlOutline(path);
+        ASSERT_FALSE(before.name.isEmpty()) << name;
+        BLNonMetaAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(path));
+        DONonRealTimeMeta meta;
+        ASSERT_TRUE(acss.getNonMetaData(meta, "en"));
+        ASSERT_TRUE(acss.save());
+        const XmlNode after = readXmlOutline(path);
+        EXPECT_EQ(withoutStamp(after), withoutStamp(before)) << name << "\n" << readBytes(path).constData();
+        EXPECT_TRUE(isDateTime(after.attribute("lastUpdate"))) << after.attribute("lastUpdate").toStdString();
+        EXPECT_NE(after.attribute("lastUpdate"), before.attribute("lastUpdate"));
+    }
+}
+
+TEST_F(NonMetaAcssTest, EditedCameraFileKeepsUnknownsAndSchemaOrder)
+{
+    const QString path = copy("C0001M01.XML");
+    const XmlNode before = readXmlOutline(path);
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(path));
+
+    // What the clip property dialog does: title, creator, description, last update, then the version.
+    ASSERT_TRUE(acss.setTitle(makeTitle("Harbour at noon", "en", "Harbour at noon")));
+    ASSERT_TRUE(acss.setCreator("Ann Example"));
+    ASSERT_TRUE(acss.setDescription("Two boats\nand a crane <&>"));
+    ASSERT_TRUE(acss.setLastUpdate());
+    ASSERT_TRUE(acss.updateVersion());
+    // And the table rewrites of the clip operations.
+    DOLtcChangeTable ltc;
+    ltc.setTcFps("30");
+    DOLtcChange change;
+    change.setFrameCount("0");
+    change.setValue("40000000");
+    change.setStatus("increment");
+    ltc.setLtcChangeArray({change});
+    ASSERT_TRUE(acss.updateLtcChangeTable(ltc));
+    DOBodyUmidBasicChange basic;
+    basic.setFrameCount("0");
+    basic.setValue("060A2B340101010501010D43130000004444444444444444080046FFFE010203");
+    basic.setStatus("start");
+    ASSERT_TRUE(acss.updateBasicChangeTable({basic}));
+    ASSERT_TRUE(acss.save());
+
+    const XmlNode root = readXmlOutline(path);
+    Names order = kCameraOrder;
+    order.insert(std::find(order.begin(), order.end(), "Title"), "Creator");
+    EXPECT_EQ(root.childNames(), order);
+
+    // Namespaces: default and lib brought to ver.1.30, the others kept.
+    QList<std::pair<QString, QString>> namespaces = before.namespaces;
+    namespaces[0].second = BLNonMetaAcss::kNameSpace;
+    namespaces[1].second = BLNonMetaAcss::kLibNameSpace;
+    EXPECT_EQ(root.namespaces, namespaces);
+    EXPECT_EQ(root.namespaceUri, BLNonMetaAcss::kNameSpace);
+    EXPECT_EQ(root.child("Title")->namespaceUri, BLNonMetaAcss::kNameSpace);
+    EXPECT_EQ(root.child("Title")->child("lib:Alias")->namespaceUri, BLNonMetaAcss::kLibNameSpace);
+    EXPECT_EQ(root.attribute("vx:build"), "A12");
+    EXPECT_EQ(root.attribute("xsi:schemaLocation"), before.attribute("xsi:schemaLocation"));
+
+    // Every element not edited is exactly as before, unknown ones included.
+    for (const std::string& name : kCameraOrder) {
+        if (name == "LtcChangeTable" || name == "LastUpdate" || name == "BodyUmidBasicChangeTable" ||
+            name == "Title" || name == "Description")
+            continue;
+        const QString element = QString::fromStdString(name);
+        EXPECT_EQ(describe(*root.child(element)), describe(*before.child(element))) << name;
+    }
+    EXPECT_EQ(root.child("vx:Extension")->child("vx:Item")->text, "kept");
+
+    // The edits.
+    const XmlNode* title = root.child("Title");
+    EXPECT_EQ(title->attributes,
+              (QList<std::pair<QString, QString>>{{"usAscii", "Harbour at noon"}, {"vx:edited", "no"}}));
+    EXPECT_EQ(title->childNames(), Names({"lib:Alias", "lib:Alias"}));
+    EXPECT_EQ(title->child("lib:Alias", 0)->text, "Harbour at noon");
+    EXPECT_EQ(title->child("lib:Alias", 1)->text, QString::fromUtf8("夜明けの港"));
+    EXPECT_EQ(title->child("lib:Alias", 1)->attribute("xml:lang"), "ja");
+    EXPECT_EQ(root.child("Creator")->attribute("name"), "Ann Example");
+    EXPECT_EQ(root.child("Description")->text, "Two boats\nand a crane <&>");
+    EXPECT_TRUE(isDateTime(root.child("LastUpdate")->attribute("value")));
+    const XmlNode* table = root.child("LtcChangeTable");
+    EXPECT_EQ(table->attributes, (QList<std::pair<QString, QString>>{{"tcFps", "30"}}));
+    ASSERT_EQ(table->children.size(), 1);
+    EXPECT_EQ(table->children[0].attribute("value"), "40000000");
+    EXPECT_EQ(root.child("BodyUmidBasicChangeTable")->children.size(), 1);
+    EXPECT_EQ(root.child("BodyUmidBasicChangeTable")->children[0].attribute("value"), basic.getValue());
+
+    // Read back through the accessor.
+    BLNonMetaAcss again;
+    ASSERT_TRUE(again.loadForFilePath(path));
+    DONonRealTimeMeta meta;
+    ASSERT_TRUE(again.getNonMetaData(meta, "en"));
+    EXPECT_EQ(meta.getCreator(), "Ann Example");
+    EXPECT_EQ(meta.getTitle().getAlias().getValue(), "Harbour at noon");
+    EXPECT_EQ(meta.getNonMetaHeader().getXmlns_lib(), BLNonMetaAcss::kLibNameSpace);
+    EXPECT_EQ(meta.getLtcChangeTable().getLtcChangeArray().size(), 1);
+}
+
+TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
+{
+    const QString path = copy("C0002M01.XML");
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(path));
+
+    // Creator on a file without Title: an empty Title is made and Creator precedes it.
+    ASSERT_TRUE(acss.setCreator("Bo"));
+    // The LTC table is replaced where it stood: after the unknown "Genlock", before CreationDate.
+    DOLtcChangeTable ltc;
+    ltc.setTcFps("25");
+    ltc.setHalfStep("true");
+    ASSERT_TRUE(acss.updateLtcChangeTable(ltc));
+    // Missing elements go right after the nearest present element that precedes them in the
+    // schema, so they come before the unknown "Battery" that follows CreationDate.
+    ASSERT_TRUE(acss.setKeyFrame("12"));
+    ASSERT_TRUE(acss.setLastUpdate());
+    ASSERT_TRUE(acss.setTypicalUbit("0000000000000001"));
+    DOBodyUmidBasicChange a;
+    a.setFrameCount("0");
+    a.setValue("A");
+    a.setStatus("start");
+    DOBodyUmidBasicChange b = a;
+    b.setFrameCount("100");
+    b.setValue("B");
+    ASSERT_TRUE(acss.updateBasicChangeTable({a, b}));
+    ASSERT_TRUE(acss.setLens("WIDE-1"));
+    ASSERT_TRUE(acss.setDescription("note"));
+    DOSubStream sub;
+    sub.setCodec("AVC");
+    ASSERT_TRUE(acss.setSubStream(sub));
+    DOAudioFormat audio;
+    DOAudioRecPort port;
+    port.setPort("OTHERS");
+    port.setTrackDst("CH1");
+    audio.setRecPortArray({port});
+    ASSERT_TRUE(acss.setAudioFormat(audio));
+    // A video frame without its codec writes nothing and succeeds; a record port goes first.
+    DOVideoFormat video;
+    video.setVideoRecPort("DIRECT");
+    DOVideoFrame frame;
+    frame.setFormatFps("50i");
+    video.setVideoFrame(frame);
+    ASSERT_TRUE(acss.setVideoFormat(video));
+    DOTargetMaterial target;
+    target.setUmidRef("X");
+    ASSERT_TRUE(acss.setTargetMaterial(target));
+    ASSERT_TRUE(acss.save());
+
+    const XmlNode root = readXmlOutline(path);
+    EXPECT_EQ(root.childNames(), Names({"TargetMaterial", "Duration",       "Genlock",
+                                        "LtcChangeTable", "CreationDate",   "LastUpdate",
+                                        "TypicalUbit",    "KeyFrame",       "BodyUmidBasicChangeTable",
+                                        "Battery",        "KlvPacketTable", "VideoFormat",
+                                        "AudioFormat",    "SubStream",      "Device",
+                                        "Lens",           "Creator",        "Title",
+                                        "Description",    "RecordingMode"}));
+    EXPECT_EQ(root.child("Title")->attributes, (QList<std::pair<QString, QString>>{{"usAscii", ""}}));
+    EXPECT_TRUE(root.child("Title")->children.isEmpty());
+    EXPECT_EQ(root.child("LtcChangeTable")->attributes,
+              (QList<std::pair<QString, QString>>{{"tcFps", "25"}, {"halfStep", "true"}}));
+    EXPECT_TRUE(root.child("LtcChangeTable")->children.isEmpty());
+    const XmlNode* basic = root.child("BodyUmidBasicChangeTable");
+    EXPECT_EQ(basic->childNames(), Names({"BodyUmidBasicChange", "BodyUmidBasicChange"}));
+    EXPECT_EQ(
+        basic->children[1].attributes,
+        (QList<std::pair<QString, QString>>{{"frameCount", "100"}, {"value", "B"}, {"status", "start"}}));
+    EXPECT_EQ(root.child("VideoFormat")->childNames(), Names({"VideoRecPort", "VideoFrame"}));
+    EXPECT_EQ(root.child("VideoFormat")->child("VideoFrame")->attribute("formatFps"), "25p");
+    // Empty record fields are left out or leave existing values alone.
+    EXPECT_FALSE(root.child("AudioFormat")->hasAttribute("numOfChannel"));
+    EXPECT_EQ(root.child("TargetMaterial")->attribute("status"), "NG");
+    EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), "X");
+    EXPECT_FALSE(root.child("SubStream")->hasAttribute("clipBegin"));
+    for (const XmlNode& element : root.children)
+        EXPECT_EQ(element.namespaceUri, "urn:example:camera:nonRealTimeMeta") << element.name.toStdString();
+
+    // Writers given nothing to write succeed without adding anything.
+    BLNonMetaAcss other;
+    ASSERT_TRUE(other.loadForFilePath(copy("C0003M01.XML")));
+    const XmlNode original = readXmlOutline(m_dir.filePath("C0003M01.XML"));
+    EXPECT_TRUE(other.setLens(""));
+    EXPECT_TRUE(other.setSubStream(DOSubStream()));
+    DORecordingMode mode;
+    mode.setType("normal");
+    EXPECT_TRUE(other.setRecordingMode(mode));
+    DODevice device;
+    device.setManufacturer("M");
+    EXPECT_TRUE(other.setDevice(device));
+    EXPECT_TRUE(other.setVideoFrame(frame));
+    EXPECT_TRUE(other.setVideoLayout(DOVideoLayout()));
+    EXPECT_TRUE(other.setDuration(""));
+    ASSERT_TRUE(other.save());
+    EXPECT_EQ(withoutStamp(readXmlOutline(m_dir.filePath("C0003M01.XML"))), withoutStamp(original));
+}
+
+TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
+{
+    // Clearing the only alias of a title without US-ASCII text removes Title.
+    {
+        const QString path = copy("C0003M01.XML");
+        BLNonMetaAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(path));
+        EXPECT_TRUE(acss.isDeletableTitle(makeAlias("de", "")));
+        EXPECT_FALSE(acss.isDeletableTitle(makeAlias("en", "")));
+        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
+        ASSERT_TRUE(acss.save());
+        EXPECT_EQ(readXmlOutline(path).childNames(),
+                  Names({"TargetMaterial", "Duration", "Creator", "Description"}));
+        // Clearing creator and description removes them; clearing them again fails.
+        ASSERT_TRUE(acss.setCreator(""));
+        ASSERT_TRUE(acss.setDescription(""));
+        EXPECT_FALSE(acss.delCreatorData());
+        EXPECT_FALSE(acss.delDescriptionData());
+        EXPECT_FALSE(acss.delTitleData());
+        ASSERT_TRUE(acss.save());
+        EXPECT_EQ(readXmlOutline(path).childNames(), Names({"TargetMaterial", "Duration"}));
+        // No title, no text: nothing is made; US-ASCII text alone makes a Title without alias.
+        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
+        ASSERT_TRUE(acss.save());
+        EXPECT_EQ(readXmlOutline(path).child("Title"), nullptr);
+        ASSERT_TRUE(acss.setTitle(makeTitle("Port", "de", "")));
+        ASSERT_TRUE(acss.save());
+        EXPECT_TRUE(readXmlOutline(path).child("Title")->children.isEmpty());
+    }
+    // With US-ASCII text the title stays, without its alias.
+    {
+        const QString path = copy("C0003M01.XML");
+        BLNonMetaAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(path));
+        ASSERT_TRUE(acss.setTitle(makeTitle("Harbour", "de", "")));
+        ASSERT_TRUE(acss.save());
+        const XmlNode saved = readXmlOutline(path);
+        const XmlNode* title = saved.child("Title");
+        ASSERT_NE(title, nullptr);
+        EXPECT_EQ(title->attribute("usAscii"), "Harbour");
+        EXPECT_TRUE(title->children.isEmpty());
+    }
+    // Two languages: a new language is appended, clearing one keeps the other.
+    {
+        const QString path = copy("C0003M01.XML");
+        BLNonMetaAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(path));
+        ASSERT_TRUE(acss.setTitle(makeTitle("", "en", "Harbour")));
+        EXPECT_FALSE(acss.isDeletableTitle(makeAlias("de", "")));
+        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "Hafen am Morgen")));
+        ASSERT_TRUE(acss.save());
+        const XmlNode saved = readXmlOutline(path);
+        const XmlNode* title = saved.child("Title");
+        ASSERT_EQ(title->children.size(), 2);
+        EXPECT_EQ(title->children[0].text, "Hafen am Morgen");
+        EXPECT_EQ(title->children[1].attributes, (QList<std::pair<QString, QString>>{{"xml:lang", "en"}}));
+        EXPECT_EQ(title->children[1].text, "Harbour");
+
+        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
+        ASSERT_TRUE(acss.save());
+        const XmlNode remaining = readXmlOutline(path);
+        const XmlNode* left = remaining.child("Title");
+        ASSERT_NE(left, nullptr);
+        EXPECT_EQ(left->childNames(), Names({"lib:Alias"}));
+        EXPECT_EQ(left->children[0].attribute("xml:lang"), "en");
+        // Aliases can be removed by language, once.
+        EXPECT_TRUE(acss.delAliasData("en"));
+        EXPECT_FALSE(acss.delAliasData("en"));
+        // An alias without a language, or with one that cannot be quoted, is refused.
+        EXPECT_FALSE(acss.setAlias(makeAlias("", "x")));
+        EXPECT_FALSE(acss.setAlias(makeAlias("e'n", "x")));
+    }
+    // A file without the "lib" namespace gets it declared before the first alias.
+    {
+        const QString path = copy("C0002M01.XML");
+        BLNonMetaAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(path));
+        EXPECT_FALSE(acss.setAlias(makeAlias("en", "x"))); // no Title to put it in
+        ASSERT_TRUE(acss.setTitle(makeTitle("Boats", "en", "Boats")));
+        ASSERT_TRUE(acss.save());
+        const XmlNode root = readXmlOutline(path);
+        ASSERT_FALSE(root.name.isEmpty()) << readBytes(path).constData();
+        EXPECT_EQ(root.child("Title")->child("lib:Alias")->namespaceUri, BLNonMetaAcss::kLibNameSpace);
+        BLNonMetaAcss again;
+        ASSERT_TRUE(again.loadForFilePath(path));
+        DOTitle title;
+        ASSERT_TRUE(again.getTitle(title, "en"));
+        EXPECT_EQ(title.getAlias().getValue(), "Boats");
+        EXPECT_EQ(title.getUsAscii(), "Boats");
+    }
+}
+
+TEST_F(NonMetaAcssTest, HeaderAndNewDocuments)
+{
+    const QString path = m_dir.filePath("C0009M01.XML");
+    BLNonMetaAcss acss;
+    EXPECT_FALSE(acss.setDuration("1")); // no document
+    ASSERT_TRUE(acss.createForFilePath(path));
+    EXPECT_FALSE(acss.isLoaded());
+    // Written in table order, as for an imported clip.
+    DOTargetMaterial target;
+    target.setUmidRef(kUmid1);
+    ASSERT_TRUE(acss.setTargetMaterial(target));
+    ASSERT_TRUE(acss.setDuration("300"));
+    DOLtcChangeTable ltc;
+    ltc.setTcFps("30");
+    DOLtcChange first;
+    first.setFrameCount("0");
+    first.setValue("40000000");
+    first.setStatus("increment");
+    DOLtcChange last = first;
+    last.setFrameCount("299");
+    last.setStatus("end");
+    ltc.setLtcChangeArray({first, last});
+    ASSERT_TRUE(acss.setLtcChangeTable(ltc));
+    ASSERT_TRUE(acss.setCreationDate(""));
+    ASSERT_TRUE(acss.setLastUpdate());
+    ASSERT_TRUE(acss.setTypicalUbit("0000000000000000"));
+    ASSERT_TRUE(acss.setKeyFrame("0"));
+    DOBodyUmidWhenChange when;
+    when.setFrameCount("0");
+    when.setStatus("none");
+    ASSERT_TRUE(acss.setWhenChangeTable({when}));
+    DOBodyUmidWhereChange where;
+    where.setFrameCount("0");
+    ASSERT_TRUE(acss.setWhereChangeTable({where}));
+    DOBodyUmidWhoChange who;
+    who.setFrameCount("0");
+    ASSERT_TRUE(acss.setWhoChangeTable({who}));
+    DOKlvPacket packet;
+    packet.setFrameCount("0");
+    packet.setStatus("none");
+    ASSERT_TRUE(acss.setKlvPacket({packet}));
+    DOVideoFormat video;
+    DOVideoFrame frame;
+    frame.setVideoCodec("MPEG2HD35");
+    frame.setFormatFps("59.94i");
+    video.setVideoFrame(frame);
+    DOVideoLayout layout;
+    layout.setPixel("1920");
+    layout.setNumOfVerticalLine("1080");
+    layout.setAspectRatio("16:9");
+    DOPullDownSetting pullDown;
+    pullDown.setPullDownKind("2-3");
+    pullDown.setFramePhase("1");
+    layout.setPullDownSetting(pullDown);
+    video.setVideoLayout(layout);
+    ASSERT_TRUE(acss.setVideoFormat(video));
+    DODevice device;
+    device.setManufacturer("Maker");
+    device.setModelName("CAM");
+    DOElement element;
+    element.setHardware("1");
+    device.setElementArray({element});
+    ASSERT_TRUE(acss.setDevice(device));
+    DORecordingMode mode;
+    mode.setType("normal");
+    mode.setCacheRec("false");
+    ASSERT_TRUE(acss.setRecordingMode(mode));
+    ASSERT_TRUE(acss.setTitle(makeTitle("", "en", "A001")));
+    ASSERT_TRUE(acss.save());
+
+    const XmlNode root = readXmlOutline(path);
+    EXPECT_EQ(root.name, "NonRealTimeMeta");
+    EXPECT_EQ(root.namespaces, (QList<std::pair<QString, QString>>{{"", BLNonMetaAcss::kNameSpace},
+                                                                   {"lib", BLNonMetaAcss::kLibNameSpace}}));
+    EXPECT_TRUE(isDateTime(root.attribute("lastUpdate")));
+    EXPECT_EQ(
+        root.childNames(),
+        Names({"TargetMaterial", "Duration", "LtcChangeTable", "CreationDate", "LastUpdate", "TypicalUbit",
+               "KeyFrame", "BodyUmidWhenChangeTable", "BodyUmidWhereChangeTable", "BodyUmidWhoChangeTable",
+               "KlvPacketTable", "VideoFormat", "Device", "Title", "RecordingMode"}));
+    EXPECT_TRUE(isDateTime(root.child("CreationDate")->attribute("value")));
+    EXPECT_EQ(root.child("LtcChangeTable")->children.size(), 2);
+    EXPECT_EQ(root.child("VideoFormat")->childNames(), Names({"VideoFrame", "VideoLayout"}));
+    EXPECT_EQ(
+        root.child("VideoFormat")->child("VideoLayout")->child("PullDownSetting")->attribute("aFramePhase"),
+        "1");
+    EXPECT_EQ(root.child("Title")->attribute("usAscii"), "");
+    EXPECT_EQ(root.child("Title")->child("lib:Alias")->attribute("xml:lang"), "en");
+
+    // The header record: namespaces and schema location; "xsi:schemaLocation" needs "xsi".
+    BLNonMetaAcss header;
+    ASSERT_TRUE(header.loadForFilePath(path));
+    DONonMetaHeader record;
+    record.setXmlns_lib("urn:schemas-professionalDisc:lib:ver.1.20");
+    record.setXsi_schema("urn:x x.xsd");
+    ASSERT_TRUE(header.setNonMetaHeader(record));
+    ASSERT_TRUE(header.save());
+    XmlNode saved = readXmlOutline(path);
+    EXPECT_EQ(saved.namespaces[1].second, "urn:schemas-professionalDisc:lib:ver.1.20");
+    EXPECT_FALSE(saved.hasAttribute("xsi:schemaLocation"));
+    record.setXmlns_xsi("http://www.w3.org/2001/XMLSchema-instance");
+    record.setLastUpdate("2012-02-02T02:02:02+02:00");
+    ASSERT_TRUE(header.setNonMetaHeader(record));
+    DONonMetaHeader readBack;
+    ASSERT_TRUE(header.getNonMetaHeader(readBack));
+    EXPECT_EQ(readBack.getXsi_schema(), "urn:x x.xsd");
+    EXPECT_EQ(readBack.getLastUpdate(), "2012-02-02T02:02:02+02:00");
+    EXPECT_EQ(readBack.getXmlns(), BLNonMetaAcss::kNameSpace);
+    ASSERT_TRUE(header.updateVersion());
+    ASSERT_TRUE(header.getNonMetaHeader(readBack));
+    EXPECT_EQ(readBack.getXmlns_lib(), BLNonMetaAcss::kLibNameSpace);
+}
+
+TEST_F(NonMetaAcssTest, HostileFilesAreNotLoaded)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QList<QByteArray> documents = {
+        R"(<?xml version="1.0"?><!DOCTYPE NonRealTimeMeta [<!ENTITY x SYSTEM "file:///etc/passwd">]>)"
+        R"(<NonRealTimeMeta><Creator name="&x;"/></NonRealTimeMeta>)",
+        R"(<?xml version="1.0"?><!DOCTYPE NonRealTimeMeta [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;">)"
+        R"(<!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;"><!ENTITY d "&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;">)"
+        R"(<!ENTITY e "&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;">]><NonRealTimeMeta><Description>&e;&e;&e;&e;</Description></NonRealTimeMeta>)",
+        QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><NonRealTimeMeta><Creator "
+                   "name=\"\xc3\x28\xa0\xa1\"/></NonRealTimeMeta>"),
+        QByteArray("<NonRealTimeMeta><Creator name=\"") + QByteArray(50 * 1024 * 1024, 'x') +
+            "\"/></NonRealTimeMeta>",
+    };
+    for (const QByteArray& data : documents) {
+        const QString path = m_dir.filePath("C0666M01.XML");
+        ASSERT_TRUE(writeBytes(path, data));
+        BLNonMetaAcss acss;
+        EXPECT_FALSE(acss.loadForFilePath(path)) << data.left(60).constData();
+        EXPECT_FALSE(acss.isLoaded());
+        DONonRealTimeMeta meta;
+        EXPECT_FALSE(acss.getNonMetaData(meta, "en"));
+        EXPECT_EQ(meta.getCreator(), "");
+        EXPECT_FALSE(acss.setCreator("x"));
+        EXPECT_FALSE(acss.save());
+        EXPECT_EQ(readBytes(path).size(), data.size()); // the file is left alone
+    }
+    // A well-formed file of another kind is not read as metadata.
+    const QString other = m_dir.filePath("OTHER.XML");
+    ASSERT_TRUE(writeBytes(other, "<MediaProfile><Duration value=\"1\"/></MediaProfile>"));
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(other));
+    DONonRealTimeMeta meta;
+    EXPECT_FALSE(acss.getNonMetaData(meta, "en"));
+    EXPECT_LT(timer.elapsed(), 5000);
+}

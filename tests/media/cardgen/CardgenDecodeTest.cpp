@@ -1,0 +1,101 @@
+// FFmpeg, an independent reader, opens and decodes cardgen's MP4 files.
+#include "FfmpegProbe.h"
+#include "support/CardFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+struct EssenceCase
+{
+    const char* size;
+    const char* rate;
+    int gop;
+    int frames;
+    int audioTracks;
+    int channelsPerTrack;
+    bool interlaced;
+};
+
+void PrintTo(const EssenceCase& c, std::ostream* os)
+{
+    *os << c.size << " " << c.rate << " GOP " << c.gop << ", " << c.frames << " frames, " << c.audioTracks
+        << " x " << c.channelsPerTrack << " audio channels";
+}
+
+class CardgenDecode : public ::testing::TestWithParam<EssenceCase>
+{
+};
+
+TEST_P(CardgenDecode, FfmpegAgreesWithTheManifestAndReadsEveryCounter)
+{
+    const EssenceCase& c = GetParam();
+    cardgen::Options options;
+    options.clips = 1;
+    options.size = QString::fromLatin1(c.size);
+    options.frameRate = QString::fromLatin1(c.rate);
+    options.gop = c.gop;
+    options.frames = c.frames;
+    options.audioTracks = c.audioTracks;
+    options.audioChannelsPerTrack = c.channelsPerTrack;
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& take = card.manifest().takes.front();
+    const cardgen::ManifestClip& clip = take.clips.front();
+    ASSERT_EQ(clip.files.front().kind, "MP4");
+
+    const FfmpegProbe probe = FfmpegProbe::run(card.path(clip.files.front().path), clip.counterClip);
+    ASSERT_TRUE(probe.opened);
+    EXPECT_EQ(probe.videoCodec, "mpeg2video");
+    EXPECT_EQ(probe.width, take.width);
+    EXPECT_EQ(probe.height, take.height);
+    EXPECT_EQ(probe.frameRateNum * take.frameRateDen, take.frameRateNum * probe.frameRateDen);
+    EXPECT_EQ(probe.streamFrames, take.frames);
+    ASSERT_EQ(probe.decodedFrames, take.frames);
+    EXPECT_EQ(probe.interlacedFrames, c.interlaced ? take.frames : 0);
+
+    // Presentation order: the i-th picture out of the decoder shows frame i,
+    // including the B pictures shown before each GOP's intra picture.
+    const bool small = take.width < 1280;
+    for (int i = 0; i < probe.decodedFrames; ++i) {
+        const cardgen::FrameCounterValue expected{clip.counterClip, i};
+        EXPECT_EQ(probe.counters[size_t(i)][0], expected) << "frame " << i;
+        EXPECT_EQ(probe.counters[size_t(i)][1], expected) << "frame " << i << " at half size";
+        if (!small) {
+            EXPECT_EQ(probe.counters[size_t(i)][2], expected) << "frame " << i << " at quarter size";
+        }
+        EXPECT_LT(probe.lumaError[size_t(i)], 4.0) << "frame " << i << " is not the drawn picture";
+    }
+
+    // One PCM track per option, 48 kHz 16-bit, a tone of n kHz on channel n.
+    ASSERT_EQ(int(probe.audio.size()), c.audioTracks);
+    const double seconds = double(take.frames) * take.frameRateDen / take.frameRateNum;
+    int channel = 0;
+    for (const FfmpegProbe::Audio& audio : probe.audio) {
+        EXPECT_EQ(audio.codec, "pcm_s16be");
+        EXPECT_EQ(audio.sampleRate, 48000);
+        ASSERT_EQ(audio.channels, c.channelsPerTrack);
+        EXPECT_EQ(audio.samples, std::llround(seconds * 48000));
+        for (long long crossings : audio.zeroCrossings) {
+            ++channel;
+            EXPECT_NEAR(double(crossings), 2000.0 * channel * seconds, 2.0) << "channel " << channel;
+        }
+    }
+    EXPECT_EQ(take.audioChannels, c.audioTracks * c.channelsPerTrack);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, CardgenDecode,
+    ::testing::Values(EssenceCase{"1920x1080", "59.94i", 15, 30, 1, 2, true},
+                      EssenceCase{"1440x1080", "50i", 12, 24, 2, 1, true},
+                      EssenceCase{"1280x720", "59.94p", 15, 21, 0, 2, false},
+                      EssenceCase{"tiny", "23.98p", 9, 12, 4, 2, false},
+                      EssenceCase{"tiny", "25p", 0, 3, 1, 1, false}),
+    [](const ::testing::TestParamInfo<EssenceCase>& info) {
+        QString name = QStringLiteral("%1_%2_%3frames").arg(info.param.size, info.param.rate).arg(info.param.frames);
+        return name.replace(QLatin1Char('.'), QLatin1Char('_')).toStdString();
+    });
+
+} // namespace

@@ -1,0 +1,142 @@
+#include "core/app/BLPlistCtrl.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace {
+
+const QString kStartBanner = "0000:**************************************** Application start "
+                             "****************************************";
+const QString kEndBanner = "0000:**************************************** Application end   "
+                           "****************************************";
+
+QStringList logMessages(const QString& stateHome)
+{
+    QFile file(stateHome + "/Clipwright/Clipwright.log");
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList messages;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
+        messages << line.mid(20);
+    return messages;
+}
+
+// Counts how often a file is (re)placed in a folder: each save of the
+// settings writes a temporary file and renames it over the settings file.
+class SaveCounter
+{
+public:
+    SaveCounter(const QString& folder, const QString& name) : m_name(name.toUtf8())
+    {
+        m_fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        inotify_add_watch(m_fd, QFile::encodeName(folder).constData(), IN_MOVED_TO | IN_CLOSE_WRITE);
+    }
+    ~SaveCounter() { ::close(m_fd); }
+    int count()
+    {
+        alignas(inotify_event) char buffer[8192];
+        ssize_t length;
+        while ((length = ::read(m_fd, buffer, sizeof buffer)) > 0) {
+            for (char* p = buffer; p < buffer + length;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(p);
+                if (event->len > 0 && m_name == event->name)
+                    ++m_count;
+                p += sizeof(inotify_event) + event->len;
+            }
+        }
+        return m_count;
+    }
+
+private:
+    QByteArray m_name;
+    int m_fd = -1;
+    int m_count = 0;
+};
+
+} // namespace
+
+// The real program: started, stopped by a signal as a logout or Ctrl+C does,
+// and checked for its log and settings.
+TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
+{
+    const QString program = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/src/clipwright");
+    ASSERT_TRUE(QFile::exists(program)) << program.toStdString();
+
+    for (int signalNumber : {SIGTERM, SIGINT}) {
+        SCOPED_TRACE(signalNumber);
+        QTemporaryDir home;
+        const QString config = home.filePath(".config");
+        const QString state = home.filePath(".local/state");
+        cwtest::writeSettings(config, {{"LOG_FLAG", "ALL"}});
+        SaveCounter saves(config + "/Clipwright", "Clipwright.plist");
+
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("HOME", home.path());
+        environment.insert("XDG_CONFIG_HOME", config);
+        environment.insert("XDG_STATE_HOME", state);
+        environment.insert("XDG_CACHE_HOME", home.filePath(".cache"));
+        environment.insert("XDG_DATA_HOME", home.filePath(".local/share"));
+        const QString runtime = home.filePath(".runtime");
+        QDir().mkpath(runtime);
+        QFile::setPermissions(runtime, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        environment.insert("XDG_RUNTIME_DIR", runtime);
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(program, {});
+        ASSERT_TRUE(process.waitForStarted(10000));
+
+        // The start banner is written once the stop signals are handled.
+        QElapsedTimer timer;
+        timer.start();
+        while (!logMessages(state).contains(kStartBanner) && timer.elapsed() < 20000)
+            QThread::msleep(20);
+        ASSERT_TRUE(logMessages(state).contains(kStartBanner));
+        ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+        ASSERT_TRUE(process.waitForFinished(20000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0);
+
+        const QStringList log = logMessages(state);
+        EXPECT_EQ(log.count(kStartBanner), 1);
+        EXPECT_EQ(log.count(kEndBanner), 2);
+        EXPECT_EQ(log.count("0000:" + QString(99, '*')), 3);
+        EXPECT_EQ(log.count("0000:[BLMainWindowCtrl windowWillCloseNotification]"), 1);
+        const QStringList order = {
+            "0000:[SCMainWindow windowShouldClose] return:TRUE",
+            "0000:[BLMainWindowCtrl windowWillCloseNotification]",
+            kEndBanner,
+            "0000:[BLApplication applicationShouldTerminateAfterLastWindowClosed] return:YES",
+            "0000:[BLApplication applicationShouldTerminate] return:NSTerminateNow",
+            "0000:[BLApplication applicationWillTerminate]",
+            kEndBanner};
+        qsizetype from = 0;
+        for (const QString& line : order) {
+            from = log.indexOf(line, from);
+            ASSERT_GE(from, 0) << line.toStdString();
+            ++from;
+        }
+
+        // The frame is saved once: one save per frame key.
+        const auto settings = BLPlistCtrl::readPlistFile(config + "/Clipwright/Clipwright.plist");
+        ASSERT_TRUE(settings.has_value());
+        EXPECT_TRUE(settings->contains("MAIN_WIN_X"));
+        EXPECT_TRUE(settings->contains("MAIN_WIN_Y"));
+        EXPECT_EQ(settings->value("MAIN_WIN_WIDTH").toDouble(), 1024.0);
+        EXPECT_EQ(settings->value("MAIN_WIN_HEIGHT").toDouble(), 768.0);
+        EXPECT_EQ(saves.count(), 4);
+    }
+}

@@ -1,0 +1,287 @@
+#include "core/app/BLMainWindowCtrl.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/app/BLPreferencesCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/BLLocalizedStrings.h"
+#include "core/common/SCNotificationNames.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+#include "ui/app/HouseKeepingSheet.h"
+#include "ui/app/PreferencesDialog.h"
+#include "ui/app/SCMainWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QScreen>
+#include <QSplitter>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+bool waitFor(const std::function<bool()>& condition, int milliseconds = 3000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds)
+            return false;
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+void settle()
+{
+    for (int i = 0; i < 5; ++i)
+        QApplication::processEvents();
+}
+
+QStringList logMessages(const cwtest::ScopedHome& home)
+{
+    QFile file(home.stateHome() + "/Clipwright/Clipwright.log");
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList messages;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
+        messages << line.mid(20);
+    return messages;
+}
+
+// Every text the localiser would look up in the windows built here.
+void collectTitles(QWidget* widget, QStringList& titles)
+{
+    if (widget->isWindow())
+        titles << widget->windowTitle();
+    if (auto* button = qobject_cast<QAbstractButton*>(widget))
+        titles << button->text();
+    if (auto* label = qobject_cast<QLabel*>(widget))
+        titles << label->text();
+    if (auto* group = qobject_cast<QGroupBox*>(widget))
+        titles << group->title();
+    for (QAction* action : widget->actions()) {
+        titles << action->text();
+        if (action->menu())
+            collectTitles(action->menu(), titles);
+    }
+    for (QObject* child : widget->children())
+        if (auto* childWidget = qobject_cast<QWidget*>(child))
+            collectTitles(childWidget, titles);
+}
+
+} // namespace
+
+class MainWindowTest : public cwtest::HomeTest
+{
+protected:
+    void start()
+    {
+        window = std::make_unique<SCMainWindow>();
+        ctrl = std::make_unique<BLMainWindowCtrl>(*window);
+        window->setController(ctrl.get());
+        ctrl->awakeFromNib();
+        window->show();
+        activate();
+    }
+    void activate()
+    {
+        window->activateWindow();
+        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    }
+    void TearDown() override
+    {
+        window.reset();
+        ctrl.reset();
+        HomeTest::TearDown();
+    }
+    static QRect screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
+    int upperSide() const { return window->splitView()->sizes().value(0); }
+
+    std::unique_ptr<SCMainWindow> window;
+    std::unique_ptr<BLMainWindowCtrl> ctrl;
+};
+
+TEST_F(MainWindowTest, FirstStartOpensTheDefaultWindowCentredWithPanesAbovePreview)
+{
+    start();
+    EXPECT_EQ(window->size(), QSize(1024, 768));
+    EXPECT_EQ(window->pos(), QPoint(screen().x() + (screen().width() - 1024) / 2,
+                                    screen().y() + (screen().height() - 768) / 2));
+    const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
+    ASSERT_TRUE(onDisk.has_value());
+    EXPECT_FALSE(onDisk->contains("MAIN_WIN_X"));
+
+    // Main and Sub1 side by side in the upper side of the split, the preview below.
+    const auto at = [&](QWidget* w) { return w->mapTo(window.get(), QPoint(0, 0)); };
+    QWidget* main = window->paneContainer(0);
+    QWidget* sub1 = window->paneContainer(1);
+    QWidget* preview = window->previewContainer();
+    ASSERT_TRUE(main && sub1 && preview);
+    EXPECT_EQ(window->paneContainer(2), nullptr);
+    EXPECT_LT(at(main).x() + main->width(), at(sub1).x());
+    EXPECT_EQ(at(main).y(), at(sub1).y());
+    EXPECT_LT(at(main).y() + main->height(), at(preview).y());
+    EXPECT_TRUE(window->splitView()->widget(0)->isAncestorOf(main));
+    EXPECT_TRUE(window->splitView()->widget(1)->isAncestorOf(preview));
+}
+
+TEST_F(MainWindowTest, StoredSizeWithoutBothCoordinatesGivesACentredWindowOfThatSize)
+{
+    cwtest::writeSettings(home().configHome(),
+                          {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 650.0}, {"MAIN_WIN_Y", 3.0}});
+    start();
+    EXPECT_EQ(window->size(), QSize(900, 650));
+    EXPECT_EQ(window->pos(), QPoint(screen().x() + (screen().width() - 900) / 2,
+                                    screen().y() + (screen().height() - 650) / 2));
+}
+
+TEST_F(MainWindowTest, ResetWindowSizeIsDisabledWhileAModalDialogIsInFront)
+{
+    start();
+    window->validateMenuItems();
+    EXPECT_TRUE(window->resetWindowSizeAction()->isEnabled());
+    EXPECT_TRUE(window->preferencesAction()->isEnabled());
+
+    QDialog dialog(window.get());
+    dialog.open(); // window-modal, in front of the main window
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &dialog; }));
+    window->validateMenuItems();
+    EXPECT_FALSE(window->resetWindowSizeAction()->isEnabled());
+    EXPECT_FALSE(window->preferencesAction()->isEnabled());
+    EXPECT_FALSE(window->aboutAction()->isEnabled());
+
+    dialog.close();
+    activate();
+    window->validateMenuItems();
+    EXPECT_TRUE(window->resetWindowSizeAction()->isEnabled());
+    EXPECT_TRUE(window->aboutAction()->isEnabled());
+}
+
+TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeWithTheUpperSideAtItsMinimum)
+{
+    cwtest::writeSettings(
+        home().configHome(),
+        {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 700.0}, {"MAIN_WIN_X", 10.0}, {"MAIN_WIN_Y", 20.0}});
+    start();
+    ASSERT_EQ(window->size(), QSize(900, 700));
+    window->validateMenuItems();
+    window->resetWindowSizeAction()->trigger();
+    settle();
+    EXPECT_EQ(window->size(), QSize(1024, 768));
+    // The offscreen platform shifts a visible window moved to a negative x by
+    // its frame margins, so x is allowed that much.
+    EXPECT_NEAR(window->pos().x(), screen().x() + (screen().width() - 1024) / 2, 4);
+    EXPECT_EQ(window->pos().y(), screen().y() + (screen().height() - 768) / 2);
+    EXPECT_EQ(upperSide(), SCMainWindow::kPaneAreaMinimumHeight);
+    EXPECT_FALSE(window->dividersLocked());
+    EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
+}
+
+TEST_F(MainWindowTest, AnAcceptedZoomEndsWithUnlockedDividers)
+{
+    start();
+    window->setMinimumSize(400, 400);
+    window->showMaximized();
+    ASSERT_TRUE(waitFor([&] { return window->isMaximized() && !ctrl->isZoom(); }));
+    settle();
+    EXPECT_FALSE(window->dividersLocked());
+    EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
+    EXPECT_EQ(upperSide(), SCMainWindow::kPaneAreaMinimumHeight);
+
+    window->showNormal(); // zooming back is a zoom as well
+    ASSERT_TRUE(waitFor([&] { return !window->isMaximized() && !ctrl->isZoom(); }));
+    settle();
+    EXPECT_FALSE(window->dividersLocked());
+}
+
+TEST_F(MainWindowTest, AZoomBelowTheMinimumSizeIsRefused)
+{
+    start();
+    // A minimum larger than the screen: the zoomed frame would be below it.
+    window->setMinimumSize(screen().width() + 100, screen().height() + 100);
+    settle();
+    window->showMaximized();
+    settle();
+    EXPECT_FALSE(window->isMaximized());
+    EXPECT_FALSE(ctrl->isZoom());
+    EXPECT_FALSE(window->dividersLocked());
+}
+
+TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
+{
+    start();
+    HouseKeepingSheet* sheet = window->houseKeepingSheet();
+    EXPECT_FALSE(sheet->isVisible());
+    BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCShowHouseKeepingWindowNotification);
+    ASSERT_TRUE(sheet->isVisible());
+    EXPECT_EQ(sheet->parentWidget(), window.get());
+    EXPECT_EQ(sheet->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(sheet->progressBar()->minimum(), 0);
+    EXPECT_EQ(sheet->progressBar()->maximum(), 0); // busy bar
+
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(sheet, &escape);
+    settle();
+    EXPECT_TRUE(sheet->isVisible()); // the user cannot dismiss it
+
+    BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCCloseHouseKeepingWindowNotification);
+    EXPECT_FALSE(sheet->isVisible());
+}
+
+TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
+{
+    cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    start();
+    window->move(30, 40);
+    settle();
+    int closed = 0;
+    QObject::connect(window.get(), &SCMainWindow::windowClosed, [&] { ++closed; });
+    window->close();
+    window->close();
+    settle();
+    EXPECT_EQ(closed, 1);
+    EXPECT_FALSE(window->isVisible());
+
+    const QString end = "0000:**************************************** Application end   "
+                        "****************************************";
+    EXPECT_EQ(logMessages(home()), QStringList({"0000:[SCMainWindow windowShouldClose] return:TRUE",
+                                                "0000:[BLMainWindowCtrl windowWillCloseNotification]", end,
+                                                "0000:" + QString(99, '*')}));
+    cwtest::releaseSingletons();
+    double x = 0;
+    double y = 0;
+    ASSERT_TRUE(BLPlistCtrl::sharedCtrl()->getMainWindowX(&x));
+    ASSERT_TRUE(BLPlistCtrl::sharedCtrl()->getMainWindowY(&y));
+    EXPECT_EQ(QPointF(x, y), QPointF(30, 40));
+}
+
+TEST_F(MainWindowTest, EveryTitleOfTheWindowsHasATableEntry)
+{
+    start();
+    PreferencesDialog preferences(window.get());
+    QStringList titles;
+    collectTitles(window.get(), titles); // menus, housekeeping sheet and the Preferences dialog too
+    // Dialog buttons carry the message-box button texts.
+    const QStringList buttonTexts = {BLCommon::sharedCtrl()->getBtnLabel(1, 0),
+                                     BLCommon::sharedCtrl()->getBtnLabel(1, 1)};
+    QStringList missing;
+    for (const QString& title : titles)
+        if (!title.isEmpty() && !BLLocalizedStrings::contains(title) && !buttonTexts.contains(title))
+            missing << title;
+    EXPECT_TRUE(titles.contains("Preferences"));
+    EXPECT_TRUE(titles.contains("&Reset Window Size"));
+    EXPECT_TRUE(titles.contains("Checking Folder"));
+    EXPECT_TRUE(missing.isEmpty()) << missing.join(" | ").toStdString();
+}

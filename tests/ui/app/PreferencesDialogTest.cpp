@@ -1,0 +1,176 @@
+#include "ui/app/PreferencesDialog.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/app/BLPreferencesCtrl.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QDate>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+QStringList logMessages(const cwtest::ScopedHome& home)
+{
+    QFile file(home.stateHome() + "/Clipwright/Clipwright.log");
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList messages;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
+        messages << line.mid(20);
+    return messages;
+}
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+class PreferencesDialogTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
+                                                    {"DATE_FORMAT", qint64(2)},
+                                                    {"DATE_PAUSE_CHAR", "-"},
+                                                    {"LOW_RESOLUTION", qint64(2)}});
+        dialog = std::make_unique<PreferencesDialog>();
+        ctrl = std::make_unique<BLPreferencesCtrl>(*dialog);
+        dialog->setController(ctrl.get());
+        for (const QString& name :
+             {SC::SCDateFormatDidChangeNotification, SC::SCResolutionDidChangeNotification})
+            SCNotificationCenter::defaultCenter()->addObserver(
+                this, name, [this](const SCNotification& n) { posted << n.name; });
+    }
+    void TearDown() override
+    {
+        SCNotificationCenter::defaultCenter()->removeObserver(this);
+        ctrl.reset();
+        dialog.reset();
+        HomeTest::TearDown();
+    }
+
+    // Runs the dialog modally while the user does what the script says.
+    void runAsUser(const std::function<void()>& script)
+    {
+        QTimer::singleShot(0, dialog.get(), script);
+        ctrl->showModal();
+    }
+    void choose(QButtonGroup* group, int row) { group->button(row)->click(); }
+    QPushButton* button(QDialogButtonBox::StandardButton which)
+    {
+        return dialog->findChild<QDialogButtonBox*>()->button(which);
+    }
+    static void flushNotifications()
+    {
+        for (int i = 0; i < 5; ++i)
+            QApplication::processEvents();
+    }
+    static QString today(const QString& pattern) { return QDate::currentDate().toString(pattern); }
+
+    std::unique_ptr<PreferencesDialog> dialog;
+    std::unique_ptr<BLPreferencesCtrl> ctrl;
+    QStringList posted;
+};
+
+TEST_F(PreferencesDialogTest, ShowsTheStoredChoicesAndASampleThatFollowsThem)
+{
+    ctrl->readData();
+    ctrl->showSample();
+    EXPECT_EQ(dialog->orderDateGroup()->checkedId(), 1); // stored 2: day-month-year
+    EXPECT_EQ(dialog->pauseCharPopUp()->currentText(), "-");
+    EXPECT_EQ(dialog->orderResolutionGroup()->checkedId(), 2);
+    EXPECT_EQ(dialog->sampleField()->text(), today("dd-MM-yyyy"));
+
+    choose(dialog->orderDateGroup(), 2);
+    EXPECT_EQ(dialog->sampleField()->text(), today("MM-dd-yyyy"));
+    dialog->pauseCharPopUp()->setCurrentText(".");
+    EXPECT_EQ(dialog->sampleField()->text(), today("MM.dd.yyyy"));
+    choose(dialog->orderDateGroup(), 0);
+    EXPECT_EQ(dialog->sampleField()->text(), today("yyyy.MM.dd"));
+
+    EXPECT_EQ(logMessages(home()), QStringList({"0657:[BLPreferencesCtrl readData] Start",
+                                                "0657:[BLPreferencesCtrl readData]    orderDate:DMY",
+                                                "0657:[BLPreferencesCtrl readData]    pauseChar:-",
+                                                "0657:[BLPreferencesCtrl readData] End"}));
+
+    BLPlistCtrl::sharedCtrl()->setDateFormat(1);
+    ctrl->readData();
+    EXPECT_EQ(dialog->orderDateGroup()->checkedId(), 2); // stored 1: month-day-year
+}
+
+TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
+{
+    const QString path = BLPlistCtrl::sharedCtrl()->filePath();
+    const QByteArray before = fileBytes(path);
+    runAsUser([&] {
+        choose(dialog->orderDateGroup(), 0);
+        dialog->pauseCharPopUp()->setCurrentText(".");
+        choose(dialog->orderResolutionGroup(), 0);
+        button(QDialogButtonBox::Cancel)->click();
+    });
+    runAsUser([&] { // Escape is a cancel too
+        choose(dialog->orderResolutionGroup(), 1);
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(dialog.get(), &escape);
+    });
+    flushNotifications();
+    EXPECT_TRUE(posted.isEmpty());
+    EXPECT_EQ(fileBytes(path), before);
+    EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getLowResolution(), 2);
+    EXPECT_EQ(logMessages(home()).count("0657:[BLPreferencesCtrl onCancel] onCancel"), 2);
+    EXPECT_FALSE(logMessages(home()).contains("0657:[BLPreferencesCtrl writeData] Start"));
+}
+
+TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeResolution)
+{
+    // Date order rows are year-month-day, day-month-year, month-day-year;
+    // the setting numbers them 0, 2, 1.
+    const int storedForRow[] = {0, 2, 1};
+    for (int row = 0; row < 3; ++row) {
+        posted.clear();
+        runAsUser([&] {
+            choose(dialog->orderDateGroup(), row);
+            dialog->pauseCharPopUp()->setCurrentText(".");
+            choose(dialog->orderResolutionGroup(), 1);
+            button(QDialogButtonBox::Ok)->click();
+        });
+        EXPECT_TRUE(posted.isEmpty()); // posted when the program is next idle
+        flushNotifications();
+        EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification,
+                                       SC::SCResolutionDidChangeNotification}));
+
+        const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
+        ASSERT_TRUE(onDisk.has_value());
+        EXPECT_EQ(onDisk->value("DATE_FORMAT").toInt(), storedForRow[row]) << row;
+        EXPECT_EQ(onDisk->value("DATE_PAUSE_CHAR").toString(), ".");
+        EXPECT_EQ(onDisk->value("LOW_RESOLUTION").toInt(), 1);
+    }
+    const QStringList log = logMessages(home());
+    const qsizetype ok = log.lastIndexOf("0657:[BLPreferencesCtrl onOK] onOK");
+    ASSERT_GE(ok, 0);
+    EXPECT_EQ(log.mid(ok),
+              QStringList({"0657:[BLPreferencesCtrl onOK] onOK", "0657:[BLPreferencesCtrl writeData] Start",
+                           "0657:[BLPreferencesCtrl writeData]    orderDate:MDY",
+                           "0657:[BLPreferencesCtrl writeData]    pauseChar:.",
+                           "0657:[BLPreferencesCtrl writeData] End"}));
+}

@@ -1,0 +1,85 @@
+#include "ui/common/LocalizedTitle.h"
+#include "support/QtPrinters.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QStandardItemModel>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+// Keys of the real table with their texts: "BTN_STYLE_OK" is "OK",
+// "LOCALIZED_COPY_TITLE" is "Copy Clips", and so on.
+TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTree)
+{
+    QDialog dialog;
+    dialog.setWindowTitle("LOCALIZED_COPY_TITLE");
+    auto* layout = new QVBoxLayout(&dialog);
+    auto* ok = new QPushButton("BTN_STYLE_OK");
+    auto* dots = new QCheckBox("...");
+    auto* unknown = new QLabel("no entry for this");
+    auto* same = new QLabel("Preferences"); // its entry is the same text
+    auto* empty = new QLabel("");
+    auto* group = new QGroupBox("LOCALIZED_PREVIEW_STEREO");
+    auto* nested = new QLabel("LOCALIZED_FOLDER_MESSAGE", group); // a grandchild
+    auto* combo = new QComboBox;
+    combo->addItems({"LOCALIZED_TYPE_KB", "/"});
+    auto* edit = new QLineEdit;
+    edit->setText("BTN_STYLE_NO"); // what the user typed stays
+    edit->setPlaceholderText("LOCALIZED_FOLDER_MESSAGE");
+    auto* tabs = new QTabWidget;
+    tabs->addTab(new QWidget, "LOCALIZED_FOLDER_CHANGE_TITLE");
+    auto* table = new QTableWidget(1, 2);
+    table->setHorizontalHeaderLabels({"LOCALIZED_TAKEDATA_TOOLTIP_SIZE", "x"});
+    auto* tree = new QTreeView;
+    QStandardItemModel model(0, 1);
+    model.setHorizontalHeaderLabels({"LOCALIZED_MPEG2TSCONVERT_TO_PATH"});
+    tree->setModel(&model);
+    auto* bar = new QMenuBar;
+    QMenu* menu = bar->addMenu("LOCALIZED_ALL_COPY_TITLE");
+    QAction* yes = menu->addAction("BTN_STYLE_YES");
+    QMenu* submenu = menu->addMenu("LOCALIZED_FOLDER_CREATE_TITLE");
+    QAction* no = submenu->addAction("BTN_STYLE_NO");
+    for (QWidget* w : std::initializer_list<QWidget*>{ok, dots, unknown, same, empty, group, combo, edit,
+                                                      tabs, table, tree, bar})
+        layout->addWidget(w);
+
+    localizedTitleByObject(&dialog);
+
+    EXPECT_EQ(dialog.windowTitle(), "Copy Clips");
+    EXPECT_EQ(ok->text(), "OK");
+    EXPECT_EQ(dots->text(), "...");
+    EXPECT_EQ(unknown->text(), "no entry for this");
+    EXPECT_EQ(same->text(), "Preferences");
+    EXPECT_EQ(empty->text(), "");
+    EXPECT_EQ(group->title(), "Stereo");
+    EXPECT_EQ(nested->text(), "Enter the folder name:");
+    EXPECT_EQ(combo->itemText(0), "KB");
+    EXPECT_EQ(combo->itemText(1), "/");
+    EXPECT_EQ(edit->text(), "BTN_STYLE_NO");
+    EXPECT_EQ(edit->placeholderText(), "Enter the folder name:");
+    EXPECT_EQ(tabs->tabText(0), "Rename Folder");
+    EXPECT_EQ(table->horizontalHeaderItem(0)->text(), "Size: ");
+    EXPECT_EQ(table->horizontalHeaderItem(1)->text(), "x");
+    EXPECT_EQ(model.headerData(0, Qt::Horizontal).toString(), "Export to folder:");
+    EXPECT_EQ(menu->title(), "Copy All Clips");
+    EXPECT_EQ(yes->text(), "Yes");
+    EXPECT_EQ(submenu->title(), "New Folder");
+    EXPECT_EQ(no->text(), "No");
+
+    // A lone action or menu can be localised as well.
+    QAction action("BTN_STYLE_CANCEL");
+    localizedTitleByObject(&action);
+    EXPECT_EQ(action.text(), "Cancel");
+}
