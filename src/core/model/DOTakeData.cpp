@@ -2,6 +2,7 @@
 
 #include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/common/BLLocalizedStrings.h"
 
 #include <algorithm>
 
@@ -214,6 +215,23 @@ QString DOTakeData::getResolution() const
 QString DOTakeData::getVideoFormat() const
 {
     return m_sVideoCodec.section(QLatin1Char('_'), 0, 0);
+}
+
+QString DOTakeData::getToolTip() const
+{
+    const std::pair<const char*, QString> rows[] = {
+        {"LOCALIZED_TAKEDATA_TOOLTIP_FORMAT", getVideoFormat()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_RESOLUTION", getResolution()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_RATE", m_sFormatFps},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_ASPECT", m_sAspectRatio},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_SIZE", getSearchTakeSize()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_DURATION", BLCommon::convertOfDurationByTakeData(*this)},
+    };
+    QStringList lines;
+    for (const auto& [label, value] : rows)
+        lines.append(QLatin1Char(' ') + BLLocalizedString(QString::fromLatin1(label)) + value +
+                     QLatin1Char(' '));
+    return lines.join(QLatin1Char('\r'));
 }
 
 QString DOTakeData::getClipCreationDate() const

@@ -198,6 +198,9 @@ public:
     QString getResolution() const;
     // The video format up to its first "_".
     QString getVideoFormat() const;
+    // Six lines " <label><value> " joined by "\r": video format, resolution,
+    // frame-rate name, aspect ratio, size in kilobytes and duration.
+    QString getToolTip() const;
     // The creation date of the last clip, or the take's own without clips.
     QString getClipCreationDate() const;
     // Orders two takes by getClipCreationDate(), ignoring case: negative, 0 or

@@ -248,6 +248,26 @@ TEST(TakeDataTest, DisplayTextsAndFormatTests)
     EXPECT_FALSE(take.IsHQMode());
 }
 
+TEST(TakeDataTest, ToolTipListsFormatResolutionRateAspectSizeAndDuration)
+{
+    DOTakeData take;
+    take.setVideoCodec("MPEG2HD35_1440_MP@HL");
+    take.setPixel("1440");
+    take.setNumOfVerticalLine("1080");
+    take.setFormatFps("29.97p");
+    take.setARatio("16:9");
+    take.setSize(1024);
+    take.setClipData(clip("C1", 1000, 1024));
+    take.setClipData(clip("C2", 800, 2048)); // 1800 frames in all
+    const QString size = BLCommon::convertSizeStr(4096, "#,##0", 1);
+    EXPECT_EQ(take.getToolTip(), " Format: MPEG2HD35 \r Resolution: 1440 X 1080 \r Frame rate: 29.97p \r "
+                                 "Aspect ratio: 16:9 \r Size: " +
+                                     size + " \r Duration: 00:01.00:02 ");
+
+    // A take without a duration shows the empty time code.
+    EXPECT_TRUE(DOTakeData().getToolTip().endsWith(" Duration: --:--:--:-- "));
+}
+
 TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
 {
     DOTakeData early; // its own date is late, but its last clip is early
