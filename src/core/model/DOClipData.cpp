@@ -1,5 +1,7 @@
 #include "core/model/DOClipData.h"
 
+#include "core/common/BLCommon.h"
+
 DOClipData DOClipData::copyClip() const
 {
     DOClipData copy = *this;
@@ -12,4 +14,19 @@ DOClipData DOClipData::copyClip() const
 int DOClipData::compareByClipCreationDate(const DOClipData& other) const
 {
     return QString::compare(m_sCreationDate, other.m_sCreationDate, Qt::CaseInsensitive);
+}
+
+bool DOClipData::isFileOrNone(const QString& bpavFolder, const QString& reference)
+{
+    return reference.isEmpty() || BLCommon::isFiles(BLCommon::makeFilePath(bpavFolder, {reference}));
+}
+
+bool DOClipData::isAllFileExist(const QString& workFolder) const
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
+    for (const QString* reference : {&m_XMLUri, &m_SMIUri, &m_BIMUri, &m_PPNUri, &m_MP4Uri}) {
+        if (!isFileOrNone(bpav, *reference))
+            return false;
+    }
+    return true;
 }

@@ -75,6 +75,13 @@ public:
     // date form sorts chronologically): negative, 0 or positive.
     int compareByClipCreationDate(const DOClipData& other) const;
 
+    // Whether every non-empty reference (XML, SMI, BIM, PPN, MP4, in that
+    // order) is an existing file under the BPAV folder of a work folder.
+    bool isAllFileExist(const QString& workFolder) const;
+
+    // Whether a reference is empty or names an existing file under a BPAV folder.
+    static bool isFileOrNone(const QString& bpavFolder, const QString& reference);
+
 private:
     bool m_bExistFlag = false;
     bool m_bValidFlag = false;

@@ -1,6 +1,8 @@
 #include "core/model/DOTakeData.h"
 
 #include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/BLLocalizedStrings.h"
 
 #include <algorithm>
 
@@ -178,6 +180,11 @@ qint64 DOTakeData::getTakeSize() const
     return total;
 }
 
+QString DOTakeData::getSearchTakeSize() const
+{
+    return BLCommon::convertSizeStr(getTakeSize(), QStringLiteral("#,##0"), 1);
+}
+
 QString DOTakeData::getTakeID() const
 {
     if (m_TakeStatus == 4) {
@@ -210,6 +217,23 @@ QString DOTakeData::getVideoFormat() const
     return m_sVideoCodec.section(QLatin1Char('_'), 0, 0);
 }
 
+QString DOTakeData::getToolTip() const
+{
+    const std::pair<const char*, QString> rows[] = {
+        {"LOCALIZED_TAKEDATA_TOOLTIP_FORMAT", getVideoFormat()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_RESOLUTION", getResolution()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_RATE", m_sFormatFps},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_ASPECT", m_sAspectRatio},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_SIZE", getSearchTakeSize()},
+        {"LOCALIZED_TAKEDATA_TOOLTIP_DURATION", BLCommon::convertOfDurationByTakeData(*this)},
+    };
+    QStringList lines;
+    for (const auto& [label, value] : rows)
+        lines.append(QLatin1Char(' ') + BLLocalizedString(QString::fromLatin1(label)) + value +
+                     QLatin1Char(' '));
+    return lines.join(QLatin1Char('\r'));
+}
+
 QString DOTakeData::getClipCreationDate() const
 {
     return m_arrClipData.isEmpty() ? m_sCreationDate : m_arrClipData.last().getCreationDate();
@@ -228,6 +252,23 @@ bool DOTakeData::Is720SP() const
 bool DOTakeData::IsHQMode() const
 {
     return m_sVideoCodec.startsWith(QLatin1String("MPEG2HD35")) || m_sVideoCodec == QLatin1String("VBR");
+}
+
+bool DOTakeData::isAllFileExist(const QString& workFolder) const
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
+    QList<const QString*> references{&m_XMLUri, &m_MP4Uri};
+    if (m_TakeStatus != 3)
+        references << &m_SMIUri << &m_BIMUri << &m_PPNUri;
+    for (const QString* reference : references) {
+        if (!DOClipData::isFileOrNone(bpav, *reference))
+            return false;
+    }
+    for (const DOClipData& clip : m_arrClipData) {
+        if (!clip.isAllFileExist(workFolder))
+            return false;
+    }
+    return true;
 }
 
 DOTakeData DOTakeData::copyTake() const

@@ -186,6 +186,8 @@ public:
     qint64 getTakeDuration() const;
     // The take's own size plus the sizes of all its clips.
     qint64 getTakeSize() const;
+    // getTakeSize() as text in kilobytes ("#,##0" and the KB unit).
+    QString getSearchTakeSize() const;
     // The name under the thumbnail: for status 4 the MP4 file's name without
     // extension, for statuses 0-3 the name of the folder holding the
     // non-real-time metadata, otherwise "".
@@ -196,6 +198,9 @@ public:
     QString getResolution() const;
     // The video format up to its first "_".
     QString getVideoFormat() const;
+    // Six lines " <label><value> " joined by "\r": video format, resolution,
+    // frame-rate name, aspect ratio, size in kilobytes and duration.
+    QString getToolTip() const;
     // The creation date of the last clip, or the take's own without clips.
     QString getClipCreationDate() const;
     // Orders two takes by getClipCreationDate(), ignoring case: negative, 0 or
@@ -203,6 +208,10 @@ public:
     int compareByCreationDate(const DOTakeData& other) const;
     bool Is720SP() const;
     bool IsHQMode() const;
+    // Whether every non-empty reference is an existing file under the BPAV
+    // folder of a work folder: XML, MP4, then (except for status 3, whose SMI
+    // reference names a folder) SMI, BIM, PPN; then every clip's own files.
+    bool isAllFileExist(const QString& workFolder) const;
 
     // ---- copies ----
     // A copy of every field, the clips by copyClip(), the take info entries by

@@ -8,7 +8,9 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -45,6 +47,14 @@ QStringList uris(const QList<DOComponent>& components)
     for (const DOComponent& c : components)
         out.append(c.getUri());
     return out;
+}
+
+void touch(const QString& path)
+{
+    QDir().mkpath(path.section('/', 0, -2));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("x");
 }
 
 DOLtcChange ltc(const QString& value)
@@ -180,6 +190,16 @@ TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
     EXPECT_EQ(multi.getTakeSize(), 2048 + 4294967296LL + 1000 + 24);
 }
 
+TEST(TakeDataTest, SearchSizeIsTheWholeTakeInKilobytes)
+{
+    DOTakeData take;
+    take.setSize(2048);
+    take.setClipData(clip("C1", 1, 1048576));
+    EXPECT_EQ(take.getSearchTakeSize(), BLCommon::convertSizeStr(1050624, "#,##0", 1));
+    EXPECT_TRUE(take.getSearchTakeSize().startsWith("1")) << take.getSearchTakeSize().toStdString();
+    EXPECT_TRUE(take.getSearchTakeSize().contains("026")) << take.getSearchTakeSize().toStdString();
+}
+
 TEST(TakeDataTest, TakeIdFollowsTheStatus)
 {
     DOTakeData loose;
@@ -226,6 +246,26 @@ TEST(TakeDataTest, DisplayTextsAndFormatTests)
     EXPECT_TRUE(take.IsHQMode());
     take.setVideoCodec("VBR_1920");
     EXPECT_FALSE(take.IsHQMode());
+}
+
+TEST(TakeDataTest, ToolTipListsFormatResolutionRateAspectSizeAndDuration)
+{
+    DOTakeData take;
+    take.setVideoCodec("MPEG2HD35_1440_MP@HL");
+    take.setPixel("1440");
+    take.setNumOfVerticalLine("1080");
+    take.setFormatFps("29.97p");
+    take.setARatio("16:9");
+    take.setSize(1024);
+    take.setClipData(clip("C1", 1000, 1024));
+    take.setClipData(clip("C2", 800, 2048)); // 1800 frames in all
+    const QString size = BLCommon::convertSizeStr(4096, "#,##0", 1);
+    EXPECT_EQ(take.getToolTip(), " Format: MPEG2HD35 \r Resolution: 1440 X 1080 \r Frame rate: 29.97p \r "
+                                 "Aspect ratio: 16:9 \r Size: " +
+                                     size + " \r Duration: 00:01.00:02 ");
+
+    // A take without a duration shows the empty time code.
+    EXPECT_TRUE(DOTakeData().getToolTip().endsWith(" Duration: --:--:--:-- "));
 }
 
 TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
@@ -381,6 +421,60 @@ TEST(TakeDataTest, CopyTakeKeepsEveryFieldButTheTimeCodeRateAndHalfStep)
     EXPECT_TRUE(fresh.getMateUpFlg());
     EXPECT_EQ(fresh.getTakeNumber(), 0);
     EXPECT_EQ(fresh.getTotalTakeCount(), 1);
+}
+
+TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)
+{
+    QTemporaryDir work;
+    const QString bpav = work.path() + "/PRIVATE/ORX/BPAV"; // the card layout
+    for (const char* file :
+         {"TAKR/T01/T01M01.XML", "TAKR/T01/T01.SMI", "CLPR/C1/C1M01.XML", "CLPR/C1/C1.SMI",
+          "CLPR/C1/C1R01.BIM", "CLPR/C1/C1I01.PPN", "CLPR/C1/C1.MP4", "CLPR/C2/C2M01.XML", "CLPR/C2/C2.MP4"})
+        touch(bpav + "/" + file);
+
+    DOTakeData take;
+    take.setXMLUri("./TAKR/T01/T01M01.XML");
+    take.setSMIUri("./TAKR/T01/T01.SMI"); // no BIM, PPN or MP4 of its own: not checked
+    DOClipData c1;
+    c1.setXMLUri("./CLPR/C1/C1M01.XML");
+    c1.setSMIUri("./CLPR/C1/C1.SMI");
+    c1.setBIMUri("./CLPR/C1/C1R01.BIM");
+    c1.setPPNUri("./CLPR/C1/C1I01.PPN");
+    c1.setMP4Uri("./CLPR/C1/C1.MP4");
+    take.setClipData(c1);
+    EXPECT_TRUE(c1.isAllFileExist(work.path()));
+    EXPECT_TRUE(take.isAllFileExist(work.path()));
+
+    // A clip of status 3 names its folder as take info: a clip checks it as a file.
+    DOClipData c2;
+    c2.setClipStatus(3);
+    c2.setXMLUri("./CLPR/C2/C2M01.XML");
+    c2.setSMIUri("./CLPR/C2");
+    c2.setMP4Uri("./CLPR/C2/C2.MP4");
+    EXPECT_FALSE(c2.isAllFileExist(work.path()));
+    c2.setSMIUri("");
+    EXPECT_TRUE(c2.isAllFileExist(work.path()));
+    take.setClipData(c2);
+    EXPECT_TRUE(take.isAllFileExist(work.path()));
+
+    ASSERT_TRUE(QFile::remove(bpav + "/CLPR/C1/C1I01.PPN"));
+    EXPECT_FALSE(c1.isAllFileExist(work.path()));
+    EXPECT_FALSE(take.isAllFileExist(work.path()));
+
+    // A single clip of status 3: the take skips its SMI, BIM and PPN references.
+    DOTakeData single;
+    single.setXMLUri("./CLPR/C2/C2M01.XML");
+    single.setMP4Uri("./CLPR/C2/C2.MP4");
+    single.setSMIUri("./CLPR/C2");
+    single.setBIMUri("./CLPR/C2/C2R01.BIM");
+    single.setTakeStatus(3);
+    EXPECT_TRUE(single.isAllFileExist(work.path()));
+    single.setTakeStatus(0);
+    EXPECT_FALSE(single.isAllFileExist(work.path()));
+    single.setTakeStatus(3);
+    single.setMP4Uri("./CLPR/C2/GONE.MP4");
+    EXPECT_FALSE(single.isAllFileExist(work.path()));
+    EXPECT_FALSE(single.isAllFileExist(work.path() + "/elsewhere"));
 }
 
 TEST(TakeDataTest, FrontAndRearComponentsReplaceAnOtherMediumEntryAtThatEnd)
