@@ -6,13 +6,12 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libqt6opengl6-dev libgl-dev
-  qt6-qpa-plugins libqt6svg6-dev
+  qt6-qpa-plugins qt6-svg-dev
   libxml2-dev
   libavformat-dev libavcodec-dev libswscale-dev libswresample-dev libavutil-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth x11-utils imagemagick
   fonts-dejavu-core
-  ffmpeg
   clang libclang-rt-14-dev
 )
 

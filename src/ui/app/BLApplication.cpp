@@ -6,6 +6,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/app/BLPreferencesCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/common/BLProgressCtrl.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
 #include "ui/app/PreferencesDialog.h"
@@ -13,6 +14,7 @@
 #include "ui/app/SCMainWindow.h"
 #include "ui/app/TerminationSignals.h"
 #include "ui/common/LocalizedTitle.h"
+#include "ui/common/ProgressDialog.h"
 #include "ui/common/SCMessageBoxPresenter.h"
 
 #include <QAction>
@@ -41,6 +43,7 @@ BLApplication::BLApplication(int& argc, char** argv) : QApplication(argc, argv)
 BLApplication::~BLApplication()
 {
     BLCommon::setMessagePresenter(nullptr);
+    BLProgressCtrl::releaseCtrl();
     m_preferencesCtrl.reset();
     m_mainWindowCtrl.reset();
     m_mainWindow.reset();
@@ -78,6 +81,8 @@ void BLApplication::awakeFromNib()
 
     m_presenter = std::make_unique<SCMessageBoxPresenter>(m_mainWindow.get());
     BLCommon::setMessagePresenter(m_presenter.get());
+    // Long operations show their progress window-modal on the main window.
+    BLProgressCtrl::sharedCtrl()->setView(new ProgressDialog(m_mainWindow.get()));
 }
 
 void BLApplication::applicationDidFinishLaunching()
