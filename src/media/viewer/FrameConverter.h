@@ -1,0 +1,26 @@
+#pragma once
+
+#include "media/viewer/FFmpegUtil.h"
+
+#include <cstdint>
+
+namespace vv {
+
+// Scales decoded pictures into packed RGB pixels (libswscale), keeping its
+// scaler between pictures of the same geometry.
+class FrameConverter
+{
+public:
+    // format: AV_PIX_FMT_BGRA (bytes B, G, R, A) or AV_PIX_FMT_BGR24.
+    bool convert(const AVFrame* source, int width, int height, AVPixelFormat format, uint8_t* pixels,
+                 int stride);
+
+    // The display aspect ratio of a decoded picture (square pixels when the
+    // stream does not say).
+    static AVRational displayAspect(const AVFrame* frame);
+
+private:
+    SwsPtr m_sws;
+};
+
+} // namespace vv
