@@ -47,7 +47,7 @@ void AudioDevice::update(std::chrono::steady_clock::time_point now)
     lastUpdate = now;
 }
 
-ViewerSession::ViewerSession(InitParam param, bool withAudio) : m_param(std::move(param))
+ViewerSession::ViewerSession(InitParam param, bool withAudio) : m_withAudio(withAudio), m_param(std::move(param))
 {
     vv_display_t display{};
     display.frame_sink = &ViewerSession::onFrame;
@@ -72,7 +72,9 @@ ViewerSession::~ViewerSession()
 void ViewerSession::EndOfJob()
 {
     std::lock_guard lock(m_mutex);
-    ++m_endOfJobs;
+    Message m;
+    m.id = kEndOfJob;
+    m_messages.push_back(m);
     m_changed.notify_all();
 }
 
@@ -124,7 +126,7 @@ void ViewerSession::onFrame(void* context, const vv_frame_t* frame)
     p.counter = cardgen::FrameCounter::readPacked(frame->pixels, frame->stride, frame->width, frame->height, 4);
     p.at = std::chrono::steady_clock::now();
     std::lock_guard lock(self->m_mutex);
-    if (self->m_audio.started) {
+    if (self->m_withAudio) {
         self->m_audio.update(p.at);
         p.heard = self->m_audio.consumed;
     }
@@ -166,6 +168,13 @@ bool ViewerSession::waitFor(const std::function<bool(const std::vector<Message>&
     return m_changed.wait_for(lock, timeout, [&] { return done(m_messages); });
 }
 
+bool ViewerSession::waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done,
+                                    std::chrono::milliseconds timeout)
+{
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, timeout, [&] { return done(m_pictures); });
+}
+
 bool ViewerSession::waitForMessage(int id, std::chrono::milliseconds timeout)
 {
     const size_t from = messageCount();
@@ -180,15 +189,32 @@ bool ViewerSession::waitForMessage(int id, std::chrono::milliseconds timeout)
         timeout);
 }
 
+bool ViewerSession::waitForEnd(int state)
+{
+    const size_t from = messageCount();
+    return waitFor([&](const std::vector<Message>& messages) {
+        bool stopped = false;
+        for (size_t i = from; i < messages.size(); ++i) {
+            stopped = stopped || messages[i].id == state;
+            if (stopped && messages[i].id == kEndOfJob)
+                return true;
+        }
+        return false;
+    });
+}
+
 bool ViewerSession::job(const std::function<int()>& request)
 {
-    std::unique_lock lock(m_mutex);
-    const int before = m_endOfJobs;
-    lock.unlock();
+    const size_t from = messageCount();
     if (request() != VV_OK)
         return false;
-    lock.lock();
-    return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return m_endOfJobs > before; });
+    return waitFor([&](const std::vector<Message>& messages) {
+        for (size_t i = from; i < messages.size(); ++i) {
+            if (messages[i].id == kEndOfJob)
+                return true;
+        }
+        return false;
+    });
 }
 
 std::vector<Message> ViewerSession::messages()

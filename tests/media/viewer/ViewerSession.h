@@ -37,7 +37,10 @@ private:
     vv_init_param_t m_param{};
 };
 
-// One message of the library, with the frame information copied out.
+// One message of the library, with the frame information copied out; the
+// end-of-job calls are recorded among them with the id kEndOfJob.
+constexpr int kEndOfJob = -1;
+
 struct Message
 {
     int id = 0;
@@ -60,7 +63,7 @@ struct Picture
     int fullScreen = 0;
     std::optional<cardgen::FrameCounterValue> counter;
     std::chrono::steady_clock::time_point at;
-    int64_t heard = -1; // sample frames the device had played by then (with sound)
+    int64_t heard = -1; // sample frames the device had played by then (sessions with sound)
 };
 
 // A sound device simulated on the system clock: from its first write on it
@@ -94,7 +97,12 @@ public:
     // Waits until the predicate over the recorded messages holds.
     bool waitFor(const std::function<bool(const std::vector<Message>&)>& done,
                  std::chrono::milliseconds timeout = std::chrono::seconds(20));
+    bool waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done,
+                         std::chrono::milliseconds timeout = std::chrono::seconds(20));
     bool waitForMessage(int id, std::chrono::milliseconds timeout = std::chrono::seconds(20));
+    // Waits for a state that ends a job and for the end-of-job call after it:
+    // by default the end of the take (VM_STOPPED).
+    bool waitForEnd(int state = VM_STOPPED);
     // Runs a request and waits for the end-of-job call it leads to.
     bool job(const std::function<int()>& request);
 
@@ -126,7 +134,7 @@ private:
     std::vector<Picture> m_pictures;
     std::vector<vv_typical_picture_t> m_typical;
     AudioDevice m_audio;
-    int m_endOfJobs = 0;
+    bool m_withAudio = false;
     int m_initResult = VV_ERR_STATE;
     InitParam m_param;
 };
