@@ -13,6 +13,7 @@ packages=(
   xvfb xauth x11-utils imagemagick
   fonts-dejavu-core
   ffmpeg
+  clang libclang-rt-14-dev
 )
 
 missing=()

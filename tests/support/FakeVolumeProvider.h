@@ -12,7 +12,8 @@ namespace cwtest {
 class FakeVolumeProvider : public BLVolumeProvider
 {
 public:
-    explicit FakeVolumeProvider(const BLVolume& startupDisk = {"/", "ext4", "System", 500'000'000'000, 250'000'000'000})
+    explicit FakeVolumeProvider(const BLVolume& startupDisk = {"/", "ext4", "System", 500'000'000'000,
+                                                               250'000'000'000})
         : m_volumes{startupDisk}
     {
         BLVolumeProvider::install(this);
@@ -31,7 +32,8 @@ public:
         const QString clean = QDir::cleanPath(path);
         BLVolume best = m_volumes.first();
         for (const BLVolume& v : m_volumes)
-            if ((clean == v.rootPath || clean.startsWith(v.rootPath + '/')) && v.rootPath.size() > best.rootPath.size())
+            if ((clean == v.rootPath || clean.startsWith(v.rootPath + '/')) &&
+                v.rootPath.size() > best.rootPath.size())
                 best = v;
         return best;
     }

@@ -45,8 +45,8 @@ public:
     // CUEUP.XML naming the last recorded clip (none for an empty card).
     static QByteArray cueUp(const ClipPlan* last);
 
-    static constexpr const char* kMediaProfileNamespace =
-        "http://xmlns.sony.net/pro/metadata/mediaprofile";
+    // The camera's own media-profile namespace; readers accept any.
+    static constexpr const char* kMediaProfileNamespace = "urn:schemas-professionalDisc:mediaProfile:ver.1.00";
 };
 
 } // namespace cardgen

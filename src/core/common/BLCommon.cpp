@@ -1,11 +1,16 @@
 #include "core/common/BLCommon.h"
 
+#include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLLocalizedStrings.h"
+#include "core/common/BLProgressThread.h"
 #include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/metadata/DOLtcChange.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/model/BLVolumeProvider.h"
+#include "core/model/DOTakeData.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,6 +19,14 @@
 #include <QStandardPaths>
 #include <QTimeZone>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <atomic>
 #include <mutex>
 
@@ -65,10 +78,22 @@ FpsInfo fpsInfo(const QString& name)
 }
 
 // Packed-decimal fields of a time code; the flag bits around them are kept.
-int tcFrames(const BLCommon::Timecode& tc) { return ((tc[0] >> 4) & 0x3) * 10 + (tc[0] & 0xF); }
-int tcSeconds(const BLCommon::Timecode& tc) { return ((tc[1] >> 4) & 0x7) * 10 + (tc[1] & 0xF); }
-int tcMinutes(const BLCommon::Timecode& tc) { return ((tc[2] >> 4) & 0x7) * 10 + (tc[2] & 0xF); }
-int tcHours(const BLCommon::Timecode& tc) { return ((tc[3] >> 4) & 0x3) * 10 + (tc[3] & 0xF); }
+int tcFrames(const BLCommon::Timecode& tc)
+{
+    return ((tc[0] >> 4) & 0x3) * 10 + (tc[0] & 0xF);
+}
+int tcSeconds(const BLCommon::Timecode& tc)
+{
+    return ((tc[1] >> 4) & 0x7) * 10 + (tc[1] & 0xF);
+}
+int tcMinutes(const BLCommon::Timecode& tc)
+{
+    return ((tc[2] >> 4) & 0x7) * 10 + (tc[2] & 0xF);
+}
+int tcHours(const BLCommon::Timecode& tc)
+{
+    return ((tc[3] >> 4) & 0x3) * 10 + (tc[3] & 0xF);
+}
 
 quint8 packBcd(quint8 old, int value, quint8 tensMask)
 {
@@ -76,10 +101,188 @@ quint8 packBcd(quint8 old, int value, quint8 tensMask)
     return quint8((old & keep) | (((value / 10) & tensMask) << 4) | (value % 10));
 }
 
-void setTcFrames(BLCommon::Timecode* tc, int v) { (*tc)[0] = packBcd((*tc)[0], v, 0x3); }
-void setTcSeconds(BLCommon::Timecode* tc, int v) { (*tc)[1] = packBcd((*tc)[1], v, 0x7); }
-void setTcMinutes(BLCommon::Timecode* tc, int v) { (*tc)[2] = packBcd((*tc)[2], v, 0x7); }
-void setTcHours(BLCommon::Timecode* tc, int v) { (*tc)[3] = packBcd((*tc)[3], v, 0x3); }
+void setTcFrames(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[0] = packBcd((*tc)[0], v, 0x3);
+}
+void setTcSeconds(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[1] = packBcd((*tc)[1], v, 0x7);
+}
+void setTcMinutes(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[2] = packBcd((*tc)[2], v, 0x7);
+}
+void setTcHours(BLCommon::Timecode* tc, int v)
+{
+    (*tc)[3] = packBcd((*tc)[3], v, 0x3);
+}
+
+std::atomic<int> g_tempNameCounter{0};
+
+constexpr int kCommonLogId = 601;
+
+bool pathExists(const QString& path)
+{
+    struct stat st
+    {
+    };
+    return lstat(QFile::encodeName(path).constData(), &st) == 0; // a dangling link exists too
+}
+
+// One rename that never replaces an existing destination; across file systems
+// the item is copied and the source removed.
+bool moveOnce(const QString& source, const QString& destination)
+{
+    const QByteArray from = QFile::encodeName(source);
+    const QByteArray to = QFile::encodeName(destination);
+    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EINVAL || errno == ENOSYS) { // the file system cannot refuse to replace
+        if (pathExists(destination))
+            return false;
+        if (::rename(from.constData(), to.constData()) == 0)
+            return true;
+    }
+    if (errno != EXDEV || pathExists(destination) || !BLCommon::copyFile(source, destination))
+        return false;
+    // The copy is complete; a source that cannot be removed stays as well, so nothing is lost.
+    return BLCommon::removeFile(source);
+}
+
+// Moves the source's next bytes to the destination, at both files' current
+// offsets: inside the kernel where the two file systems allow it, else
+// through a buffer.
+class ChunkCopier
+{
+public:
+    ChunkCopier(int in, int out, bool kernelCopy) : m_in(in), m_out(out), m_kernelCopy(kernelCopy) {}
+
+    // Copies up to length bytes; answers how many (0 at the end of the
+    // source) or -1 on a read or write error.
+    qint64 copy(qint64 length)
+    {
+        qint64 done = 0;
+        while (done < length) {
+            const qint64 n = m_kernelCopy ? copyInKernel(length - done) : copyThroughBuffer(length - done);
+            if (n < 0)
+                return -1;
+            if (n == 0)
+                break;
+            done += n;
+        }
+        return done;
+    }
+
+private:
+    qint64 copyInKernel(qint64 length)
+    {
+        for (;;) {
+            const ssize_t n = ::copy_file_range(m_in, nullptr, m_out, nullptr, size_t(length), 0);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n > 0)
+                m_kernelCopied = true;
+            if (n > 0 || m_kernelCopied)
+                return n; // n == 0: the end; n < 0: an error
+            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP &&
+                errno != EBADF)
+                return -1;
+            // Declined before copying anything (some file systems answer 0
+            // instead of refusing): plain reads decide.
+            m_kernelCopy = false;
+            return copyThroughBuffer(length);
+        }
+    }
+
+    qint64 copyThroughBuffer(qint64 length)
+    {
+        if (!m_buffer)
+            m_buffer.reset(new char[BLCommon::kCopyChunkSize]);
+        length = qMin(length, BLCommon::kCopyChunkSize);
+        ssize_t n;
+        do {
+            n = ::read(m_in, m_buffer.get(), size_t(length));
+        } while (n < 0 && errno == EINTR);
+        if (n <= 0)
+            return n;
+        for (ssize_t written = 0; written < n;) {
+            const ssize_t w = ::write(m_out, m_buffer.get() + written, size_t(n - written));
+            if (w < 0 && errno == EINTR)
+                continue;
+            if (w <= 0)
+                return -1;
+            written += w;
+        }
+        return n;
+    }
+
+    int m_in;
+    int m_out;
+    bool m_kernelCopy;
+    bool m_kernelCopied = false;
+    std::unique_ptr<char[]> m_buffer;
+};
+
+// Whole-file flush: data and the size, through the disk's own cache.
+bool flushToDisk(int fd)
+{
+#ifdef __linux__
+    return fdatasync(fd) == 0;
+#else
+    return fsync(fd) == 0;
+#endif
+}
+
+// Starts writing a range out to the disk without waiting.
+void startFlush(int fd, qint64 offset, qint64 length)
+{
+#ifdef __linux__
+    ::sync_file_range(fd, offset, length, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
+// Waits until a range has been written out to the disk.
+bool waitFlushed(int fd, qint64 offset, qint64 length)
+{
+#ifdef __linux__
+    if (::sync_file_range(fd, offset, length,
+                          SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER) ==
+        0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS && errno != ESPIPE)
+        return false;
+#endif
+    return flushToDisk(fd);
+}
+
+// The folder names of a path without their extensions ("ABC.d" -> "ABC").
+QString withoutExtension(const QString& name)
+{
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot > 0 ? name.left(dot) : name;
+}
+
+// The folder of the first set reference. A reference without an extension
+// names the folder itself (a clip folder standing for its missing take info).
+QString folderOfReferences(const QStringList& references)
+{
+    for (const QString& reference : references) {
+        if (reference.isEmpty())
+            continue;
+        if (QFileInfo(reference).suffix().isEmpty())
+            return reference;
+        return reference.left(qMax<qsizetype>(reference.lastIndexOf(QLatin1Char('/')), 0));
+    }
+    return QString();
+}
+
+int folderCount(const QString& folder, const QString& sub)
+{
+    if (!BLCommon::isBPAVFolder(folder))
+        return 0;
+    return int(BLCommon::getFolders(QDir(BLCommon::getPathOfBPAV(folder)).filePath(sub)).size());
+}
 
 // "+09:00" style offset of a date in its own time zone.
 QString utcOffsetText(const QDateTime& date)
@@ -107,8 +310,16 @@ void BLCommon::releaseCtrl()
 
 // ---- time code ----
 
+QString BLCommon::convertOfDurationByTakeData(const DOTakeData& take)
+{
+    const qint64 duration = take.getTakeDuration();
+    if (duration == 0)
+        return QStringLiteral("--:--:--:--");
+    return convertOfDurationByFrameCount(duration, take.getFormatFps(), take.getLtcChanges(), false);
+}
+
 QString BLCommon::convertOfDurationByFrameCount(qint64 frameCount, const QString& frameFps,
-                                                const QStringList& ltcChanges, bool isLtcTable)
+                                                const QList<DOLtcChange>& ltcChanges, bool isLtcTable)
 {
     qint64 n = qMax<qint64>(frameCount, 0);
     if (fpsInfo(frameFps).halved)
@@ -166,24 +377,31 @@ QString BLCommon::convertOfDurationByFrameCount(qint64 frameCount, const QString
 
     if (isLtcTable)
         return QString::asprintf("%02lld%02lld%02lld%02lld", f + 40, s, m, h);
-    return QString::asprintf(drop ? "%02lld:%02lld.%02lld:%02lld" : "%02lld:%02lld:%02lld:%02lld", h, m, s, f);
+    return QString::asprintf(drop ? "%02lld:%02lld.%02lld:%02lld" : "%02lld:%02lld:%02lld:%02lld", h, m, s,
+                             f);
 }
 
-bool BLCommon::isDropFrameByLtcChanges(const QStringList& ltcChanges, const QString& frameFps, int* outFrameRate)
+bool BLCommon::isDropFrameByLtcChanges(const QList<DOLtcChange>& ltcChanges, const QString& frameFps,
+                                       int* outFrameRate)
 {
     const FpsInfo info = fpsInfo(frameFps);
     if (outFrameRate)
         *outFrameRate = info.durationRate;
     if (!info.dropPossible)
         return false;
-    if (ltcChanges.isEmpty() || ltcChanges.first().isEmpty())
+    if (ltcChanges.isEmpty() || ltcChanges.first().getValue().isEmpty())
         return true;
-    return xtoi(ltcChanges.first().at(0)) > 3; // the drop-frame flag (bit 6 of the frames byte)
+    return xtoi(ltcChanges.first().getValue().at(0)) > 3; // the drop-frame flag (bit 6 of the frames byte)
 }
 
 int BLCommon::toHDV_FPS(bool /*is720: same rate either way*/, const QString& frameFps)
 {
     return fpsInfo(frameFps).timecodeRate;
+}
+
+bool BLCommon::Is720SP(const QList<DOTakeData>& takes)
+{
+    return std::any_of(takes.begin(), takes.end(), [](const DOTakeData& take) { return take.Is720SP(); });
 }
 
 bool BLCommon::LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange, quint32 offset, int fps)
@@ -199,24 +417,37 @@ bool BLCommon::LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange,
     return true;
 }
 
-bool BLCommon::GetTimecode(QString* out, const QStringList& ltcChanges, quint32 offset, int fps)
+bool BLCommon::GetTimecode(QString* out, const DOTakeData& take)
+{
+    return GetTimecode(out, take.getLtcChanges(), take.getOffset(),
+                       toHDV_FPS(take.Is720SP(), take.getFormatFps()));
+}
+
+bool BLCommon::GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps)
 {
     if (ltcChanges.isEmpty())
         return false;
     Timecode tc;
-    LTCCValueToTimecode(&tc, ltcChanges.first(), offset, fps);
-    *out = QString::asprintf("%02d:%02d:%02d:%02d\n", tcHours(tc), tcMinutes(tc), tcSeconds(tc), tcFrames(tc));
+    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
+    *out =
+        QString::asprintf("%02d:%02d:%02d:%02d\n", tcHours(tc), tcMinutes(tc), tcSeconds(tc), tcFrames(tc));
     return true;
 }
 
-int BLCommon::GetStartFrames(const QStringList& ltcChanges, quint32 offset, int fps, int* dropFlag)
+int BLCommon::GetStartFrames(const DOTakeData& take, int* dropFlag)
+{
+    return GetStartFrames(take.getLtcChanges(), take.getOffset(),
+                          toHDV_FPS(take.Is720SP(), take.getFormatFps()), dropFlag);
+}
+
+int BLCommon::GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps, int* dropFlag)
 {
     if (dropFlag)
         *dropFlag = 0;
     if (ltcChanges.isEmpty())
         return 0;
     Timecode tc;
-    LTCCValueToTimecode(&tc, ltcChanges.first(), offset, fps);
+    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
     const int hours = tcHours(tc);
     const int minuteTens = (tc[2] >> 4) & 0x7;
     const int minuteUnits = tc[2] & 0xF;
@@ -237,7 +468,23 @@ int BLCommon::GetStartFrames(const QStringList& ltcChanges, quint32 offset, int 
     return (hours * 3600 + minutes * 60 + seconds) * fps + frames - 2 * (totalMinutes - totalMinutes / 10);
 }
 
-bool BLCommon::checkTimeCode(qint64 duration, const QString& frameFps, const QStringList& ltcChanges,
+bool BLCommon::checkTakeDuration(const QList<DOTakeData>& takes)
+{
+    for (const DOTakeData& take : takes) {
+        const QList<DOLtcChange>& ltc = take.getLtcChanges();
+        if (take.getClipData().isEmpty()) {
+            if (!checkTimeCode(take.getCurrentDuration(), take.getFormatFps(), ltc, take.getTakeSize()))
+                return false;
+            continue;
+        }
+        for (const DOClipData& clip : take.getClipData())
+            if (!checkTimeCode(clip.getCurrentDuration(), take.getFormatFps(), ltc, take.getTakeSize()))
+                return false;
+    }
+    return true;
+}
+
+bool BLCommon::checkTimeCode(qint64 duration, const QString& frameFps, const QList<DOLtcChange>& ltcChanges,
                              qint64 fileSize)
 {
     if (fileSize >= (qint64(1) << 32))
@@ -308,8 +555,8 @@ bool BLCommon::SubtractHour(Timecode* timecode, quint32 offset, int fps)
 
 QDateTime BLCommon::makeCalendarDateFromString(const QString& text)
 {
-    static const QRegularExpression kPattern(
-        QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})T(\\d{2})(\\d{2})(\\d{2})(?:([+-])(\\d{2})(\\d{2})|[Zz])$"));
+    static const QRegularExpression kPattern(QStringLiteral(
+        "^(\\d{4})-(\\d{2})-(\\d{2})T(\\d{2})(\\d{2})(\\d{2})(?:([+-])(\\d{2})(\\d{2})|[Zz])$"));
     QString compact = text;
     compact.remove(QLatin1Char(':'));
     const QRegularExpressionMatch m = kPattern.match(compact);
@@ -373,8 +620,8 @@ QString BLCommon::getSystemLanguage()
 
 QString BLCommon::convertSizeStr(qint64 size, const QString& format, int mode)
 {
-    static const char* const kUnits[] = {nullptr, "LOCALIZED_TYPE_KB", "LOCALIZED_TYPE_MB", "LOCALIZED_TYPE_GB",
-                                         "LOCALIZED_TYPE_TB"};
+    static const char* const kUnits[] = {nullptr, "LOCALIZED_TYPE_KB", "LOCALIZED_TYPE_MB",
+                                         "LOCALIZED_TYPE_GB", "LOCALIZED_TYPE_TB"};
     mode = qBound(0, mode, 4);
     const qsizetype dot = format.indexOf(QLatin1Char('.'));
     const int decimals = dot < 0 ? 0 : int(format.size() - dot - 1);
@@ -398,7 +645,8 @@ QString BLCommon::convertSizeStr(qint64 size, const QString& format, int mode)
                                 : locale.numberOptions() | QLocale::OmitGroupSeparator);
     QString text = locale.toString(whole);
     if (decimals > 0)
-        text += locale.decimalPoint() + QString::number(qAbs(fraction)).rightJustified(decimals, QLatin1Char('0'));
+        text += locale.decimalPoint() +
+                QString::number(qAbs(fraction)).rightJustified(decimals, QLatin1Char('0'));
     if (kUnits[mode])
         text += QLatin1Char(' ') + BLLocalizedString(QString::fromLatin1(kUnits[mode]));
     return text;
@@ -476,7 +724,8 @@ QString BLCommon::addDot(const QString& reference)
 {
     if (reference.startsWith(QLatin1Char('.')))
         return reference;
-    return reference.startsWith(QLatin1Char('/')) ? QLatin1Char('.') + reference : QStringLiteral("./") + reference;
+    return reference.startsWith(QLatin1Char('/')) ? QLatin1Char('.') + reference
+                                                  : QStringLiteral("./") + reference;
 }
 
 QString BLCommon::removalDot(const QString& reference)
@@ -496,12 +745,44 @@ QString BLCommon::getPathOfBPAV(const QString& folder)
 QString BLCommon::visibleFolderNameOf(const QString& folder)
 {
     const QString bpav = getPathOfBPAV(folder);
-    return bpav.endsWith(QLatin1String("/PRIVATE/ORX/BPAV")) ? QStringLiteral("PRIVATE") : QStringLiteral("BPAV");
+    return bpav.endsWith(QLatin1String("/PRIVATE/ORX/BPAV")) ? QStringLiteral("PRIVATE")
+                                                             : QStringLiteral("BPAV");
 }
 
 bool BLCommon::isBPAVFolder(const QString& folder)
 {
     return isFolder(getPathOfBPAV(folder));
+}
+
+QStringList BLCommon::getMp4FilePaths(const QString& folder, const DOTakeData& take, int* fileCount)
+{
+    QStringList references;
+    if (take.getClipData().isEmpty())
+        references << take.getMP4Uri();
+    for (const DOClipData& clip : take.getClipData())
+        references << clip.getMP4Uri();
+    QStringList paths;
+    const QString bpav = getPathOfBPAV(folder);
+    for (const QString& reference : std::as_const(references)) {
+        if (reference.isEmpty()) {
+            paths.clear();
+            break;
+        }
+        paths << makeFilePath(bpav, {reference});
+    }
+    if (fileCount)
+        *fileCount = int(paths.size());
+    return paths;
+}
+
+QString BLCommon::getFolderName(const DOTakeData& take)
+{
+    return folderOfReferences({take.getSMIUri(), take.getXMLUri(), take.getMP4Uri()});
+}
+
+QString BLCommon::getFolderName(const DOClipData& clip)
+{
+    return folderOfReferences({clip.getSMIUri(), clip.getXMLUri(), clip.getMP4Uri()});
 }
 
 QString BLCommon::getVolumeName(const QString& path)
@@ -522,6 +803,28 @@ QString BLCommon::getVolumeName(const QString& path)
 bool BLCommon::compareVolumes(const QString& path, const QString& path2)
 {
     return getVolumeName(path) == getVolumeName(path2);
+}
+
+bool BLCommon::isCLPRFolder(const QString& folder)
+{
+    const QString clpr = QDir(getPathOfBPAV(folder)).filePath(QStringLiteral("CLPR"));
+    return isFolder(clpr) || createNewFolderWithParent(clpr);
+}
+
+bool BLCommon::isTAKRFolder(const QString& folder)
+{
+    const QString takr = QDir(getPathOfBPAV(folder)).filePath(QStringLiteral("TAKR"));
+    return isFolder(takr) || createNewFolderWithParent(takr);
+}
+
+bool BLCommon::createFixedFolders(const QString& folder)
+{
+    const QString bpav = getPathOfBPAV(folder);
+    for (const QString& path :
+         {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")), QDir(bpav).filePath(QStringLiteral("TAKR"))})
+        if (!isFolder(path) && !createNewFolder(path))
+            return false;
+    return true;
 }
 
 // ---- file and folder tests ----
@@ -590,6 +893,362 @@ QStringList BLCommon::getFolders(const QString& path)
     return folders;
 }
 
+QString BLCommon::getDisplayName(const QString& path)
+{
+    const QString clean = QDir::cleanPath(path);
+    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
+    for (const BLVolume& volume : volumes)
+        if (QDir::cleanPath(volume.rootPath) == clean && !volume.displayName.isEmpty())
+            return volume.displayName;
+    return QFileInfo(clean).fileName();
+}
+
+QString BLCommon::getDisplayName(const QString& parent, const QString& name)
+{
+    return getDisplayName(QDir(parent).filePath(name));
+}
+
+bool BLCommon::isSameDisplayName(const QString& path)
+{
+    return getDisplayName(path) == QFileInfo(QDir::cleanPath(path)).fileName();
+}
+
+QString BLCommon::getDisplayPath(const QString& path)
+{
+    const QString clean = QDir::cleanPath(path);
+    QString root = getVolumeName(clean);
+    if (root.size() > 1)
+        root.chop(1);
+    QString text = getDisplayName(root) + QLatin1Char(':');
+    const QStringList below = clean.mid(root.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    QString current = root;
+    for (const QString& name : below) {
+        current = QDir(current).filePath(name);
+        text += getDisplayName(current) + QLatin1Char(':');
+    }
+    return text;
+}
+
+bool BLCommon::doSalvage(const QString& folder)
+{
+    const QString bpav = getPathOfBPAV(folder);
+    const QStringList names = getFileList(bpav);
+    for (const QString& name : names) {
+        const QString suffix = QFileInfo(name).suffix();
+        if ((suffix.compare(QLatin1String("SLV"), Qt::CaseInsensitive) == 0 ||
+             suffix.compare(QLatin1String("STS"), Qt::CaseInsensitive) == 0) &&
+            isFiles(QDir(bpav).filePath(name)))
+            return true;
+    }
+    return false;
+}
+
+// ---- file operations ----
+
+bool BLCommon::createNewFolder(const QString& path)
+{
+    return !path.isEmpty() && QDir().mkdir(path);
+}
+
+bool BLCommon::createNewFolderWithParent(const QString& path)
+{
+    return !path.isEmpty() && QDir().mkpath(path);
+}
+
+bool BLCommon::createNewFile(const QString& path)
+{
+    if (path.isEmpty())
+        return false;
+    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    return fd >= 0 && ::close(fd) == 0;
+}
+
+bool BLCommon::removeFile(const QString& path)
+{
+    if (path.isEmpty() || !pathExists(path))
+        return false;
+    const QFileInfo info(path);
+    if (info.isDir() && !info.isSymLink())
+        return QDir(path).removeRecursively();
+    return QFile::remove(path);
+}
+
+bool BLCommon::copyFile(const QString& source, const QString& toFile)
+{
+    if (source.isEmpty() || toFile.isEmpty() || pathExists(toFile))
+        return false;
+    const QFileInfo info(source);
+    if (info.isSymLink()) { // the link itself, with its target as written
+        char target[4096];
+        const ssize_t length = ::readlink(QFile::encodeName(source).constData(), target, sizeof target);
+        return length > 0 && length < ssize_t(sizeof target) &&
+               ::symlink(QByteArray(target, length).constData(), QFile::encodeName(toFile).constData()) == 0;
+    }
+    if (!info.isDir())
+        return QFile::copy(source, toFile);
+
+    if (!QDir().mkdir(toFile))
+        return false;
+    const QStringList names = getFileList(source);
+    for (const QString& name : names) {
+        if (!copyFile(QDir(source).filePath(name), QDir(toFile).filePath(name))) {
+            QDir(toFile).removeRecursively(); // no half copy
+            return false;
+        }
+    }
+    QFile::setPermissions(toFile, info.permissions());
+    return true;
+}
+
+bool BLCommon::moveFolder(const QString& source, const QString& toFolder)
+{
+    const QFileInfo from(QDir::cleanPath(source));
+    const QFileInfo to(QDir::cleanPath(toFolder));
+    const bool caseOnly = from.absolutePath() == to.absolutePath() && from.fileName() != to.fileName() &&
+                          from.fileName().compare(to.fileName(), Qt::CaseInsensitive) == 0;
+    if (!caseOnly)
+        return moveOnce(source, toFolder);
+
+    // On a file system that ignores case the new name is the old one; go
+    // through a temporary name in the same folder.
+    const qint64 seconds =
+        QDateTime(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc()).secsTo(QDateTime::currentDateTimeUtc());
+    QString temporary;
+    do {
+        temporary =
+            QDir(from.absolutePath())
+                .filePath(QString::asprintf(".%d-%lld-%d", int(getpid()), seconds, ++g_tempNameCounter));
+    } while (pathExists(temporary));
+    if (!moveOnce(source, temporary))
+        return false;
+    if (moveOnce(temporary, toFolder))
+        return true;
+    moveOnce(temporary, source);
+    return false;
+}
+
+int BLCommon::moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,
+                                   int* fromCount, int maxCount)
+{
+    if (!moveFolder(source, toPath))
+        return 2;
+    if (thread && fromCount && maxCount != 0) {
+        ++*fromCount;
+        thread->setProgress(*fromCount, 0, maxCount);
+        if (thread->isCancel())
+            return 3;
+    }
+    return 0;
+}
+
+bool BLCommon::removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from, int max)
+{
+    for (qsizetype i = paths.size() - 1; i >= 0; --i) {
+        const QString& path = paths.at(i);
+        const bool removed = removeFile(path);
+        BLLogCtrl::debug(kCommonLogId, QStringLiteral("[BLCommon removeFileWithProgress] path : ") + path);
+        if (!removed)
+            return false;
+        if (from)
+            ++*from;
+        if (thread) {
+            thread->setProgress(from ? *from : 0, 0, max);
+            if (thread->isCancel())
+                return false;
+            thread->waitThread();
+        }
+    }
+    return true;
+}
+
+int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                   qint64* fromSize, qint64 maxSize)
+{
+    constexpr qint64 kMiB = 1048576;
+    const int in = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
+    if (in < 0)
+        return 2;
+    struct stat st
+    {
+    };
+    if (fstat(in, &st) != 0 || S_ISDIR(st.st_mode)) {
+        ::close(in);
+        return 2;
+    }
+    // Never replaces an existing file: that one may be another clip's.
+    const int out =
+        ::open(QFile::encodeName(toFile).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (out < 0) {
+        ::close(in);
+        return 2;
+    }
+    posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+
+    // A chunk counts once it is on the disk. While the disk takes one chunk the
+    // next is already copied, so the disk never waits for the program; the
+    // last chunk is confirmed by flushing the whole file.
+    ChunkCopier copier(in, out, S_ISREG(st.st_mode));
+    qint64 done = fromSize ? *fromSize : 0;
+    qint64 offset = 0;
+    qint64 pendingOffset = 0;
+    qint64 pendingLength = 0;
+    int result = 0;
+    for (;;) {
+        const qint64 length = copier.copy(kCopyChunkSize);
+        if (length < 0) {
+            result = 2;
+            break;
+        }
+        if (length > 0)
+            startFlush(out, offset, length);
+        if (pendingLength > 0) {
+            const bool flushed =
+                length > 0 ? waitFlushed(out, pendingOffset, pendingLength) : flushToDisk(out);
+            if (!flushed) {
+                result = 2;
+                break;
+            }
+            posix_fadvise(out, pendingOffset, pendingLength,
+                          POSIX_FADV_DONTNEED); // keep the cache for others
+            done += pendingLength / kMiB;
+            if (fromSize)
+                *fromSize = done;
+            if (thread) {
+                thread->setProgress(double(qMin(done, maxSize)), 0, double(maxSize));
+                thread->waitThread();
+                if (length > 0 && thread->isCancel()) { // between chunks: never after the last
+                    result = 3;
+                    break;
+                }
+            }
+        }
+        if (length == 0)
+            break;
+        pendingOffset = offset;
+        pendingLength = length;
+        offset += length;
+    }
+    ::close(in);
+    if (::close(out) != 0 && result == 0)
+        result = 2;
+    return result;
+}
+
+// ---- names ----
+
+bool BLCommon::checkHyphenationCharacter(const QString& name)
+{
+    static const QString kForbidden = QStringLiteral(":/\\><?*\"|");
+    if (name.startsWith(QLatin1Char('.')))
+        return false;
+    for (const QChar c : name)
+        if (kForbidden.contains(c))
+            return false;
+    return checkReturnCode(name);
+}
+
+bool BLCommon::checkReturnCode(const QString& name)
+{
+    return !name.contains(QLatin1Char('\r')) && !name.contains(QLatin1Char('\n')) &&
+           !name.contains(QChar(0x00A5));
+}
+
+bool BLCommon::checkHyphenationCharacterForPath(const QString& path)
+{
+    const QStringList names = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (qsizetype i = names.size() - 1; i >= 0; --i)
+        if (!checkHyphenationCharacter(withoutExtension(names.at(i))))
+            return false;
+    return true;
+}
+
+bool BLCommon::checkNotInput(const QString& text)
+{
+    return !text.isEmpty();
+}
+
+bool BLCommon::checkSameName(const QString& folder, const QString& name)
+{
+    const QStringList names = getFileList(folder);
+    for (const QString& entry : names)
+        if (entry.compare(name, Qt::CaseInsensitive) == 0)
+            return false;
+    return true;
+}
+
+QString BLCommon::updateTakeUri(const QString& reference, int number)
+{
+    QStringList parts = reference.split(QLatin1Char('/'));
+    if (parts.size() < 2)
+        return reference;
+    for (QString& part : parts)
+        if (part == QLatin1String("CLPR"))
+            part = QStringLiteral("TAKR");
+    QString& folder = parts[parts.size() - 2];
+    folder += QString::asprintf("U%02d", number);
+    if (QFileInfo(parts.last()).suffix().compare(QLatin1String("XML"), Qt::CaseInsensitive) == 0)
+        parts.last() = folder + QStringLiteral("M01.XML");
+    return parts.join(QLatin1Char('/'));
+}
+
+QString BLCommon::updateSMIUri(const QString& reference, int number)
+{
+    const qsizetype slash = reference.lastIndexOf(QLatin1Char('/'));
+    const QString folder = reference.left(slash + 1);
+    return folder + withoutExtension(reference.mid(slash + 1)) + QString::asprintf("U%02d.SMI", number);
+}
+
+// ---- folder-count limits ----
+
+int BLCommon::getFolderCountInCLPR(const QString& folder)
+{
+    return folderCount(folder, QStringLiteral("CLPR"));
+}
+
+int BLCommon::getFolderCountInTAKR(const QString& folder)
+{
+    return folderCount(folder, QStringLiteral("TAKR"));
+}
+
+bool BLCommon::isExceedFolderLimit(const QString& folder)
+{
+    return getFolderCountInCLPR(folder) > kFolderLimit || getFolderCountInTAKR(folder) > kFolderLimit;
+}
+
+bool BLCommon::isExceedFolderLimitByImport(const QString& folder, int importMP4Files)
+{
+    return getFolderCountInCLPR(folder) + importMP4Files > kFolderLimit;
+}
+
+void BLCommon::getFolderCountFromTakeDatas(const QList<DOTakeData>& takes, int* outClip, int* outTake)
+{
+    int clips = 0;
+    int takeFolders = 0;
+    for (const DOTakeData& take : takes) {
+        if (take.getTakeStatus() >= 4)
+            continue; // loose or unusable: never copied
+        if (take.getSingleClipFlag()) {
+            ++clips;
+        } else {
+            ++takeFolders;
+            clips += int(take.getClipData().size());
+        }
+    }
+    if (outClip)
+        *outClip = clips;
+    if (outTake)
+        *outTake = takeFolders;
+}
+
+bool BLCommon::isExceedFolderLimitByCopy(const QString& folder, const QList<DOTakeData>& takes)
+{
+    int clips = 0;
+    int takeFolders = 0;
+    getFolderCountFromTakeDatas(takes, &clips, &takeFolders);
+    return getFolderCountInCLPR(folder) + clips > kFolderLimit ||
+           getFolderCountInTAKR(folder) + takeFolders > kFolderLimit;
+}
+
 // ---- special folders ----
 
 QString BLCommon::createSpFolderPath(const QString& folderType) const
@@ -624,7 +1283,8 @@ void BLCommon::sendNotification(const void* sender, const QString& name, const Q
     SCNotificationCenter::defaultCenter()->enqueue(SCNotification{name, sender, userInfo}, true);
 }
 
-void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& name, const QVariantMap& userInfo)
+void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& name,
+                                           const QVariantMap& userInfo)
 {
     SCNotificationCenter::defaultCenter()->enqueue(SCNotification{name, sender, userInfo}, false);
 }
@@ -632,6 +1292,29 @@ void BLCommon::sendNotificationNotCoalesce(const void* sender, const QString& na
 void BLCommon::sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo)
 {
     SCNotificationCenter::defaultCenter()->postNow(SCNotification{name, sender, userInfo});
+}
+
+void BLCommon::sendDidDeleteNotification(const void* sender, const QStringList& delUmid,
+                                         const QString& selectFolder)
+{
+    sendNotification(sender, SC::SCTakeDidDeleteNotification,
+                     {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
+}
+
+void BLCommon::sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
+                                                 const QString& selectFolder)
+{
+    sendNotificationNotCoalesce(
+        sender, SC::SCTakeDidDeleteNotification,
+        {{SC::SCDeleteTakeUmidsKey, delUmid}, {SC::SCDeleteSelectFolderKey, selectFolder}});
+}
+
+void BLCommon::sendDidAddNotification(const void* sender, const QString& path,
+                                      const QList<DOTakeData>& takeDatas)
+{
+    sendNotification(
+        sender, SC::SCTakeDidAddNotification,
+        {{SC::SCAddSelectFolderKey, path}, {SC::SCAddTakeDatasKey, QVariant::fromValue(takeDatas)}});
 }
 
 void BLCommon::setMessagePresenter(IMessagePresenter* presenter)
@@ -644,13 +1327,14 @@ IMessagePresenter* BLCommon::messagePresenter()
     return g_presenter;
 }
 
-int BLCommon::messageBox(const QString& message, const QString& infoMesse, int /*style: always informational*/,
-                         int btnPattern, const QStringList& messageArgs)
+int BLCommon::messageBox(const QString& message, const QString& infoMesse,
+                         int /*style: always informational*/, int btnPattern, const QStringList& messageArgs)
 {
     QString text = BLLocalizedString(message);
     for (qsizetype i = messageArgs.size() - 1; i >= 0; --i)
         text.replace(QLatin1Char('%') + QString::number(i + 1), messageArgs.at(i));
-    SCAlert alert{message, infoMesse, text, infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
+    SCAlert alert{
+        message, infoMesse, text, infoMesse.isEmpty() ? QString() : BLLocalizedString(infoMesse), {}};
     QStringList& buttons = alert.buttons;
     for (int no = 0; no < 2; ++no) {
         const QString label = getBtnLabel(btnPattern, no);

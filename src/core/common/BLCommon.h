@@ -8,6 +8,10 @@
 #include <array>
 #include <atomic>
 
+class BLProgressThread;
+class DOClipData;
+class DOLtcChange;
+class DOTakeData;
 class IMessagePresenter;
 
 // Shared helpers used by every controller: special folders, notifications
@@ -26,28 +30,37 @@ public:
     // [1] seconds, [2] minutes, [3] hours.
     using Timecode = std::array<quint8, 4>;
 
-    // Duration text of a frame count. LTC changes are the value texts of the
-    // take's LTC change entries, in order. Display form "hh:mm:ss:ff", drop
-    // frame "hh:mm.ss:ff"; LTC-table form "FFSSMMHH" with frames + 40.
+    // The take's duration in the display form; "--:--:--:--" for 0.
+    static QString convertOfDurationByTakeData(const DOTakeData& take);
+    // Duration text of a frame count with a take's frame-rate name and LTC
+    // changes. Display form "hh:mm:ss:ff", drop frame "hh:mm.ss:ff"; LTC-table
+    // form "FFSSMMHH" with frames + 40.
     static QString convertOfDurationByFrameCount(qint64 frameCount, const QString& frameFps,
-                                                 const QStringList& ltcChanges, bool isLtcTable);
+                                                 const QList<DOLtcChange>& ltcChanges, bool isLtcTable);
     // Whether the time code is drop frame; the duration rate is stored in
     // outFrameRate (when given) in every case.
-    static bool isDropFrameByLtcChanges(const QStringList& ltcChanges, const QString& frameFps,
+    static bool isDropFrameByLtcChanges(const QList<DOLtcChange>& ltcChanges, const QString& frameFps,
                                         int* outFrameRate);
     // Time code rate of a frame-rate name (0 for an unknown name).
     static int toHDV_FPS(bool is720, const QString& frameFps);
+    // Any take of the list is 720-line progressive.
+    static bool Is720SP(const QList<DOTakeData>& takes);
     // Parses an eight-digit LTC change value and subtracts the offset; a
     // malformed value answers false with a zero time code.
     static bool LTCCValueToTimecode(Timecode* timecode, const QString& ltcChange, quint32 offset, int fps);
     // "hh:mm:ss:ff\n" of the first LTC change less the offset; false without changes.
-    static bool GetTimecode(QString* out, const QStringList& ltcChanges, quint32 offset, int fps);
+    static bool GetTimecode(QString* out, const DOTakeData& take);
+    static bool GetTimecode(QString* out, const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps);
     // Frame count of the start time code (first LTC change less the offset);
     // 0 and flag 0 without changes. dropFlag receives the drop-frame flag.
-    static int GetStartFrames(const QStringList& ltcChanges, quint32 offset, int fps, int* dropFlag);
+    static int GetStartFrames(const DOTakeData& take, int* dropFlag);
+    static int GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offset, int fps, int* dropFlag);
+    // Every clip (or clip-less take) passes checkTimeCode with its duration
+    // and the take's rate, LTC changes and size.
+    static bool checkTakeDuration(const QList<DOTakeData>& takes);
     // Yes for files of 4 GiB or more; otherwise yes when the display time code
     // of the duration stays below ten hours and its minutes below 30.
-    static bool checkTimeCode(qint64 duration, const QString& frameFps, const QStringList& ltcChanges,
+    static bool checkTimeCode(qint64 duration, const QString& frameFps, const QList<DOLtcChange>& ltcChanges,
                               qint64 fileSize);
     // Value of one hexadecimal digit; 0 for anything else.
     static int xtoi(QChar c);
@@ -105,6 +118,18 @@ public:
     // "BPAV" or "PRIVATE": the top folder that holds the material.
     static QString visibleFolderNameOf(const QString& folder);
     static bool isBPAVFolder(const QString& folder);
+    // The BPAV folder's CLPR (TAKR) folder exists, or has just been created.
+    static bool isCLPRFolder(const QString& folder);
+    static bool isTAKRFolder(const QString& folder);
+    // Makes the BPAV folder, its CLPR and its TAKR where missing, in that order.
+    static bool createFixedFolders(const QString& folder);
+    // Absolute paths of the take's essence files in clip order (its own without
+    // clips); empty with count 0 when one is missing.
+    static QStringList getMp4FilePaths(const QString& folder, const DOTakeData& take, int* fileCount);
+    // The folder holding the record's files, relative to the BPAV folder, from
+    // its take info, metadata or essence reference; "" when it has none.
+    static QString getFolderName(const DOTakeData& take);
+    static QString getFolderName(const DOClipData& clip);
     // The mount root of the volume holding the path, with a trailing "/";
     // "/" for the start-up disk.
     static QString getVolumeName(const QString& path);
@@ -123,6 +148,70 @@ public:
     static QStringList getFileList(const QString& path);
     // Names of the entries that are folders (for an empty path, volume paths).
     static QStringList getFolders(const QString& path);
+    // The name as shown to the user: a volume's own name for a volume root,
+    // else the name on disk.
+    static QString getDisplayName(const QString& path);
+    static QString getDisplayName(const QString& parent, const QString& name);
+    static bool isSameDisplayName(const QString& path);
+    // Display names from the volume down, each followed by ":" ("CARD:DCIM:").
+    static QString getDisplayPath(const QString& path);
+    // The BPAV folder holds an ".SLV" or ".STS" file: an unfinished recording.
+    static bool doSalvage(const QString& folder);
+
+    // ---- file operations (never replace an existing destination) ----
+    static bool createNewFolder(const QString& path);
+    static bool createNewFolderWithParent(const QString& path);
+    // A new empty file; no when the path exists.
+    static bool createNewFile(const QString& path);
+    // Removes a file, a link or a whole folder.
+    static bool removeFile(const QString& path);
+    // Copies a file or a whole folder (hidden entries and links included); a
+    // failed folder copy leaves nothing behind.
+    static bool copyFile(const QString& source, const QString& toFile);
+    // Moves (renames) a file or folder; across volumes by copy and removal.
+    // A change of case only is done through a temporary name.
+    static bool moveFolder(const QString& source, const QString& toFolder);
+    // Moves one item; with a worker and a maximum the count grows by one and is
+    // shown. 0 done, 2 failed, 3 cancelled (after the move).
+    static int moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,
+                                    int* fromCount, int maxCount);
+    // Removes the paths from the last to the first, counting and showing each;
+    // no on a failed removal or on cancel.
+    static bool removeFileWithProgress(const QStringList& paths, BLProgressThread* thread, int* from,
+                                       int max);
+    // Copies a file in 10 MiB chunks, each flushed to disk, adding each chunk's
+    // whole MiB to fromSize and showing it against maxSize. 0 done, 2 a read or
+    // write error (or an existing destination), 3 cancelled between chunks; a
+    // partial destination stays for the caller.
+    static int copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                    qint64* fromSize, qint64 maxSize);
+    static constexpr qint64 kCopyChunkSize = 10485760;
+
+    // ---- names ----
+    // Acceptable as a file or folder name: no leading ".", none of : / \ > < ? * " |,
+    // no line breaks and no yen sign.
+    static bool checkHyphenationCharacter(const QString& name);
+    // No carriage return, line feed or yen sign.
+    static bool checkReturnCode(const QString& name);
+    // Every folder name of the path (extension removed) is acceptable.
+    static bool checkHyphenationCharacterForPath(const QString& path);
+    static bool checkNotInput(const QString& text);
+    // No when the folder holds an entry of that name ignoring case.
+    static bool checkSameName(const QString& folder, const QString& name);
+    // ./CLPR/ABC0001/ABC0001M01.XML with 1 -> ./TAKR/ABC0001U01/ABC0001U01M01.XML
+    static QString updateTakeUri(const QString& reference, int number);
+    // .../T0001.SMI with 2 -> .../T0001U02.SMI
+    static QString updateSMIUri(const QString& reference, int number);
+
+    // ---- folder-count limits (600 clip folders, 600 take folders) ----
+    static constexpr int kFolderLimit = 600;
+    static int getFolderCountInCLPR(const QString& folder);
+    static int getFolderCountInTAKR(const QString& folder);
+    static bool isExceedFolderLimit(const QString& folder);
+    static bool isExceedFolderLimitByImport(const QString& folder, int importMP4Files);
+    // Folders the takes would need (takes of status 4 and above need none).
+    static void getFolderCountFromTakeDatas(const QList<DOTakeData>& takes, int* outClip, int* outTake);
+    static bool isExceedFolderLimitByCopy(const QString& folder, const QList<DOTakeData>& takes);
 
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if
@@ -136,9 +225,17 @@ public:
     // Queued, posted when idle, coalesced on the name.
     void sendNotification(const void* sender, const QString& name, const QVariantMap& userInfo = {});
     // Queued, posted when idle, not coalesced.
-    void sendNotificationNotCoalesce(const void* sender, const QString& name, const QVariantMap& userInfo = {});
+    void sendNotificationNotCoalesce(const void* sender, const QString& name,
+                                     const QVariantMap& userInfo = {});
     // Posted at once; from a worker this waits until the main thread has delivered it.
     void sendNotificationNow(const void* sender, const QString& name, const QVariantMap& userInfo = {});
+    // SCTakeDidDeleteNotification with the deleted takes' UMIDs and their folder.
+    void sendDidDeleteNotification(const void* sender, const QStringList& delUmid,
+                                   const QString& selectFolder);
+    void sendDidDelNotificationNotCoalesce(const void* sender, const QStringList& delUmid,
+                                           const QString& selectFolder);
+    // SCTakeDidAddNotification with the folder and the added takes (a QList<DOTakeData>).
+    void sendDidAddNotification(const void* sender, const QString& path, const QList<DOTakeData>& takeDatas);
 
     // ---- messages ----
     // The presenter that shows alerts (not owned); without one, alerts answer
@@ -146,8 +243,8 @@ public:
     static void setMessagePresenter(IMessagePresenter* presenter);
     static IMessagePresenter* messagePresenter();
     // Shows an informational alert. The message and informative texts are keys
-    // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and "Cancel"; 2 "Yes" and "No".
-    // messageArgs fill the placeholders %1, %2, ... of the localised message.
+    // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and
+    // "Cancel"; 2 "Yes" and "No". messageArgs fill the placeholders %1, %2, ... of the localised message.
     // Answers IMessagePresenter::kFirstButton or kSecondButton.
     int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern,
                    const QStringList& messageArgs = {});

@@ -4,6 +4,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/model/BLVolumeProvider.h"
+#include "core/model/DOTakeData.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 
 namespace {
@@ -23,7 +25,12 @@ constexpr int kMacDigits = 12;
 constexpr int kKindLogId = 1111;
 constexpr int kSpaceLogId = 6510;
 
-enum class Access { Write, Read, Delete };
+enum class Access
+{
+    Write,
+    Read,
+    Delete
+};
 
 // The access test of this process for the item (effective ids, so a test run
 // as another file-system user sees that user's rights).
@@ -55,8 +62,9 @@ bool folderTest(const BLDiskCtrl* disk, const QString& folder, Access access)
         const QString entry = QDir(folder).filePath(name);
         if (!BLCommon::checkVisibleDirectory(entry))
             continue;
-        const bool ok = BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? folderTest(disk, entry, access)
-                                                                                   : singleTest(disk, entry, access);
+        const bool ok = BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink()
+                            ? folderTest(disk, entry, access)
+                            : singleTest(disk, entry, access);
         if (!ok)
             return false;
     }
@@ -83,8 +91,8 @@ void BLDiskCtrl::releaseCtrl()
 
 int BLDiskCtrl::isUsableDrive(const QString& path) const
 {
-    static const QStringList kNative = {"ext2", "ext3", "ext4", "xfs", "btrfs", "zfs", "f2fs", "tmpfs",
-                                        "overlay", "apfs", "hfs"};
+    static const QStringList kNative = {"ext2", "ext3",  "ext4",    "xfs",  "btrfs", "zfs",
+                                        "f2fs", "tmpfs", "overlay", "apfs", "hfs"};
     static const QStringList kFat32 = {"vfat", "msdos", "fat"};
     static const QStringList kShare = {"cifs", "smb3", "smbfs"};
     const std::optional<BLVolume> volume = BLVolumeProvider::current()->volumeForPath(path);
@@ -124,8 +132,12 @@ bool BLDiskCtrl::isDeletableThisPath(const QString& path) const
     const QString clean = QDir::cleanPath(path);
     if (clean == QLatin1String("/"))
         return true;
-    struct stat item {};
-    struct stat parent {};
+    struct stat item
+    {
+    };
+    struct stat parent
+    {
+    };
     const QString parentPath = QFileInfo(clean).path();
     if (path.isEmpty() || lstat(QFile::encodeName(clean).constData(), &item) != 0 ||
         stat(QFile::encodeName(parentPath).constData(), &parent) != 0)
@@ -175,10 +187,10 @@ bool baseCheck(const BLDiskCtrl* disk, const QString& folder, Access access)
     if (!singleTest(disk, folder, access))
         return false;
     const QString bpav = BLCommon::getPathOfBPAV(folder);
-    for (const QString& path : {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")),
-                                QDir(bpav).filePath(QStringLiteral("TAKR")),
-                                QDir(bpav).filePath(QStringLiteral("MEDIAPRO.XML")),
-                                QDir(bpav).filePath(QStringLiteral("CUEUP.XML"))})
+    for (const QString& path :
+         {bpav, QDir(bpav).filePath(QStringLiteral("CLPR")), QDir(bpav).filePath(QStringLiteral("TAKR")),
+          QDir(bpav).filePath(QStringLiteral("MEDIAPRO.XML")),
+          QDir(bpav).filePath(QStringLiteral("CUEUP.XML"))})
         if (QFileInfo::exists(path) && !singleTest(disk, path, access))
             return false;
     return true;
@@ -195,11 +207,94 @@ bool BLDiskCtrl::baseReadableCheck(const QString& folder) const
     return baseCheck(this, folder, Access::Read);
 }
 
+namespace {
+bool anyTakeHasClips(const QList<DOTakeData>& takes)
+{
+    return std::any_of(takes.begin(), takes.end(),
+                       [](const DOTakeData& t) { return !t.getClipData().isEmpty(); });
+}
+
+QString takrFolder(const QString& folder)
+{
+    return QDir(BLCommon::getPathOfBPAV(folder)).filePath(QStringLiteral("TAKR"));
+}
+
+// The folder holding a record's non-real-time metadata; "" without one.
+QString metadataFolder(const QString& bpav, const QString& xmlUri)
+{
+    return xmlUri.isEmpty() ? QString() : QFileInfo(BLCommon::makeFilePath(bpav, {xmlUri})).path();
+}
+
+// The metadata folder and every non-empty reference, in order, are readable.
+bool readableFiles(const BLDiskCtrl* disk, const QString& bpav, const QStringList& references)
+{
+    const QString folder = metadataFolder(bpav, references.first());
+    if (!folder.isEmpty() && !disk->isReadableThisPath(folder))
+        return false;
+    for (const QString& reference : references)
+        if (!reference.isEmpty() && !disk->isReadableThisPath(BLCommon::makeFilePath(bpav, {reference})))
+            return false;
+    return true;
+}
+} // namespace
+
+bool BLDiskCtrl::checkWritableToFolder(const QList<DOTakeData>& takes, const QString& to) const
+{
+    return baseWritableCheck(to) && (!anyTakeHasClips(takes) || isWritableFolderPath(takrFolder(to)));
+}
+
+bool BLDiskCtrl::checkReadableToFolder(const QList<DOTakeData>& takes, const QString& to) const
+{
+    return baseReadableCheck(to) && (!anyTakeHasClips(takes) || isReadableFolderPath(takrFolder(to)));
+}
+
+bool BLDiskCtrl::checkWritableFromFolder(const QList<DOTakeData>& takes, const QString& from) const
+{
+    const QString bpav = BLCommon::getPathOfBPAV(from);
+    for (const DOTakeData& take : takes) {
+        for (const DOClipData& clip : take.getClipData())
+            if (!isWritableFolderPath(metadataFolder(bpav, clip.getXMLUri())))
+                return false;
+        if (!isWritableFolderPath(metadataFolder(bpav, take.getXMLUri())))
+            return false;
+    }
+    return true;
+}
+
+bool BLDiskCtrl::checkReadableFromFolder(const QList<DOTakeData>& takes, const QString& from) const
+{
+    for (const DOTakeData& take : takes) {
+        for (const DOClipData& clip : take.getClipData())
+            if (!checkReadableFiles(clip, from))
+                return false;
+        if (!checkReadableFiles(take, from))
+            return false;
+    }
+    return true;
+}
+
+bool BLDiskCtrl::checkReadableFiles(const DOClipData& clip, const QString& from) const
+{
+    return readableFiles(
+        this, BLCommon::getPathOfBPAV(from),
+        {clip.getXMLUri(), clip.getMP4Uri(), clip.getSMIUri(), clip.getPPNUri(), clip.getBIMUri()});
+}
+
+bool BLDiskCtrl::checkReadableFiles(const DOTakeData& take, const QString& from) const
+{
+    QStringList references{take.getXMLUri(), take.getMP4Uri()};
+    if (take.getTakeStatus() != 3) // an imported take has only its metadata and essence
+        references << take.getSMIUri() << take.getPPNUri() << take.getBIMUri();
+    return readableFiles(this, BLCommon::getPathOfBPAV(from), references);
+}
+
 // ---- sizes ----
 
 qint64 BLDiskCtrl::getFileSize(const QString& path) const
 {
-    struct stat st {};
+    struct stat st
+    {
+    };
     if (path.isEmpty() || lstat(QFile::encodeName(path).constData(), &st) != 0)
         return 0;
     return qint64(st.st_size);
@@ -212,7 +307,8 @@ qint64 BLDiskCtrl::getFolderSize(const QString& path) const
     for (const QString& name : names) {
         const QString entry = QDir(path).filePath(name);
         // Links are counted as themselves so that a loop of links cannot recurse forever.
-        total += BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? getFolderSize(entry) : getFileSize(entry);
+        total += BLCommon::isFolder(entry) && !QFileInfo(entry).isSymLink() ? getFolderSize(entry)
+                                                                            : getFileSize(entry);
     }
     return total;
 }
@@ -287,9 +383,12 @@ bool BLDiskCtrl::checkDiskSpace(const QStringList& paths, const QString& path2) 
 
     const QString neededText = BLCommon::convertSizeStr(needed, QStringLiteral("#,##0.0"), 2);
     const QString freeText = BLCommon::convertSizeStr(freeSize, QStringLiteral("#,##0.0"), 2);
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Used space : %1%").arg(used));
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Usable limit : %1%").arg(limit));
-    BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Necessary space : ") + neededText);
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Used space : %1%").arg(used));
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Usable limit : %1%").arg(limit));
+    BLLogCtrl::debug(kSpaceLogId,
+                     QStringLiteral("[BLDiskCtrl checkDiskSpace]    Necessary space : ") + neededText);
     BLLogCtrl::debug(kSpaceLogId, QStringLiteral("[BLDiskCtrl checkDiskSpace]    Free space : ") + freeText);
 
     if (limit == 0 || limit == 100) {

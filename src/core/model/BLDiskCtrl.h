@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+class DOClipData;
+class DOTakeData;
+
 // Questions about the file systems the program writes to: their kind, access
 // rights, sizes and free space, the space check before writing, and the
 // machine's hardware address for UMIDs. Keeps no state; callable from any
@@ -39,6 +42,19 @@ public:
     // CUEUP.XML that exist pass the single-item test.
     bool baseWritableCheck(const QString& folder) const;
     bool baseReadableCheck(const QString& folder) const;
+    // The destination's base folders, and its TAKR folder when a take has clips.
+    bool checkWritableToFolder(const QList<DOTakeData>& takes, const QString& to) const;
+    bool checkReadableToFolder(const QList<DOTakeData>& takes, const QString& to) const;
+    // Every clip folder and take folder (holding its metadata) in the source
+    // is writable: moves and deletions write there.
+    bool checkWritableFromFolder(const QList<DOTakeData>& takes, const QString& from) const;
+    // Every clip of every take, then the take, passes checkReadableFiles.
+    bool checkReadableFromFolder(const QList<DOTakeData>& takes, const QString& from) const;
+    // The record's metadata folder and each file it refers to are readable:
+    // metadata, essence, then (not for a take of status 3) take info, picture
+    // pointer table and real-time metadata.
+    bool checkReadableFiles(const DOClipData& clip, const QString& from) const;
+    bool checkReadableFiles(const DOTakeData& take, const QString& from) const;
 
     // ---- sizes ----
     // Size of the item itself (a link is not followed); 0 when missing.

@@ -1,12 +1,26 @@
 #include "core/common/BLCommon.h"
+#include "core/metadata/DOLtcChange.h"
+#include "core/model/DOTakeData.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-QString display(qint64 frames, const QString& fps, const QStringList& ltc = {})
+// LTC change entries with the given values.
+QList<DOLtcChange> ltc(const QStringList& values)
 {
-    return BLCommon::convertOfDurationByFrameCount(frames, fps, ltc, false);
+    QList<DOLtcChange> changes;
+    for (const QString& value : values) {
+        DOLtcChange change;
+        change.setValue(value);
+        changes << change;
+    }
+    return changes;
+}
+
+QString display(qint64 frames, const QString& fps, const QStringList& values = {})
+{
+    return BLCommon::convertOfDurationByFrameCount(frames, fps, ltc(values), false);
 }
 
 // The LTC change value of a non-drop display text "hh:mm:ss:ff" (no flag bit).
@@ -54,11 +68,11 @@ TEST(TimecodeTest, TheFirstLtcValueDecidesDropFrame)
     EXPECT_EQ(display(1800, "29.97p", {"30000000", "40000000"}), "00:01:00:00");
 
     int rate = -1;
-    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges({}, "25p", &rate));
+    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges(ltc({}), "25p", &rate));
     EXPECT_EQ(rate, 25); // the rate comes back even when the answer is no
-    EXPECT_TRUE(BLCommon::isDropFrameByLtcChanges({"C0000000"}, "59.94p", &rate));
+    EXPECT_TRUE(BLCommon::isDropFrameByLtcChanges(ltc({"C0000000"}), "59.94p", &rate));
     EXPECT_EQ(rate, 30);
-    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges({"40000000"}, "23.98P", &rate));
+    EXPECT_FALSE(BLCommon::isDropFrameByLtcChanges(ltc({"40000000"}), "23.98P", &rate));
     EXPECT_EQ(rate, 24);
 
     EXPECT_EQ(BLCommon::toHDV_FPS(true, "59.94p"), 60);
@@ -81,16 +95,16 @@ TEST(TimecodeTest, LtcValuesParseOrAreRejected)
     ASSERT_TRUE(BLCommon::LTCCValueToTimecode(&tc, "44030201", 0, 30));
     EXPECT_EQ(tc, (BLCommon::Timecode{0x44, 0x03, 0x02, 0x01}));
     QString text;
-    ASSERT_TRUE(BLCommon::GetTimecode(&text, {"44030201"}, 0, 30));
+    ASSERT_TRUE(BLCommon::GetTimecode(&text, ltc({"44030201"}), 0, 30));
     EXPECT_EQ(text, "01:02:03:04\n");
-    EXPECT_FALSE(BLCommon::GetTimecode(&text, {}, 0, 30));
+    EXPECT_FALSE(BLCommon::GetTimecode(&text, ltc({}), 0, 30));
 
     for (const QString bad : {"4403020", "440302011", "4403020G", "", "44 30201"}) {
         tc = {1, 2, 3, 4};
         EXPECT_FALSE(BLCommon::LTCCValueToTimecode(&tc, bad, 0, 30)) << bad.toStdString();
         EXPECT_EQ(tc, (BLCommon::Timecode{0, 0, 0, 0}));
         int drop = -1;
-        EXPECT_EQ(BLCommon::GetStartFrames({bad}, 0, 30, &drop), 0);
+        EXPECT_EQ(BLCommon::GetStartFrames(ltc({bad}), 0, 30, &drop), 0);
         EXPECT_EQ(drop, 0);
     }
     EXPECT_EQ(BLCommon::xtoi('b'), 11);
@@ -103,16 +117,16 @@ TEST(TimecodeTest, OffsetSubtractionBorrowsAndKeepsTheFlag)
 {
     QString text;
     // Frames suffice.
-    BLCommon::GetTimecode(&text, {"45030201"}, 3, 30);
+    BLCommon::GetTimecode(&text, ltc({"45030201"}), 3, 30);
     EXPECT_EQ(text, "01:02:03:02\n");
     // Frames 0: borrow a second.
-    BLCommon::GetTimecode(&text, {"40100000"}, 3, 30);
+    BLCommon::GetTimecode(&text, ltc({"40100000"}), 3, 30);
     EXPECT_EQ(text, "00:00:09:27\n");
     // Frames below the offset: borrow a second too.
-    BLCommon::GetTimecode(&text, {"41100000"}, 3, 25);
+    BLCommon::GetTimecode(&text, ltc({"41100000"}), 3, 25);
     EXPECT_EQ(text, "00:00:09:23\n");
     // Seconds 0: borrow a minute, then a second.
-    BLCommon::GetTimecode(&text, {"40000500"}, 2, 30);
+    BLCommon::GetTimecode(&text, ltc({"40000500"}), 2, 30);
     EXPECT_EQ(text, "00:04:59:28\n");
     // Everything 0 but the hours, and from hour 0 the hours become 23.
     BLCommon::Timecode tc;
@@ -122,7 +136,7 @@ TEST(TimecodeTest, OffsetSubtractionBorrowsAndKeepsTheFlag)
     EXPECT_EQ(tc, (BLCommon::Timecode{0xE9, 0x59, 0x59, 0x23})); // bits 6 and 7 kept
 
     int drop = -1;
-    EXPECT_EQ(BLCommon::GetStartFrames({"40000001"}, 2, 30, &drop), 107890);
+    EXPECT_EQ(BLCommon::GetStartFrames(ltc({"40000001"}), 2, 30, &drop), 107890);
     EXPECT_EQ(drop, 1);
 }
 
@@ -132,30 +146,81 @@ TEST(TimecodeTest, StartFramesRoundTripEveryFrameOfAnHour)
     for (qint64 n = 0; n < 107892; ++n) {
         const QString value = BLCommon::convertOfDurationByFrameCount(n, "29.97p", {}, true);
         int drop = 0;
-        ASSERT_EQ(BLCommon::GetStartFrames({value}, 0, 30, &drop), n) << value.toStdString();
+        ASSERT_EQ(BLCommon::GetStartFrames(ltc({value}), 0, 30, &drop), n) << value.toStdString();
         ASSERT_EQ(drop, 1);
     }
     // 25p non drop, from the display text.
     for (qint64 n = 0; n < 90000; ++n) {
         const QString value = nonDropValue(display(n, "25p"));
         int drop = 1;
-        ASSERT_EQ(BLCommon::GetStartFrames({value}, 0, 25, &drop), n) << value.toStdString();
+        ASSERT_EQ(BLCommon::GetStartFrames(ltc({value}), 0, 25, &drop), n) << value.toStdString();
         ASSERT_EQ(drop, 0);
     }
     // 59.94p drop frame counts two frames per time code frame.
     int drop = 0;
-    EXPECT_EQ(BLCommon::GetStartFrames({"40000001"}, 0, 60, &drop), 215784);
-    EXPECT_EQ(BLCommon::GetStartFrames({"42000000"}, 0, 60, &drop), 4);
-    EXPECT_EQ(BLCommon::GetStartFrames({}, 0, 30, &drop), 0);
+    EXPECT_EQ(BLCommon::GetStartFrames(ltc({"40000001"}), 0, 60, &drop), 215784);
+    EXPECT_EQ(BLCommon::GetStartFrames(ltc({"42000000"}), 0, 60, &drop), 4);
+    EXPECT_EQ(BLCommon::GetStartFrames(ltc({}), 0, 30, &drop), 0);
 }
 
 TEST(TimecodeTest, DurationCheckAllowsBigFilesAndShortClips)
 {
-    const QStringList noChanges;
+    const QList<DOLtcChange> noChanges;
     EXPECT_TRUE(BLCommon::checkTimeCode(29 * 60 * 25, "25p", noChanges, 1000));
     EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, 1000));
     EXPECT_TRUE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, qint64(1) << 32));
     EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, (qint64(1) << 32) - 1));
     EXPECT_TRUE(BLCommon::checkTimeCode(3600 * 25, "25p", noChanges, 1000)); // 01:00 has minutes 00
     EXPECT_FALSE(BLCommon::checkTimeCode(10 * 3600 * 25, "25p", noChanges, 1000));
+}
+
+TEST(TimecodeTest, TakesFormatTheirDurationAndStartTimeCode)
+{
+    DOTakeData take;
+    take.setFormatFps("29.97p");
+    EXPECT_EQ(BLCommon::convertOfDurationByTakeData(take), "--:--:--:--");
+    DOClipData first, second;
+    first.setCurrentDuration(1000);
+    first.setOffset(2); // the take's offset is its first clip's
+    second.setCurrentDuration(800);
+    take.setClipData(first);
+    take.setClipData(second);
+    EXPECT_EQ(BLCommon::convertOfDurationByTakeData(take), "00:01.00:02"); // 1800 frames
+
+    QString text;
+    EXPECT_FALSE(BLCommon::GetTimecode(&text, take));
+    int drop = -1;
+    EXPECT_EQ(BLCommon::GetStartFrames(take, &drop), 0);
+    take.setArrLtcChanges(ltc({"40000001", "45000001"}));
+    ASSERT_TRUE(BLCommon::GetTimecode(&text, take));
+    EXPECT_EQ(text, "00:59:59:28\n");
+    EXPECT_EQ(BLCommon::GetStartFrames(take, &drop), 107890);
+    EXPECT_EQ(drop, 1);
+
+    DOTakeData hd720;
+    hd720.setVideoCodec("MPEG2HD18.3CBR_1280_720_MP@HL");
+    EXPECT_FALSE(BLCommon::Is720SP({take}));
+    EXPECT_TRUE(BLCommon::Is720SP({take, hd720}));
+}
+
+TEST(TimecodeTest, TheDurationCheckLooksAtEveryClip)
+{
+    DOTakeData single;
+    single.setFormatFps("25p");
+    single.setCurrentDuration(29 * 60 * 25);
+    DOTakeData multi;
+    multi.setFormatFps("25p");
+    DOClipData shortClip, longClip;
+    shortClip.setCurrentDuration(10 * 25);
+    longClip.setCurrentDuration(31 * 60 * 25);
+    multi.setClipData(shortClip);
+    multi.setClipData(longClip);
+    multi.setCurrentDuration(10); // ignored: the take has clips
+
+    EXPECT_TRUE(BLCommon::checkTakeDuration({single}));
+    EXPECT_FALSE(BLCommon::checkTakeDuration({single, multi}));
+    multi.setSize(qint64(1) << 32); // a take of 4 GiB passes whatever its length
+    EXPECT_TRUE(BLCommon::checkTakeDuration({single, multi}));
+    single.setCurrentDuration(30 * 60 * 25);
+    EXPECT_FALSE(BLCommon::checkTakeDuration({single, multi}));
 }

@@ -98,9 +98,9 @@ TEST(DateTest, XmlDatesParseInBothFormsAndWriteBack)
     EXPECT_EQ(BLCommon::makeCalendarDateFromString("2009-03-05T00:37:59-04:30"), utc);
     EXPECT_EQ(BLCommon::getXmlFormatDateString(withOffset), "2009-03-05T14:07:59+09:00");
     EXPECT_EQ(BLCommon::getXmlFormatDateString(utc), "2009-03-05T05:07:59+00:00");
-    EXPECT_EQ(BLCommon::getXmlFormatDateString(
-                  BLCommon::makeCalendarDateFromString("2009-03-05T00:37:59-04:30")),
-              "2009-03-05T00:37:59-04:30");
+    EXPECT_EQ(
+        BLCommon::getXmlFormatDateString(BLCommon::makeCalendarDateFromString("2009-03-05T00:37:59-04:30")),
+        "2009-03-05T00:37:59-04:30");
 
     for (const char* bad : {"", "2009-03-05", "2009-03-05T14:07:59", "2009-13-05T14:07:59Z",
                             "2009-03-05T14:07:59+0900x", "yesterday"})
@@ -178,7 +178,8 @@ TEST(SizeTest, NumbersFollowTheLocale)
 {
     ScopedLocale german(QLocale(QLocale::German, QLocale::Germany));
     EXPECT_EQ(BLCommon::convertSizeStr(1234567, "#,##0", 0), "1.234.567");
-    EXPECT_EQ(BLCommon::convertSizeStr(1572864, "#,##0.0", 2), "1,5 " + BLLocalizedString("LOCALIZED_TYPE_MB"));
+    EXPECT_EQ(BLCommon::convertSizeStr(1572864, "#,##0.0", 2),
+              "1,5 " + BLLocalizedString("LOCALIZED_TYPE_MB"));
     ScopedLocale c(QLocale::c()); // grouping still applies where the pattern asks for it
     EXPECT_EQ(BLCommon::convertSizeStr(1234567, "#,##0", 0), "1,234,567");
     EXPECT_EQ(BLCommon::convertSizeStr(1234567, "0", 0), "1234567");

@@ -57,7 +57,8 @@ TEST(VolumePathTest, BpavIsFoundInBothLayouts)
 
 TEST(VolumePathTest, ReferencesJoinToTheBpavFolder)
 {
-    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV", {"./CLPR/C0001/C0001M01.XML"}), "/v/BPAV/CLPR/C0001/C0001M01.XML");
+    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV", {"./CLPR/C0001/C0001M01.XML"}),
+              "/v/BPAV/CLPR/C0001/C0001M01.XML");
     EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV/", {"CLPR", "C0001"}), "/v/BPAV/CLPR/C0001");
     EXPECT_EQ(BLCommon::makeFilePath("/v", {".", "BPAV/"}), "/v/BPAV");
     EXPECT_EQ(BLCommon::makeFilePath("/", {"BPAV"}), "/BPAV");

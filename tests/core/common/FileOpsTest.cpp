@@ -1,0 +1,390 @@
+#include "core/common/BLCommon.h"
+#include "core/common/BLProgressThread.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+
+namespace {
+
+constexpr qint64 kMiB = 1048576;
+
+QByteArray pattern(qint64 size)
+{
+    QByteArray data(size, Qt::Uninitialized);
+    auto* words = reinterpret_cast<quint32*>(data.data());
+    QRandomGenerator(7).fillRange(words, size / 4);
+    return data;
+}
+
+void writeBytes(const QString& path, const QByteArray& data)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(data), data.size());
+}
+
+QByteArray readBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A worker as the copy, move and delete workers use it: records the progress
+// shown at each pause and can ask to cancel at a chosen pause.
+class RecordingWorker : public BLProgressThread
+{
+public:
+    void waitThread() override
+    {
+        shown << progressValue();
+        maxima << progressMax();
+        if (++waits == cancelAtWait)
+            setCancel();
+    }
+    QList<double> shown;
+    QList<double> maxima;
+    int waits = 0;
+    int cancelAtWait = 0;
+};
+
+// Lets writes of this process end at a given file size (as on a full volume).
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_previous);
+        m_previousHandler = std::signal(SIGXFSZ, SIG_IGN); // a failed write, not a killed process
+        rlimit limit = m_previous;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_previous);
+        std::signal(SIGXFSZ, m_previousHandler);
+    }
+
+private:
+    rlimit m_previous{};
+    void (*m_previousHandler)(int) = nullptr;
+};
+
+} // namespace
+
+class CopyWithProgressTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_data = pattern(25 * kMiB);
+        writeBytes(src(), m_data);
+    }
+    QString src() const { return m_dir.filePath("C0001.MP4"); }
+    QString dst() const { return m_dir.filePath("out/C0001.MP4"); }
+
+    QTemporaryDir m_dir;
+    QByteArray m_data;
+};
+
+TEST_F(CopyWithProgressTest, ChunksOfTenMiBAreReportedInWholeMiB)
+{
+    QDir().mkpath(m_dir.filePath("out"));
+    RecordingWorker worker;
+    qint64 done = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, &done, 25), 0);
+    EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
+    EXPECT_EQ(worker.maxima, QList<double>({25, 25, 25}));
+    EXPECT_EQ(done, 25);
+    EXPECT_EQ(readBytes(dst()), m_data);
+
+    // The counter continues from what was done before and is clamped to the total.
+    RecordingWorker second;
+    qint64 counter = 5;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/second.MP4"), &second, &counter, 20),
+              0);
+    EXPECT_EQ(second.shown, QList<double>({15, 20, 20}));
+    EXPECT_EQ(counter, 30);
+
+    // Without a worker the copy simply runs; a chunk below 1 MiB adds nothing.
+    writeBytes(m_dir.filePath("small.XML"), "<xml/>");
+    qint64 none = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("small.XML"), m_dir.filePath("out/small.XML"),
+                                             nullptr, &none, 1),
+              0);
+    EXPECT_EQ(none, 0);
+    EXPECT_EQ(readBytes(m_dir.filePath("out/small.XML")), "<xml/>");
+    // An empty file gives an empty copy.
+    writeBytes(m_dir.filePath("empty.BIM"), "");
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("empty.BIM"), m_dir.filePath("out/empty.BIM"),
+                                             nullptr, nullptr, 0),
+              0);
+    EXPECT_TRUE(QFileInfo::exists(m_dir.filePath("out/empty.BIM")));
+}
+
+TEST_F(CopyWithProgressTest, ASourceTheKernelCannotCopyGoesThroughABuffer)
+{
+    // A pipe delivers its data in small pieces; chunks are still 10 MiB.
+    QDir().mkpath(m_dir.filePath("out"));
+    const QString fifo = m_dir.filePath("stream");
+    ASSERT_EQ(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    std::thread writer([&] {
+        QFile pipe(fifo);
+        ASSERT_TRUE(pipe.open(QIODevice::WriteOnly));
+        for (qint64 at = 0; at < m_data.size(); at += 100000)
+            pipe.write(m_data.constData() + at, qMin<qint64>(100000, m_data.size() - at));
+    });
+    RecordingWorker worker;
+    qint64 done = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(fifo, dst(), &worker, &done, 25), 0);
+    writer.join();
+    EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
+    EXPECT_EQ(readBytes(dst()), m_data);
+}
+
+TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
+{
+    QDir().mkpath(m_dir.filePath("out"));
+    RecordingWorker worker;
+    worker.cancelAtWait = 2; // requested while the second chunk is under way
+    qint64 done = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, &done, 25), 3);
+    EXPECT_EQ(done, 20);
+    EXPECT_EQ(worker.shown, QList<double>({10, 20}));
+    // The partial copy stays for the caller to remove; what counted is intact.
+    EXPECT_EQ(readBytes(dst()).left(20 * kMiB), m_data.left(20 * kMiB));
+
+    // A cancel during the last chunk comes too late: the file is whole.
+    RecordingWorker late;
+    late.cancelAtWait = 3;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/late.MP4"), &late, nullptr, 25), 0);
+    EXPECT_EQ(readBytes(m_dir.filePath("out/late.MP4")), m_data);
+
+    // A file of exactly two chunks has no chunk after its second.
+    writeBytes(m_dir.filePath("two.MP4"), m_data.left(20 * kMiB));
+    RecordingWorker exact;
+    exact.cancelAtWait = 2;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("two.MP4"), m_dir.filePath("out/two.MP4"), &exact,
+                                             nullptr, 20),
+              0);
+}
+
+TEST_F(CopyWithProgressTest, ReadAndWriteErrorsAnswerTwo)
+{
+    QDir().mkpath(m_dir.filePath("out"));
+    qint64 done = 0;
+    {
+        // Writes end at 15 MiB: the second chunk fails half-way.
+        FileSizeLimit limit(15 * kMiB);
+        RecordingWorker worker;
+        EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, &done, 25), 2);
+        EXPECT_LE(worker.shown.size(), 1);
+    }
+    EXPECT_LE(done, 10);
+    EXPECT_EQ(QFileInfo(dst()).size(), 15 * kMiB); // the partial file stays for the caller
+    EXPECT_EQ(readBytes(src()), m_data);           // the source is untouched
+
+    // The kernel refuses to read address 0 of this process's memory.
+    EXPECT_EQ(
+        BLCommon::copyFileWithProgress("/proc/self/mem", m_dir.filePath("out/mem"), nullptr, nullptr, 1), 2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("missing"), m_dir.filePath("out/x"), nullptr,
+                                             nullptr, 1),
+              2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.path(), m_dir.filePath("out/dir"), nullptr, nullptr, 1),
+              2);
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("no/such/folder/x"), nullptr, nullptr, 1),
+              2);
+
+    // An existing destination is never replaced.
+    writeBytes(m_dir.filePath("out/keep.MP4"), "precious");
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/keep.MP4"), nullptr, nullptr, 25), 2);
+    EXPECT_EQ(readBytes(m_dir.filePath("out/keep.MP4")), "precious");
+}
+
+class FileOpsTest : public cwtest::HomeTest
+{
+protected:
+    QString path(const QString& relative) const { return m_dir.filePath(relative); }
+    QTemporaryDir m_dir;
+};
+
+TEST_F(FileOpsTest, CaseOnlyRenameGoesThroughATemporaryName)
+{
+    writeBytes(path("work/clip/clipM01.XML"), "clip");
+    ASSERT_TRUE(BLCommon::moveFolder(path("work/clip"), path("work/CLIP")));
+    EXPECT_EQ(QDir(path("work")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList({"CLIP"})); // no temporary name left behind
+    EXPECT_EQ(readBytes(path("work/CLIP/clipM01.XML")), "clip");
+
+    // Onto another existing name: refused, and both stay as they were.
+    writeBytes(path("work/clip/a.XML"), "lower");
+    ASSERT_TRUE(QFileInfo::exists(path("work/CLIP")));
+    EXPECT_FALSE(BLCommon::moveFolder(path("work/clip"), path("work/CLIP")));
+    EXPECT_EQ(readBytes(path("work/clip/a.XML")), "lower");
+    EXPECT_EQ(readBytes(path("work/CLIP/clipM01.XML")), "clip");
+    EXPECT_EQ(QDir(path("work/CLIP")).entryList(QDir::Files), QStringList({"clipM01.XML"}));
+    writeBytes(path("work/other/b.XML"), "other");
+    EXPECT_FALSE(BLCommon::moveFolder(path("work/other"), path("work/clip")));
+    EXPECT_EQ(readBytes(path("work/other/b.XML")), "other");
+    EXPECT_EQ(QDir(path("work")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 3);
+
+    // A file is not replaced either; a plain move works.
+    writeBytes(path("f1"), "1");
+    writeBytes(path("f2"), "2");
+    EXPECT_FALSE(BLCommon::moveFolder(path("f1"), path("f2")));
+    EXPECT_EQ(readBytes(path("f2")), "2");
+    EXPECT_TRUE(BLCommon::moveFolder(path("f1"), path("work/f1")));
+    EXPECT_EQ(readBytes(path("work/f1")), "1");
+    EXPECT_FALSE(BLCommon::moveFolder(path("missing"), path("work/missing")));
+}
+
+TEST_F(FileOpsTest, MovesAcrossFileSystemsCopyAndRemove)
+{
+    struct stat here
+    {
+    };
+    struct stat shm
+    {
+    };
+    if (stat(QFile::encodeName(m_dir.path()).constData(), &here) != 0 || stat("/dev/shm", &shm) != 0 ||
+        here.st_dev == shm.st_dev || access("/dev/shm", W_OK) != 0)
+        GTEST_SKIP() << "needs a writable /dev/shm on another file system";
+    QTemporaryDir other("/dev/shm/clipwright-test-XXXXXX");
+    ASSERT_TRUE(other.isValid());
+    writeBytes(path("card/C0001/C0001.MP4"), pattern(kMiB));
+    writeBytes(path("card/C0001/.hidden"), "h");
+    EXPECT_TRUE(BLCommon::moveFolder(path("card/C0001"), other.filePath("C0001")));
+    EXPECT_FALSE(QFileInfo::exists(path("card/C0001")));
+    EXPECT_EQ(readBytes(other.filePath("C0001/C0001.MP4")), pattern(kMiB));
+    EXPECT_EQ(readBytes(other.filePath("C0001/.hidden")), "h");
+    // The chunked copy, which the kernel cannot do across file systems.
+    writeBytes(path("big.MP4"), pattern(12 * kMiB));
+    qint64 done = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(path("big.MP4"), other.filePath("big.MP4"), nullptr, &done, 12),
+              0);
+    EXPECT_EQ(done, 12);
+    EXPECT_EQ(readBytes(other.filePath("big.MP4")), pattern(12 * kMiB));
+    // Back onto an existing folder: refused, the source stays.
+    QDir().mkpath(path("card/C0001"));
+    EXPECT_FALSE(BLCommon::moveFolder(other.filePath("C0001"), path("card/C0001")));
+    EXPECT_TRUE(QFileInfo::exists(other.filePath("C0001/C0001.MP4")));
+}
+
+TEST_F(FileOpsTest, CopyCreateAndRemove)
+{
+    writeBytes(path("src/C0001/C0001.MP4"), "essence");
+    writeBytes(path("src/C0001/.hidden"), "h");
+    writeBytes(path("src/C0001/sub/C0001.BIM"), "bim");
+    ASSERT_TRUE(QFile::link("C0001.MP4", path("src/C0001/link.MP4")));
+
+    ASSERT_TRUE(BLCommon::copyFile(path("src/C0001"), path("dst")));
+    EXPECT_EQ(readBytes(path("dst/C0001.MP4")), "essence");
+    EXPECT_EQ(readBytes(path("dst/.hidden")), "h");
+    EXPECT_EQ(readBytes(path("dst/sub/C0001.BIM")), "bim");
+    EXPECT_EQ(QFileInfo(path("dst/link.MP4")).symLinkTarget(), path("dst/C0001.MP4")); // still relative
+    EXPECT_FALSE(BLCommon::copyFile(path("src/C0001"), path("dst")));                  // exists
+    EXPECT_FALSE(BLCommon::copyFile(path("src/missing"), path("dst2")));
+
+    // A folder copy that fails part-way leaves nothing behind.
+    QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7777));
+    chmod(QFile::encodeName(path("src")).constData(), 0777);
+    chmod(QFile::encodeName(path("src/C0001")).constData(), 0777);
+    chmod(QFile::encodeName(path("src/C0001/sub")).constData(), 0777);
+    chmod(QFile::encodeName(path("src/C0001/sub/C0001.BIM")).constData(), 0);
+    chmod(QFile::encodeName(path("src/C0001/C0001.MP4")).constData(), 0444);
+    chmod(QFile::encodeName(path("src/C0001/.hidden")).constData(), 0444);
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(BLCommon::copyFile(path("src/C0001"), path("half")));
+    }
+    EXPECT_FALSE(QFileInfo::exists(path("half")));
+
+    EXPECT_TRUE(BLCommon::createNewFolder(path("new")));
+    EXPECT_FALSE(BLCommon::createNewFolder(path("new")));
+    EXPECT_FALSE(BLCommon::createNewFolder(path("a/b")));
+    EXPECT_TRUE(BLCommon::createNewFolderWithParent(path("a/b")));
+    EXPECT_TRUE(BLCommon::createNewFolderWithParent(path("a/b")));
+    EXPECT_TRUE(BLCommon::createNewFile(path("new/empty")));
+    EXPECT_EQ(QFileInfo(path("new/empty")).size(), 0);
+    writeBytes(path("new/full"), "data");
+    EXPECT_FALSE(BLCommon::createNewFile(path("new/full")));
+    EXPECT_EQ(readBytes(path("new/full")), "data");
+
+    EXPECT_TRUE(BLCommon::removeFile(path("dst/link.MP4")));
+    EXPECT_TRUE(QFileInfo::exists(path("dst/C0001.MP4"))); // the link went, not its target
+    EXPECT_TRUE(BLCommon::removeFile(path("dst")));
+    EXPECT_FALSE(QFileInfo::exists(path("dst")));
+    EXPECT_FALSE(BLCommon::removeFile(path("dst")));
+    chmod(QFile::encodeName(path("src/C0001/sub/C0001.BIM")).constData(), 0644);
+}
+
+TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
+{
+    writeBytes(path("a/C0001.MP4"), "1");
+    writeBytes(path("a/C0002.MP4"), "2");
+    QDir().mkpath(path("b"));
+
+    RecordingWorker worker;
+    int count = 0;
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0001.MP4"), path("b/C0001.MP4"), &worker, &count, 2),
+              0);
+    EXPECT_EQ(count, 1);
+    worker.setCancel();
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0002.MP4"), path("b/C0002.MP4"), &worker, &count, 2),
+              3);
+    EXPECT_EQ(count, 2);
+    EXPECT_TRUE(QFileInfo::exists(path("b/C0002.MP4"))); // moved before the cancel was seen
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("a/C0002.MP4"), path("b/x"), &worker, &count, 2), 2);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(BLCommon::moveFileWithProgress(path("b/C0002.MP4"), path("a/C0002.MP4"), nullptr, nullptr, 0),
+              0);
+
+    // Removal goes from the last path to the first: files before their folder.
+    cwtest::ScopedHome home;
+    cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "ALL"}});
+    writeBytes(path("t/TAKR/T1/T1.SMI"), "s");
+    writeBytes(path("t/TAKR/T1/T1M01.XML"), "x");
+    const QStringList paths = {path("t/TAKR/T1"), path("t/TAKR/T1/T1.SMI"), path("t/TAKR/T1/T1M01.XML")};
+    RecordingWorker remover;
+    int removed = 0;
+    EXPECT_TRUE(BLCommon::removeFileWithProgress(paths, &remover, &removed, 3));
+    EXPECT_EQ(removed, 3);
+    EXPECT_EQ(remover.shown, QList<double>({1, 2, 3}));
+    EXPECT_FALSE(QFileInfo::exists(path("t/TAKR/T1")));
+    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(log.readAll());
+    const QString line = "0601:[BLCommon removeFileWithProgress] path : %1\r\n";
+    ASSERT_GE(text.indexOf(line.arg(paths[2])), 0);
+    EXPECT_LT(text.indexOf(line.arg(paths[2])), text.indexOf(line.arg(paths[1])));
+    EXPECT_LT(text.indexOf(line.arg(paths[1])), text.indexOf(line.arg(paths[0])));
+
+    // Cancel stops after the current path; a failed removal stops at once.
+    writeBytes(path("u/1"), "1");
+    writeBytes(path("u/2"), "2");
+    writeBytes(path("u/3"), "3");
+    RecordingWorker cancelling;
+    cancelling.setCancel();
+    int from = 0;
+    EXPECT_FALSE(
+        BLCommon::removeFileWithProgress({path("u/1"), path("u/2"), path("u/3")}, &cancelling, &from, 3));
+    EXPECT_EQ(from, 1);
+    EXPECT_TRUE(QFileInfo::exists(path("u/2")));
+    from = 0;
+    EXPECT_FALSE(
+        BLCommon::removeFileWithProgress({path("u/1"), path("u/gone"), path("u/2")}, nullptr, &from, 3));
+    EXPECT_EQ(from, 1);
+    EXPECT_TRUE(QFileInfo::exists(path("u/1")));
+}

@@ -1,0 +1,115 @@
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/model/DOTakeData.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+// Runs the event loop until the condition holds or a second has passed.
+bool processUntil(const std::function<bool()>& condition)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition() && clock.elapsed() < 1000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    return condition();
+}
+
+// Delivers everything pending, then a little more time for late arrivals.
+void settle()
+{
+    processUntil([] { return SCNotificationCenter::defaultCenter()->pendingCount() == 0; });
+    QEventLoop loop;
+    QTimer::singleShot(50, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+class NotificationTest : public ::testing::Test
+{
+protected:
+    void TearDown() override { SCNotificationCenter::defaultCenter()->removeObserver(this); }
+
+    void observe(const QString& name)
+    {
+        SCNotificationCenter::defaultCenter()->addObserver(this, name, [this](const SCNotification& n) {
+            received << n;
+            threads << QThread::currentThread();
+        });
+    }
+
+    QList<SCNotification> received;
+    QList<QThread*> threads;
+};
+
+} // namespace
+
+TEST_F(NotificationTest, CoalescedPostsDeliverOnceAndOthersEachTime)
+{
+    observe(SC::SCTakeDidDeleteNotification);
+    BLCommon* common = BLCommon::sharedCtrl();
+    common->sendDidDeleteNotification(this, {"A"}, "/f1");
+    common->sendDidDeleteNotification(this, {"B"}, "/f2");
+    common->sendDidDeleteNotification(this, {"C"}, "/f3");
+    EXPECT_TRUE(received.isEmpty()); // posted when idle, not at once
+    settle();
+    ASSERT_EQ(received.size(), 1);
+    EXPECT_EQ(received[0].userInfo.value(SC::SCDeleteTakeUmidsKey).toStringList(), QStringList({"C"}));
+    EXPECT_EQ(received[0].userInfo.value(SC::SCDeleteSelectFolderKey).toString(), "/f3");
+    EXPECT_EQ(received[0].sender, this);
+
+    received.clear();
+    common->sendDidDelNotificationNotCoalesce(this, {"A"}, "/f1");
+    common->sendDidDelNotificationNotCoalesce(this, {"B"}, "/f2");
+    common->sendDidDelNotificationNotCoalesce(this, {"C"}, "/f3");
+    settle();
+    ASSERT_EQ(received.size(), 3);
+    EXPECT_EQ(received[0].userInfo.value(SC::SCDeleteSelectFolderKey).toString(), "/f1");
+    EXPECT_EQ(received[2].userInfo.value(SC::SCDeleteSelectFolderKey).toString(), "/f3");
+
+    observe(SC::SCTakeDidAddNotification);
+    received.clear();
+    DOTakeData take;
+    take.setUmid("060A2B340101010501010D4313000000");
+    common->sendDidAddNotification(this, "/work", {take});
+    common->sendNotificationNow(this, SC::SCTakeDidAddNotification);
+    EXPECT_EQ(received.size(), 1); // "now" is synchronous
+    settle();
+    ASSERT_EQ(received.size(), 2);
+    EXPECT_EQ(received[1].userInfo.value(SC::SCAddSelectFolderKey).toString(), "/work");
+    const auto takes = received[1].userInfo.value(SC::SCAddTakeDatasKey).value<QList<DOTakeData>>();
+    ASSERT_EQ(takes.size(), 1);
+    EXPECT_EQ(takes[0].getUmid(), take.getUmid());
+}
+
+TEST_F(NotificationTest, PostsFromAWorkerArriveOnTheMainThread)
+{
+    observe(SC::SCSelectFolderDataDidUpdateNotification);
+    observe(SC::SCNewFolderDidMakeNotification);
+    std::thread worker([] {
+        BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
+                                                 {{SC::SCDUpdateSelectFolderKey, "/dest"}});
+        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCNewFolderDidMakeNotification);
+    });
+    // The worker's "now" post waits for the main thread, so keep the loop running.
+    EXPECT_TRUE(processUntil([this] { return received.size() == 2; }));
+    worker.join();
+    settle();
+    ASSERT_EQ(received.size(), 2);
+    for (QThread* thread : threads)
+        EXPECT_EQ(thread, QCoreApplication::instance()->thread());
+    QStringList names;
+    for (const SCNotification& n : received)
+        names << n.name;
+    EXPECT_TRUE(names.contains(SC::SCSelectFolderDataDidUpdateNotification));
+    EXPECT_TRUE(names.contains(SC::SCNewFolderDidMakeNotification));
+}

@@ -1,0 +1,241 @@
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLLocalizedStrings.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/common/BLProgressThread.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace {
+
+// The headless dialog, keeping every change in order and able to react to
+// progress like a user watching the bar.
+class RecordingView : public BLHeadlessProgressView
+{
+public:
+    void setTitle(const QString& title) override
+    {
+        events << "title:" + title;
+        BLHeadlessProgressView::setTitle(title);
+    }
+    void setMessage(const QString& message) override
+    {
+        events << "message:" + message;
+        BLHeadlessProgressView::setMessage(message);
+    }
+    void setDeterminate(double value, double min, double max) override
+    {
+        events << QString("bar:%1/%2/%3").arg(value).arg(min).arg(max);
+        values << value;
+        BLHeadlessProgressView::setDeterminate(value, min, max);
+        if (onProgress)
+            onProgress(value);
+    }
+    void setIndeterminate() override
+    {
+        events << "busy";
+        BLHeadlessProgressView::setIndeterminate();
+    }
+    void setCancelEnabled(bool enabled) override
+    {
+        events << QString("cancel:%1").arg(enabled);
+        BLHeadlessProgressView::setCancelEnabled(enabled);
+    }
+    void runModal(BLProgressCtrl* controller) override
+    {
+        events << "modal";
+        ++modalRuns;
+        BLHeadlessProgressView::runModal(controller);
+        events << "closed";
+    }
+
+    QStringList events;
+    QList<double> values;
+    int modalRuns = 0;
+    std::function<void(double)> onProgress;
+};
+
+// A worker whose steps are given by the test.
+class ScriptedWorker : public BLProgressThread
+{
+public:
+    explicit ScriptedWorker(std::function<void(ScriptedWorker*)> work, double initMax = 0)
+        : m_work(std::move(work)), m_initMax(initMax)
+    {
+    }
+    QString getInitTitle() override { return "Copy"; }
+    QString getInitMessage() override { return "BTN_STYLE_CANCEL"; } // a key with an entry
+    void getInitProgress(double* value, double* min, double* max) override
+    {
+        *value = 0;
+        *min = 0;
+        *max = m_initMax;
+    }
+    void loopProcess() override
+    {
+        started = true;
+        thread = QThread::currentThread();
+        m_work(this);
+    }
+    void waitThread() override { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+    using BLProgressThread::progressValue;
+
+    std::atomic<bool> started{false};
+    std::atomic<QThread*> thread{nullptr};
+
+private:
+    std::function<void(ScriptedWorker*)> m_work;
+    double m_initMax;
+};
+
+class ProgressTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { BLProgressCtrl::sharedCtrl()->setView(&view); }
+    void TearDown() override { BLProgressCtrl::releaseCtrl(); }
+
+    RecordingView view;
+};
+
+} // namespace
+
+TEST_F(ProgressTest, AWorkerDoneAtOnceStillWaitsForTheDialog)
+{
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    auto worker = std::make_shared<ScriptedWorker>([](ScriptedWorker*) {});
+
+    // Its thread alone: the work does not begin before setStart.
+    std::thread thread([&] { worker->startThread(ctrl); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_FALSE(worker->started);
+    EXPECT_FALSE(worker->getProcessFlag());
+    worker->setStart();
+    thread.join();
+    EXPECT_TRUE(worker->started);
+    EXPECT_TRUE(worker->getProcessFlag());
+
+    // A whole run: the work starts on its own thread only once the dialog runs.
+    auto second = std::make_shared<ScriptedWorker>([this](ScriptedWorker* w) {
+        EXPECT_TRUE(w->isStart());
+        EXPECT_EQ(view.modalRuns, 1);
+    });
+    EXPECT_FALSE(ctrl->showProgress(second, true));
+    EXPECT_TRUE(second->started);
+    EXPECT_NE(second->thread.load(), QThread::currentThread());
+    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"),
+                                        "busy", "cancel:1", "modal", "closed"}));
+    EXPECT_FALSE(view.isVisible());
+}
+
+TEST_F(ProgressTest, CancelDisablesTheButtonAndTheRunReportsCancelled)
+{
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    int checksAfterCancel = 0;
+    auto worker = std::make_shared<ScriptedWorker>(
+        [&](ScriptedWorker* w) {
+            w->setProgress(1, 0, 10);
+            QElapsedTimer clock;
+            clock.start();
+            while (!w->isCancel() && clock.elapsed() < 5000)
+                w->waitThread();
+            ++checksAfterCancel;
+        },
+        10);
+    view.onProgress = [&](double value) {
+        if (value == 1) {
+            view.pressCancel();
+            EXPECT_FALSE(view.isCancelEnabled()); // at once, so no second press
+            view.pressCancel();
+        }
+    };
+    EXPECT_TRUE(ctrl->showProgress(worker, true));
+    EXPECT_TRUE(ctrl->isCancel());
+    EXPECT_TRUE(worker->isCancel());
+    EXPECT_EQ(checksAfterCancel, 1);
+    EXPECT_EQ(view.events.count("cancel:0"), 1);
+
+    // The next run starts uncancelled with the button enabled again.
+    auto next = std::make_shared<ScriptedWorker>([](ScriptedWorker*) {});
+    EXPECT_FALSE(ctrl->showProgress(next, true));
+    EXPECT_TRUE(view.isCancelEnabled());
+}
+
+TEST_F(ProgressTest, MaximumZeroGivesAnIndeterminateBar)
+{
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    std::atomic<int> shown{0};
+    view.onProgress = [&](double) { ++shown; };
+    auto worker = std::make_shared<ScriptedWorker>([&](ScriptedWorker* w) {
+        w->setProgress(3, 0, 10);
+        while (shown == 0) // until the bar shows it
+            w->waitThread();
+        w->setProgress(5, 0, 0);
+        w->setTitle("second title");
+        w->setMessage("working");
+        w->setCancelEnable(false);
+    });
+    EXPECT_FALSE(ctrl->showProgress(worker, true));
+    // The initial maximum 0 is shown busy; so is a later one.
+    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"),
+                                        "busy", "cancel:1", "modal", "bar:3/0/10", "busy",
+                                        "title:second title", "message:working", "cancel:0", "closed"}));
+    EXPECT_FALSE(view.isDeterminate());
+}
+
+TEST_F(ProgressTest, FastProgressShowsTheLatestValues)
+{
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    auto worker = std::make_shared<ScriptedWorker>(
+        [](ScriptedWorker* w) {
+            for (int i = 1; i <= 2000; ++i)
+                w->setProgress(i, 0, 2000);
+        },
+        2000);
+    EXPECT_FALSE(ctrl->showProgress(worker, true));
+    ASSERT_FALSE(view.values.isEmpty());
+    EXPECT_EQ(view.values.last(), 2000);
+    EXPECT_TRUE(std::is_sorted(view.values.begin(), view.values.end()));
+    EXPECT_EQ(worker->progressValue(), 2000);
+}
+
+TEST_F(ProgressTest, ARunWithoutTheDialogWorksOnTheMainThread)
+{
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    auto worker = std::make_shared<ScriptedWorker>([](ScriptedWorker* w) { EXPECT_FALSE(w->isStart()); });
+    EXPECT_FALSE(ctrl->showProgress(worker, false));
+    EXPECT_EQ(worker->thread.load(), QThread::currentThread());
+    EXPECT_TRUE(worker->getProcessFlag());
+    EXPECT_EQ(view.modalRuns, 0);
+    EXPECT_FALSE(ctrl->getShowProgressWindow());
+
+    // The result is the worker's own cancel flag after its work.
+    auto selfCancelling = std::make_shared<ScriptedWorker>([](ScriptedWorker* w) { w->setCancel(); });
+    EXPECT_TRUE(ctrl->showProgress(selfCancelling, false));
+}
+
+TEST(ProgressBaseTest, TheBaseWorkerPausesUntilCancelled)
+{
+    BLProgressThread worker;
+    EXPECT_EQ(worker.getInitTitle(), "");
+    EXPECT_TRUE(worker.getInitCancelEnable());
+    double value = -1, min = -1, max = -1;
+    worker.getInitProgress(&value, &min, &max);
+    EXPECT_EQ(value + min + max, 0);
+
+    QElapsedTimer clock;
+    clock.start();
+    worker.waitThread();
+    EXPECT_GE(clock.elapsed(), 99);
+    worker.setCancel();
+    clock.restart();
+    worker.loopProcess(); // no pause once cancelled
+    EXPECT_LT(clock.elapsed(), 50);
+}

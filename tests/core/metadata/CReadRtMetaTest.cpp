@@ -1,0 +1,226 @@
+#include "CReadRtMetaFile.h"
+
+#include "core/metadata/CReadRtMeta.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using cwtest::BimFile;
+
+class CReadRtMetaTest : public ::testing::Test
+{
+protected:
+    QByteArray write(const QByteArray& data, const QString& name = "C0001R01.BIM")
+    {
+        const QString path = m_dir.filePath(name);
+        QFile f(path);
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        EXPECT_EQ(f.write(data), data.size());
+        return QFile::encodeName(path);
+    }
+
+    QTemporaryDir m_dir;
+};
+
+namespace {
+
+quint32 packed(const FTCSTRUCT& tc)
+{
+    return quint32(tc.frames) << 24 | quint32(tc.seconds) << 16 | quint32(tc.minutes) << 8 | tc.hours;
+}
+
+BimFile fourFrames()
+{
+    BimFile f;
+    // Frames, seconds, minutes, hours in BCD; flag bits above the tens digits are kept.
+    f.timeCodes = {0x00000010, 0x01000010, 0x02000010, 0xC3D9D963};
+    return f;
+}
+
+} // namespace
+
+TEST_F(CReadRtMetaTest, ReadsTheTimeCodeOfEveryFrameUnit)
+{
+    BimFile f = fourFrames();
+    f.skipBits = 8 * 100 + 7; // 100 whole bytes skipped
+    const QByteArray path = write(f.bytes());
+    CReadRtMeta reader;
+    ASSERT_TRUE(reader.blReadBIM(path.constData(), 1234));
+    EXPECT_EQ(reader.getLastError(), nullptr);
+    EXPECT_TRUE(reader.isOpen());
+    EXPECT_EQ(reader.getUnitCount(), 5u);
+    EXPECT_EQ(reader.getStartPosition(), 1234u);
+    FTCSTRUCT tc;
+    for (unsigned long i = 0; i < 4; ++i) {
+        ASSERT_TRUE(reader.GetTimeCode(i, &tc)) << i;
+        EXPECT_EQ(packed(tc), f.timeCodes[int(i)]) << i;
+    }
+    EXPECT_EQ(tc.frames, 0xC3);
+    EXPECT_EQ(tc.hours, 0x63);
+    // Frame N - 2 is the last one answered.
+    EXPECT_FALSE(reader.GetTimeCode(4, &tc));
+    EXPECT_FALSE(reader.GetTimeCode(~0ul, &tc));
+    EXPECT_FALSE(reader.GetTimeCode(0, nullptr));
+}
+
+TEST_F(CReadRtMetaTest, UnitCountsWithoutFrames)
+{
+    for (qint64 n : {1, 0}) {
+        BimFile f;
+        f.unitCount = n;
+        CReadRtMeta reader;
+        ASSERT_TRUE(reader.blReadBIM(write(f.bytes()).constData(), 0)) << n;
+        EXPECT_EQ(reader.getLastError(), nullptr) << n;
+        EXPECT_TRUE(reader.isOpen());
+        EXPECT_EQ(reader.getUnitCount(), quint64(n));
+        FTCSTRUCT tc;
+        EXPECT_FALSE(reader.GetTimeCode(0, &tc)) << n;
+    }
+}
+
+TEST_F(CReadRtMetaTest, OneFileAtATimeUntilClosed)
+{
+    const QByteArray first = write(fourFrames().bytes(), "A.BIM");
+    BimFile other;
+    other.timeCodes = {0x05000000};
+    const QByteArray second = write(other.bytes(), "B.BIM");
+    CReadRtMeta reader;
+    ASSERT_TRUE(reader.blReadBIM(first.constData(), 0));
+    EXPECT_FALSE(reader.blReadBIM(second.constData(), 5));
+    EXPECT_STREQ(reader.getLastError(), "call CloseFTC() before use\n");
+    FTCSTRUCT tc;
+    ASSERT_TRUE(reader.GetTimeCode(3, &tc)) << "the open file is kept";
+    EXPECT_EQ(reader.getStartPosition(), 0u);
+
+    reader.CloseFTC();
+    EXPECT_FALSE(reader.isOpen());
+    EXPECT_FALSE(reader.GetTimeCode(0, &tc));
+    ASSERT_TRUE(reader.blReadBIM(second.constData(), 5));
+    ASSERT_TRUE(reader.GetTimeCode(0, &tc));
+    EXPECT_EQ(packed(tc), 0x05000000u);
+    EXPECT_FALSE(reader.GetTimeCode(1, &tc));
+}
+
+TEST_F(CReadRtMetaTest, ShortFrameUnitLeavesTheReaderClosed)
+{
+    const QByteArray whole = fourFrames().bytes();
+    for (int cut : {1, 1000, 1024, 3 * 1024 + 1}) {
+        CReadRtMeta reader;
+        EXPECT_TRUE(reader.blReadBIM(write(whole.chopped(cut)).constData(), 0)) << cut;
+        EXPECT_STREQ(reader.getLastError(), "BIM FRAMEFUU Read Error\n");
+        EXPECT_FALSE(reader.isOpen());
+        EXPECT_EQ(reader.getUnitCount(), 5u);
+        FTCSTRUCT tc;
+        EXPECT_FALSE(reader.GetTimeCode(0, &tc)) << cut;
+        // A closed reader reads again without CloseFTC.
+        EXPECT_TRUE(reader.blReadBIM(write(whole, "whole.BIM").constData(), 0));
+        EXPECT_TRUE(reader.GetTimeCode(3, &tc));
+    }
+
+    // A unit count far beyond the file is refused without reading or allocating for it.
+    BimFile huge = fourFrames();
+    huge.unitCount = qint64(1) << 34;
+    CReadRtMeta reader;
+    EXPECT_TRUE(reader.blReadBIM(write(huge.bytes()).constData(), 0));
+    EXPECT_STREQ(reader.getLastError(), "BIM FRAMEFUU Read Error\n");
+    EXPECT_FALSE(reader.isOpen());
+
+    // So is a skipped part that runs past the end of the file.
+    BimFile skip;
+    skip.unitCount = 1;
+    skip.skipBits = 0xFFFFF;
+    QByteArray data = skip.bytes();
+    data.chop(10);
+    EXPECT_TRUE(reader.blReadBIM(write(data).constData(), 0));
+    EXPECT_STREQ(reader.getLastError(), "BIM FRAMEFUU Read Error\n");
+    EXPECT_FALSE(reader.isOpen());
+}
+
+TEST_F(CReadRtMetaTest, HeaderFaultsAreRefusedWithTheirTexts)
+{
+    const BimFile f = fourFrames();
+    const QByteArray good = f.bytes();
+    const int uriEnd = 4 + int(f.schemaUri.size());
+    const int hintEnd = uriEnd + 1 + int(f.locationHint.size());
+    QByteArray zeroUriLength = good;
+    zeroUriLength[3] = char(0x80);
+    QByteArray wrongUri = good;
+    wrongUri[10] = 'X';
+    QByteArray zeroHintLength = good;
+    zeroHintLength[uriEnd] = char(0x80);
+    QByteArray wrongHint = good;
+    wrongHint[hintEnd - 1] = 'X';
+    struct Case
+    {
+        QByteArray data;
+        const char* error;
+    };
+    const Case cases[] = {
+        {good.left(3), "BIM DecoderInt1 Read Error\n"},
+        {zeroUriLength, "BIM DecoderInt1 SchemaURI_Length0 Error\n"},
+        {good.left(uriEnd - 1), "BIM SchemaURI Read Error\n"},
+        {wrongUri, "BIM m_SchemaURI Data Error\n"},
+        {good.left(uriEnd), "BIM DecoderInt2 Read Error\n"},
+        {zeroHintLength, "BIM DecoderInt2 LocationHint_Length0 Error\n"},
+        {good.left(hintEnd - 1), "BIM LocationHint Read Error\n"},
+        {wrongHint, "BIM LocationHint Data Error\n"},
+        {good.left(hintEnd), "BIM DecoderInt3 Read Error\n"},
+        {good.left(hintEnd + 1), "BIM HeaderFFU Read Error\n"},
+        {good.left(hintEnd + 1 + 3 + 1 + 43), "BIM HeaderFFU Read Error\n"},
+    };
+    for (const Case& c : cases) {
+        CReadRtMeta reader;
+        EXPECT_FALSE(reader.blReadBIM(write(c.data).constData(), 0)) << c.error;
+        EXPECT_STREQ(reader.getLastError(), c.error);
+        EXPECT_FALSE(reader.isOpen());
+    }
+    CReadRtMeta reader;
+    EXPECT_FALSE(reader.blReadBIM(QFile::encodeName(m_dir.filePath("none.BIM")).constData(), 0));
+    EXPECT_STREQ(reader.getLastError(), "BIM File Open Error\n");
+}
+
+TEST_F(CReadRtMetaTest, InitialDescriptionLengthIsCheckedButNotFatal)
+{
+    // 1,985 units make the expected length need four bytes of its own.
+    BimFile f;
+    for (quint32 i = 0; i < 1985; ++i)
+        f.timeCodes.append(i);
+    for (qint64 delta : {0, 1, -1}) {
+        f.lengthDelta = delta;
+        CReadRtMeta reader;
+        ASSERT_TRUE(reader.blReadBIM(write(f.bytes()).constData(), 0));
+        if (delta == 0)
+            EXPECT_EQ(reader.getLastError(), nullptr);
+        else
+            EXPECT_STREQ(reader.getLastError(), "InitialDescription_Length Error\n");
+        FTCSTRUCT tc;
+        ASSERT_TRUE(reader.GetTimeCode(1984, &tc));
+        EXPECT_EQ(packed(tc), 1984u);
+    }
+    // On both sides of the step from three to four bytes (1,984 and 1,985 units).
+    for (qint64 n : {1, 2, 1985, 1986}) {
+        BimFile g;
+        g.unitCount = n;
+        g.timeCodes = QList<quint32>(n - 1, 0);
+        CReadRtMeta reader;
+        ASSERT_TRUE(reader.blReadBIM(write(g.bytes()).constData(), 0));
+        EXPECT_EQ(reader.getLastError(), nullptr) << n;
+    }
+}
+
+TEST_F(CReadRtMetaTest, VariableLengthNumbersDecodeMostSignificantGroupFirst)
+{
+    // A unit count of 300 needs two bytes (0x82 0x2C).
+    EXPECT_EQ(cwtest::vluimsbf8(300), QByteArray("\x82\x2C", 2));
+    BimFile f;
+    for (quint32 i = 0; i < 299; ++i)
+        f.timeCodes.append(i << 8);
+    CReadRtMeta reader;
+    ASSERT_TRUE(reader.blReadBIM(write(f.bytes()).constData(), 0));
+    EXPECT_EQ(reader.getUnitCount(), 300u);
+    FTCSTRUCT tc;
+    ASSERT_TRUE(reader.GetTimeCode(298, &tc));
+    EXPECT_EQ(packed(tc), 298u << 8);
+}

@@ -1,0 +1,99 @@
+// The command-line tool on crafted files: exit status, output, and the .PPN
+// written whole or not at all.
+#include "Mp4TestSupport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+namespace {
+
+struct CliRun
+{
+    int status = -1;
+    QByteArray out, err;
+};
+
+CliRun cli(const QStringList& args)
+{
+    CliRun r;
+    QProcess p;
+    p.start(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli", args);
+    if (!p.waitForFinished(30000))
+        return r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+} // namespace
+
+class CliTest : public Mp4Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!QFileInfo::exists(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli"))
+            GTEST_SKIP() << "clipwright-cli is not built";
+    }
+};
+
+TEST_F(CliTest, Mp4InfoPrintsTheVerdictOfEachFile)
+{
+    cwtest::Mp4Builder b = cameraFile();
+    b.xmlBody = QByteArray("<?xml version=\"1.0\"?><a/>") + '\0';
+    write(b.boxes(), "good.MP4");
+    write(QByteArray("not an MP4"), "bad.MP4");
+
+    CliRun r = cli({"mp4info", path("good.MP4")});
+    EXPECT_EQ(r.status, 0) << r.err.constData();
+    EXPECT_TRUE(r.out.contains("good.MP4: OK")) << r.out.constData();
+    EXPECT_TRUE(r.out.contains("1920 X 1080 16:9")) << r.out.constData();
+    EXPECT_TRUE(r.out.contains("59.94i")) << r.out.constData();
+    EXPECT_TRUE(r.out.contains("embedded XML: 25 bytes")) << r.out.constData();
+
+    r = cli({"mp4info", "--json", path("good.MP4"), path("bad.MP4")});
+    EXPECT_EQ(r.status, 1) << "one file failed";
+    const QJsonArray all = QJsonDocument::fromJson(r.out).array();
+    ASSERT_EQ(all.size(), 2) << r.out.constData();
+    EXPECT_TRUE(all[0]["ok"].toBool());
+    EXPECT_EQ(all[0]["frames"].toInt(), 12);
+    EXPECT_EQ(all[0]["videoCodec"].toString(), "MPEG2HD35_1920_1080_MP@HL");
+    EXPECT_EQ(all[0]["audioFormats"].toArray().first().toString(), "LPCM16");
+    EXPECT_FALSE(all[1]["ok"].toBool());
+    EXPECT_EQ(all[1]["error"].toString(), "MP4 File Read Header Error");
+
+    EXPECT_EQ(cli({"mp4info"}).status, 2);
+    EXPECT_EQ(cli({}).status, 2);
+    EXPECT_EQ(cli({"frobnicate"}).status, 2);
+    r = cli({"--help"});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(r.out.contains("mp4info")) << r.out.constData();
+}
+
+TEST_F(CliTest, PpnIsWrittenWholeOrNotAtAll)
+{
+    write(cameraFile().boxes(), "good.MP4");
+    QList<cwtest::Mp4Box> boxes = cameraFile().boxes();
+    boxes[2].find("trak:0/mdia/minf/stbl/sdtp")->body.chop(1);
+    write(boxes, "broken.MP4");
+    write(QByteArray("an older table that must survive a failure"), "clip.PPN");
+
+    CliRun r = cli({"ppn", path("broken.MP4"), path("clip.PPN")});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains("MP4 File Moov Read Error")) << r.err.constData();
+    QFile old(path("clip.PPN"));
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), QByteArray("an older table that must survive a failure"));
+    old.close();
+
+    r = cli({"ppn", path("good.MP4"), path("clip.PPN")});
+    EXPECT_EQ(r.status, 0) << r.err.constData();
+    EXPECT_TRUE(r.out.contains("12 entries")) << r.out.constData();
+    EXPECT_EQ(QFileInfo(path("clip.PPN")).size(), 32 + 12 * 16) << "the longer old file is replaced, not overwritten";
+    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files).size(), 3) << "no temporary file left";
+
+    EXPECT_EQ(cli({"ppn", path("good.MP4")}).status, 2);
+}

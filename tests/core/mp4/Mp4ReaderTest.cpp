@@ -1,0 +1,334 @@
+#include "Mp4TestSupport.h"
+
+#include "core/mp4/CFileException.h"
+#include "core/mp4/CMP4File.h"
+
+#include <QFileInfo>
+
+#include <cstring>
+#include <random>
+
+using cwtest::be32;
+using cwtest::Mp4Box;
+using cwtest::Mp4Builder;
+
+namespace {
+
+Mp4Box* videoStbl(QList<Mp4Box>& boxes) { return boxes[2].find("trak:0/mdia/minf/stbl"); }
+
+// The reader's own text for a file, "" when every step passes.
+std::string readerError(const QByteArray& file)
+{
+    CMP4File reader;
+    CVideoPointerData video;
+    CAudioPointerData audio[CMP4File::kMaxAudioTracks];
+    if (!reader.Open(file.constData(), CFileM::kModeRead))
+        return "open";
+    if (reader.ulCheckHeader() && reader.ulSeekToMoov() && reader.ulReadMoov(&video, audio) &&
+        reader.blCheckVideo())
+        return "";
+    return reader.getLastError() ? reader.getLastError() : "(no text)";
+}
+
+} // namespace
+
+TEST_F(Mp4Test, FileWrapperOpensOnlyExistingFilesAndThrowsOnShortReads)
+{
+    CFileM file;
+    const QByteArray missing = local(path("missing.bin"));
+    EXPECT_EQ(file.Open(missing.constData(), CFileM::kModeWrite), 0);
+    EXPECT_FALSE(QFileInfo::exists(path("missing.bin"))) << "Open must never create a file";
+    EXPECT_EQ(file.Open(local(m_dir.path()).constData(), CFileM::kModeRead), 0) << "a folder is no file";
+
+    const QByteArray name = write(QByteArray("0123456789"), "ten.bin");
+    ASSERT_EQ(file.Open(name.constData(), CFileM::kModeRead), 1);
+    EXPECT_EQ(file.GetLength(), 10u);
+    char buf[16] = {};
+    EXPECT_EQ(file.Read(buf, 4), 4u);
+    EXPECT_EQ(std::string(buf, 4), "0123");
+    EXPECT_EQ(file.Seek(2, CFileM::kSeekCurrent), 6u);
+    EXPECT_EQ(file.Seek(-3, CFileM::kSeekEnd), 7u);
+    EXPECT_EQ(file.Seek(11, CFileM::kSeekStart), 0u) << "a move past the end is refused";
+    EXPECT_EQ(file.Seek(-1, CFileM::kSeekStart), 0u);
+    EXPECT_EQ(file.Seek(10, CFileM::kSeekStart), 10u);
+    EXPECT_EQ(file.Seek(-4, CFileM::kSeekCurrent), 6u);
+    EXPECT_THROW(file.Read(buf, 5), CFileException) << "four bytes are left";
+    EXPECT_EQ(file.Close(), 1);
+    EXPECT_EQ(file.Read(buf, 1), 0u) << "no file open";
+    EXPECT_EQ(file.GetLength(), 0u);
+
+    ASSERT_EQ(file.Open(name.constData(), CFileM::kModeWrite), 1);
+    EXPECT_EQ(file.Write("AB", 2), 2u);
+    file.Close();
+    QFile f(path("ten.bin"));
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_EQ(f.readAll(), QByteArray("AB23456789")) << "written from the start, not truncated";
+}
+
+TEST_F(Mp4Test, FirstBoxMustBeFtypAndNothingIsSearchedWithoutIt)
+{
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    ASSERT_EQ(check(boxes), "");
+    boxes.prepend(Mp4Box("free", QByteArray(4, '\0')));
+    const QByteArray file = write(boxes);
+    CMP4File reader;
+    ASSERT_EQ(reader.Open(file.constData(), CFileM::kModeRead), 1);
+    EXPECT_EQ(reader.ulCheckHeader(), 0u);
+    EXPECT_STREQ(reader.getLastError(), "ftyp header Error\n");
+    EXPECT_EQ(reader.ulSeekToMoov(), 0u) << "no box search without the ftyp header";
+    EXPECT_STREQ(reader.getLastError(), "ftyp header Error\n");
+    EXPECT_EQ(check(file), "MP4 File Read Header Error");
+
+    boxes.removeFirst();
+    boxes[0].type = "ftyq";
+    EXPECT_EQ(check(boxes), "MP4 File Read Header Error");
+}
+
+TEST_F(Mp4Test, UnknownBoxBeforeTheSearchedOneEndsTheWalk)
+{
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    boxes.insert(2, Mp4Box("junk", QByteArray(8, 'j')));
+    EXPECT_EQ(readerError(write(boxes)), "Seek Do not find Tag\n");
+    EXPECT_EQ(check(boxes), "MP4 File Seek to Moov Error");
+
+    boxes = cameraFile().boxes();
+    Mp4Box* trak = boxes[2].find("trak:1");
+    trak->children.insert(1, Mp4Box("wxyz"));
+    EXPECT_EQ(check(boxes), "Seek Do not find Tag\n");
+
+    // Known boxes of every kind are walked over.
+    boxes = cameraFile().boxes();
+    boxes[2].children.insert(1, Mp4Box("iods", QByteArray(12, 'i')));
+    boxes[2].find("trak:0")->children.insert(1, Mp4Box("edts", {}, {Mp4Box("elst", QByteArray(20, 'e'))}));
+    boxes[2].find("trak:0")->children.insert(1, Mp4Box("uuid", QByteArray(24, 'u')));
+    boxes.insert(1, Mp4Box("free", QByteArray(100, 'f')));
+    EXPECT_EQ(check(boxes), "");
+}
+
+TEST_F(Mp4Test, SixtyFourBitSizesAreWalkedWithTheirLowHalf)
+{
+    Mp4Builder b = cameraFile();
+    b.mdatLargeSize = true;
+    EXPECT_EQ(check(b.boxes()), "");
+
+    // The upper half of a 64-bit size is ignored.
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    Mp4Box free("free", QByteArray(40, 'f'));
+    free.largeSize = true;
+    free.sizeHigh = 1;
+    boxes[2].children.insert(1, free);
+    EXPECT_EQ(check(boxes), "");
+
+    // A size that does not even cover the box header is refused.
+    boxes = cameraFile().boxes();
+    boxes[2].children.insert(1, free);
+    QByteArray raw = Mp4Builder::serialize(boxes);
+    const qsizetype at = raw.indexOf(QByteArray("free"));
+    ASSERT_GT(at, 0);
+    raw.replace(at + 8, 4, be32(4));
+    EXPECT_EQ(check(write(raw)), "MP4 box Size Error\n");
+}
+
+TEST_F(Mp4Test, SampleTablesMustFollowEachOtherDirectly)
+{
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    Mp4Box* stbl = videoStbl(boxes);
+    stbl->children.insert(stbl->indexOf("stsz"), Mp4Box("free", QByteArray(4, '\0')));
+    EXPECT_EQ(check(boxes), "STSZ Header Error\n");
+
+    boxes = cameraFile().boxes();
+    stbl = boxes[2].find("trak:1/mdia/minf/stbl");
+    stbl->children.insert(stbl->indexOf("stco"), Mp4Box("free"));
+    EXPECT_EQ(check(boxes), "STCO Header Error\n");
+
+    // 64-bit chunk offsets are not read.
+    boxes = cameraFile().boxes();
+    Mp4Box* stco = videoStbl(boxes)->find("stco");
+    QByteArray co64 = be32(0) + be32(2);
+    for (int i = 0; i < 2; ++i)
+        co64 += be32(0) + stco->body.mid(8 + 4 * i, 4);
+    *stco = Mp4Box("co64", co64);
+    EXPECT_EQ(check(boxes), "STCO Header Error\n");
+}
+
+TEST_F(Mp4Test, VideoTrackWithoutSdtpRunsIntoTheFollowingBoxes)
+{
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    Mp4Box* stbl = videoStbl(boxes);
+    stbl->children.removeAt(stbl->indexOf("sdtp"));
+    EXPECT_EQ(check(boxes), "MP4 box Seek reached EOF\n");
+    boxes.append(Mp4Box("abcd"));
+    EXPECT_EQ(check(boxes), "Seek Do not find Tag\n");
+}
+
+TEST_F(Mp4Test, AtMostEightAudioTracks)
+{
+    Mp4Builder b;
+    b.tracks << Mp4Builder::videoTrack({"IBBPBB"});
+    const QByteArray formats[] = {"twos", "in24", "in32"};
+    for (int i = 0; i < 8; ++i)
+        b.tracks << Mp4Builder::audioTrack(formats[i % 3], i < 4 ? 2 : 1, {800});
+    // A track of another kind is read but not counted.
+    b.tracks << Mp4Builder::audioTrack("tmcd", 1, {1});
+
+    const QByteArray file = write(b.boxes());
+    CCreatePPT ppt;
+    ASSERT_EQ(ppt.blCheckMP4(file.constData()), 1) << ppt.getErrorText();
+    EXPECT_EQ(ppt.getNumAudioStream(), 8);
+    EXPECT_EQ(ppt.getAudioChannel(), 4 * 2 + 4);
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(ppt.getAudioESObjectID(i), 260u + quint32(i % 3)) << i;
+    EXPECT_EQ(ppt.getAudioESObjectID(8), 0u);
+    ppt.CloseCheckMP4();
+
+    b.tracks << Mp4Builder::audioTrack("twos", 1, {800});
+    EXPECT_EQ(check(b.boxes()), "Audio channel is over (8)\n");
+}
+
+TEST_F(Mp4Test, SequenceHeaderMustLieInTheFirst2048BytesOfChunkZero)
+{
+    Mp4Builder b = cameraFile();
+    QByteArray& chunk0 = b.tracks[0].chunkData[0];
+    const QByteArray start = cwtest::mpeg2SequenceStart(1920, 1080, 3, 4, false);
+    const QByteArray filler(start.size(), '\x55');
+    ASSERT_TRUE(chunk0.startsWith(start));
+    chunk0.replace(0, start.size(), filler);
+    chunk0.replace(2100, start.size(), start);
+    EXPECT_EQ(check(b.boxes()), "MPEG-2 Sequence Header Err\n");
+
+    chunk0.replace(2100, start.size(), filler);
+    chunk0.replace(2040, start.size(), start);
+    EXPECT_EQ(check(b.boxes()), "MPEG-2 Sequence Extension Err\n") << "the extension begins past byte 2048";
+
+    chunk0.replace(2040, start.size(), filler);
+    chunk0.replace(1000, start.size(), start);
+    EXPECT_EQ(check(b.boxes()), "");
+
+    // A first chunk that ends less than 2048 bytes before the end of the file.
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    Mp4Box* stco = videoStbl(boxes)->find("stco");
+    const quint64 length = Mp4Builder::serialize(boxes).size();
+    stco->body.replace(8, 4, be32(quint32(length - 2000)));
+    EXPECT_EQ(check(boxes), "MPEG-2 Read err\n");
+    stco->body.replace(8, 4, be32(quint32(length + 10)));
+    EXPECT_EQ(check(boxes), "MPEG-2 Read err\n");
+
+    // No video track at all.
+    b = cameraFile();
+    b.tracks.removeFirst();
+    EXPECT_EQ(check(b.boxes()), "MPEG-2 Read err\n");
+}
+
+TEST_F(Mp4Test, MalformedTablesAreRefusedWithTheirTexts)
+{
+    struct Case
+    {
+        const char* box;
+        int at;
+        QByteArray bytes;
+        const char* error;
+    };
+    // Offsets are into the box body (after the 8-byte header).
+    const Case cases[] = {
+        {"stsc", 4, be32(3), "STSC Size Error \n"},
+        {"stco", 4, be32(1), "Read stco Length Error\n"},
+        {"stco", 4, be32(3), "Read stco Length Error\n"},
+        {"stts", 4, be32(0), "Read STTS Error\n"},
+        {"stts", 4, be32(2), "Read STTS Error\n"},
+    };
+    for (const Case& c : cases) {
+        QList<Mp4Box> boxes = cameraFile().boxes();
+        Mp4Box* box = videoStbl(boxes)->find(c.box);
+        box->body.replace(c.at, c.bytes.size(), c.bytes);
+        EXPECT_EQ(check(boxes), c.error) << c.box << " at " << c.at;
+    }
+
+    // A sample count that does not match the size table fails without a text of the reader.
+    QList<Mp4Box> boxes = cameraFile().boxes();
+    videoStbl(boxes)->find("stsz")->body.replace(8, 4, be32(13));
+    EXPECT_EQ(readerError(write(boxes)), "(no text)");
+    EXPECT_EQ(check(boxes), "MP4 File Moov Read Error");
+
+    // Sample descriptions too short for their fields.
+    boxes = cameraFile().boxes();
+    videoStbl(boxes)->find("stsd")->body.truncate(100);
+    EXPECT_EQ(check(boxes), "Read STSD  Error\n");
+    boxes = cameraFile().boxes();
+    boxes[2].find("trak:1/mdia/minf/stbl/stsd")->body.truncate(30);
+    EXPECT_EQ(check(boxes), "Read STSD  Error\n");
+    boxes = cameraFile().boxes();
+    boxes[2].find("trak:0/mdia/mdhd")->body.truncate(12);
+    EXPECT_EQ(check(boxes), "Read MDHD Error\n");
+    boxes = cameraFile().boxes();
+    videoStbl(boxes)->find("sdtp")->body.truncate(2);
+    EXPECT_EQ(check(boxes), "Read SDTP Error\n");
+}
+
+TEST_F(Mp4Test, TruncatedFilesAreRefusedWithATextNeverACrash)
+{
+    Mp4Builder b = cameraFile();
+    b.xmlBody = QByteArray("<?xml version=\"1.0\"?><NonRealTimeMeta/>", 40);
+    const QList<Mp4Box> boxes = b.boxes();
+    const QByteArray whole = Mp4Builder::serialize(boxes);
+    const qsizetype moovStart = whole.size() - qsizetype(boxes[2].size());
+    int checked = 0;
+    // Every byte of moov, a stride through the rest.
+    for (qsizetype length = 0; length < whole.size(); length += (length < moovStart - 64 ? 61 : 1)) {
+        const QByteArray file = write(whole.left(length));
+        CCreatePPT ppt;
+        const char* xml = nullptr;
+        int xmlLength = -1;
+        ASSERT_EQ(ppt.blCheckMP4(file.constData(), xml, xmlLength), 0) << "length " << length;
+        ASSERT_NE(ppt.getErrorText(), nullptr) << "length " << length;
+        ASSERT_GT(std::strlen(ppt.getErrorText()), 0u);
+        EXPECT_EQ(xml, nullptr);
+        ++checked;
+    }
+    EXPECT_GT(checked, 1000);
+    // Cut at a track boundary inside moov: not mistaken for a file with fewer tracks.
+    const qsizetype audioTrak = whole.indexOf("trak", whole.indexOf("trak", moovStart) + 4) - 4;
+    EXPECT_EQ(readerError(write(whole.left(audioTrak))), "MP4 box Seek reached EOF\n");
+}
+
+TEST_F(Mp4Test, RandomCorruptionIsRefusedOrReadNeverACrash)
+{
+    Mp4Builder b = cameraFile();
+    b.tracks << Mp4Builder::audioTrack("in24", 1, {1601, 1602});
+    b.xmlBody = QByteArray(4, '\0') + "<NonRealTimeMeta/>";
+    const QByteArray whole = b.bytes();
+    const qsizetype moovStart = whole.size() - qsizetype(b.boxes()[2].size());
+    std::mt19937 random(20240611);
+    int passed = 0;
+    for (int round = 0; round < 1000; ++round) {
+        QByteArray data = whole;
+        const int flips = 1 + int(random() % 6);
+        for (int i = 0; i < flips; ++i) {
+            // Mostly the box tree, sometimes the sequence header or the ftyp.
+            const quint32 where = random() % 10;
+            const qsizetype at = where < 8   ? moovStart + qsizetype(random() % quint32(whole.size() - moovStart))
+                                 : where < 9 ? qsizetype(random() % 64)
+                                             : qsizetype(24 + random() % 40);
+            data[at] = char(random() % 4 == 0 ? 0xFF : random());
+        }
+        const QByteArray file = write(data);
+        CCreatePPT ppt;
+        const char* xml = nullptr;
+        int xmlLength = 0;
+        if (ppt.blCheckMP4(file.constData(), xml, xmlLength)) {
+            ++passed;
+            QString text;
+            EXPECT_EQ(ppt.getVideoSizeStr(text), 1);
+            if (xml) {
+                EXPECT_GE(xmlLength, 0);
+            }
+        } else {
+            ASSERT_NE(ppt.getErrorText(), nullptr);
+        }
+        ppt.CloseCheckMP4();
+        const QByteArray ppn = write(QByteArray(), "out.PPN");
+        if (!ppt.StartConvert(file.constData(), ppn.constData())) {
+            ASSERT_NE(ppt.getErrorText(), nullptr);
+        }
+    }
+    EXPECT_GT(passed, 0) << "some corruptions (in the data) leave the file readable";
+}

@@ -1,0 +1,96 @@
+#include "ui/common/ProgressDialog.h"
+#include "core/common/BLLocalizedStrings.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/common/BLProgressThread.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace {
+
+// Shows "working" with an unknown end, then a determinate step, then waits
+// for Cancel (at most five seconds).
+class WaitingWorker : public BLProgressThread
+{
+public:
+    QString getInitTitle() override { return "Copy"; }
+    QString getInitMessage() override { return "BTN_STYLE_YES"; }
+    void loopProcess() override
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (!isCancel() && clock.elapsed() < 5000) {
+            if (clock.elapsed() > 200 && !reported.exchange(true))
+                setProgress(25, 0, 100);
+            waitThread();
+        }
+    }
+    void waitThread() override { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+
+    std::atomic<bool> reported{false};
+};
+
+} // namespace
+
+TEST(ProgressDialogTest, TheDialogShowsTheRunAndItsCancelButtonEndsIt)
+{
+    QMainWindow window;
+    window.show();
+    ProgressDialog dialog(&window);
+    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
+    ctrl->setView(&dialog);
+    auto* message = dialog.findChild<QLabel*>("message");
+    auto* bar = dialog.findChild<QProgressBar*>("progress");
+    auto* cancel = dialog.findChild<QPushButton*>("cancel");
+    ASSERT_TRUE(message && bar && cancel);
+
+    bool sawBusy = false, sawModal = false, escapeKeptOpen = false;
+    int sawValue = -1;
+    QTimer probe;
+    probe.setInterval(20);
+    QObject::connect(&probe, &QTimer::timeout, [&] {
+        if (!dialog.isVisible())
+            return;
+        sawModal = dialog.windowModality() == Qt::WindowModal;
+        if (bar->maximum() == 0)
+            sawBusy = true; // the initial maximum 0: an animated busy bar
+        if (bar->maximum() > 0 && sawValue < 0) {
+            sawValue = bar->value() * 100 / bar->maximum();
+            QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QApplication::sendEvent(&dialog, &escape); // Escape acts as Cancel
+            escapeKeptOpen = dialog.isVisible();
+        }
+    });
+    probe.start();
+
+    const auto worker = std::make_shared<WaitingWorker>();
+    EXPECT_TRUE(ctrl->showProgress(worker, true));
+    probe.stop();
+
+    EXPECT_TRUE(sawModal);
+    EXPECT_TRUE(sawBusy);
+    EXPECT_EQ(sawValue, 25);
+    EXPECT_TRUE(escapeKeptOpen); // only the worker's end closes the dialog
+    EXPECT_FALSE(cancel->isEnabled());
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.windowTitle(), "Copy");
+    EXPECT_EQ(message->text(), BLLocalizedString("BTN_STYLE_YES"));
+    EXPECT_EQ(cancel->text(), BLLocalizedString("BTN_STYLE_CANCEL"));
+
+    // A second run clicks the button itself.
+    QTimer::singleShot(300, cancel, [cancel] { cancel->click(); });
+    EXPECT_TRUE(ctrl->showProgress(std::make_shared<WaitingWorker>(), true));
+    BLProgressCtrl::releaseCtrl();
+}

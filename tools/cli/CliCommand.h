@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QStringList>
+#include <QTextStream>
+
+// One subcommand of clipwright-cli. run gets the arguments after the
+// subcommand name and answers the exit status: 0 success, 1 failure, 2 usage.
+struct CliCommand
+{
+    const char* name;
+    const char* arguments; // shown in the usage text
+    const char* summary;
+    int (*run)(const QStringList& args);
+};
+
+constexpr int kExitOk = 0;
+constexpr int kExitFailed = 1;
+constexpr int kExitUsage = 2;
+
+QTextStream& cliOut();
+QTextStream& cliErr();
+// Prints the usage line of a subcommand to stderr and answers kExitUsage.
+int cliUsage(const char* name);
+
+int runMp4Info(const QStringList& args);
+int runPpn(const QStringList& args);

@@ -1,0 +1,73 @@
+// clipwright-cli: a small dispatcher over the subcommands below.
+#include "CliCommand.h"
+
+#include <QCoreApplication>
+
+#include <iterator>
+
+namespace {
+
+const CliCommand kCommands[] = {
+    {"mp4info", "[--json] FILE...",
+     "Check MP4 files of the camera's kind and print their properties", runMp4Info},
+    {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
+};
+
+void printUsage(QTextStream& out)
+{
+    out << "usage: clipwright-cli COMMAND [ARGUMENTS]\n\ncommands:\n";
+    for (const CliCommand& c : kCommands)
+        out << "  " << QString::fromLatin1(c.name).leftJustified(9) << c.arguments << "\n      " << c.summary
+            << "\n";
+    out << "\nExit status: 0 success, 1 a file failed, 2 wrong usage.\n";
+    out.flush();
+}
+
+} // namespace
+
+QTextStream& cliOut()
+{
+    static QTextStream out(stdout);
+    return out;
+}
+
+QTextStream& cliErr()
+{
+    static QTextStream err(stderr);
+    return err;
+}
+
+int cliUsage(const char* name)
+{
+    for (const CliCommand& c : kCommands) {
+        if (qstrcmp(c.name, name) == 0)
+            cliErr() << "usage: clipwright-cli " << c.name << " " << c.arguments << Qt::endl;
+    }
+    return kExitUsage;
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName("clipwright-cli");
+    const QStringList args = QCoreApplication::arguments().mid(1);
+    if (args.isEmpty()) {
+        printUsage(cliErr());
+        return kExitUsage;
+    }
+    if (args[0] == "-h" || args[0] == "--help" || args[0] == "help") {
+        printUsage(cliOut());
+        return kExitOk;
+    }
+    for (const CliCommand& c : kCommands) {
+        if (args[0] == QLatin1String(c.name)) {
+            const int status = c.run(args.mid(1));
+            cliOut().flush();
+            cliErr().flush();
+            return status;
+        }
+    }
+    cliErr() << "clipwright-cli: unknown command \"" << args[0] << "\"\n\n";
+    printUsage(cliErr());
+    return kExitUsage;
+}
