@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 
 namespace vv {
 
@@ -11,6 +12,8 @@ namespace {
 
 // Packets read to find the first frame's time stamp: a GOP is far shorter.
 constexpr size_t kProbePackets = 300;
+// Index entries that decide the frame duration.
+constexpr int kRateSamples = 64;
 
 int64_t floorDiv(int64_t a, int64_t b)
 {
@@ -39,12 +42,17 @@ int VideoClip::open(const std::string& path, Use use, std::unique_ptr<VideoClip>
         return VV_ERR_FORMAT;
 
     // Frames: the samples whose data lies inside the file (a cut file keeps
-    // its index but loses the samples at its end).
+    // its index but loses the samples at its end). The frame duration is the
+    // usual step between decoding times (the last sample's duration may be
+    // missing from the track's).
     const int64_t fileSize = format->pb ? avio_size(format->pb) : -1;
     const int entries = avformat_index_get_entries_count(stream);
     int64_t frames = 0;
+    std::map<int64_t, int> steps;
     for (int i = 0; i < entries; ++i) {
         const AVIndexEntry* e = avformat_index_get_entry(stream, i);
+        if (i > 0 && i <= kRateSamples)
+            ++steps[e->timestamp - avformat_index_get_entry(stream, i - 1)->timestamp];
         if (fileSize >= 0 && e->pos + e->size > fileSize)
             continue;
         ++frames;
@@ -55,19 +63,18 @@ int VideoClip::open(const std::string& path, Use use, std::unique_ptr<VideoClip>
         return VV_ERR_FORMAT;
     clip->m_frameCount = frames;
 
-    // Frame duration: the track's duration over its samples, else the rate.
+    const auto usual = std::max_element(steps.begin(), steps.end(),
+                                        [](const auto& a, const auto& b) { return a.second < b.second; });
     AVRational rate = stream->avg_frame_rate;
-    if (rate.num <= 0 || rate.den <= 0)
-        rate = stream->r_frame_rate;
-    if (stream->duration > 0 && stream->nb_frames > 0) {
-        clip->m_frameDuration = std::max<int64_t>(1, stream->duration / stream->nb_frames);
-        av_reduce(&rate.num, &rate.den, stream->time_base.den,
-                  int64_t(stream->time_base.num) * clip->m_frameDuration, std::numeric_limits<int>::max());
+    if (usual != steps.end() && usual->first > 0) {
+        clip->m_frameDuration = usual->first;
     } else if (rate.num > 0 && rate.den > 0) {
         clip->m_frameDuration = std::max<int64_t>(1, av_rescale_q(1, av_inv_q(rate), stream->time_base));
     } else {
         return VV_ERR_FORMAT;
     }
+    av_reduce(&rate.num, &rate.den, stream->time_base.den, int64_t(stream->time_base.num) * clip->m_frameDuration,
+              std::numeric_limits<int>::max());
     clip->m_rate = rate;
     out = std::move(clip);
     return VV_OK;
