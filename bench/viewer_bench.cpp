@@ -168,7 +168,7 @@ void BM_DecodeBusy1080i(benchmark::State& state)
         state.SkipWithError("cannot open the busy clip");
         return;
     }
-    vv::FrameConverter converter;
+    vv::FrameConverter converter(SWS_FAST_BILINEAR);
     AVFrame* picture = av_frame_alloc();
     std::vector<uint8_t> pixels;
     int64_t frames = 0;

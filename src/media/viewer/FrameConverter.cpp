@@ -9,7 +9,7 @@ bool FrameConverter::convert(const AVFrame* source, int width, int height, AVPix
 {
     if (!source || source->width <= 0 || source->height <= 0 || width <= 0 || height <= 0)
         return false;
-    const int flags = width == source->width && height == source->height ? SWS_POINT : SWS_AREA;
+    const int flags = width == source->width && height == source->height ? SWS_POINT : m_scaling;
     SwsContext* sws = sws_getCachedContext(m_sws.release(), source->width, source->height,
                                            AVPixelFormat(source->format), width, height, format, flags,
                                            nullptr, nullptr, nullptr);

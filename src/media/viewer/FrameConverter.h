@@ -11,6 +11,10 @@ namespace vv {
 class FrameConverter
 {
 public:
+    // How pictures are reduced: SWS_AREA for thumbnails (many pixels into
+    // one), SWS_FAST_BILINEAR where speed counts (playback at half or quarter).
+    explicit FrameConverter(int scaling) : m_scaling(scaling) {}
+
     // format: AV_PIX_FMT_BGRA (bytes B, G, R, A) or AV_PIX_FMT_BGR24.
     bool convert(const AVFrame* source, int width, int height, AVPixelFormat format, uint8_t* pixels,
                  int stride);
@@ -20,6 +24,7 @@ public:
     static AVRational displayAspect(const AVFrame* frame);
 
 private:
+    int m_scaling;
     SwsPtr m_sws;
 };
 

@@ -129,8 +129,8 @@ private:
     int64_t m_current = -1;         // its frame
     int64_t m_lastReported = -1;
     Clock::Time m_lastReportTime{};
-    FrameConverter m_converter;
-    FrameConverter m_thumbnailConverter;
+    FrameConverter m_converter{SWS_FAST_BILINEAR};
+    FrameConverter m_thumbnailConverter{SWS_AREA};
     std::vector<uint8_t> m_pixels;
     std::thread m_thread;
 };

@@ -52,7 +52,7 @@ int Thumbnailer::make(const std::vector<std::string>& paths, int64_t frame, int 
         return rc;
     if (const int rc = take->decode(picture.get(), decoded); rc != VV_OK)
         return rc == kEnd ? VV_ERR_DECODE : rc;
-    FrameConverter converter;
+    FrameConverter converter(SWS_AREA);
     vv_bitmap_t bitmap{};
     if (const int rc = fromFrame(picture.get(), converter, bitmap); rc != VV_OK)
         return rc;
