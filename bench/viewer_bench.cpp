@@ -56,7 +56,8 @@ const std::vector<std::string>& thumbnailTakes()
         std::abort();
     }
     for (const cardgen::ManifestTake& take : manifest->takes)
-        paths.push_back((options.outputFolder + QLatin1Char('/') + take.clips.front().files.front().path).toStdString());
+        paths.push_back(
+            (options.outputFolder + QLatin1Char('/') + take.clips.front().files.front().path).toStdString());
     return paths;
 }
 
@@ -153,7 +154,8 @@ void BM_Thumbnail1080(benchmark::State& state)
             state.SkipWithError("vv_get_thumbnail failed");
         vv_bitmap_free(&bitmap);
     }
-    state.counters["thumbnails/s"] = benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["thumbnails/s"] =
+        benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_Thumbnail1080)->Arg(0)->Arg(22)->Unit(benchmark::kMillisecond)->UseRealTime();
 
@@ -191,7 +193,13 @@ void BM_DecodeBusy1080i(benchmark::State& state)
     state.counters["ms per frame"] = perFrame * 1000;
     state.counters["of frame time"] = perFrame / (1001.0 / 30000);
 }
-BENCHMARK(BM_DecodeBusy1080i)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_DecodeBusy1080i)
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
 
 // Real-time playback of the busy clip through vv_play with frame dropping on:
 // every frame must still be shown, on time.

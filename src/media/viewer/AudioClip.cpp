@@ -43,8 +43,9 @@ int AudioClip::open(const std::string& path, int64_t length, std::unique_ptr<Aud
         if (avcodec_open2(track->decoder.get(), codec, nullptr) < 0)
             continue;
         SwrContext* swr = nullptr;
-        if (swr_alloc_set_opts2(&swr, &stream->codecpar->ch_layout, AV_SAMPLE_FMT_S16P, kRate, &stream->codecpar->ch_layout,
-                                track->decoder->sample_fmt, par->sample_rate, 0, nullptr) < 0 ||
+        if (swr_alloc_set_opts2(&swr, &stream->codecpar->ch_layout, AV_SAMPLE_FMT_S16P, kRate,
+                                &stream->codecpar->ch_layout, track->decoder->sample_fmt, par->sample_rate, 0,
+                                nullptr) < 0 ||
             swr_init(swr) < 0) {
             swr_free(&swr);
             continue;
@@ -64,7 +65,8 @@ int AudioClip::seek(int64_t sample)
 {
     sample = std::clamp<int64_t>(sample, 0, m_length);
     Track& first = *m_tracks.front();
-    const int64_t ts = rescale(sample, first.stream->time_base.den, int64_t(kRate) * first.stream->time_base.num);
+    const int64_t ts =
+        rescale(sample, first.stream->time_base.den, int64_t(kRate) * first.stream->time_base.num);
     if (av_seek_frame(m_format.get(), first.stream->index, ts, AVSEEK_FLAG_BACKWARD) < 0)
         return VV_ERR_DECODE;
     for (auto& track : m_tracks) {
@@ -97,8 +99,8 @@ void AudioClip::append(Track& track, const AVFrame* frame)
     const int64_t end = track.position + int64_t(track.fifo[0].size());
     int skip = 0;
     if (frame->pts != AV_NOPTS_VALUE) {
-        const int64_t start = rescale(frame->pts, int64_t(kRate) * track.stream->time_base.num,
-                                      track.stream->time_base.den);
+        const int64_t start =
+            rescale(frame->pts, int64_t(kRate) * track.stream->time_base.num, track.stream->time_base.den);
         if (start < end)
             skip = int(std::min<int64_t>(converted, end - start));
         else if (start > end && start - end < kLargestGap)

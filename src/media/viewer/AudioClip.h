@@ -37,9 +37,9 @@ private:
         AVStream* stream = nullptr;
         CodecPtr decoder;
         SwrPtr resampler;
-        int used = 1;                 // channels taken from this track (1 or 2)
-        std::deque<int16_t> fifo[2];  // decoded samples of those channels
-        int64_t position = 0;         // sample frame of the fifo's front
+        int used = 1;                // channels taken from this track (1 or 2)
+        std::deque<int16_t> fifo[2]; // decoded samples of those channels
+        int64_t position = 0;        // sample frame of the fifo's front
         bool ended = false;
     };
 

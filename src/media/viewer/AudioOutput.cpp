@@ -6,9 +6,9 @@ namespace {
 
 constexpr int kRate = AudioClip::kRate;
 constexpr int kChannels = 2;
-constexpr int kBlock = 1024;          // sample frames per write
-constexpr int kLead = kRate / 8;      // sound kept queued in the device
-constexpr double kTolerance = 0.015;  // clock error accepted before it is pulled onto the sound
+constexpr int kBlock = 1024;         // sample frames per write
+constexpr int kLead = kRate / 8;     // sound kept queued in the device
+constexpr double kTolerance = 0.015; // clock error accepted before it is pulled onto the sound
 constexpr auto kPoll = std::chrono::milliseconds(5);
 
 } // namespace

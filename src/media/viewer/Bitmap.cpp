@@ -89,8 +89,8 @@ int Bitmap::writeBmp(const char* path, const vv_bitmap_t& bitmap, bool overwrite
 
     // Written beside the target and moved over it, so no half file is ever seen.
     static std::atomic<unsigned> counter{0};
-    const std::string temp = std::string(path) + ".tmp" + std::to_string(getpid()) + "_" +
-                             std::to_string(counter.fetch_add(1));
+    const std::string temp =
+        std::string(path) + ".tmp" + std::to_string(getpid()) + "_" + std::to_string(counter.fetch_add(1));
     FILE* file = std::fopen(temp.c_str(), "wb");
     if (!file)
         return VV_ERR_WRITE;

@@ -4,15 +4,15 @@
 
 namespace vv {
 
-bool FrameConverter::convert(const AVFrame* source, int width, int height, AVPixelFormat format, uint8_t* pixels,
-                             int stride)
+bool FrameConverter::convert(const AVFrame* source, int width, int height, AVPixelFormat format,
+                             uint8_t* pixels, int stride)
 {
     if (!source || source->width <= 0 || source->height <= 0 || width <= 0 || height <= 0)
         return false;
     const int flags = width == source->width && height == source->height ? SWS_POINT : m_scaling;
-    SwsContext* sws = sws_getCachedContext(m_sws.release(), source->width, source->height,
-                                           AVPixelFormat(source->format), width, height, format, flags,
-                                           nullptr, nullptr, nullptr);
+    SwsContext* sws =
+        sws_getCachedContext(m_sws.release(), source->width, source->height, AVPixelFormat(source->format),
+                             width, height, format, flags, nullptr, nullptr, nullptr);
     m_sws.reset(sws);
     if (!sws)
         return false;

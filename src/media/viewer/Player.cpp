@@ -10,28 +10,35 @@ namespace vv {
 
 namespace {
 
-constexpr double kScanSpeed = 8;   // fast forward and rewind
-constexpr double kEarly = 0.002;   // a picture may go out this much before its time
+constexpr double kScanSpeed = 8; // fast forward and rewind
+constexpr double kEarly = 0.002; // a picture may go out this much before its time
 
 const char* stateName(int state)
 {
     switch (state) {
-    case VM_PLAYED: return "VM_PLAYED";
-    case VM_FASTFORWARDED: return "VM_FASTFORWARDED";
-    case VM_REWINDED: return "VM_REWINDED";
-    case VM_PAUSING: return "VM_PAUSING";
-    case VM_STOPPED: return "VM_STOPPED";
-    default: return "?";
+    case VM_PLAYED:
+        return "VM_PLAYED";
+    case VM_FASTFORWARDED:
+        return "VM_FASTFORWARDED";
+    case VM_REWINDED:
+        return "VM_REWINDED";
+    case VM_PAUSING:
+        return "VM_PAUSING";
+    case VM_STOPPED:
+        return "VM_STOPPED";
+    default:
+        return "?";
     }
 }
 
 } // namespace
 
-Player::Player(const Settings& settings, const vv_display_t& display, Log& log, IVVDemuxCallBacker* callbacker)
+Player::Player(const Settings& settings, const vv_display_t& display, Log& log,
+               IVVDemuxCallBacker* callbacker)
     : m_callbacker(callbacker), m_playInfoIntervalUs(settings.playInfoIntervalUs),
       m_frameDrop(settings.frameDrop), m_lowResolution(settings.lowResolution), m_settings(settings),
-      m_decodeQueue(settings.decodeQueue),
-      m_display(display), m_log(log), m_audio(display.audio_sink, m_clock)
+      m_decodeQueue(settings.decodeQueue), m_display(display), m_log(log),
+      m_audio(display.audio_sink, m_clock)
 {
     m_thread = std::thread([this] { run(); });
 }
@@ -77,10 +84,10 @@ void Player::changeSettings(const vv_init_param_t& param)
 {
     {
         std::lock_guard lock(m_mutex);
-    m_settings.change(param);
-    m_playInfoIntervalUs = m_settings.playInfoIntervalUs;
-    m_frameDrop = m_settings.frameDrop;
-    m_lowResolution = m_settings.lowResolution;
+        m_settings.change(param);
+        m_playInfoIntervalUs = m_settings.playInfoIntervalUs;
+        m_frameDrop = m_settings.frameDrop;
+        m_lowResolution = m_settings.lowResolution;
     }
     post(Request::Redraw);
 }
@@ -115,7 +122,7 @@ void Player::run()
             while (!m_commands.empty()) {
                 command = std::move(m_commands.front());
                 m_commands.pop_front();
-                if (command->request != Request::ShowFrame || m_commands.empty() ||
+                if (command->request != Request::ShowFrame || command->flag != 0 || m_commands.empty() ||
                     m_commands.front().request != Request::ShowFrame)
                     break;
             }
@@ -243,9 +250,7 @@ void Player::stopMoving()
 bool Player::decodeOne()
 {
     Decoded decoded{makeFrame(), 0};
-    if (!decoded.picture)
-        return false;
-    const int rc = m_video->decode(decoded.picture.get(), decoded.frame);
+    const int rc = decoded.picture ? m_video->decode(decoded.picture.get(), decoded.frame) : VV_ERR_MEMORY;
     if (rc != VV_OK) {
         if (rc != kEnd)
             m_log.write(Log::kError, "decoding failed: " + std::to_string(rc));
@@ -265,7 +270,8 @@ bool Player::decodeAt(int64_t frame, Decoded& out)
     if (rc == VV_OK)
         rc = m_video->decode(out.picture.get(), out.frame);
     if (rc != VV_OK)
-        m_log.write(Log::kError, "frame " + std::to_string(frame) + " could not be decoded: " + std::to_string(rc));
+        m_log.write(Log::kError,
+                    "frame " + std::to_string(frame) + " could not be decoded: " + std::to_string(rc));
     return rc == VV_OK;
 }
 
@@ -339,8 +345,8 @@ std::optional<Clock::Time> Player::stepPlaying()
         Decoded decoded = std::move(next);
         m_queue.pop_front();
         const auto interval = std::chrono::microseconds(m_playInfoIntervalUs.load());
-        const bool report = decoded.frame == lastFrame() ||
-                            std::chrono::steady_clock::now() - m_lastReportTime >= interval;
+        const bool report =
+            decoded.frame == lastFrame() || std::chrono::steady_clock::now() - m_lastReportTime >= interval;
         present(decoded, report);
         m_justStarted = false;
         return std::nullopt;
@@ -410,9 +416,16 @@ void Player::deliver(const AVFrame* picture, int64_t frame)
     }
     const int clip = m_video->clipOf(frame);
     const AVRational aspect = FrameConverter::displayAspect(picture);
-    const vv_frame_t record{m_pixels.data(), width,       height,     stride,
-                            frame,          clip,        frame - m_video->clipStart(clip),
-                            aspect.num,     aspect.den, m_fullScreen ? 1 : 0};
+    const vv_frame_t record{m_pixels.data(),
+                            width,
+                            height,
+                            stride,
+                            frame,
+                            clip,
+                            frame - m_video->clipStart(clip),
+                            aspect.num,
+                            aspect.den,
+                            m_fullScreen ? 1 : 0};
     const vv_draw_lock_t& lock = m_display.draw_lock;
     if (lock.lock)
         lock.lock(lock.context);
@@ -424,8 +437,8 @@ void Player::deliver(const AVFrame* picture, int64_t frame)
 void Player::reportFrame(int64_t frame)
 {
     const int clip = m_video->clipOf(frame);
-    const vv_frame_info_t info{clip, frame - m_video->clipStart(clip), frame, m_video->clip(clip).frameCount(),
-                               m_video->frameCount()};
+    const vv_frame_info_t info{clip, frame - m_video->clipStart(clip), frame,
+                               m_video->clip(clip).frameCount(), m_video->frameCount()};
     m_lastReported = frame;
     m_lastReportTime = std::chrono::steady_clock::now();
     send(VM_FRAME_INFO, &info);

@@ -27,9 +27,22 @@ namespace vv {
 class Player
 {
 public:
-    enum class Request {
-        SetTake, StartOffset, Play, Pause, Stop, FastForward, Rewind, FirstFrame, LastFrame, PlusOne,
-        MinusOne, ShowFrame, Redraw, MakeThumbnail,
+    enum class Request
+    {
+        SetTake,
+        StartOffset,
+        Play,
+        Pause,
+        Stop,
+        FastForward,
+        Rewind,
+        FirstFrame,
+        LastFrame,
+        PlusOne,
+        MinusOne,
+        ShowFrame,
+        Redraw,
+        MakeThumbnail,
     };
 
     Player(const Settings& settings, const vv_display_t& display, Log& log, IVVDemuxCallBacker* callbacker);
@@ -124,9 +137,9 @@ private:
     int64_t m_startOffset = 0;
     std::deque<Decoded> m_queue;
     bool m_videoEnded = false;
-    bool m_justStarted = false;     // the first picture after a start is never dropped
-    FramePtr m_picture;             // the picture shown
-    int64_t m_current = -1;         // its frame
+    bool m_justStarted = false; // the first picture after a start is never dropped
+    FramePtr m_picture;         // the picture shown
+    int64_t m_current = -1;     // its frame
     int64_t m_lastReported = -1;
     Clock::Time m_lastReportTime{};
     FrameConverter m_converter{SWS_FAST_BILINEAR};

@@ -30,12 +30,14 @@ constexpr Colour kWhite{255, 255, 255};
 constexpr double kStrokeWidth = 0.2; // in badge radii
 
 const std::vector<Stroke> kTick = {{{-0.5, 0.02}, {-0.15, 0.38}}, {{-0.15, 0.38}, {0.5, -0.38}}};
-const std::vector<Stroke> kImport = {
-    {{0, -0.62}, {0, 0.18}},      {{-0.3, -0.12}, {0, 0.18}},   {{0.3, -0.12}, {0, 0.18}},
-    {{-0.52, 0.22}, {-0.52, 0.5}}, {{-0.52, 0.5}, {0.52, 0.5}}, {{0.52, 0.5}, {0.52, 0.22}}};
+const std::vector<Stroke> kImport = {{{0, -0.62}, {0, 0.18}},     {{-0.3, -0.12}, {0, 0.18}},
+                                     {{0.3, -0.12}, {0, 0.18}},   {{-0.52, 0.22}, {-0.52, 0.5}},
+                                     {{-0.52, 0.5}, {0.52, 0.5}}, {{0.52, 0.5}, {0.52, 0.22}}};
 const std::vector<Stroke> kExclamation = {{{0, -0.58}, {0, 0.12}}, {{0, 0.48}, {0, 0.48}}};
-const std::vector<Stroke> kDoubleArrow = {{{-0.58, 0}, {0.58, 0}},     {{-0.58, 0}, {-0.3, -0.28}},
-                                          {{-0.58, 0}, {-0.3, 0.28}},  {{0.58, 0}, {0.3, -0.28}},
+const std::vector<Stroke> kDoubleArrow = {{{-0.58, 0}, {0.58, 0}},
+                                          {{-0.58, 0}, {-0.3, -0.28}},
+                                          {{-0.58, 0}, {-0.3, 0.28}},
+                                          {{0.58, 0}, {0.3, -0.28}},
                                           {{0.58, 0}, {0.3, 0.28}}};
 const std::vector<Stroke> kCross = {{{-0.42, -0.42}, {0.42, 0.42}}, {{-0.42, 0.42}, {0.42, -0.42}}};
 
@@ -53,12 +55,18 @@ const Mark* markOf(int icon)
     static const Mark spanning{{140, 70, 200}, &kDoubleArrow};
     static const Mark error{{205, 35, 35}, &kCross};
     switch (icon) {
-    case VV_ICON_OK: return &ok;
-    case VV_ICON_MP4_IMPORTED: return &imported;
-    case VV_ICON_MP4_NOT_IMPORTED: return &notImported;
-    case VV_ICON_MEDIA_SPANNING: return &spanning;
-    case VV_ICON_ERROR: return &error;
-    default: return nullptr;
+    case VV_ICON_OK:
+        return &ok;
+    case VV_ICON_MP4_IMPORTED:
+        return &imported;
+    case VV_ICON_MP4_NOT_IMPORTED:
+        return &notImported;
+    case VV_ICON_MEDIA_SPANNING:
+        return &spanning;
+    case VV_ICON_ERROR:
+        return &error;
+    default:
+        return nullptr;
     }
 }
 

@@ -6,7 +6,8 @@
 
 namespace vv {
 
-int TakeVideo::open(const std::vector<std::string>& paths, VideoClip::Use use, std::unique_ptr<TakeVideo>& out)
+int TakeVideo::open(const std::vector<std::string>& paths, VideoClip::Use use,
+                    std::unique_ptr<TakeVideo>& out)
 {
     if (paths.empty())
         return VV_ERR_PARAM;

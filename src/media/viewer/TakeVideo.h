@@ -36,7 +36,7 @@ private:
     std::vector<std::unique_ptr<VideoClip>> m_clips;
     std::vector<int64_t> m_starts;
     int64_t m_frameCount = 0;
-    int m_current = -1; // the clip being decoded (-1: none yet)
+    int m_current = -1;   // the clip being decoded (-1: none yet)
     bool m_ended = false; // decode() went past the last clip
 };
 

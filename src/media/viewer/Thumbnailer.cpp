@@ -21,7 +21,8 @@ int Thumbnailer::fromFrame(const AVFrame* frame, FrameConverter& converter, vv_b
     vv_bitmap_t bitmap{};
     if (const int rc = Bitmap::allocate(kWidth, height, 24, bitmap); rc != VV_OK)
         return rc;
-    if (!converter.convert(frame, bitmap.width, bitmap.height, AV_PIX_FMT_BGR24, bitmap.pixels, bitmap.stride)) {
+    if (!converter.convert(frame, bitmap.width, bitmap.height, AV_PIX_FMT_BGR24, bitmap.pixels,
+                           bitmap.stride)) {
         Bitmap::release(bitmap);
         return VV_ERR_DECODE;
     }

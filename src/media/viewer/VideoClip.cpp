@@ -73,8 +73,8 @@ int VideoClip::open(const std::string& path, Use use, std::unique_ptr<VideoClip>
     } else {
         return VV_ERR_FORMAT;
     }
-    av_reduce(&rate.num, &rate.den, stream->time_base.den, int64_t(stream->time_base.num) * clip->m_frameDuration,
-              std::numeric_limits<int>::max());
+    av_reduce(&rate.num, &rate.den, stream->time_base.den,
+              int64_t(stream->time_base.num) * clip->m_frameDuration, std::numeric_limits<int>::max());
     clip->m_rate = rate;
     out = std::move(clip);
     return VV_OK;
@@ -235,7 +235,8 @@ int VideoClip::decode(AVFrame* out, int64_t& frame)
     for (;;) {
         const int received = avcodec_receive_frame(decoder, out);
         if (received == 0) {
-            const int64_t ts = out->best_effort_timestamp != AV_NOPTS_VALUE ? out->best_effort_timestamp : out->pts;
+            const int64_t ts =
+                out->best_effort_timestamp != AV_NOPTS_VALUE ? out->best_effort_timestamp : out->pts;
             const int64_t n = ts != AV_NOPTS_VALUE ? frameOf(ts) : m_lastOut + 1;
             m_lastOut = n;
             if (n < m_target || n >= m_frameCount) {

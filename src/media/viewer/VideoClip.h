@@ -25,7 +25,11 @@ class VideoClip
 public:
     // Frame threads for playback (throughput); slice threads for single
     // pictures (the first picture comes out sooner).
-    enum class Use { Playback, Still };
+    enum class Use
+    {
+        Playback,
+        Still
+    };
 
     static int open(const std::string& path, Use use, std::unique_ptr<VideoClip>& out);
 
@@ -77,8 +81,8 @@ private:
     std::vector<Key> m_keys;
 
     bool m_probed = false;
-    int64_t m_origin = 0;        // time stamp of frame 0
-    int64_t m_keyOffset = 0;     // composition offset of a key frame (pts - dts)
+    int64_t m_origin = 0;    // time stamp of frame 0
+    int64_t m_keyOffset = 0; // composition offset of a key frame (pts - dts)
 
     std::deque<PacketPtr> m_pending; // read but not yet sent to the decoder
     bool m_inputEnded = false;       // the decoder was told the input ended

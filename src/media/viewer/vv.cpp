@@ -285,7 +285,8 @@ int vv_make_thumbnail(void)
     return VV_OK;
 }
 
-int vv_get_thumbnail(const char** paths, int32_t count, int64_t frame_no, int32_t icon_id, vv_bitmap_t* bitmap)
+int vv_get_thumbnail(const char** paths, int32_t count, int64_t frame_no, int32_t icon_id,
+                     vv_bitmap_t* bitmap)
 {
     if (!bitmap || (icon_id != VV_ICON_ERROR && !pathsValid(paths, count)))
         return VV_ERR_PARAM;

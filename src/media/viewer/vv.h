@@ -43,26 +43,26 @@ extern "C" {
 /* ---- Return codes ---------------------------------------------------- */
 
 #define VV_OK 0
-#define VV_ERR_PARAM (-1)       /* a null, empty or out-of-range argument */
-#define VV_ERR_NOT_INIT (-2)    /* vv_init has not succeeded (or vv_exit was called) */
-#define VV_ERR_STATE (-3)       /* not possible now (vv_init twice, nothing to show, ...) */
-#define VV_ERR_NO_TAKE (-4)     /* no take was set with vv_set_av_info */
-#define VV_ERR_FILE (-5)        /* a file is missing or cannot be read */
-#define VV_ERR_FORMAT (-6)      /* not an MP4 file with a decodable video track, or damaged */
-#define VV_ERR_DECODE (-7)      /* the picture could not be decoded */
-#define VV_ERR_WRITE (-8)       /* a file could not be written */
-#define VV_ERR_MEMORY (-9)      /* out of memory */
+#define VV_ERR_PARAM (-1)    /* a null, empty or out-of-range argument */
+#define VV_ERR_NOT_INIT (-2) /* vv_init has not succeeded (or vv_exit was called) */
+#define VV_ERR_STATE (-3)    /* not possible now (vv_init twice, nothing to show, ...) */
+#define VV_ERR_NO_TAKE (-4)  /* no take was set with vv_set_av_info */
+#define VV_ERR_FILE (-5)     /* a file is missing or cannot be read */
+#define VV_ERR_FORMAT (-6)   /* not an MP4 file with a decodable video track, or damaged */
+#define VV_ERR_DECODE (-7)   /* the picture could not be decoded */
+#define VV_ERR_WRITE (-8)    /* a file could not be written */
+#define VV_ERR_MEMORY (-9)   /* out of memory */
 
 /* ---- Messages (vv_viewer_message_t.message_id) ------------------------- */
 
 /* The state messages carry no parameter (param is null); each is sent when
- * the viewer enters that state. VV_STOPPED is the initial state. */
-#define VM_EXITED 1018          /* the library ended: the last message, sent by vv_exit */
-#define VM_PLAYED 1025          /* playing at normal speed */
-#define VM_FASTFORWARDED 1026   /* fast forward: key frames forwards at about 8x */
-#define VM_REWINDED 1027        /* rewind: key frames backwards at about 8x */
-#define VM_PAUSING 1028         /* paused on a picture */
-#define VM_STOPPED 1029         /* stopped: by vv_stop, a new take, or the end of the take */
+ * the viewer enters that state. VM_STOPPED is the initial state. */
+#define VM_EXITED 1018        /* the library ended: the last message, sent by vv_exit */
+#define VM_PLAYED 1025        /* playing at normal speed */
+#define VM_FASTFORWARDED 1026 /* fast forward: key frames forwards at about 8x */
+#define VM_REWINDED 1027      /* rewind: key frames backwards at about 8x */
+#define VM_PAUSING 1028       /* paused on a picture */
+#define VM_STOPPED 1029       /* stopped: by vv_stop, a new take, or the end of the take */
 /* A typical picture was made (vv_make_thumbnail); param: vv_typical_picture_t. */
 #define VM_TYPICAL_PICTURE 1030
 /* The presented frame changed; param: vv_frame_info_t. During playback sent
@@ -74,18 +74,20 @@ extern "C" {
 #define VM_FRAME_INFO 1031
 
 /* Audio channel choice (vv_audio_ch). */
-#define VV_AUDIO_L 0            /* channel 1 on both speakers */
-#define VV_AUDIO_R 1            /* channel 2 on both speakers */
-#define VV_AUDIO_BOTH 2         /* channel 1 left, channel 2 right (the default) */
+#define VV_AUDIO_L 0    /* channel 1 on both speakers */
+#define VV_AUDIO_R 1    /* channel 2 on both speakers */
+#define VV_AUDIO_BOTH 2 /* channel 1 left, channel 2 right (the default) */
 
-/* Status marks drawn into thumbnails (vv_get_thumbnail icon_id). */
-#define VV_ICON_NONE 0          /* no mark */
-#define VV_ICON_OK 1            /* green badge with a tick: complete take */
-#define VV_ICON_MP4_IMPORTED 2  /* blue badge with an arrow into a tray: imported MP4 take */
+/* Status marks drawn into thumbnails (vv_get_thumbnail icon_id); the take
+ * statuses choose them: 0 OK, 1 NONE, 2 MEDIA_SPANNING, 3 MP4_IMPORTED,
+ * 4 MP4_NOT_IMPORTED, 5 and 6 ERROR. */
+#define VV_ICON_NONE 0             /* no mark */
+#define VV_ICON_OK 1               /* green badge with a tick: complete take */
+#define VV_ICON_MP4_IMPORTED 2     /* blue badge with an arrow into a tray: imported MP4 take */
 #define VV_ICON_MP4_NOT_IMPORTED 3 /* amber badge with an exclamation mark: MP4 not yet imported */
-#define VV_ICON_MEDIA_SPANNING 4 /* violet badge with a double arrow: take continues on other media */
-#define VV_ICON_ERROR 5         /* the whole thumbnail is the error picture (grey with a red cross);
-                                   no file is read */
+#define VV_ICON_MEDIA_SPANNING 4   /* violet badge with a double arrow: take continues on other media */
+/* The whole thumbnail is the error picture (grey with a red cross); no file is read. */
+#define VV_ICON_ERROR 5
 
 /* ---- Records ------------------------------------------------------------ */
 
@@ -150,17 +152,17 @@ typedef struct vv_init_param_t
  * copies it. */
 typedef struct vv_frame_t
 {
-    const uint8_t* pixels;  /* packed 32-bit pixels, bytes B, G, R, A (A = 255) per pixel:
-                               QImage::Format_RGB32 on little-endian machines */
-    int32_t width;          /* in pixels, after the low-resolution reduction */
+    const uint8_t* pixels; /* packed 32-bit pixels, bytes B, G, R, A (A = 255) per pixel:
+                              QImage::Format_RGB32 on little-endian machines */
+    int32_t width;         /* in pixels, after the low-resolution reduction */
     int32_t height;
-    int32_t stride;         /* bytes from one row to the next (top row first) */
-    int64_t frame_no;       /* frame within the take */
-    int32_t clip_no;        /* clip (0-based) and frame within it */
+    int32_t stride;   /* bytes from one row to the next (top row first) */
+    int64_t frame_no; /* frame within the take */
+    int32_t clip_no;  /* clip (0-based) and frame within it */
     int64_t clip_frame_no;
-    int32_t aspect_num;     /* display aspect ratio of the picture (16:9, 4:3, ...) */
+    int32_t aspect_num; /* display aspect ratio of the picture (16:9, 4:3, ...) */
     int32_t aspect_den;
-    int32_t full_screen;    /* 1 between vv_show_full_screen and vv_show */
+    int32_t full_screen; /* 1 between vv_show_full_screen and vv_show */
 } vv_frame_t;
 
 typedef void (*vv_frame_sink_t)(void* context, const vv_frame_t* frame);
@@ -174,8 +176,7 @@ typedef void (*vv_frame_sink_t)(void* context, const vv_frame_t* frame);
  * (pause, stop, a jump). Both are called on the audio thread. */
 typedef struct vv_audio_sink_t
 {
-    int32_t (*write)(void* context, const int16_t* samples, int32_t frames, int32_t rate,
-                     int32_t channels);
+    int32_t (*write)(void* context, const int16_t* samples, int32_t frames, int32_t rate, int32_t channels);
     void (*flush)(void* context);
     void* context;
 } vv_audio_sink_t;
@@ -207,16 +208,16 @@ typedef struct vv_display_t
 /* Take information block (vv_set_take_info). */
 typedef struct vv_take_info_t
 {
-    int32_t reserved0;      /* 0 */
-    uint32_t start_offset;  /* first frame of the take: where playing from stopped begins,
-                               vv_first_frame goes, rewinding ends; frames before it are skipped */
-    int32_t reserved2;      /* 0 */
+    int32_t reserved0;     /* 0 */
+    uint32_t start_offset; /* first frame of the take: where playing from stopped begins,
+                              vv_first_frame goes, rewinding ends; frames before it are skipped */
+    int32_t reserved2;     /* 0 */
 } vv_take_info_t;
 
 /* AV information block, filled by vv_set_av_info. */
 typedef struct vv_av_info_t
 {
-    int32_t width;          /* coded picture size of the first clip */
+    int32_t width; /* coded picture size of the first clip */
     int32_t height;
     int32_t frame_rate_num; /* pictures per second = num / den (30000/1001 for 59.94i) */
     int32_t frame_rate_den;
@@ -239,11 +240,11 @@ typedef struct vv_viewer_message_t
 /* Parameter of VM_FRAME_INFO. */
 typedef struct vv_frame_info_t
 {
-    int32_t clip_no;        /* clip (0-based) that holds the frame */
-    int64_t clip_frame_no;  /* frame within that clip */
-    int64_t take_frame_no;  /* frame within the take */
-    int64_t clip_frames;    /* frames of that clip */
-    int64_t num_frames;     /* frames of the take */
+    int32_t clip_no;       /* clip (0-based) that holds the frame */
+    int64_t clip_frame_no; /* frame within that clip */
+    int64_t take_frame_no; /* frame within the take */
+    int64_t clip_frames;   /* frames of that clip */
+    int64_t num_frames;    /* frames of the take */
 } vv_frame_info_t;
 
 /* A picture made by the library: rows top to bottom, pixels B, G, R (24 bits)
@@ -285,7 +286,8 @@ int vv_set_callback_func_g(vv_message_func_t func, void* context);
 /* ---- Take ------------------------------------------------------------------- */
 
 /* Opens a take: paths[0..count-1] are its MP4 files (UTF-8) in clip order.
- * Every file is checked before anything changes: on an error the previous
+ * Every file is opened and its sample index read, and the take's first
+ * picture decoded, before anything changes: on an error the previous
  * take stays in place and av_info is untouched. On success the previous take
  * is dropped (VM_STOPPED when it was not stopped), av_info is filled and the
  * viewer is stopped at the new take's start offset (0). */
@@ -309,10 +311,10 @@ int vv_ff(void);
 /* Rewind (VM_REWINDED); at the start offset the viewer pauses there. */
 int vv_rew(void);
 /* Each of these shows the frame named and leaves the viewer paused. */
-int vv_first_frame(void);       /* the start offset */
-int vv_last_frame(void);        /* the take's last frame */
-int vv_plus_one_frame(void);    /* the frame after the shown one (clips continue) */
-int vv_minus_one_frame(void);   /* the frame before the shown one, not before the start offset */
+int vv_first_frame(void);     /* the start offset */
+int vv_last_frame(void);      /* the take's last frame */
+int vv_plus_one_frame(void);  /* the frame after the shown one (clips continue) */
+int vv_minus_one_frame(void); /* the frame before the shown one, not before the start offset */
 /* Shows frame_no (clamped to the take). play 1: playing continues from it.
  * play 0: the state is kept: playing or scanning continues from it, paused
  * stays paused, stopped becomes paused. Requests that pile up while the
@@ -325,8 +327,8 @@ int vv_show_frame(int64_t frame_no, int32_t play);
  * delivered again at once. */
 int vv_show_full_screen(void);
 int vv_show(void);
-/* VV_AUDIO_L, VV_AUDIO_R or VV_AUDIO_BOTH; takes effect within a few
- * milliseconds of sound. */
+/* VV_AUDIO_L, VV_AUDIO_R or VV_AUDIO_BOTH; takes effect with the sound not
+ * yet handed to the audio sink (the sink is kept about 1/8 s ahead). */
 int vv_audio_ch(int32_t channel);
 /* Changes settings while running. mode 1: the fields marked "Changeable"
  * above are taken from param (a null text keeps the current value); the
@@ -343,7 +345,8 @@ int vv_make_thumbnail(void);
  * frame) and answers it in *bitmap as a 24-bit thumbnail 160 pixels wide and
  * as high as the picture's display aspect asks (90 for 16:9), with the
  * status mark icon_id (VV_ICON_...) drawn into its top left corner.
- * VV_ICON_ERROR gives the error picture without reading a file. *bitmap is
+ * VV_ICON_ERROR gives the error picture without reading a file (paths may
+ * then be null). *bitmap is
  * filled only on success and then belongs to the caller (vv_bitmap_free). */
 int vv_get_thumbnail(const char** paths, int32_t count, int64_t frame_no, int32_t icon_id,
                      vv_bitmap_t* bitmap);
@@ -366,11 +369,13 @@ class IVVDemuxCallBacker
 {
 public:
     /* A transport job is finished: a positioning request has shown its frame,
-     * a stop is done, or playback reached the end of the take. Engine thread. */
+     * a pause has landed, a stop is done, or playback or scanning reached an
+     * end of the take. Called after the job's messages. Engine thread. */
     virtual void EndOfJob() = 0;
     virtual ~IVVDemuxCallBacker() = default;
 };
 
-/* Registers the callback object (null: none). May be called before vv_init. */
+/* Registers the callback object (null: none), at any time, also before vv_init
+ * or after it failed. */
 int vv_set_demux_callbacker(IVVDemuxCallBacker* callbacker);
 #endif

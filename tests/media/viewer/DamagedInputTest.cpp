@@ -168,7 +168,8 @@ TEST_F(DamagedInput, DamagedPicturesDecodeAsWellAsTheyCan)
     for (const QString& path : {garbage, cut}) {
         for (int64_t frame = 0; frame < 30; frame += 3) {
             const int rc = thumbnailOf({path}, frame);
-            EXPECT_TRUE(rc == VV_OK || rc == VV_ERR_DECODE) << path.toStdString() << " frame " << frame << ": " << rc;
+            EXPECT_TRUE(rc == VV_OK || rc == VV_ERR_DECODE)
+                << path.toStdString() << " frame " << frame << ": " << rc;
         }
         ViewerSession viewer(InitParam().set(InitParam::kPlayInfoInterval, "0"));
         const int rc = viewer.setTake({path, goodMp4()});

@@ -42,7 +42,8 @@ bool writeForeignMp4(const std::string& path, int frames)
     AVStream* stream = avformat_new_stream(out, nullptr);
     ok = ok && avcodec_parameters_from_context(stream->codecpar, enc) >= 0;
     stream->time_base = enc->time_base;
-    ok = ok && avio_open(&out->pb, path.c_str(), AVIO_FLAG_WRITE) >= 0 && avformat_write_header(out, nullptr) >= 0;
+    ok = ok && avio_open(&out->pb, path.c_str(), AVIO_FLAG_WRITE) >= 0 &&
+         avformat_write_header(out, nullptr) >= 0;
     AVFrame* frame = av_frame_alloc();
     frame->format = AV_PIX_FMT_YUV420P;
     frame->width = enc->width;
@@ -58,7 +59,8 @@ bool writeForeignMp4(const std::string& path, int frames)
     };
     for (int i = 0; ok && i < frames; ++i) {
         ok = av_frame_make_writable(frame) >= 0;
-        cardgen::FrameCounter::draw(frame->data[0], frame->linesize[0], frame->width, frame->height, kCounterClip, i);
+        cardgen::FrameCounter::draw(frame->data[0], frame->linesize[0], frame->width, frame->height,
+                                    kCounterClip, i);
         for (int plane = 1; plane <= 2; ++plane)
             std::memset(frame->data[plane], 128, size_t(frame->linesize[plane]) * size_t(frame->height / 2));
         frame->pts = i;
@@ -106,11 +108,13 @@ TEST(ForeignMp4, EveryFrameIsFoundAndStepsAreExact)
     for (int64_t frame = 43; frame <= 48; ++frame) {
         ASSERT_TRUE(viewer.job(vv_plus_one_frame));
         EXPECT_EQ(viewer.pictures().back().frame, frame);
-        EXPECT_EQ(viewer.pictures().back().counter, (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));
+        EXPECT_EQ(viewer.pictures().back().counter,
+                  (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));
     }
     for (int64_t frame = 47; frame >= 34; --frame) {
         ASSERT_TRUE(viewer.job(vv_minus_one_frame));
         EXPECT_EQ(viewer.pictures().back().frame, frame);
-        EXPECT_EQ(viewer.pictures().back().counter, (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));
+        EXPECT_EQ(viewer.pictures().back().counter,
+                  (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));
     }
 }

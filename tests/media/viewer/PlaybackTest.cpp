@@ -111,7 +111,8 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     ASSERT_EQ(vv_set_take_info(&offset), VV_OK);
     ASSERT_EQ(vv_play(), VV_OK);
     ASSERT_TRUE(viewer.waitForEnd());
-    EXPECT_EQ(reportedFrames(viewer.messages()), (std::vector<int64_t>{50, 51, 52, 53, 54, 55, 56, 57, 58, 59}));
+    EXPECT_EQ(reportedFrames(viewer.messages()),
+              (std::vector<int64_t>{50, 51, 52, 53, 54, 55, 56, 57, 58, 59}));
 }
 
 TEST(ViewerPlayback, ShowingAFrameDuringPlaybackResumesFromIt)

@@ -33,8 +33,8 @@ void getThumbnail(const std::vector<QString>& paths, int64_t frame, int icon, Th
         utf8.push_back(path.toUtf8());
     for (const QByteArray& path : utf8)
         pointers.push_back(path.constData());
-    out.rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame, icon,
-                              &out.bitmap);
+    out.rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame,
+                              icon, &out.bitmap);
 }
 
 const uint8_t* pixelAt(const vv_bitmap_t& b, int x, int y)
@@ -108,7 +108,8 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
     // The badge sits in the top left corner, clear of the counter's digits.
     const int corner = 30;
     std::vector<std::vector<uint8_t>> badges;
-    for (const int icon : {VV_ICON_OK, VV_ICON_MP4_IMPORTED, VV_ICON_MP4_NOT_IMPORTED, VV_ICON_MEDIA_SPANNING}) {
+    for (const int icon :
+         {VV_ICON_OK, VV_ICON_MP4_IMPORTED, VV_ICON_MP4_NOT_IMPORTED, VV_ICON_MEDIA_SPANNING}) {
         Thumbnail marked;
         getThumbnail(paths, 30, icon, marked);
         ASSERT_EQ(marked.rc, VV_OK) << "icon " << icon;
@@ -118,7 +119,8 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
         for (int y = 0; y < marked.bitmap.height; ++y) {
             for (int x = 0; x < marked.bitmap.width; ++x) {
                 const bool inCorner = x < corner && y < corner;
-                const bool same = std::memcmp(pixelAt(marked.bitmap, x, y), pixelAt(plain.bitmap, x, y), 3) == 0;
+                const bool same =
+                    std::memcmp(pixelAt(marked.bitmap, x, y), pixelAt(plain.bitmap, x, y), 3) == 0;
                 if (!inCorner) {
                     ASSERT_TRUE(same) << "icon " << icon << " changed pixel " << x << "," << y;
                 } else {
@@ -178,15 +180,16 @@ TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
         const uint32_t rowSize = (uint32_t(bitmap->width * bytes) + 3) & ~3u;
         ASSERT_EQ(data.left(2), QByteArray("BM"));
         EXPECT_EQ(u32(2), uint32_t(data.size()));
-        EXPECT_EQ(u32(10), 54u);                                      // pixels after the two headers
-        EXPECT_EQ(u32(14), 40u);                                      // BITMAPINFOHEADER
-        EXPECT_EQ(int32_t(u32(22)), bitmap->height);                  // positive: bottom-up
+        EXPECT_EQ(u32(10), 54u);                     // pixels after the two headers
+        EXPECT_EQ(u32(14), 40u);                     // BITMAPINFOHEADER
+        EXPECT_EQ(int32_t(u32(22)), bitmap->height); // positive: bottom-up
         EXPECT_EQ(uint8_t(data[28]), bitmap->bits_per_pixel);
-        EXPECT_EQ(u32(30), 0u);                                       // BI_RGB
+        EXPECT_EQ(u32(30), 0u); // BI_RGB
         EXPECT_EQ(uint32_t(data.size()), 54 + rowSize * uint32_t(bitmap->height));
         // The bottom row comes first; padding bytes are zero.
         const auto* fileBytes = reinterpret_cast<const uint8_t*>(data.constData());
-        EXPECT_EQ(std::memcmp(fileBytes + 54, pixelAt(*bitmap, 0, bitmap->height - 1), size_t(bitmap->width * bytes)),
+        EXPECT_EQ(std::memcmp(fileBytes + 54, pixelAt(*bitmap, 0, bitmap->height - 1),
+                              size_t(bitmap->width * bytes)),
                   0);
         for (uint32_t pad = uint32_t(bitmap->width * bytes); pad < rowSize; ++pad)
             EXPECT_EQ(fileBytes[54 + pad], 0);

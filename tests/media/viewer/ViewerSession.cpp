@@ -15,9 +15,10 @@ constexpr int kFields = 31;
 InitParam::InitParam() : m_texts(kFields)
 {
     // The settings store's values for a new settings file.
-    const char* defaults[kFields] = {"", "", "", "", "", "", "0", "1024", "", "500000", "5", "1", "20", "10", "5",
-                                     "5", "5", "1", "1", "1", "1", "1", "100000", "1", "0", "1000000", "2500000",
-                                     "400000", "1", "0", "10"};
+    const char* defaults[kFields] = {"",  "",        "",        "",       "",   "",   "0",      "1024",
+                                     "",  "500000",  "5",       "1",      "20", "10", "5",      "5",
+                                     "5", "1",       "1",       "1",      "1",  "1",  "100000", "1",
+                                     "0", "1000000", "2500000", "400000", "1",  "0",  "10"};
     for (int i = 0; i < kFields; ++i)
         m_texts[size_t(i)] = defaults[i];
 }
@@ -47,13 +48,15 @@ void AudioDevice::update(std::chrono::steady_clock::time_point now)
     lastUpdate = now;
 }
 
-ViewerSession::ViewerSession(InitParam param, bool withAudio) : m_withAudio(withAudio), m_param(std::move(param))
+ViewerSession::ViewerSession(InitParam param, bool withAudio)
+    : m_withAudio(withAudio), m_param(std::move(param))
 {
     vv_display_t display{};
     display.frame_sink = &ViewerSession::onFrame;
     display.frame_context = this;
     if (withAudio)
-        display.audio_sink = vv_audio_sink_t{&ViewerSession::onAudioWrite, &ViewerSession::onAudioFlush, this};
+        display.audio_sink =
+            vv_audio_sink_t{&ViewerSession::onAudioWrite, &ViewerSession::onAudioFlush, this};
     display.reserved[0] = display.reserved[1] = display.reserved[2] = 1;
     vv_set_demux_callbacker(this);
     m_initResult = vv_init(m_param.get(), &display, 0);
@@ -123,7 +126,8 @@ void ViewerSession::onFrame(void* context, const vv_frame_t* frame)
     p.width = frame->width;
     p.height = frame->height;
     p.fullScreen = frame->full_screen;
-    p.counter = cardgen::FrameCounter::readPacked(frame->pixels, frame->stride, frame->width, frame->height, 4);
+    p.counter =
+        cardgen::FrameCounter::readPacked(frame->pixels, frame->stride, frame->width, frame->height, 4);
     p.at = std::chrono::steady_clock::now();
     std::lock_guard lock(self->m_mutex);
     if (self->m_withAudio) {
