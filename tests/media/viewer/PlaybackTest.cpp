@@ -70,8 +70,7 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     EXPECT_EQ(info.aspect_num * 9, info.aspect_den * 16);
 
     const auto started = std::chrono::steady_clock::now();
-    ASSERT_EQ(vv_play(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil(vv_play));
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const std::vector<Message> messages = viewer.messages();
 
@@ -109,8 +108,7 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     viewer.clear();
     vv_take_info_t offset{0, 50, 0};
     ASSERT_EQ(vv_set_take_info(&offset), VV_OK);
-    ASSERT_EQ(vv_play(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil(vv_play));
     EXPECT_EQ(reportedFrames(viewer.messages()),
               (std::vector<int64_t>{50, 51, 52, 53, 54, 55, 56, 57, 58, 59}));
 }
@@ -125,8 +123,7 @@ TEST(ViewerPlayback, ShowingAFrameDuringPlaybackResumesFromIt)
     ASSERT_TRUE(viewer.waitFor([](const std::vector<Message>& m) { return reportedFrames(m).size() >= 5; }));
 
     const size_t before = viewer.messageCount();
-    ASSERT_EQ(vv_show_frame(80, 0), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(80, 0); }));
     const std::vector<Message> messages = viewer.messages();
     EXPECT_FALSE(hasState(messages, VM_PAUSING));
     EXPECT_EQ(states(messages), (std::vector<int>{VM_PLAYED, VM_STOPPED}));
@@ -147,8 +144,7 @@ TEST(ViewerPlayback, ShowingAFrameDuringPlaybackResumesFromIt)
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(100, 0); }));
     EXPECT_EQ(states(viewer.messages()), (std::vector<int>{VM_PAUSING}));
     EXPECT_EQ(reportedFrames(viewer.messages()), (std::vector<int64_t>{100}));
-    ASSERT_EQ(vv_show_frame(110, 1), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(110, 1); }));
     EXPECT_EQ(reportedFrames(viewer.messages()),
               (std::vector<int64_t>{100, 110, 111, 112, 113, 114, 115, 116, 117, 118, 119}));
 }
@@ -233,8 +229,7 @@ TEST(ViewerPlayback, LowResolutionScalesThePictures)
 
     // Playback at a quarter, then back to full size.
     viewer.clear();
-    ASSERT_EQ(vv_show_frame(20, 1), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(20, 1); }));
     std::vector<Picture> pictures = viewer.pictures();
     ASSERT_EQ(pictures.size(), 10u);
     for (const Picture& p : pictures) {
@@ -283,8 +278,7 @@ TEST(ViewerPlayback, PauseFastForwardRewindAndStop)
     viewer.clear();
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(3, 0); }));
     viewer.clear();
-    ASSERT_EQ(vv_ff(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil(vv_ff));
     messages = viewer.messages();
     EXPECT_EQ(states(messages), (std::vector<int>{VM_FASTFORWARDED, VM_STOPPED}));
     std::vector<Picture> pictures = viewer.pictures();
@@ -301,8 +295,7 @@ TEST(ViewerPlayback, PauseFastForwardRewindAndStop)
     // Rewind from the last frame goes back by key frames and pauses on the first.
     ASSERT_TRUE(viewer.job(vv_last_frame));
     viewer.clear();
-    ASSERT_EQ(vv_rew(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd(VM_PAUSING));
+    ASSERT_TRUE(viewer.runUntil(vv_rew, VM_PAUSING));
     messages = viewer.messages();
     EXPECT_EQ(states(messages), (std::vector<int>{VM_REWINDED, VM_PAUSING}));
     pictures = viewer.pictures();
@@ -351,8 +344,7 @@ TEST(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
     ViewerSession viewer(everyFrame(), true);
     ASSERT_EQ(viewer.setTake(mp4Paths(card, onlyTake(card))), VV_OK);
 
-    ASSERT_EQ(vv_play(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil(vv_play));
     const std::vector<Picture> pictures = viewer.pictures();
     ASSERT_EQ(pictures.size(), 60u);
     // Each picture goes out when the device has played the sound up to it.
@@ -387,8 +379,7 @@ TEST(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
     for (const int choice : {VV_AUDIO_L, VV_AUDIO_R}) {
         ASSERT_EQ(vv_audio_ch(choice), VV_OK);
         viewer.withAudio([](AudioDevice& device) { device.samples.clear(); });
-        ASSERT_EQ(vv_show_frame(40, 1), VV_OK);
-        ASSERT_TRUE(viewer.waitForEnd());
+        ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(40, 1); }));
         viewer.withAudio([&](const AudioDevice& device) { sound = device.samples; });
         ASSERT_GT(sound.size(), size_t(2 * 24000));
         const int expected = choice == VV_AUDIO_L ? 1000 : 2000;
@@ -404,8 +395,7 @@ TEST(ViewerPlayback, PositionsAreReportedAtTheInterval)
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     ViewerSession viewer; // 100 ms between reports, late pictures dropped
     ASSERT_EQ(viewer.setTake(mp4Paths(card, onlyTake(card))), VV_OK);
-    ASSERT_EQ(vv_play(), VV_OK);
-    ASSERT_TRUE(viewer.waitForEnd());
+    ASSERT_TRUE(viewer.runUntil(vv_play));
     const std::vector<int64_t> frames = reportedFrames(viewer.messages());
     ASSERT_GE(frames.size(), 3u);
     EXPECT_EQ(frames.front(), 0);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vvtest {
@@ -181,21 +182,19 @@ bool ViewerSession::waitForPictures(const std::function<bool(const std::vector<P
 
 bool ViewerSession::waitForMessage(int id, std::chrono::milliseconds timeout)
 {
-    const size_t from = messageCount();
     return waitFor(
         [&](const std::vector<Message>& messages) {
-            for (size_t i = from; i < messages.size(); ++i) {
-                if (messages[i].id == id)
-                    return true;
-            }
-            return false;
+            return std::any_of(messages.begin(), messages.end(),
+                               [&](const Message& m) { return m.id == id; });
         },
         timeout);
 }
 
-bool ViewerSession::waitForEnd(int state)
+bool ViewerSession::runUntil(const std::function<int()>& request, int state)
 {
     const size_t from = messageCount();
+    if (request() != VV_OK)
+        return false;
     return waitFor([&](const std::vector<Message>& messages) {
         bool stopped = false;
         for (size_t i = from; i < messages.size(); ++i) {

@@ -26,6 +26,7 @@ public:
     const vv_init_param_t* get();
 
     static constexpr int kLogLevel = 7;
+    static constexpr int kLogFileSize = 8;
     static constexpr int kLogFilePath = 9;
     static constexpr int kPlayInfoInterval = 23;
     static constexpr int kFrameDropFlag = 24;
@@ -99,10 +100,11 @@ public:
                  std::chrono::milliseconds timeout = std::chrono::seconds(20));
     bool waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done,
                          std::chrono::milliseconds timeout = std::chrono::seconds(20));
+    // Waits for a message of this id among those recorded since the last clear().
     bool waitForMessage(int id, std::chrono::milliseconds timeout = std::chrono::seconds(20));
-    // Waits for a state that ends a job and for the end-of-job call after it:
-    // by default the end of the take (VM_STOPPED).
-    bool waitForEnd(int state = VM_STOPPED);
+    // Runs a request and waits for a state that ends a job and for the
+    // end-of-job call after it: by default the end of the take (VM_STOPPED).
+    bool runUntil(const std::function<int()>& request, int state = VM_STOPPED);
     // Runs a request and waits for the end-of-job call it leads to.
     bool job(const std::function<int()>& request);
 
