@@ -12,6 +12,8 @@ namespace {
 
 // Packets read to find the first frame's time stamp: a GOP is far shorter.
 constexpr size_t kProbePackets = 300;
+// Narrowest picture a still is decoded at (twice the thumbnail width).
+constexpr int kStillWidth = 320;
 // Index entries that decide the frame duration.
 constexpr int kRateSamples = 64;
 
@@ -144,6 +146,12 @@ int VideoClip::openDecoder()
     decoder->pkt_timebase = m_stream->time_base;
     decoder->thread_count = 0;
     decoder->thread_type = m_use == Use::Playback ? FF_THREAD_FRAME : FF_THREAD_SLICE;
+    // A still picture for a thumbnail needs far fewer pixels: decoders that
+    // can (MPEG-2 can) work at a half, quarter or eighth of the size.
+    if (m_use == Use::Still) {
+        while (decoder->lowres < codec->max_lowres && (width() >> (decoder->lowres + 1)) >= kStillWidth)
+            ++decoder->lowres;
+    }
     if (avcodec_open2(decoder.get(), codec, nullptr) < 0)
         return VV_ERR_FORMAT;
     m_decoder = std::move(decoder);

@@ -23,8 +23,8 @@ namespace vv {
 class VideoClip
 {
 public:
-    // Frame threads for playback (throughput); slice threads for single
-    // pictures (the first picture comes out sooner).
+    // Frame threads for playback (throughput); slice threads and reduced
+    // size for still pictures (thumbnails: the picture comes out sooner).
     enum class Use
     {
         Playback,

@@ -97,6 +97,25 @@ TEST_F(TwoClipTake, ThumbnailShowsTheFrameAskedFor)
     EXPECT_EQ(readCounter(second.bitmap), counterOf(take, 65));
 }
 
+TEST(Thumbnail, FullHdInterlacedFramesAreExactToo)
+{
+    // Thumbnails of large pictures are decoded at a reduced size.
+    cardgen::Options options = tinyTake(1, 18);
+    options.size = QStringLiteral("1920x1080");
+    options.frameRate = QStringLiteral("59.94i");
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& take = onlyTake(card);
+    for (const int64_t frame : {0, 2, 7, 15, 17}) {
+        Thumbnail thumb;
+        getThumbnail(mp4Paths(card, take), frame, VV_ICON_OK, thumb);
+        ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
+        EXPECT_EQ(thumb.bitmap.width, 160);
+        EXPECT_EQ(thumb.bitmap.height, 90);
+        EXPECT_EQ(readCounter(thumb.bitmap), counterOf(take, frame)) << "frame " << frame;
+    }
+}
+
 TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
 {
     ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
