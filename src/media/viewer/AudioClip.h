@@ -24,7 +24,6 @@ public:
     static int open(const std::string& path, int64_t length, std::unique_ptr<AudioClip>& out);
 
     int channels() const { return m_channels; }
-    int64_t length() const { return m_length; }
     // Goes to a sample frame of the clip.
     int seek(int64_t sample);
     // Reads up to count sample frames of the two channels: answers the number

@@ -63,8 +63,8 @@ inline int64_t rescale(int64_t a, int64_t b, int64_t c)
     return av_rescale_rnd(a, b, c, AV_ROUND_NEAR_INF);
 }
 
-// Opens a media file for reading; VV_OK, VV_ERR_FILE (missing, unreadable) or
-// VV_ERR_FORMAT (not a media file libavformat understands).
+// Opens an MP4 file for reading; VV_OK, VV_ERR_FILE (missing, unreadable) or
+// VV_ERR_FORMAT (not an MP4 file libavformat can read).
 int openInput(const char* path, FormatPtr& out);
 
 } // namespace vv

@@ -34,10 +34,11 @@ public:
     static int open(const std::string& path, Use use, std::unique_ptr<VideoClip>& out);
 
     int64_t frameCount() const { return m_frameCount; }
+    // Frames per second, as the sample index spaces them; the take clock and
+    // the length of the clip's sound follow it.
     AVRational frameRate() const { return m_rate; }
     int width() const;
     int height() const;
-    // Audio and the take clock follow the frame rate.
     const std::string& path() const { return m_path; }
 
     // After seek(frame), decode() answers that frame first (or the first one

@@ -96,6 +96,8 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     ASSERT_EQ(pictures.size(), 60u);
     for (const Picture& p : pictures) {
         EXPECT_EQ(p.counter, counterOf(take, p.frame)) << "frame " << p.frame;
+        EXPECT_EQ(p.clip, p.frame < 30 ? 0 : 1);
+        EXPECT_EQ(p.clipFrame, p.frame % 30);
         EXPECT_EQ(p.width, 320);
         EXPECT_EQ(p.height, 180);
         EXPECT_EQ(p.fullScreen, 0);
@@ -374,6 +376,30 @@ TEST(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
     ASSERT_GT(sound.size(), size_t(2 * 48000));
     EXPECT_NEAR(crossings(sound, 0, 0, 48000), 2000, 40);
     EXPECT_NEAR(crossings(sound, 1, 0, 48000), 4000, 40);
+
+    // A pause empties the device and no more sound follows.
+    ASSERT_EQ(vv_play(), VV_OK);
+    ASSERT_TRUE(viewer.waitFor([](const std::vector<Message>& m) { return reportedFrames(m).size() >= 70; }));
+    int flushes = 0;
+    viewer.withAudio([&](const AudioDevice& device) { flushes = device.flushes; });
+    ASSERT_TRUE(viewer.job(vv_pause));
+    size_t given = 0;
+    for (int i = 0; i < 100; ++i) {
+        bool flushed = false;
+        viewer.withAudio([&](const AudioDevice& device) {
+            flushed = device.flushes > flushes;
+            given = device.samples.size();
+        });
+        if (flushed)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    viewer.withAudio([&](const AudioDevice& device) {
+        EXPECT_GT(device.flushes, flushes);
+        EXPECT_EQ(device.received, 0);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    viewer.withAudio([&](const AudioDevice& device) { EXPECT_EQ(device.samples.size(), given); });
 
     // Left or right alone goes to both speakers (the last 20 frames suffice).
     for (const int choice : {VV_AUDIO_L, VV_AUDIO_R}) {
