@@ -39,17 +39,16 @@ BLDeleteFolderCtrl::BLDeleteFolderCtrl(IDeleteFolderView* view) : m_view(view) {
 bool BLDeleteFolderCtrl::deleteProcessOfFolder(const QString& path)
 {
     log(kLogPrefix + QStringLiteral(" Start"));
-    m_strFolderPath = QDir::cleanPath(path);
+    const QString folder = QDir::cleanPath(path);
     m_folderNotFound = false;
 
     Q_ASSERT(m_view);
-    const QString question = BLCommon::getFileList(m_strFolderPath).isEmpty()
-                                 ? QStringLiteral("MSG_655_3164")
-                                 : QStringLiteral("MSG_655_3143");
+    const QString question = BLCommon::getFileList(folder).isEmpty() ? QStringLiteral("MSG_655_3164")
+                                                                     : QStringLiteral("MSG_655_3143");
     bool deleted = false;
-    if (m_view->confirmDelete(BLLocalizedString(question), BLCommon::getDisplayName(m_strFolderPath)) &&
-        checkDeletable(m_strFolderPath))
-        deleted = removeFolder(m_strFolderPath);
+    if (m_view->confirmDelete(BLLocalizedString(question), BLCommon::getDisplayName(folder)) &&
+        checkDeletable(folder))
+        deleted = removeFolder(folder);
 
     log(kLogPrefix + QStringLiteral(" End"));
     return deleted;

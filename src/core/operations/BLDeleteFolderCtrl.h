@@ -46,7 +46,6 @@ private:
     bool removeFolder(const QString& path);
 
     IDeleteFolderView* m_view;
-    QString m_strFolderPath;
     int m_fileMax = 0;
     QStringList m_arrContents;
     bool m_folderNotFound = false;
