@@ -88,14 +88,15 @@ bool BLCreateNRT::restructNonMeta(BLNonMetaAcss& acss, DOTakeData& take)
     return true;
 }
 
-bool BLCreateNRT::createNonRealTimeMetaData(BLNonMetaAcss& acss, const DOTakeData& take, const QString& nowFile)
+bool BLCreateNRT::createNonRealTimeMetaData(BLNonMetaAcss& acss, const DOTakeData& take,
+                                            const QString& nowFile)
 {
     return createTargetMaterial(acss, take) && createDuration(acss) && createLtcChangeTable(acss, take) &&
            createCreationDate(acss, take, nowFile) && createLastUpdate(acss) && createTypicalUbit(acss) &&
            createKeyFrame(acss) && createBodyUmidBasicChangeTable(acss, take) &&
            createBodyUmidWhenChangeTable(acss) && createBodyUmidWhereChangeTable(acss) &&
-           createBodyUmidWhoChangeTable(acss) && createKlvPacketTable(acss) && createVideoFormat(acss, take) &&
-           createAudioFormat(acss, take) && createTitle(acss, nowFile);
+           createBodyUmidWhoChangeTable(acss) && createKlvPacketTable(acss) &&
+           createVideoFormat(acss, take) && createAudioFormat(acss, take) && createTitle(acss, nowFile);
 }
 
 bool BLCreateNRT::createTargetMaterial(BLNonMetaAcss& acss, const DOTakeData& take)
@@ -119,9 +120,9 @@ bool BLCreateNRT::createLtcChangeTable(BLNonMetaAcss& acss, const DOTakeData& ta
     const quint32 frameCount = bim->getFrameCount();
     // The time code of a frame in the form of an LTC change value.
     auto timecode = [&](quint32 frame) {
-        return tcFps.isEmpty()
-                   ? kNoTimecode
-                   : BLCommon::convertOfDurationByFrameCount(frame, take.getFormatFps(), take.getLtcChanges(), true);
+        return tcFps.isEmpty() ? kNoTimecode
+                               : BLCommon::convertOfDurationByFrameCount(frame, take.getFormatFps(),
+                                                                         take.getLtcChanges(), true);
     };
 
     DOLtcChange first;

@@ -28,7 +28,8 @@ public:
     // A new UMID for the take, written as the document's target material.
     static bool restructNonMeta(BLNonMetaAcss& acss, DOTakeData& take);
     // Fills a new document, element by element in the schema order.
-    static bool createNonRealTimeMetaData(BLNonMetaAcss& acss, const DOTakeData& take, const QString& nowFile);
+    static bool createNonRealTimeMetaData(BLNonMetaAcss& acss, const DOTakeData& take,
+                                          const QString& nowFile);
     // The title: empty "usAscii" and one alias in the system language holding
     // the name of the clip's MP4 file without its extension. Replaces any title.
     static bool createTitle(BLNonMetaAcss& acss, const QString& nowFile);

@@ -36,15 +36,15 @@ struct Facts
 std::ostream& operator<<(std::ostream& os, const Facts& f)
 {
     return os << f.duration << " " << f.frameCount << " " << f.tcFps.toStdString() << " "
-              << f.videoCodec.toStdString() << " " << f.formatFps.toStdString() << " " << f.pixel.toStdString()
-              << "x" << f.lines.toStdString() << " " << f.aspect.toStdString() << " stereo " << f.stereo << " "
-              << f.channels << " " << f.audioCodec.toStdString();
+              << f.videoCodec.toStdString() << " " << f.formatFps.toStdString() << " "
+              << f.pixel.toStdString() << "x" << f.lines.toStdString() << " " << f.aspect.toStdString()
+              << " stereo " << f.stereo << " " << f.channels << " " << f.audioCodec.toStdString();
 }
 
 Facts facts(const BLBIMCtrl& bim)
 {
-    return {bim.getDuration(),  bim.getFrameCount(), bim.gettcFps(), bim.getVideoCodec(),
-            bim.getFormatFps(), bim.getPixel(),      bim.getNumOfVertical(), bim.getARatio(),
+    return {bim.getDuration(),  bim.getFrameCount(),   bim.gettcFps(),         bim.getVideoCodec(),
+            bim.getFormatFps(), bim.getPixel(),        bim.getNumOfVertical(), bim.getARatio(),
             bim.getPort(),      bim.getAudioChannel(), bim.getAudioCodec()};
 }
 
@@ -63,30 +63,35 @@ TEST_F(BIMCtrlTest, PreImportKeepsWhatTheCheckerLearntOfEachFile)
     Mp4Builder hd; // 1920x1080 59.94i, 12 frames, one stereo 16-bit track
     hd.tracks << Mp4Builder::videoTrack({"IBBPBB", "IBBPBB"});
     hd.tracks << Mp4Builder::audioTrack("twos", 2, {1601, 1602});
-    cases.push_back({"hd", hd,
-                     {12, 11, "30", "MPEG2HD35_1920_1080_MP@HL", "59.94i", "1920", "1080", "16:9", true, 2,
-                      "LPCM16"}});
+    cases.push_back(
+        {"hd",
+         hd,
+         {12, 11, "30", "MPEG2HD35_1920_1080_MP@HL", "59.94i", "1920", "1080", "16:9", true, 2, "LPCM16"}});
 
     Mp4Builder hdv; // 1440x1080 4:3 50i at 25 Mbps, one frame, a mono 24-bit track
     hdv.tracks << Mp4Builder::videoTrack({"I"}, 3000, mpeg2SequenceStart(1440, 1080, 2, 3, false));
     hdv.tracks[0].maxBitrate = 25000000;
     hdv.tracks << Mp4Builder::audioTrack("in24", 1, {1920});
-    cases.push_back({"hdv", hdv,
-                     {1, 0, "25", "MPEG2HD25CBR_1440_1080_MP@H-14", "50i", "1440", "1080", "4:3", false, 1,
-                      "LPCM24"}});
+    cases.push_back(
+        {"hdv",
+         hdv,
+         {1, 0, "25", "MPEG2HD25CBR_1440_1080_MP@H-14", "50i", "1440", "1080", "4:3", false, 1, "LPCM24"}});
 
     Mp4Builder odd; // 23.98p at a size and aspect the camera does not know, no sound
     odd.tracks << Mp4Builder::videoTrack({"IBB"}, 3000, mpeg2SequenceStart(704, 576, 4, 1, true));
-    cases.push_back({"odd", odd, {3, 2, "24", "MPEG2HD35_-_-_MP@HL", "23.98p", "----", "----", "...", false, 0,
-                                  "-----"}});
+    cases.push_back(
+        {"odd",
+         odd,
+         {3, 2, "24", "MPEG2HD35_-_-_MP@HL", "23.98p", "----", "----", "...", false, 0, "-----"}});
 
     Mp4Builder many; // 720p 59.94p with a stereo and a mono track: three channels
     many.tracks << Mp4Builder::videoTrack({"IBBPBB"}, 3000, mpeg2SequenceStart(1280, 720, 3, 7, true));
     many.tracks << Mp4Builder::audioTrack("twos", 2, {1601});
     many.tracks << Mp4Builder::audioTrack("in32", 1, {1601});
-    cases.push_back({"many", many,
-                     {6, 5, "30", "MPEG2HD35_1280_720_MP@HL", "59.94p", "1280", "720", "16:9", true, 3,
-                      "LPCM16"}});
+    cases.push_back(
+        {"many",
+         many,
+         {6, 5, "30", "MPEG2HD35_1280_720_MP@HL", "59.94p", "1280", "720", "16:9", true, 3, "LPCM16"}});
 
     BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
     for (const Case& c : cases) {

@@ -168,12 +168,12 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
                .arg(umid));
     for (const QString kind : {"When", "Where", "Who"})
         expect("BodyUmid" + kind + "ChangeTable",
-               QString("<BodyUmid%1ChangeTable>\n  <BodyUmid%1Change frameCount=\"0\" status=\"none\">\n").arg(kind));
+               QString("<BodyUmid%1ChangeTable>\n  <BodyUmid%1Change frameCount=\"0\" status=\"none\">\n")
+                   .arg(kind));
     expect("KlvPacketTable", "<KlvPacketTable>\n  <KlvPacket frameCount=\"0\" status=\"none\">\n");
-    expect("VideoFormat",
-           "<VideoFormat>\n"
-           "  <VideoFrame videoCodec=\"MPEG2HD35_1920_1080_MP@HL\" formatFps=\"59.94i\">\n"
-           "  <VideoLayout pixel=\"1920\" numOfVerticalLine=\"1080\" aspectRatio=\"16:9\">\n");
+    expect("VideoFormat", "<VideoFormat>\n"
+                          "  <VideoFrame videoCodec=\"MPEG2HD35_1920_1080_MP@HL\" formatFps=\"59.94i\">\n"
+                          "  <VideoLayout pixel=\"1920\" numOfVerticalLine=\"1080\" aspectRatio=\"16:9\">\n");
     expect("AudioFormat", "<AudioFormat numOfChannel=\"2\">\n"
                           "  <AudioRecPort audioCodec=\"LPCM16\" port=\"OTHERS\" trackDst=\"CH1\">\n"
                           "  <AudioRecPort audioCodec=\"LPCM16\" port=\"OTHERS\" trackDst=\"CH2\">\n");
@@ -191,11 +191,12 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
     EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
 
     const QString prefix = "nonMetaPath:" + nonMeta();
-    EXPECT_EQ(logLines(),
-              (QStringList{prefix, "Duration:1802", "FrameCount(incliment):1801", "FrameCount(end):1801", "tcFps:30",
-                           "VideoCodec:MPEG2HD35_1920_1080_MP@HL", "FormatFps:59.94i", "Pixel:1920",
-                           "NumOfVerticalLine:1080", "AspectRatio:16:9", "AudioChannel:2", "AudioCodec:LPCM16",
-                           "TrackDst:CH1", "TrackDst:CH2", "NumOfChannel:2", "Alias:" + kClip}));
+    EXPECT_EQ(
+        logLines(),
+        (QStringList{prefix, "Duration:1802", "FrameCount(incliment):1801", "FrameCount(end):1801",
+                     "tcFps:30", "VideoCodec:MPEG2HD35_1920_1080_MP@HL", "FormatFps:59.94i", "Pixel:1920",
+                     "NumOfVerticalLine:1080", "AspectRatio:16:9", "AudioChannel:2", "AudioCodec:LPCM16",
+                     "TrackDst:CH1", "TrackDst:CH2", "NumOfChannel:2", "Alias:" + kClip}));
 }
 
 TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
@@ -205,24 +206,39 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
         const char* name;
         int frames;
         QByteArray sequenceStart;
-        QString takeLtc;        // first LTC value of a re-imported take
-        QString tcFps;          // overrides the examined base when set ("" clears it)
-        qint64 duration = -1;   // overrides the examined frame count
+        QString takeLtc;      // first LTC value of a re-imported take
+        QString tcFps;        // overrides the examined base when set ("" clears it)
+        qint64 duration = -1; // overrides the examined frame count
         const char* expected;
     };
     const QByteArray i5994 = mpeg2SequenceStart(1920, 1080, 3, 4, false);
     const QByteArray p50 = mpeg2SequenceStart(1280, 720, 3, 6, true);
     const QByteArray p2398 = mpeg2SequenceStart(1920, 1080, 3, 1, true);
     const Case cases[] = {
-        {"one frame", 1, i5994, {}, "-", -1,
+        {"one frame",
+         1,
+         i5994,
+         {},
+         "-",
+         -1,
          "<LtcChangeTable tcFps=\"30\">\n"
          "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
-        {"50p counts time code frames at half the rate", 12, p50, {}, "-", -1,
+        {"50p counts time code frames at half the rate",
+         12,
+         p50,
+         {},
+         "-",
+         -1,
          "<LtcChangeTable tcFps=\"25\">\n"
          "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"11\" value=\"45000000\" status=\"end\">\n"},
-        {"23.98p", 30, p2398, {}, "-", -1,
+        {"23.98p",
+         30,
+         p2398,
+         {},
+         "-",
+         -1,
          "<LtcChangeTable tcFps=\"24\">\n"
          "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"29\" value=\"45010000\" status=\"end\">\n"},
@@ -230,11 +246,21 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
          "<LtcChangeTable tcFps=\"30\">\n"
          "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"1801\" value=\"41000100\" status=\"end\">\n"},
-        {"no time-code base", 12, i5994, {}, "", -1,
+        {"no time-code base",
+         12,
+         i5994,
+         {},
+         "",
+         -1,
          "<LtcChangeTable tcFps=\"...\">\n"
          "  <LtcChange frameCount=\"0\" value=\"00000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"11\" value=\"00000000\" status=\"end\">\n"},
-        {"duration and last frame disagree", 12, i5994, {}, "-", 20,
+        {"duration and last frame disagree",
+         12,
+         i5994,
+         {},
+         "-",
+         20,
          "<LtcChangeTable tcFps=\"30\">\n"
          "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
          "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
@@ -272,10 +298,12 @@ TEST_F(CreateNRTTest, OneAudioPortPerChannel)
     };
     const Case cases[] = {
         {"no sound", {}, "<AudioFormat numOfChannel=\"...\">\n"},
-        {"mono", {Mp4Builder::audioTrack("in24", 1, {1601})},
+        {"mono",
+         {Mp4Builder::audioTrack("in24", 1, {1601})},
          "<AudioFormat numOfChannel=\"1\">\n"
          "  <AudioRecPort audioCodec=\"LPCM24\" port=\"OTHERS\" trackDst=\"CH1\">\n"},
-        {"stereo and mono", {Mp4Builder::audioTrack("in32", 2, {1601}), Mp4Builder::audioTrack("twos", 1, {1601})},
+        {"stereo and mono",
+         {Mp4Builder::audioTrack("in32", 2, {1601}), Mp4Builder::audioTrack("twos", 1, {1601})},
          "<AudioFormat numOfChannel=\"3\">\n"
          "  <AudioRecPort audioCodec=\"LPCM32\" port=\"OTHERS\" trackDst=\"CH1\">\n"
          "  <AudioRecPort audioCodec=\"LPCM32\" port=\"OTHERS\" trackDst=\"CH2\">\n"

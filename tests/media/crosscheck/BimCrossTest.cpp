@@ -22,8 +22,7 @@ struct Tc
 // "HH:MM:SS:FF", or with ";" before the frames for drop-frame time code.
 Tc parse(const QString& text)
 {
-    const QRegularExpressionMatch m =
-        QRegularExpression(R"(^(\d\d):(\d\d):(\d\d)([:;])(\d\d)$)").match(text);
+    const QRegularExpressionMatch m = QRegularExpression(R"(^(\d\d):(\d\d):(\d\d)([:;])(\d\d)$)").match(text);
     EXPECT_TRUE(m.hasMatch()) << text.toStdString();
     return {m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt(), m.captured(5).toInt(),
             m.captured(4) == ";"};
@@ -57,7 +56,9 @@ void advance(Tc& tc, int base)
 // hours, each two BCD digits under their flag bits.
 Tc decode(const FTCSTRUCT& t)
 {
-    auto bcd = [](quint8 byte, int tensBits) { return (byte >> 4 & ((1 << tensBits) - 1)) * 10 + (byte & 0x0F); };
+    auto bcd = [](quint8 byte, int tensBits) {
+        return (byte >> 4 & ((1 << tensBits) - 1)) * 10 + (byte & 0x0F);
+    };
     return {bcd(t.hours, 2), bcd(t.minutes, 3), bcd(t.seconds, 3), bcd(t.frames, 2), (t.frames & 0x40) != 0};
 }
 
@@ -78,9 +79,8 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
         {"59.94i", "00:00:59:20", false, 30, 30, 1}, // over a dropped minute boundary
         {"59.94i", "00:09:59:25", true, 12, 30, 1},  // non-drop: nothing is left out
         {"29.97p", "00:19:59:28", false, 6, 30, 1},  // a tenth minute drops nothing
-        {"59.94p", "00:00:59:28", false, 12, 30, 2},
-        {"23.98p", "01:00:00:00", false, 30, 24, 1},
-        {"25p", "23:59:59:20", false, 12, 25, 1},     // past midnight
+        {"59.94p", "00:00:59:28", false, 12, 30, 2}, {"23.98p", "01:00:00:00", false, 30, 24, 1},
+        {"25p", "23:59:59:20", false, 12, 25, 1}, // past midnight
         {"50p", "10:00:00:00", false, 12, 25, 2},
     };
     for (const Case& c : cases) {
@@ -93,7 +93,8 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
         const cardgen::ManifestClip& clip = card.manifest().takes.front().clips.front();
 
         CReadRtMeta reader;
-        ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), 0)) << reader.getLastError();
+        ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), 0))
+            << reader.getLastError();
         EXPECT_EQ(reader.getLastError(), nullptr);
         ASSERT_TRUE(reader.isOpen());
         EXPECT_EQ(reader.getUnitCount(), quint64(clip.frames) + 1);

@@ -24,8 +24,8 @@ inline cardgen::Options oneClipCard(const QString& size, const QString& rate, in
 }
 
 // The path of a clip's file of one kind ("MP4", "XML", ...); "" when it has none.
-inline QString clipFile(const cwtest::CardFolder& card, const cardgen::ManifestClip& clip, const QString& kind,
-                        int cardIndex = 0)
+inline QString clipFile(const cwtest::CardFolder& card, const cardgen::ManifestClip& clip,
+                        const QString& kind, int cardIndex = 0)
 {
     for (const cardgen::ManifestFile& f : clip.files)
         if (f.kind == kind)

@@ -31,8 +31,8 @@ struct SizeCodes
     const char *xmlParam, *format, *sizeText, *width, *height;
 };
 const SizeCodes kSizes[] = {
-    {"1920x1080", 7, 7, 4, 35000000, "MPEG2HD35_1920_1080_MP@HL", "MPEG-2 HD35Mbps", "1920 X 1080 16:9", "1920",
-     "1080"},
+    {"1920x1080", 7, 7, 4, 35000000, "MPEG2HD35_1920_1080_MP@HL", "MPEG-2 HD35Mbps", "1920 X 1080 16:9",
+     "1920", "1080"},
     {"1440x1080", 4, 7, 4, 25000000, "MPEG2HD25CBR_1440_1080_MP@H-14", "MPEG-2 HD25Mbps", "1440 X 1080 16:9",
      "1440", "1080"},
     {"1280x720", 3, 4, 4, 35000000, "MPEG2HD35_1280_720_MP@HL", "MPEG-2 HD35Mbps", "1280 X 720 16:9", "1280",
@@ -115,7 +115,8 @@ TEST_P(Mp4CheckCross, CheckerReportsTheFormatCardgenRecorded)
     ASSERT_TRUE(bim->preImportMP4(mp4));
     const DONonRealTimeMeta meta = cameraMetadata(clipFile(card, clip, "XML"));
     EXPECT_EQ(QString::number(bim->getDuration()), meta.getDuration());
-    EXPECT_EQ(QString::number(bim->getFrameCount()), meta.getLtcChangeTable().getLtcChangeArray().value(1).getFrameCount());
+    EXPECT_EQ(QString::number(bim->getFrameCount()),
+              meta.getLtcChangeTable().getLtcChangeArray().value(1).getFrameCount());
     EXPECT_EQ(bim->gettcFps(), meta.getLtcChangeTable().getTcFps());
     const DOVideoFormat& video = meta.getVideoFormat();
     EXPECT_EQ(bim->getVideoCodec(), video.getVideoFrame().getVideoCodec());
@@ -130,7 +131,8 @@ TEST_P(Mp4CheckCross, CheckerReportsTheFormatCardgenRecorded)
 
 INSTANTIATE_TEST_SUITE_P(Formats, Mp4CheckCross, ::testing::ValuesIn(formats()),
                          [](const ::testing::TestParamInfo<Format>& info) {
-                             QString name = QString("%1_%2").arg(info.param.size->name, info.param.rate->name);
+                             QString name =
+                                 QString("%1_%2").arg(info.param.size->name, info.param.rate->name);
                              name.replace('.', '_');
                              return name.toStdString();
                          });

@@ -37,14 +37,16 @@ QString ltcDisplay(const QString& value)
 {
     BLCommon::Timecode tc{};
     EXPECT_TRUE(BLCommon::LTCCValueToTimecode(&tc, value, 0, 30)) << value.toStdString();
-    auto bcd = [](quint8 byte, int tensBits) { return (byte >> 4 & ((1 << tensBits) - 1)) * 10 + (byte & 0x0F); };
+    auto bcd = [](quint8 byte, int tensBits) {
+        return (byte >> 4 & ((1 << tensBits) - 1)) * 10 + (byte & 0x0F);
+    };
     return QString::asprintf("%02d:%02d:%02d%c%02d", bcd(tc[3], 2), bcd(tc[2], 3), bcd(tc[1], 3),
                              (tc[0] & 0x40) ? ';' : ':', bcd(tc[0], 2));
 }
 
 // Checks one M01.XML against what the manifest says of its clip or take.
-void checkNonMeta(const QString& path, const QString& umid, int frames, const QString& start, const QString& last,
-                  const QString& title, const cardgen::ManifestTake& take)
+void checkNonMeta(const QString& path, const QString& umid, int frames, const QString& start,
+                  const QString& last, const QString& title, const cardgen::ManifestTake& take)
 {
     SCOPED_TRACE(path.toStdString());
     BLNonMetaAcss acss;
@@ -113,7 +115,8 @@ TEST(XmlReadersCross, TakeInfoOfClipsAndOfMultiClipTakes)
             DOTSmil smil;
             ASSERT_TRUE(acss.getSmilData(smil, ""));
             EXPECT_EQ(smil.getUmid(), clip.umid);
-            EXPECT_EQ(smil.getHead().getMetadata().getSrc(), fileName(clipFile(card(), clip, "XML", take.card)));
+            EXPECT_EQ(smil.getHead().getMetadata().getSrc(),
+                      fileName(clipFile(card(), clip, "XML", take.card)));
             const DOTPar& par = smil.getBody().getSwPar();
             EXPECT_EQ(par.getSystemComponent(), "MP4");
             ASSERT_EQ(par.getVideo().size(), 1);
@@ -174,7 +177,8 @@ TEST(XmlReadersCross, MediaProfileAndCueUpOfEachCard)
         }
         for (const cardgen::ManifestTake& take : manifest.takes)
             if (take.card == c && take.kind == "multi")
-                expected << QString("%1 %2 ./TAKR/%3/%3.SMI").arg(take.umid).arg(take.frames).arg(take.takeId);
+                expected
+                    << QString("%1 %2 ./TAKR/%3/%3.SMI").arg(take.umid).arg(take.frames).arg(take.takeId);
         EXPECT_EQ(materials, expected);
 
         for (const cardgen::ManifestTake& take : manifest.takes) {
@@ -183,7 +187,8 @@ TEST(XmlReadersCross, MediaProfileAndCueUpOfEachCard)
             const QString uri = QString("./TAKR/%1/%1.SMI").arg(take.takeId);
             QStringList parts;
             for (const DOComponent& component : profile.getComponentData(uri, ""))
-                parts << component.getUmid() + (component.getMediaId().isEmpty() ? "" : " on " + component.getMediaId());
+                parts << component.getUmid() +
+                             (component.getMediaId().isEmpty() ? "" : " on " + component.getMediaId());
             QStringList clips;
             for (const cardgen::ManifestClip& clip : take.clips)
                 clips << clip.umid;
