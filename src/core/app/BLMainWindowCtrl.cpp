@@ -6,6 +6,7 @@
 #include "core/app/IMainWindowView.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/preview/BLCacheImageCtrl.h"
 
 #include <algorithm>
 
@@ -18,6 +19,7 @@ BLMainWindowCtrl::~BLMainWindowCtrl()
 
 void BLMainWindowCtrl::awakeFromNib()
 {
+    m_cacheImageCtrl = std::make_unique<BLCacheImageCtrl>();
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     center->addObserver(this, SC::SCShowHouseKeepingWindowNotification,
@@ -117,6 +119,10 @@ void BLMainWindowCtrl::windowWillCloseNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowWillCloseNotification]"));
     writeData();
+    if (m_cacheImageCtrl) {
+        m_cacheImageCtrl->deleteCacheImageByCreationData();
+        m_cacheImageCtrl->setExitThread();
+    }
     finalizeCtrl();
     AppBanners::logEnd();
 }

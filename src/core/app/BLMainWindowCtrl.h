@@ -3,8 +3,11 @@
 #include <QRectF>
 #include <QSizeF>
 
+#include <memory>
+
 class IMainWindowView;
 class BLMediaInfoCtrl;
+class BLCacheImageCtrl;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -65,5 +68,6 @@ private:
     IMainWindowView& m_view;
     BLMediaInfoCtrl* m_mediaInfoCtrl1 = nullptr;
     BLMediaInfoCtrl* m_mediaInfoCtrl2 = nullptr;
+    std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     bool m_isZoom = false;
 };
