@@ -11,7 +11,6 @@
 #include <optional>
 #include <thread>
 
-class DOTakeData;
 struct vv_bitmap_t;
 
 // The thumbnail cache. Panes ask for a take's picture with
