@@ -16,6 +16,10 @@
 #include <chrono>
 #include <vector>
 
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace {
 
 // The viewer bridge's own lines keep its name and process id.
@@ -235,7 +239,10 @@ void BLCacheImageCtrl::startThread()
 
 void BLCacheImageCtrl::loopProcess()
 {
-    using namespace std::chrono_literals;
+    // Pictures are made one after another without a pause between them; the
+    // worker runs at a lower priority instead, so playback and the window
+    // keep the processor when they need it.
+    ::setpriority(PRIO_PROCESS, pid_t(::syscall(SYS_gettid)), 10);
     while (!getExitThread()) {
         const std::optional<DOCacheRequestData> request = getTopRequestData();
         std::unique_lock lock(m_exitLock);
@@ -261,10 +268,6 @@ void BLCacheImageCtrl::loopProcess()
         // Requests for the same picture that piled up meanwhile are answered too.
         deleteRequestByMediaInfoType(request->getSelectFolder(), take);
         log(QStringLiteral("[BLCacheImageCtrl loopProcess] loop end count:%1").arg(getRequestCount()));
-
-        // A pause between pictures leaves the processor to playback and the window.
-        lock.lock();
-        m_wakeCondition.wait_for(lock, 100ms, [this] { return m_bExitFlag; });
     }
 }
 
