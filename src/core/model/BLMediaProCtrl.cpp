@@ -646,10 +646,8 @@ bool BLMediaProCtrl::createCopyMediaPro(const QString& toFolder, const QList<DOT
         attached.setMediaId(mediaId);
         announce = false;
     }
-    DOSystem system;
-    header.getSystemData(system);
-    system.setSystemKind(BLMediaProfileAcss::kSystemKind);
-    if (header.setSystemData(system) != 0 || header.setAttachedData(attached) != 0 ||
+    // Without a media id the save gives the profile a new one.
+    if (!header.initMediaPro() || (!attached.getMediaId().isEmpty() && header.setAttachedData(attached) != 0) ||
         !header.updateVersion(versionFor(takes)) || !header.save(attached.getMediaId()))
         return false;
     if (announce) {
@@ -693,7 +691,7 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
             return false;
     }
     if (upVer)
-        mediaPro.updateVersion(versionFor(takes));
+        mediaPro.updateVersion(QStringLiteral("1.20"));
     DOAttached attached;
     mediaPro.getAttachedData(attached);
     const bool saved = mediaPro.save(attached.getMediaId());

@@ -114,6 +114,8 @@ public:
     bool createCopyMediaPro(const QString& toFolder, const QList<DOTakeData>& takes, const QString& fromFolder,
                             const QString& mediaId);
     // Removes the materials of the takes and of their clips (found by UMID).
+    // upVer tells that the takes left in the folder include a 720-line take:
+    // the version becomes "1.20". Nothing is saved when a removal fails.
     bool deleteMaterial(const QList<DOTakeData>& takes, const QString& workFolder, bool upVer);
     // Removes the material when its UMID is the given one.
     bool deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material, const QString& umid);

@@ -564,9 +564,9 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     EXPECT_TRUE(lines.contains("0645:[BLMediaProCtrl deleteMaterial] Start"));
     EXPECT_TRUE(lines.contains("0645:[BLMediaProCtrl deleteMaterial] End"));
 
-    DOTakeData hd720 = singleTake(planned[0]);
-    hd720.setVideoCodec(k720Codec);
-    ASSERT_TRUE(ctrl.deleteMaterial({hd720}, work, true));
+    // The folder keeps a 720-line take: the version follows.
+    DOTakeData first = singleTake(planned[0]);
+    ASSERT_TRUE(ctrl.deleteMaterial({first}, work, true));
     EXPECT_EQ(materialUris(work), before.mid(1, 1));
     EXPECT_EQ(versionOf(work), "1.20");
 
@@ -576,6 +576,6 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     EXPECT_FALSE(ctrl.deleteMaterial(mediaPro, other, QString(64, 'F'))) << "only the material with that UMID";
 
     ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
-    EXPECT_FALSE(ctrl.deleteMaterial({hd720}, work, false));
+    EXPECT_FALSE(ctrl.deleteMaterial({first}, work, false));
     EXPECT_TRUE(logLines().contains("0645:[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :" + work));
 }
