@@ -49,7 +49,8 @@ void BM_HouseKeeping(benchmark::State& state)
             state.SkipWithError("wrong number of takes");
         benchmark::DoNotOptimize(takes);
     }
-    state.counters["clips_per_s"] = benchmark::Counter(double(clips), benchmark::Counter::kIsIterationInvariantRate);
+    state.counters["clips_per_s"] =
+        benchmark::Counter(double(clips), benchmark::Counter::kIsIterationInvariantRate);
 }
 
 } // namespace

@@ -75,11 +75,13 @@ void printText(const QString& workFolder, const QJsonArray& takes)
     for (const QJsonValue& value : takes) {
         const QJsonObject take = value.toObject();
         const QString id = take["takeId"].toString();
-        out << (id.isEmpty() ? QStringLiteral("-") : id).leftJustified(12) << " " << take["kind"].toString().leftJustified(6)
-            << " " << QString::number(take["clipCount"].toInt()).rightJustified(3) << " clip(s)  status "
+        out << (id.isEmpty() ? QStringLiteral("-") : id).leftJustified(12) << " "
+            << take["kind"].toString().leftJustified(6) << " "
+            << QString::number(take["clipCount"].toInt()).rightJustified(3) << " clip(s)  status "
             << take["status"].toInt() << "  " << take["duration"].toString() << "  "
-            << take["frameRate"].toString().leftJustified(7) << " " << take["videoFormat"].toString().leftJustified(10)
-            << " " << QString::number(take["size"].toInteger()) << " bytes\n"
+            << take["frameRate"].toString().leftJustified(7) << " "
+            << take["videoFormat"].toString().leftJustified(10) << " "
+            << QString::number(take["size"].toInteger()) << " bytes\n"
             << "             UMID " << take["umid"].toString() << "\n";
     }
 }
@@ -101,9 +103,10 @@ int runScan(const QStringList& args)
     StderrPresenter presenter;
     BLHouseKeepingCtrl houseKeeping;
     const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(workFolder);
-    if (!BLCommon::isFiles(BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') + BLMediaProfileAcss::kFileName)) {
-        cliErr() << "clipwright-cli scan: " << workFolder << ": the folder has no media profile and none can be made"
-                 << Qt::endl;
+    if (!BLCommon::isFiles(BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') +
+                           BLMediaProfileAcss::kFileName)) {
+        cliErr() << "clipwright-cli scan: " << workFolder
+                 << ": the folder has no media profile and none can be made" << Qt::endl;
         return kExitFailed;
     }
 
@@ -111,7 +114,8 @@ int runScan(const QStringList& args)
     for (const DOTakeData& take : takes)
         all.append(describe(take));
     if (json)
-        cliOut() << QJsonDocument(QJsonObject{{"workFolder", workFolder}, {"takes", all}}).toJson(QJsonDocument::Indented);
+        cliOut() << QJsonDocument(QJsonObject{{"workFolder", workFolder}, {"takes", all}})
+                        .toJson(QJsonDocument::Indented);
     else
         printText(workFolder, all);
     return kExitOk;

@@ -72,7 +72,8 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
     bool needsRepair = false;
     if (state == 0) {
         if (!mediaPro.loadForFolderPath(bpav)) {
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Read Error : ") + workFolder);
+            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Read Error : ") +
+                workFolder);
             return false;
         }
         if (isCancelAt(3))
@@ -92,7 +93,8 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
             return false;
         // The fresh document isMediaPro has just written.
         if (!mediaPro.loadForFolderPath(bpav)) {
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") + workFolder);
+            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
+                workFolder);
             return false;
         }
         if (isCancelAt(5))
@@ -104,7 +106,8 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
         if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(mediaProPath))
             showMessage("MSG_732_3176");
         else if (!mediaProCtrl.createMediaPro(takes, workFolder, m_arrClipData))
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") + workFolder);
+            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
+                workFolder);
     } else {
         showMessage("MSG_732_3176");
         return false;
@@ -116,7 +119,8 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
         if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(mediaProPath))
             showMessage("MSG_732_3176");
         else if (!mediaProCtrl.createMediaPro(takes, workFolder, m_arrClipData))
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") + workFolder);
+            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
+                workFolder);
     }
     if (!BLCommon::checkTakeDuration(takes))
         showMessage("MSG_111_3225");
@@ -150,13 +154,15 @@ bool BLHouseKeepingCtrl::isCancelAt(int step) const
 bool BLHouseKeepingCtrl::isClipFolder(const QString& workFolder, QList<DOTakeData>& takes)
 {
     if (!BLCommon::isCLPRFolder(workFolder)) {
-        log(QStringLiteral("[BLHouseKeepingCtrl isClipFolder]    CLPR Folder create failed of isCLPRFolder : ") +
+        log(QStringLiteral(
+                "[BLHouseKeepingCtrl isClipFolder]    CLPR Folder create failed of isCLPRFolder : ") +
             workFolder);
         return false;
     }
     checkCLPRFolder(workFolder);
     if (!BLCommon::isTAKRFolder(workFolder)) {
-        log(QStringLiteral("[BLHouseKeepingCtrl isClipFolder]    TAKR Folder create failed of isTAKRFolder : ") +
+        log(QStringLiteral(
+                "[BLHouseKeepingCtrl isClipFolder]    TAKR Folder create failed of isTAKRFolder : ") +
             workFolder);
         return false;
     }

@@ -36,7 +36,10 @@ public:
 
     // Called with the number of each cancel point (1 to 7) as the pass
     // reaches it, before the flag is read: lets tests cancel at one point.
-    void setCancelPointHookForTesting(std::function<void(int step)> hook) { m_cancelPointHook = std::move(hook); }
+    void setCancelPointHookForTesting(std::function<void(int step)> hook)
+    {
+        m_cancelPointHook = std::move(hook);
+    }
 
     // The clips found by the last pass.
     const QList<DOClipData>& getClipData() const { return m_arrClipData; }

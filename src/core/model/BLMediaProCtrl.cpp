@@ -37,15 +37,19 @@ QString dotted(const QString& reference)
     return reference.isEmpty() ? reference : BLCommon::addDot(reference);
 }
 
+// The path components of a reference after its leading "./".
+QStringList partsOf(const QString& reference)
+{
+    const QString relative = reference.startsWith(QLatin1String("./")) ? reference.mid(2) : reference;
+    return relative.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+}
+
 // The entry of CLPR (or TAKR) that a reference lies in, lower-cased: "abc0001"
 // for "./CLPR/ABC0001/ABC0001.MP4" and "a001.mp4" for "./CLPR/A001.MP4"; ""
 // for a reference elsewhere.
 QString entryKey(const QString& reference, const QString& top)
 {
-    QString relative = reference;
-    if (relative.startsWith(QLatin1String("./")))
-        relative = relative.mid(2);
-    const QStringList parts = relative.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    const QStringList parts = partsOf(reference);
     if (parts.size() < 2 || parts.first().compare(top, Qt::CaseInsensitive) != 0)
         return QString();
     return parts.at(1).toLower();
@@ -54,11 +58,7 @@ QString entryKey(const QString& reference, const QString& top)
 // A reference that names a file lying directly in CLPR ("./CLPR/A001.MP4").
 bool isDirectlyInClpr(const QString& reference)
 {
-    QString relative = reference;
-    if (relative.startsWith(QLatin1String("./")))
-        relative = relative.mid(2);
-    const QStringList parts = relative.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    return parts.size() == 2 && parts.first().compare(kClpr, Qt::CaseInsensitive) == 0;
+    return partsOf(reference).size() == 2 && !entryKey(reference, kClpr).isEmpty();
 }
 
 bool hasMp4File(const QString& folder)
@@ -130,8 +130,7 @@ const DOComponent* essenceComponent(const DOMaterial& material)
     return nullptr;
 }
 
-template <class Entry>
-void appendWithUri(QList<Entry>& list, const Entry& entry)
+template <class Entry> void appendWithUri(QList<Entry>& list, const Entry& entry)
 {
     if (!entry.getUri().isEmpty())
         list.append(entry);
@@ -156,18 +155,20 @@ bool BLMediaProCtrl::checkMediaProMeta(BLMediaProfileAcss& mediaPro, QList<DOTak
     houseKeeping.setTAKRMateCount(int(takeMaterials.size()));
 
     if (!isCLPR(clipMaterials, workFolder, clips, houseKeeping)) {
-        BLLogCtrl::debug(kHouseKeepingLogId,
-                         QStringLiteral("[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isCLPR : ") +
-                             workFolder);
+        BLLogCtrl::debug(
+            kHouseKeepingLogId,
+            QStringLiteral("[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isCLPR : ") +
+                workFolder);
         return false;
     }
     isMP4(workFolder, clips, houseKeeping);
     if (houseKeeping.isCancel())
         return false;
     if (!isTAKR(takeMaterials, takes, workFolder, houseKeeping)) {
-        BLLogCtrl::debug(kHouseKeepingLogId,
-                         QStringLiteral("[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isTAKR : ") +
-                             workFolder);
+        BLLogCtrl::debug(
+            kHouseKeepingLogId,
+            QStringLiteral("[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isTAKR : ") +
+                workFolder);
         return false;
     }
     return checkMediaProFiles(takes, workFolder, clips);
@@ -235,7 +236,8 @@ bool BLMediaProCtrl::isCLPRFiles(const DOMaterial& material, const QString& work
     return !files.mp4.isEmpty() && !files.xml.isEmpty();
 }
 
-void BLMediaProCtrl::isRelevantInfo(const DOMaterial& material, const QString& workFolder, MaterialFiles& files)
+void BLMediaProCtrl::isRelevantInfo(const DOMaterial& material, const QString& workFolder,
+                                    MaterialFiles& files)
 {
     const QString bpav = BLCommon::getPathOfBPAV(workFolder);
     for (const DORelevantInfo& info : material.getRelevantInfo()) {
@@ -254,9 +256,11 @@ void BLMediaProCtrl::isRelevantInfo(const DOMaterial& material, const QString& w
     }
 }
 
-void BLMediaProCtrl::isMP4(const QString& workFolder, QList<DOClipData>& clips, BLHouseKeepingCtrl& houseKeeping)
+void BLMediaProCtrl::isMP4(const QString& workFolder, QList<DOClipData>& clips,
+                           BLHouseKeepingCtrl& houseKeeping)
 {
-    const QString clpr = BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./CLPR"));
+    const QString clpr =
+        BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./CLPR"));
     for (const QString& name : getClipEntries(workFolder)) {
         if (houseKeeping.isCancel())
             return;
@@ -326,7 +330,8 @@ bool BLMediaProCtrl::checkMediaProFiles(QList<DOTakeData>& takes, const QString&
 
     QSet<QString> listed;
     for (const DOClipData& clip : std::as_const(clips)) {
-        for (const QString* reference : {&clip.getMP4Uri(), &clip.getXMLUri(), &clip.getSMIUri(), &clip.getBIMUri()})
+        for (const QString* reference :
+             {&clip.getMP4Uri(), &clip.getXMLUri(), &clip.getSMIUri(), &clip.getBIMUri()})
             listed.insert(entryKey(*reference, kClpr));
     }
     for (const QString& name : getClipEntries(workFolder)) {
@@ -354,7 +359,8 @@ bool BLMediaProCtrl::checkMediaProFiles(QList<DOTakeData>& takes, const QString&
     return added;
 }
 
-void BLMediaProCtrl::makeMediaPro(QList<DOTakeData>& takes, const QString& workFolder, QList<DOClipData>& clips)
+void BLMediaProCtrl::makeMediaPro(QList<DOTakeData>& takes, const QString& workFolder,
+                                  QList<DOClipData>& clips)
 {
     BLClipCtrl clipCtrl;
     for (DOTakeData& take : takes) {
@@ -401,7 +407,8 @@ bool BLMediaProCtrl::isReadableMP4(const QString& path)
 
 QStringList BLMediaProCtrl::getClipEntries(const QString& workFolder)
 {
-    const QString clpr = BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./CLPR"));
+    const QString clpr =
+        BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./CLPR"));
     QStringList names;
     if (clpr.isEmpty())
         return names;
@@ -418,7 +425,8 @@ QStringList BLMediaProCtrl::getClipEntries(const QString& workFolder)
 
 QStringList BLMediaProCtrl::getTakeEntries(const QString& workFolder)
 {
-    const QString takr = BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./TAKR"));
+    const QString takr =
+        BLCardPath::resolveReference(BLCommon::getPathOfBPAV(workFolder), QStringLiteral("./TAKR"));
     QStringList names;
     if (takr.isEmpty())
         return names;
@@ -647,7 +655,8 @@ bool BLMediaProCtrl::createCopyMediaPro(const QString& toFolder, const QList<DOT
         announce = false;
     }
     // Without a media id the save gives the profile a new one.
-    if (!header.initMediaPro() || (!attached.getMediaId().isEmpty() && header.setAttachedData(attached) != 0) ||
+    if (!header.initMediaPro() ||
+        (!attached.getMediaId().isEmpty() && header.setAttachedData(attached) != 0) ||
         !header.updateVersion(versionFor(takes)) || !header.save(attached.getMediaId()))
         return false;
     if (announce) {
@@ -656,9 +665,8 @@ bool BLMediaProCtrl::createCopyMediaPro(const QString& toFolder, const QList<DOT
     }
 
     QList<DOTakeData> sorted = takes;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const DOTakeData& a, const DOTakeData& b) {
-        return a.compareByCreationDate(b) < 0;
-    });
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const DOTakeData& a, const DOTakeData& b) { return a.compareByCreationDate(b) < 0; });
     return createMediaPro(sorted, toFolder);
 }
 
@@ -668,15 +676,17 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
     BLMediaProfileAcss mediaPro;
     if (!mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder))) {
         BLLogCtrl::debug(kDeleteLogId,
-                         QStringLiteral("[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :") + workFolder);
+                         QStringLiteral("[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :") +
+                             workFolder);
         return false;
     }
     const QList<DOMaterial> materials = mediaPro.getMaterialData(QString(), 0);
     auto removeByUmid = [&](const QString& umid) {
         for (const DOMaterial& material : materials) {
             if (isSameUmid(material.getUmid(), umid) && !deleteMaterial(mediaPro, material, umid)) {
-                BLLogCtrl::debug(kDeleteLogId,
-                                 QStringLiteral("[BLMediaProCtrl deleteMaterial]    Tag remove fail (UMID:%1)").arg(umid));
+                BLLogCtrl::debug(
+                    kDeleteLogId,
+                    QStringLiteral("[BLMediaProCtrl deleteMaterial]    Tag remove fail (UMID:%1)").arg(umid));
                 return false;
             }
         }
@@ -699,7 +709,8 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
     return saved;
 }
 
-bool BLMediaProCtrl::deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material, const QString& umid)
+bool BLMediaProCtrl::deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material,
+                                    const QString& umid)
 {
     if (!isSameUmid(material.getUmid(), umid))
         return false;
@@ -736,5 +747,6 @@ QString BLMediaProCtrl::versionFor(const QList<DOTakeData>& takes)
 bool BLMediaProCtrl::isSameUmid(const QString& umid, const QString& umid2)
 {
     return !umid.isEmpty() &&
-           umid.right(DOTakeInfo::kUmidLength).compare(umid2.right(DOTakeInfo::kUmidLength), Qt::CaseInsensitive) == 0;
+           umid.right(DOTakeInfo::kUmidLength)
+                   .compare(umid2.right(DOTakeInfo::kUmidLength), Qt::CaseInsensitive) == 0;
 }

@@ -94,7 +94,8 @@ public:
     // without essence is deleted when it is a clip folder in CLPR that holds
     // no MP4 file. No (and nothing changed) when the profile cannot be loaded
     // or written.
-    bool createMediaPro(const QList<DOTakeData>& takes, const QString& workFolder, const QList<DOClipData>& clips);
+    bool createMediaPro(const QList<DOTakeData>& takes, const QString& workFolder,
+                        const QList<DOClipData>& clips);
 
     // Material of a clip (mode 0) and of a multi-clip take (mode 1).
     DOMaterial createMaterialData(const DOClipData& clip);
@@ -104,15 +105,14 @@ public:
     // A clip of a multi-clip take: its take-info reference and UMID.
     DOComponent createTakeComponentData(const QString& uri, const QString& umid);
     // Relevant info 0 "XML", 1 "BiM" or 2 "PPN" of a clip or take.
-    template <class Record>
-    DORelevantInfo createRelevantInfo(const Record& record, int index);
+    template <class Record> DORelevantInfo createRelevantInfo(const Record& record, int index);
 
     // After takes were copied or moved into a folder: creates its media
     // profile when missing (taking the source's media name, which is then
     // announced), sets the media id when one is given, and rewrites the
     // profile from the takes sorted by creation date.
-    bool createCopyMediaPro(const QString& toFolder, const QList<DOTakeData>& takes, const QString& fromFolder,
-                            const QString& mediaId);
+    bool createCopyMediaPro(const QString& toFolder, const QList<DOTakeData>& takes,
+                            const QString& fromFolder, const QString& mediaId);
     // Removes the materials of the takes and of their clips (found by UMID).
     // upVer tells that the takes left in the folder include a 720-line take:
     // the version becomes "1.20". Nothing is saved when a removal fails.
@@ -134,8 +134,7 @@ public:
     static bool isSameUmid(const QString& umid, const QString& umid2);
 };
 
-template <class Record>
-DORelevantInfo BLMediaProCtrl::createRelevantInfo(const Record& record, int index)
+template <class Record> DORelevantInfo BLMediaProCtrl::createRelevantInfo(const Record& record, int index)
 {
     DORelevantInfo info;
     switch (index) {

@@ -138,7 +138,8 @@ TEST_F(ScanCommandTest, PrintsTheTakesTheManifestDescribes)
         ASSERT_GT(at, 0);
         const QString& line = lines[at];
         EXPECT_TRUE(line.contains(" " + take["kind"].toString() + " ")) << line.toStdString();
-        EXPECT_TRUE(line.contains(QString(" %1 clip(s)").arg(take["clipCount"].toInt()))) << line.toStdString();
+        EXPECT_TRUE(line.contains(QString(" %1 clip(s)").arg(take["clipCount"].toInt())))
+            << line.toStdString();
         EXPECT_TRUE(line.contains(QString("status %1 ").arg(take["status"].toInt()))) << line.toStdString();
         EXPECT_TRUE(line.contains(" " + take["duration"].toString() + " ")) << line.toStdString();
         EXPECT_TRUE(line.contains(" " + take["frameRate"].toString())) << line.toStdString();

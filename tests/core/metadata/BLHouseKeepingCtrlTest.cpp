@@ -1,9 +1,9 @@
 // Housekeeping on generated cards: the takes a pane gets, the index files it
 // repairs, its cancel points and messages, and that nothing outside the
 // card's BPAV folder is ever touched.
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
 #include "core/model/BLMediaProCtrl.h"
 #include "support/AsOrdinaryUser.h"
@@ -133,10 +133,7 @@ protected:
         return lines;
     }
 
-    QStringList cancelLines()
-    {
-        return logLines().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step");
-    }
+    QStringList cancelLines() { return logLines().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step"); }
 };
 
 } // namespace
@@ -154,7 +151,8 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     ASSERT_TRUE(QFile::remove(bpav + "/CUEUP.XML"));
     // The first clip was recorded last; the second multi-clip take lost a clip.
     const QString first = bpav + "/CLPR/ABC0001/ABC0001M01.XML";
-    ASSERT_TRUE(editFile(first, creationDateAttribute(first), "<CreationDate value=\"2099-01-01T00:00:00+00:00\"/>"));
+    ASSERT_TRUE(
+        editFile(first, creationDateAttribute(first), "<CreationDate value=\"2099-01-01T00:00:00+00:00\"/>"));
     const auto& broken = planned[6];
     ASSERT_EQ(broken.kind, "multi");
     ASSERT_TRUE(QDir(card.path(broken.clips[1].folder)).removeRecursively());
@@ -458,8 +456,8 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     ASSERT_EQ(mediaPro.setRelevantInfoDaata(absoluteClip.getRelevantInfo(), absoluteClip.getUri()), 0);
     ASSERT_TRUE(mediaPro.save("0123"));
     const QString takeInfo = QDir(bpav + "/TAKR").entryList(QDir::Dirs | QDir::NoDotAndDotDot).first();
-    ASSERT_TRUE(editFile(bpav + "/TAKR/" + takeInfo + "/" + takeInfo + ".SMI", "src=\"" + takeInfo + "M01.XML\"",
-                         "src=\"../../../../outside/file/fileM01.XML\""));
+    ASSERT_TRUE(editFile(bpav + "/TAKR/" + takeInfo + "/" + takeInfo + ".SMI",
+                         "src=\"" + takeInfo + "M01.XML\"", "src=\"../../../../outside/file/fileM01.XML\""));
 
     auto sentinelsIntact = [&] {
         EXPECT_EQ(readFile(outside + "/file/fileM01.XML"), "sentinel 1");
@@ -477,7 +475,8 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     sentinelsIntact();
     EXPECT_EQ(takes.size(), 3 + 3) << "the card's three takes and the three outside entries, unusable";
     for (const DOTakeData& t : takes) {
-        if (t.getUmid() == QString(64, 'B') || t.getUmid() == QString(64, 'C') || t.getUmid() == QString(64, 'D')) {
+        if (t.getUmid() == QString(64, 'B') || t.getUmid() == QString(64, 'C') ||
+            t.getUmid() == QString(64, 'D')) {
             EXPECT_EQ(t.getTakeStatus(), 5);
             EXPECT_EQ(t.getTakeSize(), 0);
         }

@@ -1,13 +1,13 @@
 // The media-profile upkeep on generated cards: what the checking side decides
 // for each listed and unlisted clip and take, and what a rewrite writes and
 // deletes.
+#include "core/model/BLMediaProCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLCueupInfoAcss.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
-#include "core/model/BLMediaProCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
@@ -184,8 +184,12 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
     using Kind = cardgen::Damage::Kind;
     cardgen::Options options = tinyCard(7);
     options.multiClipTakes = {2};
-    options.damages = {damage(Kind::Missing, 1, {"BIM"}), damage(Kind::Unlisted, 2), damage(Kind::NoFtyp, 3),
-                       damage(Kind::Hidden, 4), damage(Kind::Loose, 5), damage(Kind::Missing, 6, {"SMI", "BIM", "PPN"}),
+    options.damages = {damage(Kind::Missing, 1, {"BIM"}),
+                       damage(Kind::Unlisted, 2),
+                       damage(Kind::NoFtyp, 3),
+                       damage(Kind::Hidden, 4),
+                       damage(Kind::Loose, 5),
+                       damage(Kind::Missing, 6, {"SMI", "BIM", "PPN"}),
                        damage(Kind::Unlisted, 7)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -211,11 +215,11 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
     QList<DOTakeData> takes;
     QList<DOClipData> clips;
     BLMediaProCtrl ctrl;
-    EXPECT_TRUE(ctrl.checkMediaProMeta(mediaPro, takes, work, clips, houseKeeping)) << "an unlisted folder was added";
+    EXPECT_TRUE(ctrl.checkMediaProMeta(mediaPro, takes, work, clips, houseKeeping))
+        << "an unlisted folder was added";
 
-    const int listedClips = int(std::count_if(takesPlanned.begin(), takesPlanned.end(), [](const auto& t) {
-                                    return t.kind == "single" && t.listed;
-                                })) +
+    const int listedClips = int(std::count_if(takesPlanned.begin(), takesPlanned.end(),
+                                              [](const auto& t) { return t.kind == "single" && t.listed; })) +
                             2 /* the multi-clip take's clips */ + 1 /* the camera's loose entry */;
     EXPECT_EQ(houseKeeping.getCLPRMateCount(), listedClips);
     EXPECT_EQ(houseKeeping.getTAKRMateCount(), 1);
@@ -255,8 +259,9 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
 
     // The loose file: once, as status 4 with a new UMID; the camera's entry is logged and left out.
     ASSERT_EQ(inFolder("ABC0005.MP4"), 1);
-    const auto loose = std::find_if(clips.begin(), clips.end(),
-                                    [](const DOClipData& c) { return c.getMP4Uri() == "./CLPR/ABC0005.MP4"; });
+    const auto loose = std::find_if(clips.begin(), clips.end(), [](const DOClipData& c) {
+        return c.getMP4Uri() == "./CLPR/ABC0005.MP4";
+    });
     EXPECT_EQ(loose->getClipStatus(), 4);
     EXPECT_FALSE(loose->getRealFlag());
     EXPECT_EQ(loose->getUmid().size(), 64);
@@ -305,8 +310,9 @@ TEST_F(MediaProCtrlTest, ACancelledCheckStopsWithNo)
     QList<DOClipData> clips;
     EXPECT_FALSE(BLMediaProCtrl().checkMediaProMeta(mediaPro, takes, card.workFolder(), clips, houseKeeping));
     EXPECT_TRUE(clips.isEmpty());
-    EXPECT_TRUE(logLines().contains("0700:[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isCLPR : " +
-                                    card.workFolder()));
+    EXPECT_TRUE(logLines().contains(
+        "0700:[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isCLPR : " +
+        card.workFolder()));
 }
 
 TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
@@ -392,8 +398,8 @@ TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
     withComponents.setTakeComponents({own, ctrl.createComponent(multiTake(planned[4]), "MEDIA2")});
     const DOMaterial fromComponents = ctrl.createMaterialData(withComponents);
     ASSERT_EQ(fromComponents.getComponent().size(), 1);
-    EXPECT_EQ(fromComponents.getComponent()[0].getUri(), "file:///TAKR/" + planned[4].takeId + "/" +
-                                                            planned[4].takeId + ".SMI")
+    EXPECT_EQ(fromComponents.getComponent()[0].getUri(),
+              "file:///TAKR/" + planned[4].takeId + "/" + planned[4].takeId + ".SMI")
         << "the component of a take on another medium";
     EXPECT_EQ(fromComponents.getComponent()[0].getMediaId(), "MEDIA2");
     EXPECT_TRUE(ctrl.checkComponent(withComponents.getTakeComponents(), good.getUmid()));
@@ -451,7 +457,8 @@ TEST_F(MediaProCtrlTest, RewriteDeletesTheFolderOfAClipWithoutEssenceOnlyInsideC
     // Without a media profile nothing is written and nothing deleted.
     ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
     writeFile(clpr + "/ABC0097/ABC0097M01.XML");
-    EXPECT_FALSE(BLMediaProCtrl().createMediaPro({}, work, {withoutEssence("./CLPR/ABC0097/ABC0097M01.XML")}));
+    EXPECT_FALSE(
+        BLMediaProCtrl().createMediaPro({}, work, {withoutEssence("./CLPR/ABC0097/ABC0097M01.XML")}));
     EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0097"));
     EXPECT_FALSE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
 }
@@ -573,9 +580,11 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     DOMaterial other = materialsOf(work).first();
     BLMediaProfileAcss mediaPro;
     ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
-    EXPECT_FALSE(ctrl.deleteMaterial(mediaPro, other, QString(64, 'F'))) << "only the material with that UMID";
+    EXPECT_FALSE(ctrl.deleteMaterial(mediaPro, other, QString(64, 'F')))
+        << "only the material with that UMID";
 
     ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
     EXPECT_FALSE(ctrl.deleteMaterial({first}, work, false));
-    EXPECT_TRUE(logLines().contains("0645:[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :" + work));
+    EXPECT_TRUE(
+        logLines().contains("0645:[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :" + work));
 }
