@@ -2,12 +2,11 @@
 // single clips (cardgen's fast mode), its media profile listing them all,
 // read with a warm file cache. The growth from 60 to 600 clips should be
 // close to linear.
-#include "cardgen/CardGenerator.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
+#include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -19,22 +18,17 @@ namespace {
 // One card per size, made on first use and kept for the run.
 QString cardOf(int clips)
 {
-    static std::map<int, std::unique_ptr<QTemporaryDir>> cards;
-    auto& dir = cards[clips];
-    if (!dir) {
-        dir = std::make_unique<QTemporaryDir>();
-        cardgen::Options options;
-        options.outputFolder = dir->filePath(QStringLiteral("card"));
+    static std::map<int, std::unique_ptr<cwtest::CardFolder>> cards;
+    auto& card = cards[clips];
+    if (!card) {
+        cardgen::Options options = cwtest::CardFolder::quick();
         options.clips = clips;
-        options.frames = 6;
-        options.size = QStringLiteral("tiny");
-        options.frameRate = QStringLiteral("29.97p");
         options.fast = true;
-        QString error;
-        if (!cardgen::CardGenerator::generate(options, &error))
-            qFatal("cardgen: %s", qPrintable(error));
+        card = std::make_unique<cwtest::CardFolder>(options);
+        if (!card->ok())
+            qFatal("cardgen: %s", qPrintable(card->error()));
     }
-    return dir->filePath(QStringLiteral("card"));
+    return card->workFolder();
 }
 
 void BM_HouseKeeping(benchmark::State& state)
@@ -59,12 +53,7 @@ BENCHMARK(BM_HouseKeeping)->Arg(60)->Arg(300)->Arg(600)->Unit(benchmark::kMillis
 
 int main(int argc, char** argv)
 {
-    // Keep the benchmark's log and settings out of the real home folder.
-    QTemporaryDir home;
-    qputenv("HOME", home.path().toUtf8());
-    qputenv("XDG_CONFIG_HOME", (home.path() + "/.config").toUtf8());
-    qputenv("XDG_STATE_HOME", (home.path() + "/.local/state").toUtf8());
-    qputenv("XDG_CACHE_HOME", (home.path() + "/.cache").toUtf8());
+    cwtest::isolateProcessHome(); // the log and settings stay out of the real home folder
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
