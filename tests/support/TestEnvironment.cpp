@@ -3,6 +3,7 @@
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/operations/BLClipboardCtrl.h"
 
 #include <QDir>
 
@@ -27,6 +28,7 @@ void setXdg(const QString& home)
 
 void releaseSingletons()
 {
+    BLClipboardCtrl::releaseCtrl();
     BLLogCtrl::releaseCtrl();
     BLPlistCtrl::releaseCtrl();
     BLCommon::releaseCtrl();
