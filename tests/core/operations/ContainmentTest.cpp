@@ -1,5 +1,6 @@
 #include "OperationsTestSupport.h"
 
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipCtrl.h"
 #include "core/operations/DOClipCtrl.h"
 #include "support/CardFolder.h"
@@ -170,4 +171,30 @@ TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
     clipCtrl.setNewFolderFlag(true);
     ctrl.processCancel(clipCtrl, 5);
     EXPECT_FALSE(QFileInfo(work.path() + "/made").isSymLink());
+}
+
+TEST_F(ContainmentTest, TakesReadFromTheIndexFilesAreRemovedOnlyInsideTheCard)
+{
+    // The takes as housekeeping reads them from the media profile and take
+    // info naming the outside.
+    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(m_work);
+    ASSERT_GE(takes.size(), 3);
+    BLClipCtrl ctrl;
+    const QFileInfo work(m_work);
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(work.path());
+    clipCtrl.setCopyFromFolderName(work.fileName());
+    clipCtrl.setCopyToFolder(work.path());
+    clipCtrl.setCopyToFolderName(work.fileName());
+    clipCtrl.setFromTakes(takes);
+    clipCtrl.setToTakes(takes);
+    ctrl.processCancel(clipCtrl, int(takes.size()));
+    for (const DOTakeData& take : takes) {
+        clipCtrl.setTargetTake(take);
+        ctrl.doDeleteTake(clipCtrl, m_work);
+    }
+    // What the card held of its own is gone; its links were not followed.
+    EXPECT_FALSE(QFileInfo::exists(m_bpav + "/CLPR/ABC0003"));
+    EXPECT_FALSE(QFileInfo::exists(m_bpav + "/TAKR/ABC0003U01"));
+    EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/EVIL").isSymLink());
 }
