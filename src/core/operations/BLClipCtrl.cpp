@@ -376,11 +376,9 @@ int BLClipCtrl::checkUmid(const QString& umid, const DOClipCtrl& clipCtrl)
     return 1;
 }
 
-int BLClipCtrl::checkUmid(const QList<DOClipCtrl>& clipCtrls, int index)
+int BLClipCtrl::checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& clipCtrls, int index)
 {
-    if (index < 0 || index >= clipCtrls.size())
-        return 1;
-    for (const DOTakeData& take : clipCtrls.at(index).getFromTakes())
+    for (const DOTakeData& take : clipCtrl.getFromTakes())
         for (int other = 0; other < clipCtrls.size(); ++other)
             if (other != index)
                 for (const DOTakeData& otherTake : clipCtrls.at(other).getFromTakes())

@@ -59,9 +59,9 @@ public:
     bool checkRepeatClip(DOClipCtrl& clipCtrl);
     // 0 when the UMID is that of a take or clip of the destination takes.
     int checkUmid(const QString& umid, const DOClipCtrl& clipCtrl);
-    // 0 when a take of the record at the index has the UMID of a take of
-    // another record of the list.
-    int checkUmid(const QList<DOClipCtrl>& clipCtrls, int index);
+    // 0 when a take of the record has the UMID of a take of another record of
+    // the list (the record itself stands at the index).
+    int checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& clipCtrls, int index);
 
     // ---- the files of records ----
     // Absolute paths of the existing files of a record in a BPAV folder: XML,

@@ -148,9 +148,9 @@ TEST_F(ChecksTest, UmidsCollideAcrossTheRecordsOfAnOperation)
     records[0].setFromTakes({m_takes.at(0), m_takes.at(1)});
     records[1].setFromTakes({m_takes.at(2)});
     records[2].setFromTakes({m_takes.at(1)});
-    EXPECT_EQ(m_ctrl.checkUmid(records, 0), 0);
-    EXPECT_EQ(m_ctrl.checkUmid(records, 1), 1);
-    EXPECT_EQ(m_ctrl.checkUmid(records, 2), 0);
+    EXPECT_EQ(m_ctrl.checkUmid(records[0], records, 0), 0);
+    EXPECT_EQ(m_ctrl.checkUmid(records[1], records, 1), 1);
+    EXPECT_EQ(m_ctrl.checkUmid(records[2], records, 2), 0);
 
     DOClipCtrl clipCtrl;
     clipCtrl.setToTakes({m_takes.at(2)});
