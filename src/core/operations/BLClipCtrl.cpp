@@ -1,14 +1,120 @@
 #include "core/operations/BLClipCtrl.h"
 
+#include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/metadata/BLTakeInfoAcss.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/model/BLMediaProCtrl.h"
 #include "core/operations/BLCardPath.h"
+#include "core/operations/BLFolderNameCtrl.h"
+#include "core/operations/DOClipCtrl.h"
 
+#include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace {
+
+constexpr int kLogId = 640;
+
+void log(const QString& message)
+{
+    BLLogCtrl::debug(kLogId, message);
+}
+
+// Shows a message key; a refusal without a key of its own shows nothing.
+void showMessage(const char* key, int style = 0)
+{
+    if (key)
+        BLCommon::sharedCtrl()->messageBox(QString::fromLatin1(key), QString(), style, 0);
+}
+
+// Message keys of checkCopyPath by operation type.
+struct PathKeys
+{
+    const char* emptyName;
+    const char* forbiddenCharacter;
+    const char* notAccessible;
+    const char* driveNotUsable;
+    const char* sameFolder;
+};
+constexpr PathKeys kPathKeys[] = {
+    {"MSG_642_3168", "MSG_648_3160", "MSG_6510_3206", "MSG_642_3111", "MSG_642_3158"}, // copy
+    {"MSG_644_3197", "MSG_648_3160", "MSG_6510_3208", "MSG_644_3186", "MSG_644_3187"}, // move
+    {nullptr, "MSG_648_3160", "MSG_6510_3204", "MSG_651_3232", nullptr},
+    {nullptr, "MSG_648_3160", "MSG_6510_3205", "MSG_651_3232", nullptr}, // folder combine
+};
+
+bool isSamePath(const QString& path, const QString& path2)
+{
+    return QDir::cleanPath(path).compare(QDir::cleanPath(path2), Qt::CaseInsensitive) == 0;
+}
+
+bool isSameUmid(const QString& umid, const QString& umid2)
+{
+    return !umid.isEmpty() &&
+           DOTakeInfo::toStoredUmid(umid).compare(DOTakeInfo::toStoredUmid(umid2), Qt::CaseInsensitive) == 0;
+}
+
+// The folder holding a record's files in a BPAV folder: that of its metadata,
+// else of its take info or essence; for a loose MP4 file (status 4) the file
+// itself. "" when unknown or outside the BPAV folder.
+template <class Record> QString recordFolder(const QString& bpav, const Record& record, int status)
+{
+    if (status == 4) {
+        const QString file = BLCardPath::resolveReference(bpav, record.getMP4Uri());
+        return BLCommon::isFiles(file) ? file : QString();
+    }
+    for (const QString& reference : {record.getXMLUri(), record.getSMIUri(), record.getMP4Uri()})
+        if (!reference.isEmpty())
+            return BLCardPath::resolveRecordFolder(bpav, reference);
+    return {};
+}
+
+template <class Record>
+QStringList operatePaths(const Record& record, bool needFolder, const QString& bpav, int status)
+{
+    QStringList paths;
+    QString lastReference;
+    for (const QString* reference : {&record.getXMLUri(), &record.getSMIUri(), &record.getBIMUri(),
+                                     &record.getPPNUri(), &record.getMP4Uri()}) {
+        if (status == 3 && reference == &record.getSMIUri())
+            continue;
+        const QString path = BLCardPath::resolveReference(bpav, *reference);
+        if (BLCommon::isFiles(path)) {
+            paths << path;
+            lastReference = *reference;
+        }
+    }
+    if (needFolder && !paths.isEmpty()) {
+        const QString folder =
+            status == 4 ? paths.last() : BLCardPath::resolveRecordFolder(bpav, lastReference);
+        if (!folder.isEmpty())
+            paths.prepend(folder);
+    }
+    return paths;
+}
+
+template <class Record> int existingFileCount(const Record& record, const QString& workPath)
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workPath);
+    int count = 0;
+    for (const QString& reference :
+         {record.getXMLUri(), record.getSMIUri(), record.getBIMUri(), record.getPPNUri(), record.getMP4Uri()})
+        if (BLCardPath::isFileOfReference(bpav, reference))
+            ++count;
+    return count;
+}
+
+// Removes a record's folder (or loose file), logging it.
+bool removeLogged(const QString& path)
+{
+    log(QStringLiteral("[BLClipCtrl doFileDelete]    path:") + path);
+    return !path.isEmpty() && BLCommon::removeFile(path);
+}
 
 bool hasExtension(const QString& name, QLatin1String extension)
 {
@@ -50,6 +156,338 @@ QString firstAudioCodec(const DONonRealTimeMeta& meta)
 }
 
 } // namespace
+
+// ---- checks before an operation ----
+
+int BLClipCtrl::checkCopyToFolderName(const QString& name, DOClipCtrl& clipCtrl, int type)
+{
+    // A work folder named like the card's own folder would be taken for one.
+    if (name.compare(QLatin1String("BPAV"), Qt::CaseInsensitive) == 0) {
+        showMessage("MSG_651_3132", 1);
+        log(QStringLiteral("[BLClipCtrl checkCopyToFolderName] BPAV fail"));
+        return kNameRefusedKeepOpen;
+    }
+    BLFolderNameCtrl folderNameCtrl;
+    switch (folderNameCtrl.checkFolderName(name, clipCtrl.getCopyToPath(), type)) {
+    case BLFolderNameCtrl::kNameRefusedClose:
+        return kNameRefusedClose;
+    case BLFolderNameCtrl::kNameRefusedKeepOpen:
+        return kNameRefusedKeepOpen;
+    default:
+        break;
+    }
+
+    // A move within one volume needs no space.
+    const QString source = clipCtrl.sourceWorkFolder();
+    const bool onVolumeRoot = BLCommon::isVolume(clipCtrl.destinationWorkFolder());
+    if (type == kNameTypeCopy || !BLCommon::compareVolumes(source, clipCtrl.destinationWorkFolder())) {
+        const QString bpav = BLCommon::getPathOfBPAV(source);
+        QStringList folders;
+        for (const DOTakeData& take : clipCtrl.getFromTakes()) {
+            folders << BLCardPath::resolveRecordFolder(bpav, take.getXMLUri());
+            for (const DOClipData& clip : take.getClipData())
+                folders << BLCardPath::resolveRecordFolder(bpav, clip.getXMLUri());
+        }
+        folders.removeAll(QString());
+        const QString destination =
+            onVolumeRoot ? clipCtrl.destinationWorkFolder() : clipCtrl.getCopyToPath();
+        if (!BLDiskCtrl::sharedCtrl()->checkDiskSpace(folders, destination)) {
+            log(QStringLiteral("[BLClipCtrl checkCopyPath] checkDiskSpace fail"));
+            return kNameRefusedClose;
+        }
+    }
+
+    if (!BLCommon::isFolder(BLCommon::makeFilePath(clipCtrl.getCopyToPath(), {name}))) {
+        // Shown a volume, the user names a folder on that volume.
+        if (onVolumeRoot)
+            clipCtrl.setCopyToFolder(clipCtrl.destinationWorkFolder());
+        clipCtrl.setChangeFolderFlag(true);
+        const QString folder = BLCommon::makeFilePath(clipCtrl.getCopyToPath(), {name});
+        if (!BLCommon::isFolder(folder)) {
+            if (!BLCommon::createNewFolder(folder))
+                return kNameNotCreated;
+            clipCtrl.setNewFolderFlag(true);
+            BLCommon::sharedCtrl()->sendNotification(this, SC::SCNewFolderDidMakeNotification,
+                                                     {{SC::SCParentPathKey, clipCtrl.getCopyToPath()}});
+        }
+    }
+    clipCtrl.setCopyToFolderName(name);
+    return kNameReady;
+}
+
+bool BLClipCtrl::checkCopyPath(const DOClipCtrl& clipCtrl, int type)
+{
+    if (type < 0 || type >= int(std::size(kPathKeys)))
+        return false;
+    const PathKeys& keys = kPathKeys[type];
+    const QString work = clipCtrl.destinationWorkFolder();
+
+    if (!clipCtrl.getNewFolderFlag()) {
+        if (clipCtrl.getCopyToFolderName().isEmpty()) {
+            showMessage(keys.emptyName);
+            log(QStringLiteral("[BLClipCtrl checkCopyPath] length fail"));
+            return false;
+        }
+        if (!BLCommon::checkHyphenationCharacterForPath(work)) {
+            showMessage(keys.forbiddenCharacter, 1);
+            log(QStringLiteral("[BLClipCtrl checkCopyPath] HyphenationCharacter fail"));
+            return false;
+        }
+    }
+
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    const int drive = disk->isUsableDrive(work);
+    if (drive == 3) {
+        showMessage(keys.driveNotUsable);
+        log(QStringLiteral("[BLClipCtrl checkCopyPath] isUsableDrive fail"));
+        return false;
+    }
+    if (drive == 1) {
+        // FAT32 cannot hold a file beyond its limit.
+        const QString bpav = BLCommon::getPathOfBPAV(clipCtrl.sourceWorkFolder());
+        for (const DOTakeData& take : clipCtrl.getFromTakes()) {
+            QStringList files = getOperatePaths(take, false, bpav, take.getTakeStatus());
+            for (const DOClipData& clip : take.getClipData())
+                files << getOperatePaths(clip, false, bpav, clip.getClipStatus());
+            for (const QString& file : std::as_const(files)) {
+                if (disk->getFileSize(file) > kFat32Limit) {
+                    showMessage("MSG_648_3127");
+                    log(QStringLiteral("[BLClipCtrl checkCopyPath] isUsable Drive fail : FAT32 & 4GB over"));
+                    return false;
+                }
+            }
+        }
+    }
+
+    const bool readable = disk->baseReadableCheck(work);
+    const bool writable =
+        disk->baseWritableCheck(work) && disk->checkWritableToFolder(clipCtrl.getToTakes(), work);
+    const bool deletable = work == QLatin1String("/") || disk->isDeletableThisPath(work);
+    const bool sameFolder = isSamePath(clipCtrl.sourceWorkFolder(), work);
+    if (readable && writable && deletable && !sameFolder)
+        return true;
+    if (sameFolder) {
+        showMessage(keys.sameFolder);
+        log(QStringLiteral("[BLClipCtrl checkCopyPath] NSOrderedSame fail"));
+        return false;
+    }
+    showMessage(keys.notAccessible);
+    if (readable)
+        log(QStringLiteral("[BLClipCtrl checkCopyPath] isWritablePath fail"));
+    return false;
+}
+
+bool BLClipCtrl::checkWritableMoveOrigin(const DOClipCtrl& clipCtrl, int type)
+{
+    const QString source = clipCtrl.sourceWorkFolder();
+    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
+    if (disk->isUsableDrive(source) == 3) {
+        showMessage("MSG_651_3232");
+        return false;
+    }
+    if (disk->baseReadableCheck(source) && disk->baseWritableCheck(source) &&
+        disk->checkWritableFromFolder(clipCtrl.getFromTakes(), source))
+        return true;
+    switch (type) {
+    case kTypeMove:
+        showMessage("MSG_6510_3207");
+        break;
+    case kTypeCombine:
+        showMessage("MSG_6510_3205");
+        break;
+    case kTypeDelete:
+        showMessage("MSG_6510_3203");
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+bool BLClipCtrl::checkDeletePath(DOClipCtrl& clipCtrl)
+{
+    const QList<DOTakeData> takes = clipCtrl.getFromTakes();
+    for (const DOTakeData& take : takes) {
+        clipCtrl.setTargetTake(take);
+        if (!isDeletable(clipCtrl))
+            return false;
+    }
+    return true;
+}
+
+bool BLClipCtrl::isDeletable(const DOClipCtrl& clipCtrl)
+{
+    const DOTakeData& take = clipCtrl.getTargetTake();
+    const QString bpav = BLCommon::getPathOfBPAV(clipCtrl.sourceWorkFolder());
+    QStringList folders{recordFolder(bpav, take, take.getTakeStatus())};
+    if (!take.getSingleClipFlag())
+        for (const DOClipData& clip : take.getClipData())
+            folders << recordFolder(bpav, clip, clip.getClipStatus());
+    for (const QString& folder : std::as_const(folders)) {
+        if (folder.isEmpty() || !BLDiskCtrl::sharedCtrl()->isDeletablePath(folder)) {
+            BLLogCtrl::debug(0, folder + QStringLiteral(" : [undeletable]"));
+            showMessage("MSG_6510_3203");
+            return false;
+        }
+    }
+    return true;
+}
+
+bool BLClipCtrl::checkFolderLimit(const DOClipCtrl& clipCtrl)
+{
+    return !BLCommon::isExceedFolderLimitByCopy(clipCtrl.destinationWorkFolder(), clipCtrl.getFromTakes());
+}
+
+bool BLClipCtrl::checkRepeatClip(DOClipCtrl& clipCtrl)
+{
+    clipCtrl.setNewTakes(clipCtrl.getFromTakes());
+    const QString bpav = BLCommon::getPathOfBPAV(clipCtrl.destinationWorkFolder());
+    // The destination holds an entry of the folder's name (ignoring case)
+    // beside where the folder would go.
+    const auto exists = [&bpav](const QString& folderReference) {
+        const QFileInfo folder(folderReference);
+        return !BLCommon::checkSameName(BLCommon::makeFilePath(bpav, {folder.path()}), folder.fileName());
+    };
+    for (const DOTakeData& take : clipCtrl.getFromTakes()) {
+        for (const DOClipData& clip : take.getClipData()) {
+            const QString folder = BLCommon::getFolderName(clip);
+            if ((!folder.isEmpty() && exists(folder)) || checkUmid(clip.getUmid(), clipCtrl) == 0)
+                return false;
+        }
+        if (!take.getSMIUri().isEmpty()) {
+            const QString folder =
+                take.getTakeStatus() == 3 ? take.getSMIUri() : QFileInfo(take.getSMIUri()).path();
+            if (exists(folder) || checkUmid(take.getUmid(), clipCtrl) == 0)
+                return false;
+        }
+    }
+    return true;
+}
+
+int BLClipCtrl::checkUmid(const QString& umid, const DOClipCtrl& clipCtrl)
+{
+    for (const DOTakeData& take : clipCtrl.getToTakes()) {
+        if (isSameUmid(umid, take.getUmid()))
+            return 0;
+        for (const DOClipData& clip : take.getClipData())
+            if (isSameUmid(umid, clip.getUmid()))
+                return 0;
+    }
+    return 1;
+}
+
+int BLClipCtrl::checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& clipCtrls, int index)
+{
+    for (const DOTakeData& take : clipCtrl.getFromTakes())
+        for (int other = 0; other < clipCtrls.size(); ++other)
+            if (other != index)
+                for (const DOTakeData& otherTake : clipCtrls.at(other).getFromTakes())
+                    if (isSameUmid(take.getUmid(), otherTake.getUmid()))
+                        return 0;
+    return 1;
+}
+
+// ---- the files of records ----
+
+QStringList BLClipCtrl::getOperatePaths(const DOClipData& clip, bool needFolder, const QString& fromPath,
+                                        int status)
+{
+    return operatePaths(clip, needFolder, fromPath, status);
+}
+
+QStringList BLClipCtrl::getOperatePaths(const DOTakeData& take, bool needFolder, const QString& fromPath,
+                                        int status)
+{
+    return operatePaths(take, needFolder, fromPath, status);
+}
+
+void BLClipCtrl::setOperatePaths(QList<QStringList>& paths, const QList<DOTakeData>& takes, int& pathCount,
+                                 bool needFolder, const QString& workPath)
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workPath);
+    paths.clear();
+    pathCount = 0;
+    for (const DOTakeData& take : takes) {
+        QStringList list;
+        for (const DOClipData& clip : take.getClipData())
+            list << getOperatePaths(clip, needFolder, bpav, clip.getClipStatus());
+        list << getOperatePaths(take, needFolder, bpav, take.getTakeStatus());
+        // A path named twice (a loose file is its own folder; a take may carry
+        // its clip's references) is listed once: it can be removed only once.
+        list.removeDuplicates();
+        pathCount += int(list.size());
+        paths << list;
+    }
+}
+
+int BLClipCtrl::getPathCount(const QList<DOTakeData>& takes, const QString& workPath, bool needFolder)
+{
+    QList<QStringList> paths;
+    int count = 0;
+    setOperatePaths(paths, takes, count, needFolder, workPath);
+    return count;
+}
+
+int BLClipCtrl::getPathCount(const DOClipData& clip, const QString& workPath)
+{
+    return existingFileCount(clip, workPath);
+}
+
+int BLClipCtrl::getPathCount(const DOTakeData& take, const QString& workPath)
+{
+    return existingFileCount(take, workPath);
+}
+
+// ---- deletion and roll-back ----
+
+bool BLClipCtrl::doFileDelete(const DOClipCtrl& clipCtrl, const QString& workFolder)
+{
+    log(QStringLiteral("[BLClipCtrl doFileDelete] Start"));
+    const DOTakeData& take = clipCtrl.getTargetTake();
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
+    bool removed = true;
+    if (take.getTakeStatus() != 4 && !take.getSingleClipFlag()) {
+        for (const DOClipData& clip : take.getClipData()) {
+            removed = removeLogged(recordFolder(bpav, clip, clip.getClipStatus()));
+            if (!removed)
+                break;
+        }
+    }
+    if (removed)
+        removed = removeLogged(recordFolder(bpav, take, take.getTakeStatus()));
+    log(QStringLiteral("[BLClipCtrl doFileDelete] End"));
+    return removed;
+}
+
+bool BLClipCtrl::doDeleteTake(const DOClipCtrl& clipCtrl, const QString& workFolder)
+{
+    if (!doFileDelete(clipCtrl, workFolder))
+        return false;
+    const DOTakeData& take = clipCtrl.getTargetTake();
+    if (take.getTakeStatus() == 4)
+        return true;
+    return BLMediaProCtrl().deleteMaterial({take}, workFolder, BLCommon::Is720SP(clipCtrl.getToTakes()));
+}
+
+void BLClipCtrl::processCancel(DOClipCtrl& clipCtrl, int operatedCount)
+{
+    log(QStringLiteral("[BLClipCtrl processCancel] Start"));
+    const QString destination = clipCtrl.destinationWorkFolder();
+    if (clipCtrl.getNewFolderFlag()) {
+        // The folder this operation made holds nothing but what it put there.
+        if (BLCommon::isFolder(destination) && !BLCommon::isVolume(destination))
+            BLCommon::removeFile(destination);
+        log(QStringLiteral("[BLClipCtrl processCancel]    del:") + destination);
+    } else {
+        const QList<DOTakeData> takes =
+            clipCtrl.getChangeFlag() ? clipCtrl.getNewTakes() : clipCtrl.getFromTakes();
+        for (int i = 0; i < operatedCount && i < takes.size(); ++i) {
+            clipCtrl.setTargetTake(takes.at(i));
+            doDeleteTake(clipCtrl, destination);
+        }
+    }
+    log(QStringLiteral("[BLClipCtrl processCancel] End"));
+}
 
 // ---- reading a folder into records ----
 

@@ -38,24 +38,6 @@ cardgen::Damage damage(const char* text)
     return parsed.value_or(cardgen::Damage{});
 }
 
-// The clips of a card's CLPR folder as the folder scan finds them, each given
-// its UMID from its metadata the way the scan fills clips (through a take
-// that carries the clip's references).
-QList<DOClipData> scanClips(BLClipCtrl& ctrl, const QString& workFolder)
-{
-    QList<DOClipData> clips;
-    const QString clpr = BLCommon::getPathOfBPAV(workFolder) + "/CLPR";
-    for (const QString& name : QDir(clpr).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name)) {
-        DOClipData clip = ctrl.checkCLPRFiles(workFolder, name);
-        DOTakeData probe;
-        probe.setXMLUri(clip.getXMLUri());
-        if (clip.getClipStatus() < 4 && ctrl.getNonRealData(probe, workFolder))
-            clip.setUmid(probe.getUmid());
-        clips << clip;
-    }
-    return clips;
-}
-
 } // namespace
 
 class ClassificationTest : public cwtest::HomeTest
@@ -145,7 +127,7 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QString work = card.workFolder();
     BLClipCtrl ctrl;
-    QList<DOClipData> clips = scanClips(ctrl, work);
+    QList<DOClipData> clips = optest::scanClips(work);
     ASSERT_EQ(clips.size(), 4); // ABC0001 to ABC0004; ABC0005 lies on the second card
 
     // A multi-clip take: its take info gives the UMIDs and the entries.
@@ -288,7 +270,7 @@ TEST_F(ClassificationTest, TheKeyFrameStaysWithinTheTakeOnThisMedium)
     const QString work = card.workFolder();
     const QString xml = card.bpav() + "/TAKR/ABC0001U01/ABC0001U01M01.XML";
     BLClipCtrl ctrl;
-    const QList<DOClipData> clips = scanClips(ctrl, work);
+    const QList<DOClipData> clips = optest::scanClips(work);
 
     QString duration = "12";
     QString keyFrame = "0";

@@ -1,6 +1,8 @@
 #include "OperationsTestSupport.h"
 
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipCtrl.h"
+#include "core/operations/DOClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
 
@@ -113,4 +115,86 @@ TEST_F(ContainmentTest, MetadataIsNeverReadThroughAReferenceThatLeavesTheCard)
     DOTakeData inside;
     inside.setXMLUri("./CLPR/ABC0002/ABC0002M01.XML");
     EXPECT_TRUE(ctrl.getNonRealData(inside, m_work));
+}
+
+TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
+{
+    BLClipCtrl ctrl;
+    const QList<DOTakeData> takes = optest::loadTakes(m_work);
+    const auto take = [](const QString& xml, const QString& smi, const QString& mp4) {
+        DOTakeData t;
+        t.setSingleClipFlag(true);
+        t.setXMLUri(xml);
+        t.setSMIUri(smi);
+        t.setMP4Uri(mp4);
+        return t;
+    };
+    DOTakeData throughLink = take("./CLPR/EVIL/EVILM01.XML", "./CLPR/EVIL/EVIL.SMI", "./CLPR/EVIL/EVIL.MP4");
+    DOTakeData upwards = take("./../../outside/file", "./../../outside/EVIL/EVIL.SMI", "");
+    DOTakeData absolute = take(m_outside + "/EVIL/EVILM01.XML", m_outside + "/EVIL/EVIL.SMI", "");
+    DOTakeData loose = take("", "", "./CLPR/LOOSE.MP4");
+    loose.setTakeStatus(4);
+    DOTakeData multi = takes.last();
+    ASSERT_EQ(multi.getClipData().size(), 2);
+    DOClipData escaping = multi.getClipData(0);
+    escaping.setXMLUri("./../../outside/EVIL/EVILM01.XML");
+    escaping.setSMIUri(QString());
+    escaping.setMP4Uri(QString());
+    multi.setSingleClipFlag(false);
+    multi.setArrClipData({escaping, multi.getClipData(1)});
+
+    const QFileInfo work(m_work);
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(work.path());
+    clipCtrl.setCopyFromFolderName(work.fileName());
+    for (const DOTakeData& hostile : {throughLink, upwards, absolute, loose, multi}) {
+        clipCtrl.setTargetTake(hostile);
+        EXPECT_FALSE(ctrl.isDeletable(clipCtrl));
+        EXPECT_FALSE(ctrl.doDeleteTake(clipCtrl, m_work));
+        for (const QString& path : ctrl.getOperatePaths(hostile, true, m_bpav, hostile.getTakeStatus()))
+            EXPECT_TRUE(path.startsWith(m_bpav + "/")) << path.toStdString();
+    }
+    // The link itself stays in the card: it is not the card's to follow.
+    EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/EVIL").isSymLink());
+    EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/ABC0003").isDir()); // the multi-clip take stopped at its first clip
+
+    // A roll-back over the same takes into this card.
+    clipCtrl.setCopyToFolder(work.path());
+    clipCtrl.setCopyToFolderName(work.fileName());
+    clipCtrl.setFromTakes({throughLink, upwards, absolute, loose, multi});
+    ctrl.processCancel(clipCtrl, 5);
+
+    // A destination "made" by the operation that is a link to the outside:
+    // only the link goes.
+    ASSERT_TRUE(QFile::link(m_outside, work.path() + "/made"));
+    clipCtrl.setCopyToFolderName("made");
+    clipCtrl.setNewFolderFlag(true);
+    ctrl.processCancel(clipCtrl, 5);
+    EXPECT_FALSE(QFileInfo(work.path() + "/made").isSymLink());
+}
+
+TEST_F(ContainmentTest, TakesReadFromTheIndexFilesAreRemovedOnlyInsideTheCard)
+{
+    // The takes as housekeeping reads them from the media profile and take
+    // info naming the outside.
+    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(m_work);
+    ASSERT_GE(takes.size(), 3);
+    BLClipCtrl ctrl;
+    const QFileInfo work(m_work);
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(work.path());
+    clipCtrl.setCopyFromFolderName(work.fileName());
+    clipCtrl.setCopyToFolder(work.path());
+    clipCtrl.setCopyToFolderName(work.fileName());
+    clipCtrl.setFromTakes(takes);
+    clipCtrl.setToTakes(takes);
+    ctrl.processCancel(clipCtrl, int(takes.size()));
+    for (const DOTakeData& take : takes) {
+        clipCtrl.setTargetTake(take);
+        ctrl.doDeleteTake(clipCtrl, m_work);
+    }
+    // What the card held of its own is gone; its links were not followed.
+    EXPECT_FALSE(QFileInfo::exists(m_bpav + "/CLPR/ABC0003"));
+    EXPECT_FALSE(QFileInfo::exists(m_bpav + "/TAKR/ABC0003U01"));
+    EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/EVIL").isSymLink());
 }

@@ -1,5 +1,7 @@
 #include "OperationsTestSupport.h"
 
+#include "core/common/BLCommon.h"
+#include "core/operations/BLClipCtrl.h"
 #include "support/CardFolder.h"
 
 #include <QCryptographicHash>
@@ -18,6 +20,73 @@ cardgen::Options smallCard(int clips)
     options.clips = clips;
     options.fast = true;
     return options;
+}
+
+QList<DOClipData> scanClips(const QString& workFolder)
+{
+    BLClipCtrl ctrl;
+    QList<DOClipData> clips;
+    const QString clpr = BLCommon::getPathOfBPAV(workFolder) + "/CLPR";
+    for (const QString& name : QDir(clpr).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name)) {
+        DOClipData clip = ctrl.checkCLPRFiles(workFolder, name);
+        DOTakeData probe;
+        probe.setXMLUri(clip.getXMLUri());
+        if (clip.getClipStatus() < 4 && ctrl.getNonRealData(probe, workFolder))
+            clip.setUmid(probe.getUmid());
+        clips << clip;
+    }
+    return clips;
+}
+
+QList<DOTakeData> loadTakes(const QString& workFolder)
+{
+    BLClipCtrl ctrl;
+    QList<DOClipData> clips = scanClips(workFolder);
+    QList<DOTakeData> takes;
+    const QString takr = BLCommon::getPathOfBPAV(workFolder) + "/TAKR";
+    for (const QString& name : QDir(takr).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name)) {
+        DOTakeData take = ctrl.checkTAKRFiles(workFolder, name);
+        ctrl.searchClip(take, clips);
+        takes << take;
+    }
+    for (const DOClipData& clip : std::as_const(clips)) {
+        if (clip.getExistFlag())
+            continue;
+        DOTakeData take;
+        take.setSingleClipFlag(true);
+        take.setUmid(clip.getUmid());
+        take.setXMLUri(clip.getXMLUri());
+        take.setSMIUri(clip.getSMIUri());
+        take.setBIMUri(clip.getBIMUri());
+        take.setPPNUri(clip.getPPNUri());
+        take.setMP4Uri(clip.getMP4Uri());
+        take.setSize(clip.getSize());
+        take.setTakeStatus(clip.getClipStatus());
+        take.setRealFlag(true);
+        takes << take;
+    }
+    for (DOTakeData& take : takes)
+        if (take.getTakeStatus() < 4 && !ctrl.getNonRealData(take, workFolder))
+            take.setTakeStatus(5);
+    std::sort(takes.begin(), takes.end(),
+              [](const DOTakeData& a, const DOTakeData& b) { return a.getTakeID() < b.getTakeID(); });
+    return takes;
+}
+
+void openTree(const QString& root)
+{
+    const QFile::Permissions folder = QFile::Permissions(0x7777);
+    const QFile::Permissions file = QFile::Permissions(0x6666);
+    QDirIterator it(root, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        if (!QFileInfo(path).isSymLink())
+            QFile::setPermissions(path, QFileInfo(path).isDir() ? folder : file);
+    }
+    for (QString path = QDir::cleanPath(root); path.startsWith(QDir::tempPath() + "/");
+         path = QFileInfo(path).path())
+        QFile::setPermissions(path, folder);
 }
 
 void enableDebugLog(const cwtest::ScopedHome& home)
