@@ -11,6 +11,7 @@
 #include "core/mp4/CCreatePPT.h"
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLClipCtrl.h"
+#include "core/operations/DOClipCtrl.h"
 
 #include <QDir>
 #include <QFile>
@@ -715,6 +716,21 @@ bool BLMediaProCtrl::deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMateri
     if (!isSameUmid(material.getUmid(), umid))
         return false;
     return mediaPro.delMaterialData(material.getUri()) > 0;
+}
+
+bool BLMediaProCtrl::updateCueUpByClipDelete(const DOClipCtrl& clipCtrl)
+{
+    const QString source =
+        BLCommon::makeFilePath(clipCtrl.getCopyFromPath(), {clipCtrl.getCopyFromFolderName()});
+    BLCueupInfoAcss cueUp;
+    DOClip first;
+    if (!cueUp.loadForFolderPath(BLCommon::getPathOfBPAV(source)) || !cueUp.getClipData(first))
+        return false;
+    const QStringList& deleted = clipCtrl.getDelUmid();
+    if (std::none_of(deleted.begin(), deleted.end(),
+                     [&](const QString& umid) { return isSameUmid(first.getUmid(), umid); }))
+        return true;
+    return cueUp.delClipData(first.getUri()) && cueUp.save();
 }
 
 DOComponent BLMediaProCtrl::createComponent(const DOTakeData& take, const QString& mediaId)

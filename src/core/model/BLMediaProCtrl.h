@@ -13,6 +13,7 @@
 
 class BLHouseKeepingCtrl;
 class BLMediaProfileAcss;
+class DOClipCtrl;
 
 // Keeps a folder's media profile ("MEDIAPRO.XML") and cue-up info
 // ("CUEUP.XML") in step with the clip and take folders that are really there.
@@ -119,6 +120,10 @@ public:
     bool deleteMaterial(const QList<DOTakeData>& takes, const QString& workFolder, bool upVer);
     // Removes the material when its UMID is the given one.
     bool deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material, const QString& umid);
+
+    // After clips were deleted from the operation's source folder: its cue-up
+    // info loses its first entry when that names a deleted UMID.
+    bool updateCueUpByClipDelete(const DOClipCtrl& clipCtrl);
 
     // A component naming a take that lies on another medium.
     DOComponent createComponent(const DOTakeData& take, const QString& mediaId);

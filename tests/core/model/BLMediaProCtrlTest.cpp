@@ -8,6 +8,7 @@
 #include "core/metadata/BLCueupInfoAcss.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
+#include "core/operations/DOClipCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
@@ -587,4 +588,40 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     EXPECT_FALSE(ctrl.deleteMaterial({first}, work, false));
     EXPECT_TRUE(
         logLines().contains("0645:[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :" + work));
+}
+
+TEST_F(MediaProCtrlTest, CueUpLosesItsEntryOnlyWhenItNamesADeletedClip)
+{
+    cwtest::CardFolder card(tinyCard(2));
+    ASSERT_TRUE(card.ok());
+    const QString cueUpPath = card.bpav() + "/CUEUP.XML";
+    BLCueupInfoAcss cueUp;
+    DOClip entry;
+    ASSERT_TRUE(cueUp.loadForFolderPath(card.bpav()) && cueUp.getClipData(entry));
+    ASSERT_EQ(entry.getUmid(), card.manifest().takes.back().umid) << "the generator names the last clip";
+
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(QFileInfo(card.workFolder()).path());
+    clipCtrl.setCopyFromFolderName(QFileInfo(card.workFolder()).fileName());
+    clipCtrl.addDelUmid(card.manifest().takes.front().umid);
+    QFile file(cueUpPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    BLMediaProCtrl ctrl;
+    EXPECT_TRUE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before) << "another clip was deleted: the file is untouched";
+    file.close();
+
+    clipCtrl.addDelUmid(entry.getUmid().toLower());
+    EXPECT_TRUE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    BLCueupInfoAcss after;
+    DOClip left;
+    ASSERT_TRUE(after.loadForFolderPath(card.bpav()) && after.getClipData(left));
+    EXPECT_TRUE(left.getUri().isEmpty()) << left.getUri().toStdString();
+
+    ASSERT_TRUE(QFile::remove(cueUpPath));
+    EXPECT_FALSE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    EXPECT_FALSE(QFileInfo::exists(cueUpPath));
 }
