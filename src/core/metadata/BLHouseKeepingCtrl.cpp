@@ -66,7 +66,6 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
         return false;
 
     const QString bpav = BLCommon::getPathOfBPAV(workFolder);
-    const QString mediaProPath = bpav + QLatin1Char('/') + BLMediaProfileAcss::kFileName;
     BLMediaProfileAcss mediaPro;
     const int state = mediaProCtrl.isMediaPro(mediaPro, workFolder);
     bool needsRepair = false;
@@ -103,11 +102,7 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
         buildTakeData(takes, workFolder);
         if (isCancelAt(6))
             return false;
-        if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(mediaProPath))
-            showMessage("MSG_732_3176");
-        else if (!mediaProCtrl.createMediaPro(takes, workFolder, m_arrClipData))
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
-                workFolder);
+        rewriteMediaPro(takes, workFolder);
     } else {
         showMessage("MSG_732_3176");
         return false;
@@ -115,16 +110,22 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
     if (isCancelAt(7))
         return false;
 
-    if (needsRepair) {
-        if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(mediaProPath))
-            showMessage("MSG_732_3176");
-        else if (!mediaProCtrl.createMediaPro(takes, workFolder, m_arrClipData))
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
-                workFolder);
-    }
+    if (needsRepair)
+        rewriteMediaPro(takes, workFolder);
     if (!BLCommon::checkTakeDuration(takes))
         showMessage("MSG_111_3225");
     return true;
+}
+
+void BLHouseKeepingCtrl::rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder)
+{
+    const QString path =
+        BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') + BLMediaProfileAcss::kFileName;
+    if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(path))
+        showMessage("MSG_732_3176");
+    else if (!BLMediaProCtrl().createMediaPro(takes, workFolder, m_arrClipData))
+        log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
+            workFolder);
 }
 
 void BLHouseKeepingCtrl::setCancel()

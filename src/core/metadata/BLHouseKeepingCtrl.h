@@ -64,6 +64,9 @@ private:
     // The pass proper; false when it ended early (the takes are then as far
     // as they got).
     bool passFolder(const QString& workFolder, QList<DOTakeData>& takes);
+    // Writes the media profile anew from the takes and clips found, or tells
+    // the user that the medium does not let it be written.
+    void rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder);
     // Logs the cancel step when the flag is set.
     bool isCancelAt(int step) const;
 
