@@ -27,7 +27,7 @@ asan:
 	$(MAKE) test BUILD=build-asan CMAKE_FLAGS="-DCLIPWRIGHT_SANITIZE=ON"
 
 bench:
-	$(MAKE) build CMAKE_FLAGS="-DCLIPWRIGHT_BENCH=ON"
+	$(MAKE) build BUILD=build-bench CMAKE_FLAGS="-DCMAKE_BUILD_TYPE=Release -DCLIPWRIGHT_BENCH=ON -DCLIPWRIGHT_TESTS=OFF"
 
 clean:
-	rm -rf $(BUILD) build-asan
+	rm -rf $(BUILD) build-asan build-bench

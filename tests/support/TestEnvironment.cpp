@@ -3,6 +3,7 @@
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/metadata/BLBIMCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 
 #include <QDir>
@@ -28,6 +29,7 @@ void setXdg(const QString& home)
 
 void releaseSingletons()
 {
+    BLBIMCtrl::releaseCtrl();
     BLClipboardCtrl::releaseCtrl();
     BLLogCtrl::releaseCtrl();
     BLPlistCtrl::releaseCtrl();

@@ -312,6 +312,7 @@ void writeEmbeddedXml(BoxBuilder& b, const QByteArray& xml)
     b.end();
     b.beginFull("xml ", 0, 0);
     b.bytes(xml);
+    b.u8(0); // the document is a zero-terminated string, as in the camera's files
     b.end();
     b.end();
     b.end();

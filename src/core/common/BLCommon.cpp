@@ -902,8 +902,12 @@ QStringList BLCommon::getFolders(const QString& path)
 
 QString BLCommon::getDisplayName(const QString& path)
 {
+    return getDisplayName(path, BLVolumeProvider::current()->mountedVolumes());
+}
+
+QString BLCommon::getDisplayName(const QString& path, const QList<BLVolume>& volumes)
+{
     const QString clean = QDir::cleanPath(path);
-    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
     for (const BLVolume& volume : volumes)
         if (QDir::cleanPath(volume.rootPath) == clean && !volume.displayName.isEmpty())
             return volume.displayName;

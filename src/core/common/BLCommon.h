@@ -9,6 +9,7 @@
 #include <atomic>
 
 class BLProgressThread;
+struct BLVolume;
 class DOClipData;
 class DOLtcChange;
 class DOTakeData;
@@ -154,6 +155,8 @@ public:
     // The name as shown to the user: a volume's own name for a volume root,
     // else the name on disk.
     static QString getDisplayName(const QString& path);
+    // The same against a list of mounted volumes read once (for many paths).
+    static QString getDisplayName(const QString& path, const QList<BLVolume>& volumes);
     static QString getDisplayName(const QString& parent, const QString& name);
     static bool isSameDisplayName(const QString& path);
     // Display names from the volume down, each followed by ":" ("CARD:DCIM:").

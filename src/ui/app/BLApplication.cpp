@@ -7,6 +7,7 @@
 #include "core/app/BLPreferencesCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/BLProgressCtrl.h"
+#include "core/metadata/BLBIMCtrl.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/operations/BLClipboardCtrl.h"
@@ -45,6 +46,7 @@ BLApplication::~BLApplication()
 {
     BLCommon::setMessagePresenter(nullptr);
     BLProgressCtrl::releaseCtrl();
+    BLBIMCtrl::releaseCtrl();
     m_preferencesCtrl.reset();
     m_mainWindowCtrl.reset();
     m_mainWindow.reset();

@@ -199,12 +199,14 @@ TEST(CardgenLayout, Mp4BoxesFollowTheCameraLayout)
     }
 
     // The embedded metadata: meta's children follow its header directly, and
-    // the "xml " body holds the clip's M01.XML after four version bytes.
+    // the "xml " body holds the clip's M01.XML after four version bytes,
+    // ended by a zero byte.
     const Box* meta = path(*mp4.moov, {"udta", "meta"});
     ASSERT_NE(meta, nullptr);
     EXPECT_EQ(meta->childTypes(), (QList<QByteArray>{"hdlr", "xml "}));
     const Box* xml = meta->child("xml ");
-    const QByteArray embedded = d.mid(xml->body() + 4, xml->size - 12);
+    const QByteArray embedded = d.mid(xml->body() + 4, xml->size - 13);
+    EXPECT_EQ(d.at(xml->offset + xml->size - 1), '\0');
     QString xmlPath;
     for (const cardgen::ManifestFile& f : clip.files) {
         if (f.kind == "XML")

@@ -1,0 +1,446 @@
+#include "MetadataTestSupport.h"
+
+#include "core/common/BLCommon.h"
+#include "core/metadata/BLBIMCtrl.h"
+#include "core/metadata/BLCreateNRT.h"
+#include "core/metadata/BLNonMetaAcss.h"
+#include "core/model/DOTakeData.h"
+#include "support/Mp4Builder.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using cwmeta::describe;
+using cwmeta::readXmlOutline;
+using cwmeta::XmlNode;
+using cwtest::Mp4Builder;
+using cwtest::Mp4Track;
+using cwtest::mpeg2SequenceStart;
+
+namespace {
+
+const QString kClip = "P20260116093015_01";
+const QString kTakeDate = "2026-01-16T09:30:15+00:00";
+
+bool isDateTime(const QString& text)
+{
+    return QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)").match(text).hasMatch();
+}
+
+bool isRecent(const QString& text)
+{
+    const QDateTime when = BLCommon::makeCalendarDateFromString(text);
+    return isDateTime(text) && when.isValid() && qAbs(when.secsTo(QDateTime::currentDateTime())) < 120;
+}
+
+// A video track of the given number of frames, stored in chunks of I B B P B B.
+Mp4Track video(int frames, const QByteArray& sequenceStart = {})
+{
+    QList<QByteArray> chunks(frames / 6, "IBBPBB");
+    if (frames % 6)
+        chunks << QByteArray("IBBPBB").left(frames % 6);
+    // Pictures of 2 KiB: the sequence header is read from the first 2 KiB of the first chunk.
+    return Mp4Builder::videoTrack(chunks, 2048, sequenceStart);
+}
+
+Mp4Builder hdFile(int frames)
+{
+    Mp4Builder b;
+    b.tracks << video(frames);
+    b.tracks << Mp4Builder::audioTrack("twos", 2, {1601});
+    return b;
+}
+
+QString outline(const XmlNode* node)
+{
+    return node ? describe(*node) : QStringLiteral("(missing)");
+}
+
+// A clip folder of an import, its MP4 file examined by BLBIMCtrl, and the log.
+class CreateNRTTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+        m_folder = m_dir.filePath(kClip);
+        ASSERT_TRUE(QDir().mkpath(m_folder));
+    }
+
+    QString mp4() const { return BLCreateNRT::mp4Path(m_folder); }
+    QString nonMeta() const { return BLCreateNRT::nonMetaPath(m_folder); }
+
+    void importFile(const Mp4Builder& file)
+    {
+        ASSERT_TRUE(file.write(mp4()));
+        ASSERT_TRUE(BLBIMCtrl::sharedCtrl()->preImportMP4(mp4()));
+    }
+
+    // The take record the import makes for the clip from the examined file.
+    static DOTakeData takeData()
+    {
+        const BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
+        DOTakeData take;
+        take.setUmid(BLCommon::sharedCtrl()->createUmid());
+        take.setCurrentDuration(bim->getDuration());
+        take.setCreationDate(kTakeDate);
+        take.setLastUpDate(kTakeDate);
+        take.setVideoCodec(bim->getVideoCodec());
+        take.setFormatFps(bim->getFormatFps());
+        take.setPixel(bim->getPixel());
+        take.setNumOfVerticalLine(bim->getNumOfVertical());
+        take.setARatio(bim->getARatio());
+        take.setAudioCodec(bim->getAudioCodec());
+        take.setNumOfChannel(QString::number(bim->getAudioChannel()));
+        take.setManufacturer("...");
+        take.setModelName("...");
+        take.setUsAscii("");
+        take.setAlias("holiday");
+        return take;
+    }
+
+    // The messages of the import's metadata lines (process 7001).
+    QStringList logLines()
+    {
+        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            if (line.section(' ', 2).startsWith("7001:"))
+                lines << line.section(' ', 2).mid(5);
+        return lines;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_folder;
+};
+
+} // namespace
+
+TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
+{
+    importFile(hdFile(1802));
+    DOTakeData take = takeData();
+    const QString umid = take.getUmid();
+    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
+    EXPECT_EQ(take.getUmid(), umid) << "a built document keeps the take's UMID";
+
+    const XmlNode root = readXmlOutline(nonMeta());
+    ASSERT_EQ(root.name, "NonRealTimeMeta");
+    EXPECT_EQ(root.namespaces, (QList<std::pair<QString, QString>>{{"", BLNonMetaAcss::kNameSpace},
+                                                                   {"lib", BLNonMetaAcss::kLibNameSpace}}));
+    EXPECT_TRUE(isRecent(root.attribute("lastUpdate")));
+    EXPECT_EQ(root.childNames(),
+              (cwmeta::Names{"TargetMaterial", "Duration", "LtcChangeTable", "CreationDate", "LastUpdate",
+                             "TypicalUbit", "KeyFrame", "BodyUmidBasicChangeTable", "BodyUmidWhenChangeTable",
+                             "BodyUmidWhereChangeTable", "BodyUmidWhoChangeTable", "KlvPacketTable",
+                             "VideoFormat", "AudioFormat", "Title"}));
+
+    auto expect = [&](const QString& element, const QString& text) {
+        EXPECT_EQ(outline(root.child(element)), text) << element.toStdString();
+    };
+    expect("TargetMaterial", QString("<TargetMaterial umidRef=\"%1\">\n").arg(umid));
+    expect("Duration", "<Duration value=\"1802\">\n");
+    // Frame 1801 at 29.97 Hz drop frame is 00:01:00;03.
+    expect("LtcChangeTable", "<LtcChangeTable tcFps=\"30\">\n"
+                             "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
+                             "  <LtcChange frameCount=\"1801\" value=\"43000100\" status=\"end\">\n");
+    const QDateTime born = QFileInfo(mp4()).birthTime();
+    const QString fileDate =
+        BLCommon::getXmlFormatDateString(born.isValid() ? born : QFileInfo(mp4()).lastModified());
+    expect("CreationDate", QString("<CreationDate value=\"%1\">\n").arg(fileDate));
+    EXPECT_NE(fileDate, kTakeDate);
+    EXPECT_TRUE(isRecent(root.child("LastUpdate")->attribute("value")));
+    expect("TypicalUbit", "<TypicalUbit value=\"0000000000000000\">\n");
+    expect("KeyFrame", "<KeyFrame frameCount=\"0\">\n");
+    expect("BodyUmidBasicChangeTable",
+           QString("<BodyUmidBasicChangeTable>\n"
+                   "  <BodyUmidBasicChange frameCount=\"0\" value=\"%1\" status=\"start\">\n")
+               .arg(umid));
+    for (const QString kind : {"When", "Where", "Who"})
+        expect("BodyUmid" + kind + "ChangeTable",
+               QString("<BodyUmid%1ChangeTable>\n  <BodyUmid%1Change frameCount=\"0\" status=\"none\">\n")
+                   .arg(kind));
+    expect("KlvPacketTable", "<KlvPacketTable>\n  <KlvPacket frameCount=\"0\" status=\"none\">\n");
+    expect("VideoFormat", "<VideoFormat>\n"
+                          "  <VideoFrame videoCodec=\"MPEG2HD35_1920_1080_MP@HL\" formatFps=\"59.94i\">\n"
+                          "  <VideoLayout pixel=\"1920\" numOfVerticalLine=\"1080\" aspectRatio=\"16:9\">\n");
+    expect("AudioFormat", "<AudioFormat numOfChannel=\"2\">\n"
+                          "  <AudioRecPort audioCodec=\"LPCM16\" port=\"OTHERS\" trackDst=\"CH1\">\n"
+                          "  <AudioRecPort audioCodec=\"LPCM16\" port=\"OTHERS\" trackDst=\"CH2\">\n");
+    expect("Title", QString("<Title usAscii=\"\">\n  <lib:Alias xml:lang=\"%1\">%2\n")
+                        .arg(BLCommon::getSystemLanguage(), kClip));
+
+    // The project's own reader agrees.
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(nonMeta()));
+    DONonRealTimeMeta meta;
+    ASSERT_TRUE(acss.getNonMetaData(meta, BLCommon::getSystemLanguage()));
+    EXPECT_EQ(meta.getDuration(), "1802");
+    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), umid);
+    EXPECT_EQ(meta.getTitle().getAlias().getValue(), kClip);
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
+
+    const QString prefix = "nonMetaPath:" + nonMeta();
+    EXPECT_EQ(
+        logLines(),
+        (QStringList{prefix, "Duration:1802", "FrameCount(incliment):1801", "FrameCount(end):1801",
+                     "tcFps:30", "VideoCodec:MPEG2HD35_1920_1080_MP@HL", "FormatFps:59.94i", "Pixel:1920",
+                     "NumOfVerticalLine:1080", "AspectRatio:16:9", "AudioChannel:2", "AudioCodec:LPCM16",
+                     "TrackDst:CH1", "TrackDst:CH2", "NumOfChannel:2", "Alias:" + kClip}));
+}
+
+TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
+{
+    struct Case
+    {
+        const char* name;
+        int frames;
+        QByteArray sequenceStart;
+        QString takeLtc;      // first LTC value of a re-imported take
+        QString tcFps;        // overrides the examined base when set ("" clears it)
+        qint64 duration = -1; // overrides the examined frame count
+        const char* expected;
+    };
+    const QByteArray i5994 = mpeg2SequenceStart(1920, 1080, 3, 4, false);
+    const QByteArray p50 = mpeg2SequenceStart(1280, 720, 3, 6, true);
+    const QByteArray p2398 = mpeg2SequenceStart(1920, 1080, 3, 1, true);
+    const Case cases[] = {
+        {"one frame",
+         1,
+         i5994,
+         {},
+         "-",
+         -1,
+         "<LtcChangeTable tcFps=\"30\">\n"
+         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
+        {"50p counts time code frames at half the rate",
+         12,
+         p50,
+         {},
+         "-",
+         -1,
+         "<LtcChangeTable tcFps=\"25\">\n"
+         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"11\" value=\"45000000\" status=\"end\">\n"},
+        {"23.98p",
+         30,
+         p2398,
+         {},
+         "-",
+         -1,
+         "<LtcChangeTable tcFps=\"24\">\n"
+         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"29\" value=\"45010000\" status=\"end\">\n"},
+        {"a non-drop take at 59.94i", 1802, i5994, "01000000", "-", -1,
+         "<LtcChangeTable tcFps=\"30\">\n"
+         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"1801\" value=\"41000100\" status=\"end\">\n"},
+        {"no time-code base",
+         12,
+         i5994,
+         {},
+         "",
+         -1,
+         "<LtcChangeTable tcFps=\"...\">\n"
+         "  <LtcChange frameCount=\"0\" value=\"00000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"11\" value=\"00000000\" status=\"end\">\n"},
+        {"duration and last frame disagree",
+         12,
+         i5994,
+         {},
+         "-",
+         20,
+         "<LtcChangeTable tcFps=\"30\">\n"
+         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
+         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
+    };
+    BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Mp4Builder file;
+        file.tracks << video(c.frames, c.sequenceStart);
+        importFile(file);
+        DOTakeData take = takeData();
+        if (!c.takeLtc.isEmpty()) {
+            DOLtcChange change;
+            change.setFrameCount("0");
+            change.setValue(c.takeLtc);
+            change.setStatus("increment");
+            take.setLtcChange(change);
+        }
+        if (c.tcFps != "-")
+            bim->settcFps(c.tcFps);
+        if (c.duration >= 0)
+            bim->setDuration(quint32(c.duration));
+        ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
+        EXPECT_EQ(outline(readXmlOutline(nonMeta()).child("LtcChangeTable")), c.expected);
+    }
+}
+
+TEST_F(CreateNRTTest, OneAudioPortPerChannel)
+{
+    struct Case
+    {
+        const char* name;
+        QList<Mp4Track> audio;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"no sound", {}, "<AudioFormat numOfChannel=\"...\">\n"},
+        {"mono",
+         {Mp4Builder::audioTrack("in24", 1, {1601})},
+         "<AudioFormat numOfChannel=\"1\">\n"
+         "  <AudioRecPort audioCodec=\"LPCM24\" port=\"OTHERS\" trackDst=\"CH1\">\n"},
+        {"stereo and mono",
+         {Mp4Builder::audioTrack("in32", 2, {1601}), Mp4Builder::audioTrack("twos", 1, {1601})},
+         "<AudioFormat numOfChannel=\"3\">\n"
+         "  <AudioRecPort audioCodec=\"LPCM32\" port=\"OTHERS\" trackDst=\"CH1\">\n"
+         "  <AudioRecPort audioCodec=\"LPCM32\" port=\"OTHERS\" trackDst=\"CH2\">\n"
+         "  <AudioRecPort audioCodec=\"LPCM32\" port=\"OTHERS\" trackDst=\"CH3\">\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Mp4Builder file;
+        file.tracks << video(6) << c.audio;
+        importFile(file);
+        DOTakeData take = takeData();
+        ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
+        EXPECT_EQ(outline(readXmlOutline(nonMeta()).child("AudioFormat")), c.expected);
+    }
+
+    // A take without its format values gets "..." for each (the channel
+    // count is the examined file's).
+    DOTakeData bare;
+    bare.setUmid(BLCommon::sharedCtrl()->createUmid());
+    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, bare));
+    const XmlNode root = readXmlOutline(nonMeta());
+    EXPECT_EQ(outline(root.child("VideoFormat")),
+              "<VideoFormat>\n"
+              "  <VideoFrame videoCodec=\"...\" formatFps=\"...\">\n"
+              "  <VideoLayout pixel=\"...\" numOfVerticalLine=\"...\" aspectRatio=\"...\">\n");
+    EXPECT_EQ(outline(root.child("AudioFormat")),
+              "<AudioFormat numOfChannel=\"3\">\n"
+              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH1\">\n"
+              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH2\">\n"
+              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH3\">\n");
+}
+
+TEST_F(CreateNRTTest, CreationDateOfTheFileUnlessItHasNoneOrTheZeroDate)
+{
+    DOTakeData take;
+    take.setCreationDate(kTakeDate);
+    const QDateTime zero(QDate(1904, 1, 1), QTime(0, 0), Qt::UTC);
+    EXPECT_EQ(BLCreateNRT::creationDateValue(zero, take), kTakeDate);
+    EXPECT_EQ(BLCreateNRT::creationDateValue(zero.toOffsetFromUtc(-5 * 3600), take), kTakeDate)
+        << "the same moment seen west of Greenwich";
+    EXPECT_EQ(BLCreateNRT::creationDateValue(QDateTime(), take), kTakeDate);
+    EXPECT_EQ(BLCreateNRT::creationDateValue(zero.addDays(1), take), "1904-01-02T00:00:00+00:00");
+    const QDateTime recorded(QDate(2026, 1, 16), QTime(10, 30, 15), Qt::OffsetFromUTC, 3600);
+    EXPECT_EQ(BLCreateNRT::creationDateValue(recorded, take), "2026-01-16T10:30:15+01:00");
+
+    // Written: an MP4 file without a date (here: none at all) gives the take's date...
+    importFile(hdFile(6));
+    ASSERT_TRUE(QFile::rename(mp4(), m_dir.filePath("elsewhere.MP4")));
+    DOTakeData imported = takeData();
+    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, imported));
+    EXPECT_EQ(readXmlOutline(nonMeta()).child("CreationDate")->attribute("value"), kTakeDate);
+    // ... and the time of writing when the take has none either.
+    DOTakeData undated = takeData();
+    undated.setCreationDate("");
+    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, undated));
+    EXPECT_TRUE(isRecent(readXmlOutline(nonMeta()).child("CreationDate")->attribute("value")));
+}
+
+TEST_F(CreateNRTTest, EmbeddedDocumentIsKeptButItsUmidTitleAndLastUpdate)
+{
+    const QString camera = cwmeta::fixturePath("nrt/C0001M01.XML");
+    Mp4Builder file = hdFile(12);
+    file.xmlBody = QByteArray(4, '\0') + cwmeta::readBytes(camera) + '\0';
+    importFile(file);
+    DOTakeData take = takeData();
+    const QString importUmid = take.getUmid();
+    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
+
+    const XmlNode original = readXmlOutline(camera);
+    const XmlNode written = readXmlOutline(nonMeta());
+    ASSERT_EQ(written.name, "NonRealTimeMeta");
+    const QString newUmid = written.child("TargetMaterial")->attribute("umidRef");
+    EXPECT_EQ(take.getUmid(), newUmid) << "the take carries the document's new UMID";
+    EXPECT_NE(newUmid, importUmid);
+    EXPECT_NE(newUmid, original.child("TargetMaterial")->attribute("umidRef"));
+    EXPECT_TRUE(isRecent(written.attribute("lastUpdate")));
+    EXPECT_TRUE(isRecent(written.child("LastUpdate")->attribute("value")));
+
+    // Everything else is the camera's document as it was.
+    XmlNode expected = original;
+    auto set = [](XmlNode& node, const QString& name, const QString& value) {
+        for (auto& attribute : node.attributes)
+            if (attribute.first == name)
+                attribute.second = value;
+    };
+    set(expected, "lastUpdate", written.attribute("lastUpdate"));
+    for (XmlNode& child : expected.children) {
+        if (child.name == "TargetMaterial")
+            set(child, "umidRef", newUmid);
+        if (child.name == "LastUpdate")
+            set(child, "value", written.child("LastUpdate")->attribute("value"));
+        if (child.name == "Title") {
+            child.attributes = {{"usAscii", ""}};
+            XmlNode alias = child.children.first();
+            alias.attributes = {{"xml:lang", BLCommon::getSystemLanguage()}};
+            alias.text = kClip;
+            child.children = {alias};
+        }
+    }
+    EXPECT_EQ(written, expected);
+    EXPECT_EQ(logLines(), (QStringList{"nonMetaPath:" + nonMeta(), "Alias:" + kClip}));
+}
+
+TEST_F(CreateNRTTest, AnEmbeddedDocumentThatIsNoMetadataIsReplacedByABuiltOne)
+{
+    for (const QByteArray& body : {QByteArray("<?xml version=\"1.0\"?>\n<NonRealTimeMeta><Duration"),
+                                   QByteArray("<?xml version=\"1.0\"?>\n<Other value=\"1\"/>\n")}) {
+        SCOPED_TRACE(body.toStdString());
+        Mp4Builder file = hdFile(6);
+        file.xmlBody = body + '\0';
+        importFile(file);
+        ASSERT_TRUE(BLBIMCtrl::sharedCtrl()->checkNonMetaExist(mp4()));
+        DOTakeData take = takeData();
+        const QString umid = take.getUmid();
+        ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
+        EXPECT_EQ(take.getUmid(), umid);
+        const XmlNode root = readXmlOutline(nonMeta());
+        EXPECT_EQ(root.childNames().size(), 15u);
+        EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), umid);
+        EXPECT_EQ(root.child("Duration")->attribute("value"), "6");
+    }
+}
+
+TEST_F(CreateNRTTest, AFailedStepEndsTheCreation)
+{
+    importFile(hdFile(6));
+    DOTakeData take = takeData();
+
+    // A channel count below zero fails the sound step; what was saved stays.
+    BLBIMCtrl::sharedCtrl()->setAudioChannel(-1);
+    EXPECT_FALSE(BLCreateNRT::createNonMetaFile(m_folder, take));
+    const XmlNode root = readXmlOutline(nonMeta());
+    EXPECT_EQ(root.name, "NonRealTimeMeta");
+    EXPECT_TRUE(root.children.isEmpty()) << "only the first, empty save reached the disk";
+
+    // A clip folder that is not there.
+    const QString gone = m_dir.filePath("P20260116093015_02");
+    EXPECT_FALSE(BLCreateNRT::createNonMetaFile(gone, take));
+    EXPECT_FALSE(QFileInfo::exists(gone));
+}

@@ -1,0 +1,408 @@
+#include "core/operations/BLDeleteFolderCtrl.h"
+#include "core/app/BLLogCtrl.h"
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLLocalizedStrings.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/operations/IDeleteFolderView.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/CardFolder.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// The confirmation as the user answers it.
+class AnsweringDeleteView : public IDeleteFolderView
+{
+public:
+    explicit AnsweringDeleteView(bool yes) : answer(yes) {}
+    bool confirmDelete(const QString& message, const QString& folderName) override
+    {
+        asked << message + " | " + folderName;
+        return answer;
+    }
+    bool answer;
+    QStringList asked;
+};
+
+// The progress dialog without a window, watching the bar.
+class WatchingProgressView : public BLHeadlessProgressView
+{
+public:
+    void setDeterminate(double value, double min, double max) override
+    {
+        BLHeadlessProgressView::setDeterminate(value, min, max);
+        values << value;
+        if (onProgress)
+            onProgress(value);
+    }
+    void runModal(BLProgressCtrl* controller) override
+    {
+        shownMessage = message();
+        BLHeadlessProgressView::runModal(controller);
+    }
+    QList<double> values;
+    QString shownMessage;
+    std::function<void(double)> onProgress;
+};
+
+void writeFile(const QString& path)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("x");
+}
+
+// Every path under a folder, relative and sorted.
+QStringList tree(const QString& folder)
+{
+    QStringList paths;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        paths << QDir(folder).relativeFilePath(it.next());
+    paths.sort();
+    return paths;
+}
+
+void chmodTree(const QString& root, QFile::Permissions dirs, QFile::Permissions files)
+{
+    QFile::setPermissions(root, dirs);
+    for (const QString& name : QDir(root).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+        const QString path = root + '/' + name;
+        if (QFileInfo(path).isDir())
+            chmodTree(path, dirs, files);
+        else
+            QFile::setPermissions(path, files);
+    }
+}
+
+const QFile::Permissions kOpenDir = QFile::Permissions(0x7777);
+const QFile::Permissions kOpenFile = QFile::Permissions(0x6666);
+const QFile::Permissions kReadOnlyDir = QFile::Permissions(0x5555);
+
+cardgen::Options smallCard(int clips, std::vector<int> multiClipTakes = {})
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = clips;
+    options.multiClipTakes = std::move(multiClipTakes);
+    options.fast = true;
+    return options;
+}
+
+} // namespace
+
+class BLDeleteFolderCtrlTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+        QFile::setPermissions(home().home(), kOpenDir);
+        // The ordinary user of the permission tests writes the log too.
+        BLLogCtrl::debug(0, "test");
+        QFile::setPermissions(home().stateHome() + "/Clipwright/Clipwright.log", kOpenFile);
+        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        for (const QString& name :
+             {SC::SCFolderDidDeleteNotification, SC::SCSelectFolderDataDidUpdateNotification})
+            SCNotificationCenter::defaultCenter()->addObserver(
+                this, name, [this](const SCNotification& n) { posted << n; });
+    }
+    void TearDown() override
+    {
+        SCNotificationCenter::defaultCenter()->removeObserver(this);
+        BLProgressCtrl::sharedCtrl()->setView(nullptr);
+        HomeTest::TearDown();
+    }
+
+    // A work folder holding a card made by cardgen (its manifest removed).
+    QString cardIn(const cwtest::CardFolder& card)
+    {
+        EXPECT_TRUE(card.ok()) << card.error().toStdString();
+        QFile::remove(card.workFolder() + "/cardgen-manifest.json");
+        QFile::setPermissions(QFileInfo(card.workFolder()).path(), kOpenDir);
+        chmodTree(card.workFolder(), kOpenDir, kOpenFile);
+        return card.workFolder();
+    }
+    // Log lines as "PPPP:message", without the line that opened the log.
+    QStringList logLines()
+    {
+        QFile file(home().stateHome() + "/Clipwright/Clipwright.log");
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            lines << line.mid(20);
+        return lines.mid(1);
+    }
+    static void idle()
+    {
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+    }
+    static QString question(const char* key, const QString& folder)
+    {
+        return BLLocalizedString(key) + " | " + folder;
+    }
+
+    WatchingProgressView progress;
+    cwtest::MessageRecorder messages;
+    QList<SCNotification> posted;
+};
+
+static const QString kCtrl = "0655:[BLDeleteFolderCtrl deleteProcessOfFolder]";
+
+TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgressDialog)
+{
+    cwtest::CardFolder card(smallCard(3, {2}));
+    const QString folder = cardIn(card);
+    writeFile(folder + "/.hidden-notes"); // invisible entries do not count
+    const QStringList before = tree(folder);
+
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+    EXPECT_TRUE(ctrl.deleteProcessOfFolder(folder));
+
+    EXPECT_EQ(view.asked, QStringList({question("MSG_655_3143", "card")}));
+    EXPECT_FALSE(QFileInfo::exists(folder));
+    EXPECT_TRUE(messages.alerts().isEmpty());
+    EXPECT_EQ(ctrl.getFileMax(), before.size());
+    EXPECT_EQ(ctrl.getArrContents().first(), folder);
+
+    // The bar counts every item up to the last.
+    EXPECT_EQ(progress.shownMessage, BLLocalizedString("MSG_655_3200"));
+    ASSERT_FALSE(progress.values.isEmpty());
+    EXPECT_EQ(progress.values.last(), before.size() + 1);
+    EXPECT_EQ(progress.maximum(), before.size() + 1);
+
+    // Posted at once, before the program is idle again.
+    ASSERT_EQ(posted.size(), 1);
+    EXPECT_EQ(posted[0].name, SC::SCFolderDidDeleteNotification);
+    EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCDeletePathKey, folder}}));
+
+    // The take goes first, then the clips one by one, then the rest with the folder.
+    const QStringList log = logLines();
+    QStringList removed;
+    for (const QString& line : log)
+        if (line.startsWith("9002:[BLDeleteFolderThread loopProcess]    path : "))
+            removed << line.section(" : ", 1);
+    const QString bpav = folder + "/BPAV";
+    ASSERT_EQ(removed.size(), 1 + 5 + 1);
+    EXPECT_TRUE(removed[0].startsWith(bpav + "/TAKR/"));
+    for (int i = 1; i <= 5; ++i)
+        EXPECT_TRUE(removed[i].startsWith(bpav + "/CLPR/")) << removed[i].toStdString();
+    EXPECT_EQ(removed.last(), folder);
+    EXPECT_EQ(log.first(), kCtrl + " Start");
+    EXPECT_EQ(log.last(), kCtrl + " End");
+    EXPECT_TRUE(log.contains("9001:[BLDeleteFolderThread loopProcess] Start"));
+    EXPECT_TRUE(log.contains("9001:[BLDeleteFolderThread loopProcess] End"));
+}
+
+TEST_F(BLDeleteFolderCtrlTest, EmptyFoldersAndCardLayoutsGoNoKeepsEverything)
+{
+    const QString empty = home().path("media/Empty");
+    ASSERT_TRUE(QDir().mkpath(empty));
+    cardgen::Options layout = smallCard(1);
+    layout.layout = "PRIVATE/ORX/BPAV";
+    cwtest::CardFolder card(layout);
+    const QString privateCard = cardIn(card);
+
+    AnsweringDeleteView no(false);
+    BLDeleteFolderCtrl keep(&no);
+    EXPECT_FALSE(keep.deleteProcessOfFolder(empty));
+    EXPECT_FALSE(keep.deleteProcessOfFolder(privateCard));
+    EXPECT_EQ(no.asked, QStringList({question("MSG_655_3164", "Empty"), question("MSG_655_3143", "card")}));
+    EXPECT_TRUE(QFileInfo(empty).isDir());
+    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+    EXPECT_TRUE(progress.values.isEmpty());
+
+    AnsweringDeleteView yes(true);
+    BLDeleteFolderCtrl ctrl(&yes);
+    EXPECT_TRUE(ctrl.deleteProcessOfFolder(empty));
+    EXPECT_TRUE(ctrl.deleteProcessOfFolder(privateCard));
+    EXPECT_FALSE(QFileInfo::exists(empty));
+    EXPECT_FALSE(QFileInfo::exists(privateCard));
+    EXPECT_TRUE(messages.alerts().isEmpty());
+    ASSERT_EQ(posted.size(), 2);
+    EXPECT_EQ(posted[1].userInfo.value(SC::SCDeletePathKey), privateCard);
+}
+
+TEST_F(BLDeleteFolderCtrlTest, AnythingBesideTheCardKeepsTheFolder)
+{
+    cwtest::CardFolder card(smallCard(1));
+    const QString folder = cardIn(card);
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+
+    writeFile(folder + "/notes.txt");
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    QFile::remove(folder + "/notes.txt");
+
+    ASSERT_TRUE(QDir().mkpath(folder + "/Stills"));
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+
+    const QString other = home().path("media/Other");
+    ASSERT_TRUE(QDir().mkpath(other + "/Stills"));
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(other));
+
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_655_3142", "MSG_655_3142", "MSG_655_3142"}));
+    const QStringList log = logLines();
+    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The file is included.)"));
+    EXPECT_TRUE(log.contains("0100:DeleteFolderCtrl The file is included."));
+    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (FolderCount>=2)"));
+    EXPECT_TRUE(log.contains("0100:DeleteFolderCtrl FolderCount>=2"));
+    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The folder is not BPAV)"));
+    EXPECT_TRUE(log.contains("0100:DeleteFolderCtrl FolderCount==1 Not BPAV"));
+    EXPECT_EQ(log.count(kCtrl + " End"), 3);
+    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+    EXPECT_TRUE(QFileInfo(other + "/Stills").isDir());
+    EXPECT_TRUE(progress.values.isEmpty());
+    EXPECT_TRUE(posted.isEmpty());
+}
+
+TEST_F(BLDeleteFolderCtrlTest, AFolderThatHasGoneOrLiesOnAnUnusableDriveStays)
+{
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(home().path("media/gone")));
+    EXPECT_TRUE(ctrl.isFolderNotFound());
+    EXPECT_EQ(view.asked, QStringList({question("MSG_655_3164", "gone")}));
+
+    const QString folder = home().path("media/Card");
+    ASSERT_TRUE(QDir().mkpath(folder + "/BPAV"));
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({home().path("media"), "ntfs", "DISK", 64'000'000'000, 32'000'000'000});
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    EXPECT_FALSE(ctrl.isFolderNotFound());
+
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_632_3169", "MSG_651_3232"}));
+    const QStringList log = logLines();
+    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (Not Exist WorkFolder)"));
+    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The folder cannot delete.)"));
+    EXPECT_TRUE(log.contains("0100:DeleteFolderCtrl Drive is not usable format."));
+    EXPECT_TRUE(QFileInfo(folder + "/BPAV").isDir());
+}
+
+TEST_F(BLDeleteFolderCtrlTest, OneItemThatCannotBeDeletedKeepsEverything)
+{
+    cwtest::CardFolder card(smallCard(2));
+    const QString folder = cardIn(card);
+    const QStringList before = tree(folder);
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+
+    // A locked clip folder, then a locked hidden folder that only the full
+    // listing sees.
+    const QString clip = card.bpav() + "/CLPR/" +
+                         QDir(card.bpav() + "/CLPR").entryList(QDir::Dirs | QDir::NoDotAndDotDot).first();
+    QFile::setPermissions(clip, kReadOnlyDir);
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    }
+    QFile::setPermissions(clip, kOpenDir);
+    writeFile(folder + "/.trash/kept");
+    QFile::setPermissions(folder + "/.trash/kept", kOpenFile);
+    QFile::setPermissions(folder + "/.trash", kReadOnlyDir);
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    }
+    QFile::setPermissions(folder + "/.trash", kOpenDir);
+
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_6510_3203", "MSG_6510_3203"}));
+    const QStringList log = logLines();
+    EXPECT_EQ(log.count(kCtrl + "    Delete fail (The folder cannot delete.)"), 2);
+    EXPECT_EQ(log.count("0100:DeleteFolderCtrl Write inhibit"), 2);
+    QStringList after = tree(folder);
+    after.removeAll(".trash");
+    after.removeAll(".trash/kept");
+    EXPECT_EQ(after, before);
+    EXPECT_TRUE(progress.values.isEmpty());
+}
+
+// A cancelled deletion stops between whole clip and take folders: the folder
+// stays with its index files, every clip folder left is complete, no deletion
+// is announced, panes showing the folder are told to reload, and deleting it
+// again finishes the job.
+TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
+{
+    cwtest::CardFolder card(smallCard(24, {3}));
+    const QString folder = cardIn(card);
+    const QString bpav = card.bpav();
+    const QStringList before = tree(folder);
+    progress.onProgress = [this](double) { progress.pressCancel(); };
+
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    EXPECT_TRUE(messages.alerts().isEmpty());
+    EXPECT_TRUE(logLines().contains("9001:[BLDeleteFolderThread loopProcess]    Cancel"));
+
+    const QStringList after = tree(folder);
+    ASSERT_FALSE(after.isEmpty());
+    EXPECT_LT(after.size(), before.size());
+    EXPECT_TRUE(after.contains("BPAV/MEDIAPRO.XML"));
+    EXPECT_TRUE(after.contains("BPAV/CUEUP.XML"));
+    // The take went first.
+    EXPECT_TRUE(QDir(bpav + "/TAKR").entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
+    for (const cardgen::ManifestTake& take : card.manifest().takes)
+        for (const cardgen::ManifestClip& clip : take.clips) {
+            if (!QFileInfo::exists(folder + '/' + clip.folder))
+                continue;
+            for (const cardgen::ManifestFile& file : clip.files)
+                EXPECT_TRUE(QFileInfo::exists(folder + '/' + file.path)) << file.path.toStdString();
+        }
+    for (const QString& path : after)
+        EXPECT_TRUE(before.contains(path)) << path.toStdString();
+
+    ASSERT_TRUE(posted.isEmpty()); // nothing announced at once
+    idle();
+    ASSERT_EQ(posted.size(), 1);
+    EXPECT_EQ(posted[0].name, SC::SCSelectFolderDataDidUpdateNotification);
+    EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCDUpdateSelectFolderKey, folder}}));
+
+    progress.onProgress = nullptr;
+    EXPECT_TRUE(ctrl.deleteProcessOfFolder(folder));
+    EXPECT_FALSE(QFileInfo::exists(folder));
+}
+
+TEST(BLDeleteFolderCtrlCountTest, CountsSeeVisibleItemsAndTheListingSeesEverything)
+{
+    cwtest::ScopedHome home;
+    const QString folder = home.path("work");
+    writeFile(folder + "/BPAV/CLPR/C0001/C0001.MP4");
+    writeFile(folder + "/notes.txt");
+    writeFile(folder + "/.hidden");
+    writeFile(folder + "/.cache/thumb");
+    ASSERT_TRUE(QDir().mkpath(folder + "/Stills"));
+    ASSERT_TRUE(QFile::link(folder + "/BPAV", folder + "/link-to-bpav"));
+
+    EXPECT_EQ(BLDeleteFolderCtrl::getFolderCount(folder), 3); // BPAV, Stills and the link to a folder
+    EXPECT_EQ(BLDeleteFolderCtrl::getFileCount(folder), 1);
+    EXPECT_EQ(BLDeleteFolderCtrl::getAllContentsOfFolder(folder),
+              QStringList({".cache", ".cache/thumb", ".hidden", "BPAV", "BPAV/CLPR", "BPAV/CLPR/C0001",
+                           "BPAV/CLPR/C0001/C0001.MP4", "Stills", "link-to-bpav", "notes.txt"}));
+
+    BLDeleteFolderCtrl ctrl;
+    EXPECT_TRUE(ctrl.allCheck(folder));
+    EXPECT_EQ(ctrl.getFileMax(), 10);
+    ASSERT_EQ(ctrl.getArrContents().size(), 11);
+    EXPECT_EQ(ctrl.getArrContents()[0], folder);
+    EXPECT_EQ(ctrl.getArrContents()[1], folder + "/.cache");
+}

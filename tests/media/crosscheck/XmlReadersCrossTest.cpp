@@ -1,0 +1,215 @@
+// cardgen's XML files through the program's metadata readers: the manifest's
+// UMIDs, durations, time codes and titles come back.
+#include "CrossCheckSupport.h"
+
+#include "core/common/BLCommon.h"
+#include "core/metadata/BLCueupInfoAcss.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/metadata/BLNonMetaAcss.h"
+#include "core/metadata/BLTakeInfoAcss.h"
+
+using crosscheck::clipFile;
+
+namespace {
+
+cardgen::Options richCard()
+{
+    cardgen::Options o = cwtest::CardFolder::quick();
+    o.clips = 2;
+    o.multiClipTakes = {3};
+    o.spanningClips = 2;
+    o.frameRate = "59.94i";
+    o.startTimecode = "00:59:59:20";
+    o.audioTracks = 2;
+    o.mediaName = "CROSS CARD";
+    o.fast = true;
+    return o;
+}
+
+const cwtest::CardFolder& card()
+{
+    static const cwtest::CardFolder folder(richCard());
+    return folder;
+}
+
+// "HH:MM:SS;FF" (or ":FF") of an LTC change value, read by the program's own parser.
+QString ltcDisplay(const QString& value)
+{
+    BLCommon::Timecode tc{};
+    EXPECT_TRUE(BLCommon::LTCCValueToTimecode(&tc, value, 0, 30)) << value.toStdString();
+    auto bcd = [](quint8 byte, int tensBits) {
+        return (byte >> 4 & ((1 << tensBits) - 1)) * 10 + (byte & 0x0F);
+    };
+    return QString::asprintf("%02d:%02d:%02d%c%02d", bcd(tc[3], 2), bcd(tc[2], 3), bcd(tc[1], 3),
+                             (tc[0] & 0x40) ? ';' : ':', bcd(tc[0], 2));
+}
+
+// Checks one M01.XML against what the manifest says of its clip or take.
+void checkNonMeta(const QString& path, const QString& umid, int frames, const QString& start,
+                  const QString& last, const QString& title, const cardgen::ManifestTake& take)
+{
+    SCOPED_TRACE(path.toStdString());
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(path));
+    DONonRealTimeMeta meta;
+    ASSERT_TRUE(acss.getNonMetaData(meta, "en"));
+    EXPECT_EQ(meta.getNonMetaHeader().getXmlns(), BLNonMetaAcss::kNameSpace);
+    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), umid);
+    EXPECT_EQ(meta.getDuration(), QString::number(frames));
+    const QList<DOLtcChange> ltc = meta.getLtcChangeTable().getLtcChangeArray();
+    ASSERT_EQ(ltc.size(), 2);
+    EXPECT_EQ(meta.getLtcChangeTable().getTcFps(), "30");
+    EXPECT_EQ(ltc[0].getFrameCount(), "0");
+    EXPECT_EQ(ltcDisplay(ltc[0].getValue()), start);
+    EXPECT_EQ(ltc[1].getFrameCount(), QString::number(frames - 1));
+    EXPECT_EQ(ltcDisplay(ltc[1].getValue()), last);
+    ASSERT_EQ(meta.getBasicChangeArray().size(), 1);
+    EXPECT_EQ(meta.getBasicChangeArray()[0].getValue(), umid);
+    EXPECT_EQ(meta.getTitle().getUsAscii(), title);
+    EXPECT_EQ(meta.getTitle().getAlias().getLang(), "en");
+    EXPECT_EQ(meta.getTitle().getAlias().getValue(), title);
+    const DOVideoFormat& video = meta.getVideoFormat();
+    EXPECT_EQ(video.getVideoFrame().getVideoCodec(), take.videoFormat);
+    EXPECT_EQ(video.getVideoFrame().getFormatFps(), take.frameRate);
+    EXPECT_EQ(video.getVideoLayout().getPixel(), QString::number(take.width));
+    EXPECT_EQ(video.getVideoLayout().getNumOfVerticalLine(), QString::number(take.height));
+    EXPECT_EQ(meta.getAudioFormat().getNumOfChannel(), QString::number(take.audioChannels));
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), take.audioChannels);
+}
+
+QString fileName(const QString& path)
+{
+    return path.section('/', -1);
+}
+
+} // namespace
+
+TEST(XmlReadersCross, NonRealTimeMetadataOfEveryClipAndTake)
+{
+    ASSERT_TRUE(card().ok()) << card().error().toStdString();
+    int clips = 0;
+    for (const cardgen::ManifestTake& take : card().manifest().takes) {
+        for (const cardgen::ManifestClip& clip : take.clips) {
+            checkNonMeta(clipFile(card(), clip, "XML", take.card), clip.umid, clip.frames, clip.startTimecode,
+                         clip.lastTimecode, clip.name, take);
+            ++clips;
+        }
+        if (take.kind == "multi") {
+            const QString xml = card().path(take.files.back().path, take.card);
+            ASSERT_EQ(take.files.back().kind, "XML");
+            checkNonMeta(xml, take.umid, take.frames, take.clips.front().startTimecode,
+                         take.clips.back().lastTimecode, take.takeId, take);
+        }
+    }
+    EXPECT_EQ(clips, 7);
+}
+
+TEST(XmlReadersCross, TakeInfoOfClipsAndOfMultiClipTakes)
+{
+    ASSERT_TRUE(card().ok()) << card().error().toStdString();
+    for (const cardgen::ManifestTake& take : card().manifest().takes) {
+        for (const cardgen::ManifestClip& clip : take.clips) {
+            SCOPED_TRACE(clip.name.toStdString());
+            BLTakeInfoAcss acss;
+            ASSERT_TRUE(acss.loadForFilePath(clipFile(card(), clip, "SMI", take.card)));
+            DOTSmil smil;
+            ASSERT_TRUE(acss.getSmilData(smil, ""));
+            EXPECT_EQ(smil.getUmid(), clip.umid);
+            EXPECT_EQ(smil.getHead().getMetadata().getSrc(),
+                      fileName(clipFile(card(), clip, "XML", take.card)));
+            const DOTPar& par = smil.getBody().getSwPar();
+            EXPECT_EQ(par.getSystemComponent(), "MP4");
+            ASSERT_EQ(par.getVideo().size(), 1);
+            EXPECT_EQ(par.getVideo()[0].getSrc(), fileName(clipFile(card(), clip, "MP4", take.card)));
+            EXPECT_EQ(par.getAudio().size(), take.audioChannels);
+            ASSERT_EQ(par.getMetastream().size(), 1);
+            EXPECT_EQ(par.getMetastream()[0].getSrc(), fileName(clipFile(card(), clip, "BIM", take.card)));
+        }
+        if (take.kind != "multi")
+            continue;
+        SCOPED_TRACE(take.takeId.toStdString());
+        ASSERT_EQ(take.files.front().kind, "SMI");
+        BLTakeInfoAcss acss;
+        ASSERT_TRUE(acss.loadForFilePath(card().path(take.files.front().path, take.card)));
+        DOTSmil smil;
+        ASSERT_TRUE(acss.getSmilData(smil, ""));
+        EXPECT_EQ(smil.getUmid(), take.umid);
+        QStringList refs;
+        for (const DOTRef& ref : smil.getBody().getPar().getRef())
+            refs << ref.getSrc();
+        QStringList expected;
+        for (const cardgen::ManifestClip& clip : take.clips)
+            expected << "urn:smpte:umid:" + clip.umid;
+        if (take.spanPart == 1)
+            expected << "urn:smpte:umid:" + take.spanOtherUmid; // the part on the other card follows
+        EXPECT_EQ(refs, expected);
+    }
+}
+
+TEST(XmlReadersCross, MediaProfileAndCueUpOfEachCard)
+{
+    ASSERT_TRUE(card().ok()) << card().error().toStdString();
+    const cardgen::Manifest& manifest = card().manifest();
+    ASSERT_EQ(manifest.cards.size(), 2u);
+    for (int c = 0; c < 2; ++c) {
+        SCOPED_TRACE("card " + std::to_string(c));
+        const cardgen::ManifestCard& info = manifest.cards[size_t(c)];
+        BLMediaProfileAcss profile;
+        ASSERT_TRUE(profile.loadForFolderPath(card().bpav(c)));
+        DOMediaProfileData data;
+        ASSERT_TRUE(profile.getMediaPro(data, "", 0));
+        EXPECT_EQ(data.getAttached().getMediaId(), info.mediaId);
+        EXPECT_EQ(data.getAttached().getMediaName(), "CROSS CARD");
+
+        // One material per clip and per multi-clip take of this card.
+        QStringList materials;
+        for (const DOMaterial& m : data.getMaterial())
+            materials << m.getUmid() + " " + m.getDur() + " " + m.getUri();
+        QStringList expected;
+        QString lastClip;
+        for (const cardgen::ManifestTake& take : manifest.takes) {
+            if (take.card != c)
+                continue;
+            for (const cardgen::ManifestClip& clip : take.clips) {
+                expected << QString("%1 %2 ./CLPR/%3/%3.SMI").arg(clip.umid).arg(clip.frames).arg(clip.name);
+                lastClip = clip.umid;
+            }
+        }
+        for (const cardgen::ManifestTake& take : manifest.takes)
+            if (take.card == c && take.kind == "multi")
+                expected
+                    << QString("%1 %2 ./TAKR/%3/%3.SMI").arg(take.umid).arg(take.frames).arg(take.takeId);
+        EXPECT_EQ(materials, expected);
+
+        for (const cardgen::ManifestTake& take : manifest.takes) {
+            if (take.card != c || take.kind != "multi")
+                continue;
+            const QString uri = QString("./TAKR/%1/%1.SMI").arg(take.takeId);
+            QStringList parts;
+            for (const DOComponent& component : profile.getComponentData(uri, ""))
+                parts << component.getUmid() +
+                             (component.getMediaId().isEmpty() ? "" : " on " + component.getMediaId());
+            QStringList clips;
+            for (const cardgen::ManifestClip& clip : take.clips)
+                clips << clip.umid;
+            if (take.spanPart != 0) {
+                const QString other = take.spanOtherUmid + " on " + manifest.cards[size_t(1 - c)].mediaId;
+                take.spanPart == 1 ? clips.append(other) : clips.prepend(other);
+            }
+            EXPECT_EQ(parts, clips) << take.takeId.toStdString();
+        }
+
+        // The cue-up info names the card's last recorded clip.
+        BLCueupInfoAcss cueup;
+        ASSERT_TRUE(cueup.loadForFolderPath(card().bpav(c)));
+        DOClip entry;
+        ASSERT_TRUE(cueup.getClipData(entry));
+        EXPECT_EQ(entry.getUmid(), lastClip);
+        for (const cardgen::ManifestTake& take : manifest.takes)
+            for (const cardgen::ManifestClip& clip : take.clips)
+                if (clip.umid == lastClip) {
+                    EXPECT_EQ(entry.getUri(), QString("./CLPR/%1/%1.SMI").arg(clip.name));
+                    EXPECT_EQ(entry.getFtc(), clip.startTimecode);
+                }
+    }
+}

@@ -1,0 +1,249 @@
+// Missing, damaged and unusual input gives return codes, never a crash.
+#include "ViewerSession.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+using namespace vvtest;
+
+namespace {
+
+int thumbnailOf(const std::vector<QString>& paths, int64_t frame, vv_bitmap_t* out = nullptr)
+{
+    std::vector<QByteArray> utf8;
+    std::vector<const char*> pointers;
+    for (const QString& path : paths)
+        utf8.push_back(path.toUtf8());
+    for (const QByteArray& path : utf8)
+        pointers.push_back(path.constData());
+    vv_bitmap_t bitmap{};
+    const int rc = vv_get_thumbnail(pointers.data(), int32_t(pointers.size()), frame, VV_ICON_NONE, &bitmap);
+    if (out)
+        *out = bitmap;
+    else
+        vv_bitmap_free(&bitmap);
+    return rc;
+}
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeAll(const QString& path, const QByteArray& data)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(data), data.size());
+}
+
+uint32_t bigEndian32(const QByteArray& data, qsizetype at)
+{
+    return uint32_t(uint8_t(data[at])) << 24 | uint32_t(uint8_t(data[at + 1])) << 16 |
+           uint32_t(uint8_t(data[at + 2])) << 8 | uint32_t(uint8_t(data[at + 3]));
+}
+
+// The top-level box of the given type: its offset and size, or -1.
+std::pair<qsizetype, qsizetype> box(const QByteArray& data, const char* type)
+{
+    for (qsizetype at = 0; at + 8 <= data.size();) {
+        const qsizetype size = bigEndian32(data, at);
+        if (data.mid(at + 4, 4) == type)
+            return {at, size};
+        if (size < 8)
+            break;
+        at += size;
+    }
+    return {-1, 0};
+}
+
+class DamagedInput : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        s_card = new cwtest::CardFolder(tinyTake(1, 30));
+        // The decoder's complaints about the damage are expected.
+        s_logLevel = av_log_get_level();
+        av_log_set_level(AV_LOG_FATAL);
+    }
+    static void TearDownTestSuite()
+    {
+        av_log_set_level(s_logLevel);
+        delete s_card;
+        s_card = nullptr;
+    }
+    QString goodMp4() const { return mp4Paths(*s_card, onlyTake(*s_card)).front(); }
+    // A copy of the good file, changed by edit, in the test's folder.
+    QString damaged(const QString& name, const std::function<void(QByteArray&)>& edit)
+    {
+        QByteArray data = readAll(goodMp4());
+        edit(data);
+        const QString path = m_dir.filePath(name);
+        writeAll(path, data);
+        return path;
+    }
+
+    static cwtest::CardFolder* s_card;
+    static int s_logLevel;
+    QTemporaryDir m_dir;
+};
+
+cwtest::CardFolder* DamagedInput::s_card = nullptr;
+int DamagedInput::s_logLevel = 0;
+
+} // namespace
+
+TEST_F(DamagedInput, UnreadableFilesAreRefusedAndTheTakeShownStays)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    const QString missing = m_dir.filePath(QStringLiteral("missing.MP4"));
+    const QString empty = damaged(QStringLiteral("empty.MP4"), [](QByteArray& d) { d.clear(); });
+    const QString text = damaged(QStringLiteral("text.MP4"), [](QByteArray& d) { d = "not a movie\n"; });
+    const QString header = damaged(QStringLiteral("header.MP4"), [](QByteArray& d) { d.truncate(100); });
+    // The camera writes moov last: a file cut anywhere loses its index.
+    const QString half = damaged(QStringLiteral("half.MP4"), [](QByteArray& d) { d.truncate(d.size() / 2); });
+    // Cut inside the index: what is left may still be enough.
+    const QString tail = damaged(QStringLiteral("tail.MP4"), [](QByteArray& d) { d.chop(200); });
+    QDir(m_dir.path()).mkdir(QStringLiteral("folder.MP4"));
+    const QString folder = m_dir.filePath(QStringLiteral("folder.MP4"));
+
+    EXPECT_EQ(thumbnailOf({missing}, 0), VV_ERR_FILE);
+    EXPECT_EQ(thumbnailOf({folder}, 0), VV_ERR_FILE);
+    EXPECT_EQ(thumbnailOf({goodMp4(), missing}, 3), VV_ERR_FILE);
+    for (const QString& path : {empty, text, header, half})
+        EXPECT_EQ(thumbnailOf({path}, 0), VV_ERR_FORMAT) << path.toStdString();
+    const int tailResult = thumbnailOf({tail}, 0);
+    EXPECT_TRUE(tailResult == VV_OK || tailResult == VV_ERR_FORMAT) << tailResult;
+
+    ViewerSession viewer;
+    ASSERT_EQ(viewer.setTake({goodMp4()}), VV_OK);
+    vv_av_info_t info{};
+    info.total_frames = 1234;
+    EXPECT_EQ(viewer.setTake({goodMp4(), missing}, &info), VV_ERR_FILE);
+    EXPECT_EQ(viewer.setTake({half}, &info), VV_ERR_FORMAT);
+    EXPECT_EQ(viewer.setTake({text}, &info), VV_ERR_FORMAT);
+    EXPECT_EQ(info.total_frames, 1234) << "a refused take filled the block";
+    ASSERT_TRUE(viewer.job([] { return vv_show_frame(11, 0); }));
+    ASSERT_EQ(viewer.pictures().size(), 1u);
+    EXPECT_EQ(viewer.pictures()[0].counter, counterOf(onlyTake(*s_card), 11));
+}
+
+TEST_F(DamagedInput, DamagedPicturesDecodeAsWellAsTheyCan)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    // Garbage over the middle of the pictures, the index intact.
+    const QString garbage = damaged(QStringLiteral("garbage.MP4"), [](QByteArray& d) {
+        const auto [at, size] = box(d, "mdat");
+        ASSERT_GT(at, 0);
+        std::mt19937 random(7);
+        for (qsizetype i = at + size / 3; i < at + size / 3 + 4000 && i < at + size; ++i)
+            d[i] = char(random());
+    });
+    // The pictures cut short, the index kept after them: the last samples
+    // point into the index or past the end of the file.
+    const QString cut = damaged(QStringLiteral("cut.MP4"), [](QByteArray& d) {
+        const auto [at, size] = box(d, "mdat");
+        const auto [moovAt, moovSize] = box(d, "moov");
+        ASSERT_GT(at, 0);
+        ASSERT_GT(moovAt, at);
+        const QByteArray moov = d.mid(moovAt, moovSize);
+        const qsizetype kept = size * 2 / 3;
+        d.truncate(at + kept);
+        for (int i = 0; i < 4; ++i)
+            d[at + i] = char(uint32_t(kept) >> (24 - 8 * i));
+        d.append(moov);
+    });
+
+    for (const QString& path : {garbage, cut}) {
+        for (int64_t frame = 0; frame < 30; frame += 3) {
+            const int rc = thumbnailOf({path}, frame);
+            EXPECT_TRUE(rc == VV_OK || rc == VV_ERR_DECODE)
+                << path.toStdString() << " frame " << frame << ": " << rc;
+        }
+        ViewerSession viewer(InitParam().set(InitParam::kPlayInfoInterval, "0"));
+        const int rc = viewer.setTake({path, goodMp4()});
+        if (rc != VV_OK) {
+            EXPECT_TRUE(rc == VV_ERR_FORMAT || rc == VV_ERR_DECODE) << rc;
+            continue;
+        }
+        // Playback goes through the damage to the next clip and to the end.
+        ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(24, 1); })) << path.toStdString();
+        const std::vector<Picture> pictures = viewer.pictures();
+        ASSERT_FALSE(pictures.empty());
+        for (size_t i = 1; i < pictures.size(); ++i)
+            EXPECT_GT(pictures[i].frame, pictures[i - 1].frame);
+        EXPECT_EQ(pictures.back().frame, 59);
+        EXPECT_EQ(pictures.back().counter, counterOf(onlyTake(*s_card), 29));
+    }
+}
+
+TEST_F(DamagedInput, RandomlyFlippedBytesNeverCrash)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    const QByteArray good = readAll(goodMp4());
+    const auto [moovAt, moovSize] = box(good, "moov");
+    ASSERT_GT(moovAt, 0);
+    std::mt19937 random(20240501);
+    ViewerSession viewer(InitParam().set(InitParam::kPlayInfoInterval, "0"));
+    int opened = 0;
+    for (int round = 0; round < 60; ++round) {
+        QByteArray data = good;
+        // Half the rounds hit the index, the others anywhere.
+        const qsizetype from = round % 2 ? moovAt : 0;
+        std::uniform_int_distribution<qsizetype> place(from, data.size() - 1);
+        for (int i = 0; i < 12; ++i)
+            data[place(random)] = char(random());
+        const QString path = m_dir.filePath(QStringLiteral("flip%1.MP4").arg(round));
+        writeAll(path, data);
+
+        for (const int64_t frame : {0, 14, 29}) {
+            vv_bitmap_t bitmap{};
+            const int rc = thumbnailOf({path}, frame, &bitmap);
+            EXPECT_LE(rc, VV_OK);
+            if (rc == VV_OK) {
+                EXPECT_EQ(bitmap.width, 160);
+                EXPECT_GT(bitmap.height, 0);
+            }
+            vv_bitmap_free(&bitmap);
+        }
+        if (viewer.setTake({path}) == VV_OK) {
+            ++opened;
+            ASSERT_TRUE(viewer.job([] { return vv_show_frame(17, 0); }));
+            ASSERT_TRUE(viewer.job(vv_minus_one_frame));
+            ASSERT_TRUE(viewer.job(vv_last_frame));
+        }
+    }
+    EXPECT_GT(opened, 0);
+}
+
+TEST_F(DamagedInput, UnusualButValidFilesAreRead)
+{
+    // A box before ftyp, 64-bit chunk offsets.
+    cardgen::Options options = tinyTake(1, 30);
+    options.clips = 2;
+    for (auto kind : {cardgen::Damage::Kind::NoFtyp, cardgen::Damage::Kind::Co64}) {
+        cardgen::Damage damage;
+        damage.kind = kind;
+        damage.take = kind == cardgen::Damage::Kind::NoFtyp ? 1 : 2;
+        options.damages.push_back(damage);
+    }
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    for (const cardgen::ManifestTake& take : card.manifest().takes) {
+        vv_bitmap_t bitmap{};
+        ASSERT_EQ(thumbnailOf(mp4Paths(card, take), 16, &bitmap), VV_OK) << take.damage.toStdString();
+        EXPECT_EQ(readCounter(bitmap), counterOf(take, 16)) << take.damage.toStdString();
+        vv_bitmap_free(&bitmap);
+    }
+}

@@ -1,0 +1,250 @@
+// Thumbnails: the exact frame of a take, the status marks, and BMP files.
+#include "ViewerSession.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+using namespace vvtest;
+
+namespace {
+
+struct Thumbnail
+{
+    int rc = VV_ERR_STATE;
+    vv_bitmap_t bitmap{};
+    Thumbnail() = default;
+    Thumbnail(const Thumbnail&) = delete;
+    Thumbnail& operator=(const Thumbnail&) = delete;
+    ~Thumbnail() { vv_bitmap_free(&bitmap); }
+};
+
+void getThumbnail(const std::vector<QString>& paths, int64_t frame, int icon, Thumbnail& out)
+{
+    std::vector<QByteArray> utf8;
+    std::vector<const char*> pointers;
+    for (const QString& path : paths)
+        utf8.push_back(path.toUtf8());
+    for (const QByteArray& path : utf8)
+        pointers.push_back(path.constData());
+    out.rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame,
+                              icon, &out.bitmap);
+}
+
+const uint8_t* pixelAt(const vv_bitmap_t& b, int x, int y)
+{
+    return b.pixels + size_t(y) * size_t(b.stride) + size_t(x) * size_t(b.bits_per_pixel / 8);
+}
+
+// A two-clip take of 45 frames a clip: GOPs of 15 frames shown as B B I B B P ...,
+// the first GOP of each clip closed, the others open.
+class TwoClipTake : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite() { s_card = new cwtest::CardFolder(tinyTake(2, 45)); }
+    static void TearDownTestSuite()
+    {
+        delete s_card;
+        s_card = nullptr;
+    }
+    static cwtest::CardFolder* s_card;
+};
+
+cwtest::CardFolder* TwoClipTake::s_card = nullptr;
+
+} // namespace
+
+TEST_F(TwoClipTake, ThumbnailShowsTheFrameAskedFor)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    const cardgen::ManifestTake& take = onlyTake(*s_card);
+    ASSERT_EQ(take.clips.size(), 2u);
+    const std::vector<QString> paths = mp4Paths(*s_card, take);
+
+    // 0: a leading picture of the first (closed) GOP; 2: its intra picture;
+    // 15: the first picture shown of an open GOP (needs the GOP before);
+    // 17: that GOP's intra picture; 23, 44: inside GOPs, the last of the clip;
+    // 45: the second clip's first frame; 65: inside the second clip.
+    for (const int64_t frame : {0, 2, 15, 16, 17, 23, 44, 45, 47, 65, 89}) {
+        Thumbnail thumb;
+        getThumbnail(paths, frame, VV_ICON_OK, thumb);
+        ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
+        EXPECT_EQ(thumb.bitmap.width, 160);
+        EXPECT_EQ(thumb.bitmap.height, 90);
+        EXPECT_EQ(thumb.bitmap.bits_per_pixel, 24);
+        EXPECT_EQ(readCounter(thumb.bitmap), counterOf(take, frame)) << "frame " << frame;
+    }
+
+    // Frame numbers outside the take are taken to its ends.
+    Thumbnail before, after;
+    getThumbnail(paths, -5, VV_ICON_NONE, before);
+    getThumbnail(paths, 1000, VV_ICON_NONE, after);
+    ASSERT_EQ(before.rc, VV_OK);
+    ASSERT_EQ(after.rc, VV_OK);
+    EXPECT_EQ(readCounter(before.bitmap), counterOf(take, 0));
+    EXPECT_EQ(readCounter(after.bitmap), counterOf(take, 89));
+
+    // The second clip alone numbers its frames from 0.
+    Thumbnail second;
+    getThumbnail({paths[1]}, 20, VV_ICON_NONE, second);
+    ASSERT_EQ(second.rc, VV_OK);
+    EXPECT_EQ(readCounter(second.bitmap), counterOf(take, 65));
+}
+
+TEST(Thumbnail, FullHdInterlacedFramesAreExactToo)
+{
+    // Thumbnails of large pictures are decoded at a reduced size.
+    cardgen::Options options = tinyTake(1, 18);
+    options.size = QStringLiteral("1920x1080");
+    options.frameRate = QStringLiteral("59.94i");
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& take = onlyTake(card);
+    for (const int64_t frame : {0, 2, 7, 15, 17}) {
+        Thumbnail thumb;
+        getThumbnail(mp4Paths(card, take), frame, VV_ICON_OK, thumb);
+        ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
+        EXPECT_EQ(thumb.bitmap.width, 160);
+        EXPECT_EQ(thumb.bitmap.height, 90);
+        EXPECT_EQ(readCounter(thumb.bitmap), counterOf(take, frame)) << "frame " << frame;
+    }
+}
+
+TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    const std::vector<QString> paths = mp4Paths(*s_card, onlyTake(*s_card));
+    Thumbnail plain;
+    getThumbnail(paths, 30, VV_ICON_NONE, plain);
+    ASSERT_EQ(plain.rc, VV_OK);
+
+    // The badge sits in the top left corner, clear of the counter's digits.
+    const int corner = 30;
+    std::vector<std::vector<uint8_t>> badges;
+    for (const int icon :
+         {VV_ICON_OK, VV_ICON_MP4_IMPORTED, VV_ICON_MP4_NOT_IMPORTED, VV_ICON_MEDIA_SPANNING}) {
+        Thumbnail marked;
+        getThumbnail(paths, 30, icon, marked);
+        ASSERT_EQ(marked.rc, VV_OK) << "icon " << icon;
+        ASSERT_EQ(marked.bitmap.height, plain.bitmap.height);
+        int changed = 0;
+        std::vector<uint8_t> badge;
+        for (int y = 0; y < marked.bitmap.height; ++y) {
+            for (int x = 0; x < marked.bitmap.width; ++x) {
+                const bool inCorner = x < corner && y < corner;
+                const bool same =
+                    std::memcmp(pixelAt(marked.bitmap, x, y), pixelAt(plain.bitmap, x, y), 3) == 0;
+                if (!inCorner) {
+                    ASSERT_TRUE(same) << "icon " << icon << " changed pixel " << x << "," << y;
+                } else {
+                    changed += same ? 0 : 1;
+                    badge.insert(badge.end(), pixelAt(marked.bitmap, x, y), pixelAt(marked.bitmap, x, y) + 3);
+                }
+            }
+        }
+        EXPECT_GT(changed, 150) << "icon " << icon << " draws no visible mark";
+        EXPECT_EQ(readCounter(marked.bitmap), counterOf(onlyTake(*s_card), 30)) << "icon " << icon;
+        for (const std::vector<uint8_t>& other : badges)
+            EXPECT_NE(badge, other) << "icon " << icon << " looks like another mark";
+        badges.push_back(badge);
+    }
+
+    // The error mark is a whole picture of its own, made without any file.
+    Thumbnail error;
+    getThumbnail({}, 0, VV_ICON_ERROR, error);
+    ASSERT_EQ(error.rc, VV_OK);
+    EXPECT_EQ(error.bitmap.width, 160);
+    EXPECT_EQ(error.bitmap.height, 90);
+    const uint8_t* centre = pixelAt(error.bitmap, 80 - 12, 45);
+    EXPECT_GT(centre[2], 150);
+    EXPECT_LT(centre[1], 80); // red: the badge, not the grey ground
+    EXPECT_EQ(pixelAt(error.bitmap, 2, 2)[0], 64);
+
+    Thumbnail unknown;
+    getThumbnail(paths, 0, 6, unknown);
+    EXPECT_EQ(unknown.rc, VV_ERR_PARAM);
+    EXPECT_EQ(unknown.bitmap.pixels, nullptr);
+}
+
+TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
+{
+    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
+    QTemporaryDir dir;
+    Thumbnail thumb;
+    getThumbnail(mp4Paths(*s_card, onlyTake(*s_card)), 52, VV_ICON_MEDIA_SPANNING, thumb);
+    ASSERT_EQ(thumb.rc, VV_OK);
+
+    // A 24-bit thumbnail and a 32-bit bitmap whose rows need padding.
+    vv_bitmap_t odd{7, 5, 32, 28, static_cast<uint8_t*>(std::malloc(28 * 5))};
+    for (int i = 0; i < 28 * 5; ++i)
+        odd.pixels[i] = uint8_t(i * 37 + 11);
+    for (const vv_bitmap_t* bitmap : {&thumb.bitmap, &odd}) {
+        const QString path = dir.filePath(QStringLiteral("b%1.bmp").arg(bitmap->bits_per_pixel));
+        ASSERT_EQ(vv_bitmap_write(path.toUtf8().constData(), bitmap, 1), VV_OK);
+
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray data = file.readAll();
+        const auto u32 = [&](int at) {
+            return uint32_t(uint8_t(data[at])) | uint32_t(uint8_t(data[at + 1])) << 8 |
+                   uint32_t(uint8_t(data[at + 2])) << 16 | uint32_t(uint8_t(data[at + 3])) << 24;
+        };
+        const int bytes = bitmap->bits_per_pixel / 8;
+        const uint32_t rowSize = (uint32_t(bitmap->width * bytes) + 3) & ~3u;
+        ASSERT_EQ(data.left(2), QByteArray("BM"));
+        EXPECT_EQ(u32(2), uint32_t(data.size()));
+        EXPECT_EQ(u32(10), 54u);                     // pixels after the two headers
+        EXPECT_EQ(u32(14), 40u);                     // BITMAPINFOHEADER
+        EXPECT_EQ(int32_t(u32(22)), bitmap->height); // positive: bottom-up
+        EXPECT_EQ(uint8_t(data[28]), bitmap->bits_per_pixel);
+        EXPECT_EQ(u32(30), 0u); // BI_RGB
+        EXPECT_EQ(uint32_t(data.size()), 54 + rowSize * uint32_t(bitmap->height));
+        // The bottom row comes first; padding bytes are zero.
+        const auto* fileBytes = reinterpret_cast<const uint8_t*>(data.constData());
+        EXPECT_EQ(std::memcmp(fileBytes + 54, pixelAt(*bitmap, 0, bitmap->height - 1),
+                              size_t(bitmap->width * bytes)),
+                  0);
+        for (uint32_t pad = uint32_t(bitmap->width * bytes); pad < rowSize; ++pad)
+            EXPECT_EQ(fileBytes[54 + pad], 0);
+
+        // What the program sees through Qt.
+        const QImage image(path);
+        ASSERT_FALSE(image.isNull());
+        ASSERT_EQ(image.width(), bitmap->width);
+        ASSERT_EQ(image.height(), bitmap->height);
+        for (int y = 0; y < bitmap->height; ++y) {
+            for (int x = 0; x < bitmap->width; ++x) {
+                const uint8_t* p = pixelAt(*bitmap, x, y);
+                ASSERT_EQ(image.pixel(x, y) & 0xFFFFFF, qRgb(p[2], p[1], p[0]) & 0xFFFFFF)
+                    << bitmap->bits_per_pixel << " bits, pixel " << x << "," << y;
+            }
+        }
+    }
+    vv_bitmap_free(&odd);
+    EXPECT_EQ(odd.pixels, nullptr);
+
+    // Refusals leave no file behind and keep an existing one.
+    const QString existing = dir.filePath(QStringLiteral("b24.bmp"));
+    const QByteArray before = [&] {
+        QFile f(existing);
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }();
+    EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &odd, 0), VV_ERR_PARAM); // freed: empty
+    EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &thumb.bitmap, 0), VV_ERR_WRITE);
+    const QString missingFolder = dir.filePath(QStringLiteral("no/such/folder/x.bmp"));
+    EXPECT_EQ(vv_bitmap_write(missingFolder.toUtf8().constData(), &thumb.bitmap, 1), VV_ERR_WRITE);
+    EXPECT_FALSE(QFile::exists(missingFolder));
+    QFile again(existing);
+    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
+    EXPECT_EQ(again.readAll(), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2) << "temporary files were left";
+    EXPECT_EQ(vv_bitmap_write(nullptr, &thumb.bitmap, 1), VV_ERR_PARAM);
+    EXPECT_EQ(vv_bitmap_free(nullptr), VV_OK);
+}
