@@ -1,0 +1,148 @@
+#pragma once
+
+#include "core/model/BLTreeViewCtrl.h"
+#include "core/model/DOTakeData.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <atomic>
+
+class BLHouseKeepingCtrl;
+class BLMainWindowCtrl;
+class BLThumbViewCtrl;
+class DOClipCtrl;
+class IMediaInfoView;
+
+// A media pane ("Main" or "Sub1"): the folder list of its work folder, the
+// thumbnail grid of its selected folder, the tool buttons and the size texts.
+// The pane keeps its work folder and selected folder in the settings, loads
+// the selected folder's takes through housekeeping, and is where every
+// command on takes and folders starts: it checks the request and fills the
+// operation record before it opens the operation's dialog.
+//
+// Main thread only. While housekeeping runs on its worker the pane keeps the
+// event loop turning, so the housekeeping sheet stays alive.
+class BLMediaInfoCtrl : public QObject, public BLTreeViewCtrl::MediaInfo
+{
+    Q_OBJECT
+public:
+    static constexpr int kTypeMain = 0;
+    static constexpr int kTypeSub1 = 1;
+
+    // mainWindowCtrl may be null for a pane on its own (it then has no other pane).
+    BLMediaInfoCtrl(int infoType, BLMainWindowCtrl* mainWindowCtrl, QObject* parent = nullptr);
+    ~BLMediaInfoCtrl() override;
+
+    void setView(IMediaInfoView* view) { m_baseView = view; }
+    BLTreeViewCtrl* treeViewCtrl() const { return m_treeViewCtrl; }
+    BLThumbViewCtrl* thumbViewCtrl() const { return m_thumbViewCtrl; }
+    int getMediaInfoType() const { return m_infoType; }
+
+    // Restores the remembered work folder and selected folder. True when
+    // either could not be restored (the pane then shows the volume list).
+    bool initializeCtrl();
+    // Stops a housekeeping pass in progress.
+    void finalizeCtrl();
+
+    // ---- BLTreeViewCtrl::MediaInfo ----
+    QString getWorkFolder() const override;
+    QString getSelectFolder() const override { return m_selectFolder; }
+    QString getMediaInfoTypeString() const override;
+    QList<DOTakeData> getTakeDataWithoutNonImport() const override;
+    // This pane has a selected folder with takes, and the other pane has a
+    // selected folder.
+    bool isEnableAllCopyMenuItem() const override;
+    bool isSupportMenuItemToThumbView(int tag, bool* isEnable, bool* isCheck) const override;
+
+    // ---- folders ----
+    void setWorkFolder(const QString& path, bool keepSelect);
+    void setSelectFolder(const QString& path, bool userSelect);
+    bool workFonderIsVolumeList() const { return getWorkFolder().isEmpty(); }
+    bool selectFonderIsVolume() const;
+    // Asks for a new work folder.
+    void changeWorkFolder();
+    // The work folder's parent becomes the work folder; from a volume root
+    // or "/", the volume list.
+    void moveUpWorkFolder();
+    // Up One Folder: the work folder moves up one level and stays selected.
+    void moveUpSelectFolder();
+    // A folder was renamed: the work folder or selected folder in it follows.
+    void renameWorkFolder(const QString& from, const QString& to);
+    void renameSelectFolder(const QString& from, const QString& to);
+    // The selected folder has gone: "MSG_632_3199", then the volume list.
+    void notFoundSelectFolder();
+    void notFoundSelectFolderNoMessage();
+
+    // ---- takes ----
+    // Loads the selected folder's takes through housekeeping.
+    void makeTakeData();
+    const QList<DOTakeData>& getTakeData() const { return m_arrTakeData; }
+    DOTakeData getTakeData(int index) const { return m_arrTakeData.value(index); }
+    // Appends a take; with an index, inserts it there.
+    void setTakeData(const DOTakeData& take);
+    void setTakeData(const DOTakeData& take, int index);
+    void replaceTakeData(const DOTakeData& take, int index);
+    void setTakeDataArray(const QList<DOTakeData>& takes) { m_arrTakeData = takes; }
+    // The index of the take with the UMID, or -1.
+    int getTakeDataByUmid(const QString& umid) const;
+    // Removes the take with the UMID; answers its index, or -1.
+    int deleteTakeDataByUmid(const QString& umid);
+    // The selected takes, in grid order.
+    QList<DOTakeData> getSelectAllTakeData() const;
+
+    // ---- displays ----
+    void updateFolderName();
+    void updateFolderSize();
+    void updateVolumeSize();
+    // Refreshes the texts that a change in the folder at path touches.
+    void updateSize(const QString& path);
+    void updateToolButtons();
+    void updateToolAllCopyButton();
+    // Keeps the divider between the folder list and the grid in place.
+    void setDividerLocked(bool locked);
+
+    // ---- commands ----
+    // Every command first stops the preview and checks that the selected
+    // folder still exists (notFoundSelectFolder otherwise).
+    bool checkSelectFolderExist();
+    // Cut (mode 1) or Copy (mode 2) of the selected takes to the clipboard.
+    void selectCutCopyMenuItem(int mode);
+    void selectPasteMenuItem();
+    void selectAllCopyMenuItem();
+    // Takes dragged from the other pane's grid were dropped on this one.
+    void dropClipData(bool isMove);
+    void showNewFolder();
+    void showChangeFolderName();
+    void showDeletFolder();
+
+    // ---- menu routing ----
+    // The folder list's answer, with commands whose dialog is not available
+    // disabled.
+    bool isSupportMenuItemToTreeView(int tag, bool* isEnable, bool* isCheck) const;
+    void selectMenuItemToTreeView(int tag);
+    void selectMenuItemToThumbView(int tag);
+
+private:
+    BLMediaInfoCtrl* anotherMediaInfoCtrl() const;
+    void storeSelectFolder(const QString& path);
+    // A folder command chosen in the folder list.
+    void runTreeCommand(int tag);
+    // The operation record of takes going from one folder to another.
+    static DOClipCtrl makeClipCtrl(const QString& fromFolder, const QString& toFolder);
+    // Shows "MSG_633_3183" when a take is an MP4 file not yet imported.
+    static bool hasNonImportTake(const QList<DOTakeData>& takes);
+    // Hands a filled record to the copy or move dialog.
+    void openClipOperation(const char* caller, const char* operation, const DOClipCtrl& clipCtrl);
+
+    IMediaInfoView* m_baseView = nullptr;
+    BLThumbViewCtrl* m_thumbViewCtrl;
+    BLTreeViewCtrl* m_treeViewCtrl;
+    const int m_infoType;
+    BLMainWindowCtrl* m_mainWindowCtrl;
+    QString m_selectFolder;
+    QList<DOTakeData> m_arrTakeData;
+    // The housekeeping pass in progress, for finalizeCtrl.
+    std::atomic<BLHouseKeepingCtrl*> m_houseKeeping{nullptr};
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+class IDeleteFolderView;
+class IFolderNameView;
+
+// A media pane as its controller sees it: the texts under the grid, the tool
+// buttons (each identified by the menu tag of its command), the divider
+// between the folder list and the grid, and the dialogs the pane's folder
+// commands open. The folder list and the grid are item models of the
+// controller that the view shows.
+class IMediaInfoView
+{
+public:
+    virtual ~IMediaInfoView() = default;
+
+    virtual void setFolderName(const QString& text) = 0;
+    virtual void setFolderSize(const QString& text) = 0;
+    virtual void setVolumeSize(const QString& text) = 0;
+    virtual void setToolButtonEnabled(int tag, bool enabled) = 0;
+    // While locked, the divider keeps its place when the pane is resized.
+    virtual void setDividerLocked(bool locked) = 0;
+
+    // A folder chooser (folders only) opening on start; "" when cancelled.
+    virtual QString chooseFolder(const QString& start) = 0;
+    virtual IFolderNameView& folderNameView() = 0;
+    virtual IDeleteFolderView& deleteFolderView() = 0;
+};
