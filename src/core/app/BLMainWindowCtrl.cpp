@@ -6,6 +6,7 @@
 #include "core/app/IMainWindowView.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/preview/BLPreviewCtrl.h"
 
 #include <algorithm>
 
@@ -18,6 +19,9 @@ BLMainWindowCtrl::~BLMainWindowCtrl()
 
 void BLMainWindowCtrl::awakeFromNib()
 {
+    // Made after the panes and before the thumbnail cache, which uses it.
+    if (IPreviewView* previewView = m_view.previewView())
+        m_previewCtrl = std::make_unique<BLPreviewCtrl>(*previewView);
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     center->addObserver(this, SC::SCShowHouseKeepingWindowNotification,
@@ -29,15 +33,16 @@ void BLMainWindowCtrl::awakeFromNib()
 
 bool BLMainWindowCtrl::initializeCtrl()
 {
-    // The panes and the preview initialise here once they exist; a pane that
-    // could not restore its remembered folder makes this answer false.
-    return true;
+    // The panes initialise here, before the preview, once they exist.
+    return !m_previewCtrl || m_previewCtrl->initializeCtrl();
 }
 
 void BLMainWindowCtrl::finalizeCtrl()
 {
-    // The panes, the preview and the export parameters are finalised here
-    // once they exist.
+    // The panes are finalised here, before the preview, and the export
+    // parameters after it, once they exist.
+    if (m_previewCtrl)
+        m_previewCtrl->finalizeCtrl();
 }
 
 void BLMainWindowCtrl::readData()
@@ -99,8 +104,7 @@ bool BLMainWindowCtrl::isSupportMenuItem(int tag, bool* isEnable) const
         *isEnable = m_view.isWindowVisible() && m_view.isKeyWindow();
         return true;
     }
-    // Preview menu items are answered by the preview controller once it exists.
-    return false;
+    return m_previewCtrl && m_previewCtrl->isSupportMenuItem(tag, isEnable);
 }
 
 void BLMainWindowCtrl::selectMenuItem(int tag)
@@ -111,6 +115,8 @@ void BLMainWindowCtrl::selectMenuItem(int tag)
             QStringLiteral("[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
         resetWindowSize();
     }
+    if (m_previewCtrl)
+        m_previewCtrl->selectMenuItem(tag);
 }
 
 void BLMainWindowCtrl::windowWillCloseNotification()
@@ -124,21 +130,29 @@ void BLMainWindowCtrl::windowWillCloseNotification()
 void BLMainWindowCtrl::windowWillMiniaturizeNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowWillMiniaturizeNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->hideOpenGLView();
 }
 
 void BLMainWindowCtrl::windowDidDeminiaturizeNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowDidDeminiaturizeNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->showOpenGLView();
 }
 
 void BLMainWindowCtrl::applicationWillHideNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl applicationWillHideNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->hideOpenGLView();
 }
 
 void BLMainWindowCtrl::applicationDidUnhideNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl applicationDidUnhideNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->showOpenGLView();
 }
 
 QSizeF BLMainWindowCtrl::windowWillResize(const QSizeF& proposedSize) const

@@ -3,8 +3,11 @@
 #include <QRectF>
 #include <QSizeF>
 
+#include <memory>
+
 class IMainWindowView;
 class BLMediaInfoCtrl;
+class BLPreviewCtrl;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -26,7 +29,7 @@ public:
     // housekeeping notifications.
     void awakeFromNib();
     // When launching has finished: initialises the panes and the preview.
-    // Answers whether everything started as remembered.
+    // False when the program cannot go on (the viewer library did not start).
     bool initializeCtrl();
     void finalizeCtrl();
 
@@ -37,6 +40,8 @@ public:
 
     // The other pane: Main for Sub1, Sub1 for Main, nothing for anything else.
     BLMediaInfoCtrl* getAnotherMediaInfoCtrl(const BLMediaInfoCtrl* mediaInfoCtrl) const;
+    // The preview controller (none when the window has no preview view).
+    BLPreviewCtrl* getPreviewCtrl() const { return m_previewCtrl.get(); }
 
     // Whether the controller handles the menu tag; *isEnable tells whether
     // the item is available now.
@@ -65,5 +70,6 @@ private:
     IMainWindowView& m_view;
     BLMediaInfoCtrl* m_mediaInfoCtrl1 = nullptr;
     BLMediaInfoCtrl* m_mediaInfoCtrl2 = nullptr;
+    std::unique_ptr<BLPreviewCtrl> m_previewCtrl;
     bool m_isZoom = false;
 };
