@@ -21,6 +21,10 @@ public:
     ~FakeVolumeProvider() override { BLVolumeProvider::install(nullptr); }
 
     void addVolume(const BLVolume& volume) { m_volumes.append(volume); }
+    void removeVolume(const QString& rootPath)
+    {
+        m_volumes.removeIf([&](const BLVolume& v) { return v.rootPath == rootPath; });
+    }
     // Leaves statistics of every path unreadable.
     void setUnreadable(bool unreadable) { m_unreadable = unreadable; }
 

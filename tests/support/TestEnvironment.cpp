@@ -4,6 +4,7 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/metadata/BLBIMCtrl.h"
+#include "core/operations/BLClipboardCtrl.h"
 
 #include <QDir>
 
@@ -29,6 +30,7 @@ void setXdg(const QString& home)
 void releaseSingletons()
 {
     BLBIMCtrl::releaseCtrl();
+    BLClipboardCtrl::releaseCtrl();
     BLLogCtrl::releaseCtrl();
     BLPlistCtrl::releaseCtrl();
     BLCommon::releaseCtrl();

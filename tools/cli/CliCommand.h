@@ -24,3 +24,4 @@ int cliUsage(const char* name);
 
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);
+int runScan(const QStringList& args);

@@ -11,6 +11,8 @@ const CliCommand kCommands[] = {
     {"mp4info", "[--json] FILE...",
      "Check MP4 files of the camera's kind and print their properties", runMp4Info},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
+    {"scan", "[--json] WORK_FOLDER",
+     "Run housekeeping on a work folder (repairing its index files) and print its takes", runScan},
 };
 
 void printUsage(QTextStream& out)
@@ -19,7 +21,7 @@ void printUsage(QTextStream& out)
     for (const CliCommand& c : kCommands)
         out << "  " << QString::fromLatin1(c.name).leftJustified(9) << c.arguments << "\n      " << c.summary
             << "\n";
-    out << "\nExit status: 0 success, 1 a file failed, 2 wrong usage.\n";
+    out << "\nExit status: 0 success, 1 a file or folder failed, 2 wrong usage.\n";
     out.flush();
 }
 

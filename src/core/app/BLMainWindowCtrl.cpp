@@ -7,6 +7,7 @@
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/BLCacheImageCtrl.h"
 
 #include <algorithm>
 
@@ -22,6 +23,7 @@ void BLMainWindowCtrl::awakeFromNib()
     // Made after the panes and before the thumbnail cache, which uses it.
     if (IPreviewView* previewView = m_view.previewView())
         m_previewCtrl = std::make_unique<BLPreviewCtrl>(*previewView);
+    m_cacheImageCtrl = std::make_unique<BLCacheImageCtrl>();
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     center->addObserver(this, SC::SCShowHouseKeepingWindowNotification,
@@ -123,6 +125,10 @@ void BLMainWindowCtrl::windowWillCloseNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowWillCloseNotification]"));
     writeData();
+    if (m_cacheImageCtrl) {
+        m_cacheImageCtrl->deleteCacheImageByCreationData();
+        m_cacheImageCtrl->setExitThread();
+    }
     finalizeCtrl();
     AppBanners::logEnd();
 }

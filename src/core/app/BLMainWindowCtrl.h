@@ -8,6 +8,7 @@
 class IMainWindowView;
 class BLMediaInfoCtrl;
 class BLPreviewCtrl;
+class BLCacheImageCtrl;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -71,5 +72,6 @@ private:
     BLMediaInfoCtrl* m_mediaInfoCtrl1 = nullptr;
     BLMediaInfoCtrl* m_mediaInfoCtrl2 = nullptr;
     std::unique_ptr<BLPreviewCtrl> m_previewCtrl;
+    std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     bool m_isZoom = false;
 };

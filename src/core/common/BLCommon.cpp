@@ -7,16 +7,19 @@
 #include "core/common/IMessagePresenter.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/DOLtcChange.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/model/BLVolumeProvider.h"
 #include "core/model/DOTakeData.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QThread>
 #include <QTimeZone>
 
 #include <cerrno>
@@ -902,8 +905,12 @@ QStringList BLCommon::getFolders(const QString& path)
 
 QString BLCommon::getDisplayName(const QString& path)
 {
+    return getDisplayName(path, BLVolumeProvider::current()->mountedVolumes());
+}
+
+QString BLCommon::getDisplayName(const QString& path, const QList<BLVolume>& volumes)
+{
     const QString clean = QDir::cleanPath(path);
-    const QList<BLVolume> volumes = BLVolumeProvider::current()->mountedVolumes();
     for (const BLVolume& volume : volumes)
         if (QDir::cleanPath(volume.rootPath) == clean && !volume.displayName.isEmpty())
             return volume.displayName;
@@ -1256,6 +1263,11 @@ bool BLCommon::isExceedFolderLimitByCopy(const QString& folder, const QList<DOTa
            getFolderCountInTAKR(folder) + takeFolders > kFolderLimit;
 }
 
+bool BLCommon::isExceedFolderLimitByMaterial(const BLHouseKeepingCtrl& houseKeeping)
+{
+    return houseKeeping.getCLPRMateCount() > kFolderLimit || houseKeeping.getTAKRMateCount() > kFolderLimit;
+}
+
 // ---- special folders ----
 
 QString BLCommon::createSpFolderPath(const QString& folderType) const
@@ -1353,7 +1365,15 @@ int BLCommon::messageBox(const QString& message, const QString& infoMesse,
     IMessagePresenter* presenter = g_presenter;
     if (!presenter)
         return IMessagePresenter::kFirstButton;
-    return presenter->showAlert(alert);
+    // Alerts are windows: a worker's alert is shown by the main thread while
+    // the worker waits for the answer.
+    QCoreApplication* app = QCoreApplication::instance();
+    if (!app || QThread::currentThread() == app->thread())
+        return presenter->showAlert(alert);
+    int answer = IMessagePresenter::kFirstButton;
+    QMetaObject::invokeMethod(
+        app, [&] { answer = presenter->showAlert(alert); }, Qt::BlockingQueuedConnection);
+    return answer;
 }
 
 QString BLCommon::getBtnLabel(int pattern, int no) const

@@ -8,7 +8,9 @@
 #include <array>
 #include <atomic>
 
+class BLHouseKeepingCtrl;
 class BLProgressThread;
+struct BLVolume;
 class DOClipData;
 class DOLtcChange;
 class DOTakeData;
@@ -154,6 +156,8 @@ public:
     // The name as shown to the user: a volume's own name for a volume root,
     // else the name on disk.
     static QString getDisplayName(const QString& path);
+    // The same against a list of mounted volumes read once (for many paths).
+    static QString getDisplayName(const QString& path, const QList<BLVolume>& volumes);
     static QString getDisplayName(const QString& parent, const QString& name);
     static bool isSameDisplayName(const QString& path);
     // Display names from the volume down, each followed by ":" ("CARD:DCIM:").
@@ -215,6 +219,8 @@ public:
     // Folders the takes would need (takes of status 4 and above need none).
     static void getFolderCountFromTakeDatas(const QList<DOTakeData>& takes, int* outClip, int* outTake);
     static bool isExceedFolderLimitByCopy(const QString& folder, const QList<DOTakeData>& takes);
+    // The media profile housekeeping read listed more clip or take materials than allowed.
+    static bool isExceedFolderLimitByMaterial(const BLHouseKeepingCtrl& houseKeeping);
 
     // ---- special folders ----
     // The current user's special folder of a four-character type, created if
@@ -248,7 +254,8 @@ public:
     // Shows an informational alert. The message and informative texts are keys
     // of the localisation table (a text without an entry shows as given). Button patterns: 0 "OK"; 1 "OK" and
     // "Cancel"; 2 "Yes" and "No". messageArgs fill the placeholders %1, %2, ... of the localised message.
-    // Answers IMessagePresenter::kFirstButton or kSecondButton.
+    // Answers IMessagePresenter::kFirstButton or kSecondButton. Called on a
+    // worker, the alert is shown by the main thread and the worker waits.
     int messageBox(const QString& message, const QString& infoMesse, int style, int btnPattern,
                    const QStringList& messageArgs = {});
     // The localised title of button 0 or 1 of a pattern; "" when there is none.

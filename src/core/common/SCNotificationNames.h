@@ -29,6 +29,9 @@ inline const QString SCResolutionDidChangeNotification = QStringLiteral("SCResol
 inline const QString SCShowHouseKeepingWindowNotification = QStringLiteral("SCShowHouseKeepingWindowNotification");
 inline const QString SCCloseHouseKeepingWindowNotification = QStringLiteral("SCCloseHouseKeepingWindowNotification");
 inline const QString SCSub1SelectFolderDidChangeNotification = QStringLiteral("SCSub1SelectFolderDidChangeNotification");
+// A volume was mounted or unmounted (BLVolumeWatcher); NSDevicePath is its mount point.
+inline const QString SCWorkspaceDidMountNotification = QStringLiteral("SCWorkspaceDidMountNotification");
+inline const QString SCWorkspaceDidUnmountNotification = QStringLiteral("SCWorkspaceDidUnmountNotification");
 
 inline const QString SCKeepSelectKey = QStringLiteral("SCKeepSelectKey");
 inline const QString SCDUpdateSelectFolderKey = QStringLiteral("SCDUpdateSelectFolderKey");
@@ -63,5 +66,6 @@ inline const QString SCSourcePathKey = QStringLiteral("SCSourcePathKey");
 inline const QString SCDestinationPathKey = QStringLiteral("SCDestinationPathKey");
 inline const QString SCParentPathKey = QStringLiteral("SCParentPathKey");
 inline const QString SCDeletePathKey = QStringLiteral("SCDeletePathKey");
+inline const QString NSDevicePath = QStringLiteral("NSDevicePath");
 
 } // namespace SC

@@ -21,10 +21,13 @@ struct StateButton
 };
 
 constexpr StateButton kStateButtons[] = {
-    {BLPreviewButtonCtrl::kPlay, VM_PLAYED, "macbtn_play_n", "macbtn_play_p", "macbtn_play_a", "macbtn_play_a_p"},
-    {BLPreviewButtonCtrl::kFF, VM_FASTFORWARDED, "macbtn_ff_n", "macbtn_ff_p", "macbtn_ff_a", "macbtn_ff_a_p"},
+    {BLPreviewButtonCtrl::kPlay, VM_PLAYED, "macbtn_play_n", "macbtn_play_p", "macbtn_play_a",
+     "macbtn_play_a_p"},
+    {BLPreviewButtonCtrl::kFF, VM_FASTFORWARDED, "macbtn_ff_n", "macbtn_ff_p", "macbtn_ff_a",
+     "macbtn_ff_a_p"},
     {BLPreviewButtonCtrl::kRW, VM_REWINDED, "macbtn_rw_n", "macbtn_rw_p", "macbtn_rw_a", "macbtn_rw_a_p"},
-    {BLPreviewButtonCtrl::kPause, VM_PAUSING, "macbtn_stop_n", "macbtn_stop_p", "macbtn_stop_a", "macbtn_stop_a_p"},
+    {BLPreviewButtonCtrl::kPause, VM_PAUSING, "macbtn_stop_n", "macbtn_stop_p", "macbtn_stop_a",
+     "macbtn_stop_a_p"},
 };
 
 } // namespace

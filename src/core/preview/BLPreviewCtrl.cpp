@@ -97,22 +97,36 @@ public:
         // The status-mark images are named for completeness; the library draws
         // its marks itself and does not read them.
         const QDir resources(QCoreApplication::applicationDirPath());
-        for (const char* image : {"thumbnail_NormalWMask.bmp", "thumbnail_okWMask.bmp", "thumbnail_importWMask.bmp",
-                                  "thumbnail_notimportWMask.bmp", "thumbnail_mediaspaningWMask2.bmp",
-                                  "thumbnail_error.bmp"})
+        for (const char* image :
+             {"thumbnail_NormalWMask.bmp", "thumbnail_okWMask.bmp", "thumbnail_importWMask.bmp",
+              "thumbnail_notimportWMask.bmp", "thumbnail_mediaspaningWMask2.bmp", "thumbnail_error.bmp"})
             m_texts << resources.filePath(QString::fromLatin1(image)).toUtf8();
         const BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
-        for (const QString& text :
-             {plist->getViewerLogLevel(), plist->getViewerLogFileSize(), plist->getViewerLogFilePath(),
-              plist->getViewerStartingDelay(), plist->getViewerFrameTimeout(), plist->getViewerAudioQueueSize(),
-              plist->getViewerVideoQueueSize(), plist->getViewerVideoRingNum(), plist->getViewerAudioQueueSleep(),
-              plist->getViewerVideoQueueSleep(), plist->getViewerVideoRingSleep(), plist->getViewerDemuxSleep(),
-              plist->getViewerAudioDecodeSleep(), plist->getViewerAudioOutSleep(),
-              plist->getViewerVideoDecodeSleep(), plist->getViewerVideoOutSleep(),
-              plist->getViewerVideoPlayInfoInterval(), plist->getViewerVideoFrameDropFlag(),
-              QString::number(plist->getLowResolution()), plist->getViewerJudgeTime(), plist->getViewerJudgeMin(),
-              plist->getViewerJudgeDenominator(), plist->getViewerJudgeDecodeFrameMin(),
-              plist->getViewerMaxCacheSizeOfVideoDecodeFrame(), plist->getViewerMaxQueueSizeOfVideoDecodeFrame()})
+        for (const QString& text : {plist->getViewerLogLevel(),
+                                    plist->getViewerLogFileSize(),
+                                    plist->getViewerLogFilePath(),
+                                    plist->getViewerStartingDelay(),
+                                    plist->getViewerFrameTimeout(),
+                                    plist->getViewerAudioQueueSize(),
+                                    plist->getViewerVideoQueueSize(),
+                                    plist->getViewerVideoRingNum(),
+                                    plist->getViewerAudioQueueSleep(),
+                                    plist->getViewerVideoQueueSleep(),
+                                    plist->getViewerVideoRingSleep(),
+                                    plist->getViewerDemuxSleep(),
+                                    plist->getViewerAudioDecodeSleep(),
+                                    plist->getViewerAudioOutSleep(),
+                                    plist->getViewerVideoDecodeSleep(),
+                                    plist->getViewerVideoOutSleep(),
+                                    plist->getViewerVideoPlayInfoInterval(),
+                                    plist->getViewerVideoFrameDropFlag(),
+                                    QString::number(plist->getLowResolution()),
+                                    plist->getViewerJudgeTime(),
+                                    plist->getViewerJudgeMin(),
+                                    plist->getViewerJudgeDenominator(),
+                                    plist->getViewerJudgeDecodeFrameMin(),
+                                    plist->getViewerMaxCacheSizeOfVideoDecodeFrame(),
+                                    plist->getViewerMaxQueueSizeOfVideoDecodeFrame()})
             m_texts << text.toUtf8();
         static_assert(sizeof(vv_init_param_t) == 31 * sizeof(const char*));
         const char* pointers[31];
@@ -165,8 +179,7 @@ void GetViewerMessageFunc(vv_viewer_message_t* message, void* context)
 }
 
 BLPreviewCtrl::BLPreviewCtrl(IPreviewView& view)
-    : m_view(view),
-      m_previewButtonCtrl(std::make_unique<BLPreviewButtonCtrl>(*this, view.buttonView())),
+    : m_view(view), m_previewButtonCtrl(std::make_unique<BLPreviewButtonCtrl>(*this, view.buttonView())),
       m_timeSliderCtrl(std::make_unique<BLTimeSliderCtrl>(*this, view.timeSliderView())),
       m_timeCodeCtrl(std::make_unique<BLTimeCodeCtrl>(view.timeCodeView())),
       m_audioChannelCtrl(std::make_unique<BLAudioChannelCtrl>(view.audioChannelView()))
@@ -179,11 +192,14 @@ BLPreviewCtrl::BLPreviewCtrl(IPreviewView& view)
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     center->addObserver(this, SC::SCMoviePlayNotification,
                         [this](const SCNotification& n) { moviePlayNotification(n.userInfo); });
-    center->addObserver(this, SC::SCMovieStopNotification, [this](const SCNotification&) { movieStopNotification(); });
+    center->addObserver(this, SC::SCMovieStopNotification,
+                        [this](const SCNotification&) { movieStopNotification(); });
     center->addObserver(this, SC::SCMoviePauseNotification,
                         [this](const SCNotification&) { moviePauseNotification(); });
-    for (const QString& name : {SC::SCMainSelectFolderDidChangeNotification, SC::SCSub1SelectFolderDidChangeNotification})
-        center->addObserver(this, name, [this](const SCNotification&) { selectFolderDidChangeNotification(); });
+    for (const QString& name :
+         {SC::SCMainSelectFolderDidChangeNotification, SC::SCSub1SelectFolderDidChangeNotification})
+        center->addObserver(this, name,
+                            [this](const SCNotification&) { selectFolderDidChangeNotification(); });
     center->addObserver(this, SC::SCClipPropertyDidChangeNotification,
                         [this](const SCNotification& n) { clipPropertyDidChangeNotification(n.userInfo); });
     center->addObserver(this, SC::SCResolutionDidChangeNotification,
@@ -298,7 +314,8 @@ int BLPreviewCtrl::setMovieFiles(const QString& selectFolder, const DOTakeData& 
     return 0;
 }
 
-QStringList BLPreviewCtrl::getBIMFilePaths(const QString& selectFolder, const DOTakeData& takeData, int* fileCount)
+QStringList BLPreviewCtrl::getBIMFilePaths(const QString& selectFolder, const DOTakeData& takeData,
+                                           int* fileCount)
 {
     QStringList references;
     if (takeData.getClipData().isEmpty()) {
@@ -450,13 +467,14 @@ void BLPreviewCtrl::onMakeThumbnail()
         BLCommon::sharedCtrl()->messageBox(QStringLiteral("MSG_6510_3214"), QString(), 0, 0);
         return;
     }
-    log(QString::asprintf("[BLPreviewCtrl onMakeThumbnail] call vv_make_thumbnail return:%d", vv_make_thumbnail()));
+    log(QString::asprintf("[BLPreviewCtrl onMakeThumbnail] call vv_make_thumbnail return:%d",
+                          vv_make_thumbnail()));
 }
 
 bool BLPreviewCtrl::keyDown(int key)
 {
-    if (key != Qt::Key_Space && key != Qt::Key_F && key != Qt::Key_R && key != Qt::Key_Up && key != Qt::Key_Down &&
-        key != Qt::Key_Right && key != Qt::Key_Left)
+    if (key != Qt::Key_Space && key != Qt::Key_F && key != Qt::Key_R && key != Qt::Key_Up &&
+        key != Qt::Key_Down && key != Qt::Key_Right && key != Qt::Key_Left)
         return false;
     // A frame step waits for the one before to be shown, so that a held
     // key does not pile up requests.
@@ -672,8 +690,9 @@ void BLPreviewCtrl::recvFrameInfoMessage(const vv_frame_info_t& param)
         return;
     log(QString::asprintf("[BLPreviewCtrl recvFrameInfoMessage] num_frames = %lld, take_frame_no = %lld, "
                           "clip_no = %d, clip_frame_no = %lld",
-                          static_cast<long long>(param.num_frames), static_cast<long long>(param.take_frame_no),
-                          param.clip_no, static_cast<long long>(param.clip_frame_no)));
+                          static_cast<long long>(param.num_frames),
+                          static_cast<long long>(param.take_frame_no), param.clip_no,
+                          static_cast<long long>(param.clip_frame_no)));
     if (m_timeSliderCtrl->checkSlipFrameInfo(param.take_frame_no)) {
         log(QStringLiteral("[BLPreviewCtrl recvFrameInfoMessage] skip"));
         return;
@@ -710,7 +729,8 @@ void BLPreviewCtrl::postMessage(const PendingMessage& message)
         m_messages.push_back(message);
     }
     if (first)
-        QMetaObject::invokeMethod(&m_mainThread, [this] { deliverMessages(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &m_mainThread, [this] { deliverMessages(); }, Qt::QueuedConnection);
 }
 
 void BLPreviewCtrl::deliverMessages()
@@ -833,7 +853,8 @@ void BLPreviewCtrl::resolutionDidChangeNotification()
         return;
     const InitParam param;
     const int result = vv_change_init_param(1, 0, param.get());
-    log(QStringLiteral("[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(%1) return:%2")
+    log(QStringLiteral(
+            "[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(%1) return:%2")
             .arg(param.lowResolution())
             .arg(result));
 }

@@ -45,8 +45,9 @@ void BLTimeCodeCtrl::createReadRtMeta(const QStringList& paths, int fileCount)
     for (int i = 0; i < fileCount && i < paths.size(); ++i) {
         auto reader = std::make_unique<CReadRtMeta>();
         if (!reader->blReadBIM(paths.at(i).toUtf8().constData(), start))
-            BLLogCtrl::debug(kProcessId, QStringLiteral("[BLTimeCodeCtrl createReadRtMeta]    %1 : %2")
-                                             .arg(paths.at(i), QString::fromLatin1(reader->getLastError()).trimmed()));
+            BLLogCtrl::debug(kProcessId,
+                             QStringLiteral("[BLTimeCodeCtrl createReadRtMeta]    %1 : %2")
+                                 .arg(paths.at(i), QString::fromLatin1(reader->getLastError()).trimmed()));
         start += static_cast<unsigned long>(reader->getUnitCount());
         m_readRtMeta.push_back(std::move(reader));
     }
@@ -73,10 +74,11 @@ void BLTimeCodeCtrl::updateTimeCode(const vv_frame_info_t& frameInfo)
         if (recorded) {
             const bool drop = BLCommon::isDropFrameByLtcChanges(m_arrLtcChanges, m_sFormatFps, nullptr);
             text = digits(tc.hours, 2) + QLatin1Char(':') + digits(tc.minutes, 3) +
-                   QLatin1Char(drop ? '.' : ':') + digits(tc.seconds, 3) + QLatin1Char(':') + digits(tc.frames, 2);
+                   QLatin1Char(drop ? '.' : ':') + digits(tc.seconds, 3) + QLatin1Char(':') +
+                   digits(tc.frames, 2);
         } else if (frameInfo.take_frame_no > 0) {
-            text = BLCommon::convertOfDurationByFrameCount(frameInfo.take_frame_no, m_sFormatFps, m_arrLtcChanges,
-                                                           false);
+            text = BLCommon::convertOfDurationByFrameCount(frameInfo.take_frame_no, m_sFormatFps,
+                                                           m_arrLtcChanges, false);
         }
     }
     m_view.setTimeCode(text);

@@ -93,9 +93,10 @@ bool BLTimeSliderCtrl::checkSlipFrameInfo(qint64 frameNo)
         return true;
     if (frameNo < m_llSkipFrame - kSkipMargin || frameNo > m_llSkipFrame + kSkipMargin)
         return true;
-    log(QString::asprintf("[BLTimeSliderCtrl checkSlipFrameInfo] end skip frame_no = %lld, skip_frame_no = %lld, "
-                          "margin = %d",
-                          static_cast<long long>(frameNo), static_cast<long long>(m_llSkipFrame), kSkipMargin));
+    log(QString::asprintf(
+        "[BLTimeSliderCtrl checkSlipFrameInfo] end skip frame_no = %lld, skip_frame_no = %lld, "
+        "margin = %d",
+        static_cast<long long>(frameNo), static_cast<long long>(m_llSkipFrame), kSkipMargin));
     m_bSkip = false;
     m_llSkipFrame = -1;
     return false;

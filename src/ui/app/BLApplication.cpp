@@ -10,6 +10,7 @@
 #include "core/metadata/BLBIMCtrl.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/operations/BLClipboardCtrl.h"
 #include "ui/app/PreferencesDialog.h"
 #include "ui/app/RightClickActivationFilter.h"
 #include "ui/app/SCMainWindow.h"
@@ -49,6 +50,7 @@ BLApplication::~BLApplication()
     m_preferencesCtrl.reset();
     m_mainWindowCtrl.reset();
     m_mainWindow.reset();
+    BLClipboardCtrl::releaseCtrl();
     BLCommon::releaseCtrl();
     BLLogCtrl::releaseCtrl();
     BLPlistCtrl::releaseCtrl();

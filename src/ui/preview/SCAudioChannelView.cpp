@@ -8,7 +8,8 @@
 #include <QSignalBlocker>
 
 SCAudioChannelView::SCAudioChannelView(QWidget* parent)
-    : QWidget(parent), m_stereo(new QPushButton(this)), m_channel1(new QCheckBox(QStringLiteral("Ch 1"), this)),
+    : QWidget(parent), m_stereo(new QPushButton(this)),
+      m_channel1(new QCheckBox(QStringLiteral("Ch 1"), this)),
       m_channel2(new QCheckBox(QStringLiteral("Ch 2"), this))
 {
     auto* layout = new QHBoxLayout(this);
@@ -16,8 +17,9 @@ SCAudioChannelView::SCAudioChannelView(QWidget* parent)
     layout->addWidget(m_stereo);
     layout->addWidget(m_channel1);
     layout->addWidget(m_channel2);
-    for (QAbstractButton* button : {static_cast<QAbstractButton*>(m_stereo), static_cast<QAbstractButton*>(m_channel1),
-                                    static_cast<QAbstractButton*>(m_channel2)})
+    for (QAbstractButton* button :
+         {static_cast<QAbstractButton*>(m_stereo), static_cast<QAbstractButton*>(m_channel1),
+          static_cast<QAbstractButton*>(m_channel2)})
         button->setFocusPolicy(Qt::NoFocus);
     connect(m_stereo, &QPushButton::clicked, this, [this] {
         if (m_ctrl)

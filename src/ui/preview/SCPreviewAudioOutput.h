@@ -30,7 +30,8 @@ public:
     vv_audio_sink_t sink();
 
 private:
-    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t rate, int32_t channels);
+    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t rate,
+                         int32_t channels);
     static void flush(void* context);
     // Moves what the device has room for from the queue to the device.
     void pump();

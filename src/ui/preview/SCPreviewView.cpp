@@ -61,10 +61,11 @@ void SCPreviewView::connectButtons()
                    {BLPreviewButtonCtrl::kPlusFrame, &BLPreviewButtonCtrl::onPlusFrame},
                    {BLPreviewButtonCtrl::kMinusFrame, &BLPreviewButtonCtrl::onMinusFrame}};
     for (const auto& entry : actions) {
-        connect(m_buttonBar->button(entry.button), &QAbstractButton::clicked, this, [this, action = entry.action] {
-            if (m_ctrl)
-                (m_ctrl->getPreviewButtonCtrl().*action)();
-        });
+        connect(m_buttonBar->button(entry.button), &QAbstractButton::clicked, this,
+                [this, action = entry.action] {
+                    if (m_ctrl)
+                        (m_ctrl->getPreviewButtonCtrl().*action)();
+                });
     }
 }
 
@@ -82,8 +83,8 @@ void SCPreviewView::paintPicture(QPainter& painter, const QRect& rect)
     // The largest rectangle of the picture's display aspect that fits, centred.
     const QSize shape = aspect.isEmpty() ? frame.size() : aspect;
     const QSize size = shape.scaled(rect.size(), Qt::KeepAspectRatio);
-    const QRect target(rect.x() + (rect.width() - size.width()) / 2, rect.y() + (rect.height() - size.height()) / 2,
-                       size.width(), size.height());
+    const QRect target(rect.x() + (rect.width() - size.width()) / 2,
+                       rect.y() + (rect.height() - size.height()) / 2, size.width(), size.height());
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(target, frame);
 }

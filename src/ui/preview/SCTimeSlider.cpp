@@ -10,6 +10,7 @@
 SCTimeSlider::SCTimeSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent)
 {
     setRange(0, kMaximum);
+    setMinimumWidth(120);
     setFocusPolicy(Qt::NoFocus);
     setEnabled(false);
 }

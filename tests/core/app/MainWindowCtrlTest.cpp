@@ -2,11 +2,18 @@
 #include "core/app/BLPlistCtrl.h"
 #include "core/app/IMainWindowView.h"
 #include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/model/DOTakeData.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -142,6 +149,51 @@ TEST_F(MainWindowCtrlTest, ClosingSavesTheFrameThenLogsTheEndBanner)
                            "0000:**************************************** Application end   "
                            "****************************************",
                            "0000:" + QString(99, '*')}));
+}
+
+TEST_F(MainWindowCtrlTest, ClosingRemovesThumbnailsOlderThanTheCacheLifeTime)
+{
+    BLMainWindowCtrl ctrl(view);
+    ctrl.awakeFromNib();
+    // The cache folder is made with the window; the life time is 30 days by default.
+    const QString cache = home().cacheHome() + "/Clipwright";
+    ASSERT_TRUE(QFileInfo(cache).isDir());
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const auto& [name, days] : {std::pair{"made31DaysAgo.bmp", 31}, {"made29DaysAgo.bmp", 29}}) {
+        QFile file(cache + "/" + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.setFileTime(now.addDays(-days), QFileDevice::FileModificationTime));
+    }
+
+    // The cache serves requests until the window closes, then no more.
+    int delivered = 0;
+    SCNotificationCenter::defaultCenter()->addObserver(
+        this, SC::SCCacheImageDidGetNotification, [&](const SCNotification&) { ++delivered; });
+    const auto requestPicture = [](qint64 keyFrame) {
+        DOTakeData unusable; // no essence: answered with the error picture
+        unusable.setUmid(QString(64, 'A'));
+        unusable.setTakeStatus(5);
+        unusable.setKeyFrame(keyFrame);
+        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCCacheImageRequestNotification,
+                                                    {{SC::SCCacheRMediaInfoKey, 0},
+                                                     {SC::SCCacheRSelectFolderKey, QString("/nowhere")},
+                                                     {SC::SCCacheRTakeDataKey, QVariant::fromValue(unusable)}});
+    };
+    requestPicture(1);
+    QElapsedTimer clock;
+    clock.start();
+    while (delivered == 0 && clock.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    ASSERT_EQ(delivered, 1);
+
+    ctrl.windowWillCloseNotification();
+    EXPECT_EQ(QDir(cache).entryList(QDir::Files), QStringList{"made29DaysAgo.bmp"});
+    requestPicture(2);
+    clock.restart();
+    while (clock.elapsed() < 300)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    EXPECT_EQ(delivered, 1);
+    SCNotificationCenter::defaultCenter()->removeObserver(this);
 }
 
 TEST_F(MainWindowCtrlTest, ResetWindowSizeIsOfferedOnlyToTheVisibleKeyWindow)

@@ -1,3 +1,4 @@
+#include "RecordingPreviewView.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
@@ -8,7 +9,6 @@
 #include "support/AsOrdinaryUser.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
-#include "RecordingPreviewView.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -43,7 +43,10 @@ protected:
                                                      {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
     }
     static void post(const QString& name) { BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name); }
-    bool waitForState(int state) { return waitUntil([&] { return ctrl->getViewerState() == state; }); }
+    bool waitForState(int state)
+    {
+        return waitUntil([&] { return ctrl->getViewerState() == state; });
+    }
     bool waitForFrame(qint64 frame)
     {
         return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
@@ -80,8 +83,9 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_PLAYED"));
     EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_STOPPED"));
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl setMovieFiles] call vv_set_av_info return:0"));
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl recvFrameInfoMessage] num_frames = 30, take_frame_no = 29, clip_no = 1, "
-                       "clip_frame_no = 14"));
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl recvFrameInfoMessage] num_frames = 30, take_frame_no = 29, clip_no = 1, "
+               "clip_frame_no = 14"));
 
     // Played again and paused, then stepped through by the buttons.
     play(card, take);
@@ -112,9 +116,21 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_GT(view.redraws, redraws);
     EXPECT_TRUE(ctrl->getSelectFolder().isEmpty());
 
-    // A change of either pane's folder stops as well.
+    // A change of either pane's folder stops as well; a property change of
+    // the take playing renews its title, one of another take does not.
     play(card, take);
     ASSERT_TRUE(waitForState(VM_PLAYED));
+    DOTakeData renamed = take;
+    renamed.setAlias("Harbour\nat dawn");
+    const auto propertiesChanged = [&](const QString& folder, const DOTakeData& changed) {
+        BLCommon::sharedCtrl()->sendNotificationNow(
+            nullptr, SC::SCClipPropertyDidChangeNotification,
+            {{SC::SCSelectFolderKey, folder}, {SC::SCDidChangeTakeDataKey, QVariant::fromValue(changed)}});
+    };
+    propertiesChanged(card.workFolder() + "/other", renamed);
+    EXPECT_EQ(view.title, take.getAlias());
+    propertiesChanged(card.workFolder(), renamed);
+    EXPECT_EQ(view.title, "Harbour at dawn");
     post(SC::SCSub1SelectFolderDidChangeNotification);
     EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
 }
@@ -143,6 +159,15 @@ TEST_F(PreviewCtrlTest, ASecondTakeStopsTheFirstBeforeItIsHandedOverAndAnUnusabl
     EXPECT_EQ(ctrl->getUmid(), second.getUmid());
     EXPECT_EQ(view.lastPicture().counter->clip, card.manifest().takes[1].clips.front().counterClip);
 
+    // A take the viewer cannot open: the message, and nothing plays.
+    DOTakeData broken = first;
+    broken.setMP4Uri(broken.getXMLUri());
+    play(card, broken);
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_655_3202"});
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl setMovieFiles] call vv_set_av_info return:-6"));
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
+    EXPECT_EQ(view.title, "");
+
     DOTakeData unusable = first;
     unusable.setTakeStatus(5);
     play(card, unusable);
@@ -167,7 +192,8 @@ TEST_F(PreviewCtrlTest, AResolutionChangeRedeliversThePictureAtItsNewSize)
     post(SC::SCResolutionDidChangeNotification);
     ASSERT_TRUE(waitUntil([&] { return view.lastPicture().width == 160; }));
     EXPECT_EQ(view.lastPicture().height, 90);
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
 }
 
 TEST_F(PreviewCtrlTest, FullScreenIsRefusedWhileStoppedAndShowsThePicturesOtherwise)
@@ -259,7 +285,8 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, &enable));
     EXPECT_FALSE(enable);
     ctrl->onMakeThumbnail();
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl onMakeThumbnail] movie file is not-import, don't make thumbnail"));
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl onMakeThumbnail] movie file is not-import, don't make thumbnail"));
     SCNotificationCenter::defaultCenter()->removeObserver(this);
 }
 
@@ -340,7 +367,8 @@ TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWh
 {
     ctrl = std::make_unique<BLPreviewCtrl>(view);
     EXPECT_EQ(view.ctrl, ctrl.get());
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay], qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
     view.journal.clear();
     ctrl->setViewerState(VM_STOPPED);
     EXPECT_TRUE(view.journal.isEmpty());
@@ -352,8 +380,10 @@ TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWh
 
     ctrl->setViewerState(VM_PAUSING);
     EXPECT_EQ(view.journal, QStringList{"slider on"});
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause], qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay], qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
+              qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
     ctrl->recvFrameInfoMessage(info);
     EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 5);
     EXPECT_NE(view.timeCode, "00:00:00:00");

@@ -3,6 +3,7 @@
 // Helpers shared by the preview tests of core and ui: takes of generated
 // cards as the program's records, waiting on the event loop, the log.
 
+#include "cardgen/FrameCounter.h"
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/metadata/DONonRealTimeMeta.h"
 #include "core/model/DOTakeData.h"
@@ -90,7 +91,8 @@ inline DOTakeData takeOf(const cwtest::CardFolder& card, const cardgen::Manifest
     }
     BLNonMetaAcss acss;
     DONonRealTimeMeta meta;
-    if (acss.loadForFilePath(card.path(fileOf(own, QStringLiteral("XML")))) && acss.getNonMetaData(meta, "en")) {
+    if (acss.loadForFilePath(card.path(fileOf(own, QStringLiteral("XML")))) &&
+        acss.getNonMetaData(meta, "en")) {
         data.setArrLtcChanges(meta.getLtcChangeTable().getLtcChangeArray());
         data.setUsAscii(meta.getTitle().getUsAscii());
         data.setAlias(meta.getTitle().getAlias().getValue());
@@ -127,7 +129,8 @@ inline QStringList logMessages(const cwtest::ScopedHome& home)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList messages;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
+    for (const QString& line :
+         QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
         messages << line.mid(20);
     return messages;
 }

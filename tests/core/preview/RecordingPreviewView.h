@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PreviewTestSupport.h"
 #include "cardgen/FrameCounter.h"
 #include "core/preview/BLPreviewCtrl.h"
 #include "core/preview/IAudioChannelView.h"
@@ -7,7 +8,6 @@
 #include "core/preview/IPreviewView.h"
 #include "core/preview/ITimeCodeView.h"
 #include "core/preview/ITimeSliderView.h"
-#include "PreviewTestSupport.h"
 
 #include <QMap>
 #include <QPair>
@@ -35,7 +35,10 @@ struct Picture
 class SimulatedAudioDevice
 {
 public:
-    vv_audio_sink_t sink() { return vv_audio_sink_t{&SimulatedAudioDevice::write, &SimulatedAudioDevice::flush, this}; }
+    vv_audio_sink_t sink()
+    {
+        return vv_audio_sink_t{&SimulatedAudioDevice::write, &SimulatedAudioDevice::flush, this};
+    }
     std::vector<int16_t> samples()
     {
         std::lock_guard lock(m_mutex);
@@ -48,14 +51,16 @@ public:
     }
 
 private:
-    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t /*rate*/, int32_t channels)
+    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t /*rate*/,
+                         int32_t channels)
     {
         auto* self = static_cast<SimulatedAudioDevice*>(context);
         std::lock_guard lock(self->m_mutex);
         self->update();
         if (frames > 0) {
             self->m_started = true;
-            self->m_samples.insert(self->m_samples.end(), samples, samples + size_t(frames) * size_t(channels));
+            self->m_samples.insert(self->m_samples.end(), samples,
+                                   samples + size_t(frames) * size_t(channels));
             self->m_received += frames;
         }
         return int32_t(self->m_received - self->m_consumed);
@@ -71,7 +76,8 @@ private:
     {
         const auto now = std::chrono::steady_clock::now();
         if (m_started)
-            m_consumed = std::min(m_received, m_consumed + qint64(std::chrono::duration<double>(now - m_last).count() * 48000));
+            m_consumed = std::min(
+                m_received, m_consumed + qint64(std::chrono::duration<double>(now - m_last).count() * 48000));
         m_last = now;
     }
 
@@ -124,7 +130,8 @@ public:
         p.width = frame.width;
         p.height = frame.height;
         p.fullScreen = frame.full_screen != 0;
-        p.counter = cardgen::FrameCounter::readPacked(frame.pixels, frame.stride, frame.width, frame.height, 4);
+        p.counter =
+            cardgen::FrameCounter::readPacked(frame.pixels, frame.stride, frame.width, frame.height, 4);
         std::lock_guard lock(m_mutex);
         m_pictures.push_back(p);
     }

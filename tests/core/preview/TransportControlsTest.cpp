@@ -1,3 +1,4 @@
+#include "RecordingPreviewView.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/preview/BLAudioChannelCtrl.h"
@@ -7,7 +8,6 @@
 #include "core/preview/BLTimeSliderCtrl.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
-#include "RecordingPreviewView.h"
 
 #include <QFile>
 
@@ -63,8 +63,14 @@ protected:
                                                     {{SC::SCPlaySelectFolderKey, card.workFolder()},
                                                      {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
     }
-    bool waitForState(int state) { return waitUntil([&] { return ctrl->getViewerState() == state; }); }
-    bool waitForFrame(qint64 frame) { return waitUntil([&] { return slider().getFrameNo() == frame; }); }
+    bool waitForState(int state)
+    {
+        return waitUntil([&] { return ctrl->getViewerState() == state; });
+    }
+    bool waitForFrame(qint64 frame)
+    {
+        return waitUntil([&] { return slider().getFrameNo() == frame; });
+    }
     bool logged(const QString& message) { return logMessages(home()).contains(message); }
     BLTimeSliderCtrl& slider() { return ctrl->getTimeSliderCtrl(); }
     // Plays the take and pauses it.
@@ -121,8 +127,9 @@ TEST_F(TransportControlsTest, TheSliderMapsFramesToItsEndsAndSkipsReportsUntilOn
     EXPECT_TRUE(slider().getSkipFrameInfo());
     EXPECT_FALSE(slider().checkSlipFrameInfo(492));
     EXPECT_FALSE(slider().getSkipFrameInfo());
-    EXPECT_TRUE(logged("0000:[BLTimeSliderCtrl checkSlipFrameInfo] end skip frame_no = 492, skip_frame_no = 500, "
-                       "margin = 10"));
+    EXPECT_TRUE(
+        logged("0000:[BLTimeSliderCtrl checkSlipFrameInfo] end skip frame_no = 492, skip_frame_no = 500, "
+               "margin = 10"));
     EXPECT_FALSE(slider().checkSlipFrameInfo(300));
 
     // Stopped: disabled, at 0, the take forgotten.
@@ -147,7 +154,7 @@ TEST_F(TransportControlsTest, DraggingShowsTheFrameUnderTheSliderAndResumesAsBef
     const int before = slider().timeSliderDragStart();
     ASSERT_EQ(before, VM_PLAYED);
     ASSERT_TRUE(waitForState(VM_PAUSING));
-    slider().sliderDidMove(505); // 119 * 505 / 1000 = frame 60
+    slider().sliderDidMove(505);   // 119 * 505 / 1000 = frame 60
     ASSERT_TRUE(waitForFrame(60)); // shown by the drag thread; the report ends the skipping
     EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, 60));
     EXPECT_FALSE(slider().getSkipFrameInfo());
@@ -186,8 +193,10 @@ TEST_F(TransportControlsTest, ButtonsShowTheStateAndIgnoreWhatWouldChangeNothing
 
     play(card, takeOf(card, card.manifest().takes.front()));
     ASSERT_TRUE(waitForState(VM_PLAYED));
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay], qMakePair(QString("macbtn_play_a"), QString("macbtn_play_a_p")));
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause], qMakePair(QString("macbtn_stop_n"), QString("macbtn_stop_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_a"), QString("macbtn_play_a_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
+              qMakePair(QString("macbtn_stop_n"), QString("macbtn_stop_p")));
     // Play while playing does nothing.
     EXPECT_FALSE(buttons.onPlay());
     EXPECT_FALSE(logged("0000:[BLPreviewButtonCtrl onPlay] call vv_play"));
@@ -198,7 +207,8 @@ TEST_F(TransportControlsTest, ButtonsShowTheStateAndIgnoreWhatWouldChangeNothing
     ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kRW].first == "macbtn_rw_a"; }));
     ASSERT_TRUE(waitForState(VM_PAUSING)); // at the first frame
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kRW].first, "macbtn_rw_n");
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause], qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
+              qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
     EXPECT_FALSE(buttons.onPause());
 
     ASSERT_TRUE(buttons.onFF());
@@ -254,7 +264,8 @@ TEST_F(TransportControlsTest, TheTimeCodeOfADropFrameTakeComesFromItsBimFiles)
     pauseIn(card, withoutBim);
     ASSERT_TRUE(buttons.onLastFrame());
     ASSERT_TRUE(waitForFrame(17));
-    EXPECT_EQ(view.timeCode, BLCommon::convertOfDurationByFrameCount(17, "29.97p", take.getLtcChanges(), false));
+    EXPECT_EQ(view.timeCode,
+              BLCommon::convertOfDurationByFrameCount(17, "29.97p", take.getLtcChanges(), false));
     EXPECT_EQ(view.timeCode, "00:00.00:17");
 }
 

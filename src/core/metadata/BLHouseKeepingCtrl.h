@@ -1,0 +1,80 @@
+#pragma once
+
+#include "core/model/DOClipData.h"
+#include "core/model/DOTakeData.h"
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <mutex>
+
+// Housekeeping: turns a work folder on disk into the takes a pane shows,
+// repairing the folder's index files on the way. It makes sure the cue-up info
+// and the media profile exist, examines every clip folder in CLPR and take
+// folder in TAKR, reconciles them with the media profile (rewriting it where
+// it needs repair), groups the clips into takes, reads each take's metadata
+// and take info, and answers the takes sorted by creation date.
+//
+// One controller serves one pass, normally on a worker thread; setCancel may
+// come from any thread, and the pass stops at its next cancel point. A
+// cancelled controller stays cancelled.
+class BLHouseKeepingCtrl
+{
+public:
+    // The takes of the work folder (possibly none); never fails as such.
+    QList<DOTakeData> doHouseKeeping(const QString& workFolder);
+
+    void setCancel();
+    bool isCancel() const;
+
+    // Clip and take materials the media profile listed (for the folder limits).
+    void setCLPRMateCount(int count) { m_CLPRMateCount = count; }
+    int getCLPRMateCount() const { return m_CLPRMateCount; }
+    void setTAKRMateCount(int count) { m_TAKRMateCount = count; }
+    int getTAKRMateCount() const { return m_TAKRMateCount; }
+
+    // Called with the number of each cancel point (1 to 7) as the pass
+    // reaches it, before the flag is read: lets tests cancel at one point.
+    void setCancelPointHookForTesting(std::function<void(int step)> hook)
+    {
+        m_cancelPointHook = std::move(hook);
+    }
+
+    // The clips found by the last pass.
+    const QList<DOClipData>& getClipData() const { return m_arrClipData; }
+
+    // ---- steps ----
+    // Reads every CLPR entry into the clip list and every TAKR folder into
+    // the takes. No when CLPR or TAKR is missing and cannot be made.
+    bool isClipFolder(const QString& workFolder, QList<DOTakeData>& takes);
+    void checkCLPRFolder(const QString& workFolder);
+    void checkTAKRFolder(QList<DOTakeData>& takes, const QString& workFolder);
+    // Groups the clips into takes and reads the takes' metadata and take info.
+    void buildTakeData(QList<DOTakeData>& takes, const QString& workFolder);
+    // Every take claims its clips; every clip left over becomes a take.
+    void clipTotake(QList<DOTakeData>& takes);
+    // A single-clip take for a clip.
+    DOTakeData makeTakeData(const DOClipData& clip);
+    // The take-info entries of a multi-clip take; a clip it names that is
+    // not in the folder makes the take media spanning.
+    void getTakeInfoData(DOTakeData& take, const QString& smiPath);
+
+private:
+    // The pass proper; false when it ended early (the takes are then as far
+    // as they got).
+    bool passFolder(const QString& workFolder, QList<DOTakeData>& takes);
+    // Writes the media profile anew from the takes and clips found, or tells
+    // the user that the medium does not let it be written.
+    void rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder);
+    // Logs the cancel step when the flag is set.
+    bool isCancelAt(int step) const;
+
+    std::function<void(int)> m_cancelPointHook;
+
+    QList<DOClipData> m_arrClipData;
+    mutable std::mutex m_cancelLock;
+    bool m_bCancel = false;
+    int m_CLPRMateCount = 0;
+    int m_TAKRMateCount = 0;
+};

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "core/model/DOClipData.h"
+#include "core/model/DOTakeData.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class DOClipCtrl;
+
+// The service behind every operation on takes: the checks an operation runs
+// before it starts, the files of a clip or take, the deletion of a take and
+// the roll-back of a cancelled operation, and the reading of clip and take
+// folders into records. Keeps no state between calls; create one where
+// needed. Every file reference is resolved inside the BPAV folder of the work
+// folder concerned (BLCardPath), so nothing outside it is ever touched.
+//
+// A check answers true (or 0 where it answers a code) when the request may go
+// on; a refusal has already been shown to the user and logged.
+class BLClipCtrl
+{
+public:
+    // Operation types of the checks.
+    static constexpr int kTypeCopy = 0;
+    static constexpr int kTypeMove = 1;
+    static constexpr int kTypeCombine = 3;
+    static constexpr int kTypeDelete = 4;
+    // checkCopyToFolderName: 2 copy, 3 move; answers below.
+    static constexpr int kNameTypeCopy = 2;
+    static constexpr int kNameTypeMove = 3;
+    static constexpr int kNameReady = 0;
+    static constexpr int kNameNotCreated = 1;
+    static constexpr int kNameRefusedClose = 2;
+    static constexpr int kNameRefusedKeepOpen = 3;
+
+    // A file larger than this is not copied or moved onto a FAT32 volume.
+    static constexpr qint64 kFat32Limit = 4405067775;
+
+    // ---- checks before an operation ----
+    // The destination folder name the user typed: refuses "BPAV" and what
+    // the folder-name rules refuse, tests the disk space, and makes the folder
+    // under the destination parent when it does not exist yet (then the
+    // record's new-folder flag is set).
+    int checkCopyToFolderName(const QString& name, DOClipCtrl& clipCtrl, int type);
+    // The destination work folder: named, usable drive, readable and
+    // writable, and not the source folder.
+    bool checkCopyPath(const DOClipCtrl& clipCtrl, int type);
+    // The source work folder may be changed (move, combine, delete).
+    bool checkWritableMoveOrigin(const DOClipCtrl& clipCtrl, int type);
+    // Every chosen take (made the target in turn) may be deleted.
+    bool checkDeletePath(DOClipCtrl& clipCtrl);
+    // The target take's folder, and each clip folder of a multi-clip take.
+    bool isDeletable(const DOClipCtrl& clipCtrl);
+    // The destination stays within 600 clip folders and 600 take folders.
+    bool checkFolderLimit(const DOClipCtrl& clipCtrl);
+    // No chosen take or clip has the folder name or the UMID of one in the
+    // destination; the new takes become the chosen ones.
+    bool checkRepeatClip(DOClipCtrl& clipCtrl);
+    // 0 when the UMID is that of a take or clip of the destination takes.
+    int checkUmid(const QString& umid, const DOClipCtrl& clipCtrl);
+    // 0 when a take of the record has the UMID of a take of another record of
+    // the list (the record itself stands at the index).
+    int checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& clipCtrls, int index);
+
+    // ---- the files of records ----
+    // Absolute paths of the existing files of a record in a BPAV folder: XML,
+    // SMI (not for status 3, whose take-info reference names the folder),
+    // BIM, PPN, MP4. With the folder flag the folder goes first (for status 4,
+    // the loose file itself).
+    QStringList getOperatePaths(const DOClipData& clip, bool needFolder, const QString& fromPath, int status);
+    QStringList getOperatePaths(const DOTakeData& take, bool needFolder, const QString& fromPath, int status);
+    // Per take, the paths of its clips and then its own, each path once.
+    void setOperatePaths(QList<QStringList>& paths, const QList<DOTakeData>& takes, int& pathCount,
+                         bool needFolder, const QString& workPath);
+    int getPathCount(const QList<DOTakeData>& takes, const QString& workPath, bool needFolder);
+    // The existing files of one record.
+    int getPathCount(const DOClipData& clip, const QString& workPath);
+    int getPathCount(const DOTakeData& take, const QString& workPath);
+
+    // ---- deletion and roll-back ----
+    // Removes the target take's folders in the work folder: each clip folder
+    // of a multi-clip take in order, then the take's own folder; for a loose
+    // MP4 file the file. Stops at the first that cannot be removed.
+    bool doFileDelete(const DOClipCtrl& clipCtrl, const QString& workFolder);
+    // The same, then the take leaves the work folder's media profile.
+    bool doDeleteTake(const DOClipCtrl& clipCtrl, const QString& workFolder);
+    // Undoes an operation on its destination: removes the destination work
+    // folder when the operation made it, otherwise deletes the first count
+    // takes handled.
+    void processCancel(DOClipCtrl& clipCtrl, int operatedCount);
+
+    // ---- reading a folder into records ----
+    // One entry of the BPAV folder's CLPR folder as a clip: status 0 with all
+    // of MP4, SMI, XML, BIM and PPN; 3 with MP4 and XML (its take-info
+    // reference then names the clip folder); 4 for a loose MP4 file directly in
+    // CLPR (with a new UMID); 5 otherwise. The MP4 contents are not examined.
+    DOClipData checkCLPRFiles(const QString& workFolder, const QString& folderName);
+    // One entry of the TAKR folder as a take: status 1 with its take info and
+    // metadata, 5 otherwise; the take info, when there, gives its UMID, clip
+    // UMIDs and take-info entries.
+    DOTakeData checkTAKRFiles(const QString& workFolder, const QString& folderName);
+    // A clip on this medium from references known from the media profile.
+    DOClipData addClipList(const QString& umid, const QString& smi, const QString& mp4, const QString& xml,
+                           const QString& bim, const QString& ppn, const QString& workFolder);
+
+    // ---- filling records from metadata ----
+    // Reads the take info at a path (already resolved) into the take: its UMID,
+    // clip UMIDs and take-info entries from the plain group. False when the
+    // file cannot be read.
+    bool getTakeInfo(DOTakeData& take, const QString& smiPath);
+    // Gives the take its clips from the list, in the order of its clip UMIDs,
+    // and decides the statuses that follow: an unusable clip makes the take
+    // unusable, a clip not on this medium makes it media spanning.
+    void searchClip(DOTakeData& take, QList<DOClipData>& clips);
+    // The clip of that UMID in the list (marked as existing), or null.
+    static DOClipData* isClipData(const QString& umid, QList<DOClipData>& clips);
+    // Fills the take and its clips from their non-real-time metadata.
+    bool getNonRealData(DOTakeData& take, const QString& workFolder);
+    bool getTakeNonRealMeta(DOTakeData& take, const QString& workFolder);
+    bool getClipNonRealMeta(DOClipData& clip, const QString& workFolder);
+    bool getTakeNonMetaData(DOTakeData& take, const QString& workFolder);
+};

@@ -1,0 +1,172 @@
+// clipwright-cli scan on generated cards: what it prints (text and JSON)
+// against what the generator's manifest says the card holds.
+#include "core/common/BLCommon.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kCli = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli");
+
+struct CliRun
+{
+    int status = -1;
+    QByteArray out, err;
+};
+
+CliRun cli(const QStringList& args)
+{
+    CliRun r;
+    QProcess p;
+    p.start(kCli, args);
+    if (!p.waitForFinished(60000))
+        return r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files = {})
+{
+    cardgen::Damage d;
+    d.kind = kind;
+    d.take = take;
+    d.files = files;
+    return d;
+}
+
+class ScanCommandTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        if (!QFileInfo::exists(kCli))
+            GTEST_SKIP() << "clipwright-cli is not built";
+    }
+};
+
+} // namespace
+
+TEST_F(ScanCommandTest, PrintsTheTakesTheManifestDescribes)
+{
+    using Kind = cardgen::Damage::Kind;
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = 5;
+    options.fast = true;
+    options.multiClipTakes = {3};
+    options.spanningClips = 2;
+    options.damages = {damage(Kind::Missing, 1, {"BIM"}), damage(Kind::Loose, 2), damage(Kind::Unlisted, 3),
+                       damage(Kind::Hidden, 4)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString work = card.workFolder();
+
+    const CliRun json = cli({"scan", "--json", work});
+    ASSERT_EQ(json.status, 0) << json.err.constData();
+    const QJsonObject result = QJsonDocument::fromJson(json.out).object();
+    EXPECT_EQ(result["workFolder"].toString(), work);
+    const QJsonArray takes = result["takes"].toArray();
+    auto find = [&](const QString& id) {
+        for (const QJsonValue& v : takes) {
+            if (v["takeId"].toString() == id)
+                return v.toObject();
+        }
+        return QJsonObject();
+    };
+
+    int expected = 0;
+    for (const cardgen::ManifestTake& planned : card.manifest().takes) {
+        if (planned.card != 0 || planned.expectedStatus < 0)
+            continue;
+        ++expected;
+        SCOPED_TRACE(planned.takeId.toStdString());
+        const QJsonObject take = find(planned.takeId);
+        ASSERT_FALSE(take.isEmpty());
+        EXPECT_EQ(take["status"].toInt(), planned.expectedStatus);
+        EXPECT_EQ(take["kind"].toString(), planned.kind);
+        EXPECT_EQ(take["clipCount"].toInt(), int(planned.clips.size()));
+        EXPECT_EQ(take["mediaSpanning"].toBool(), planned.spanPart > 0);
+        if (planned.expectedStatus != 4) { // a loose file gets a new UMID at each scan
+            EXPECT_EQ(take["umid"].toString(), planned.umid);
+        }
+        if (planned.expectedStatus < 5) { // an unusable take has no duration or size
+            EXPECT_EQ(take["size"].toInteger(), planned.size);
+        }
+        if (planned.expectedStatus < 4) {
+            EXPECT_EQ(take["frames"].toInteger(), planned.frames);
+            EXPECT_EQ(take["frameRate"].toString(), planned.frameRate);
+            EXPECT_EQ(take["videoCodec"].toString(), planned.videoFormat);
+            EXPECT_EQ(take["videoFormat"].toString(), planned.videoFormat.section('_', 0, 0));
+            // Drop-frame time code shows "." before the seconds.
+            EXPECT_TRUE(QRegularExpression(QString::asprintf("^00:00[:.]00:%02d$", planned.frames))
+                            .match(take["duration"].toString())
+                            .hasMatch())
+                << take["duration"].toString().toStdString();
+        }
+    }
+    EXPECT_EQ(takes.size(), expected);
+
+    // The scan repaired the folder as a pane would: the unlisted clip is listed now.
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+    EXPECT_EQ(mediaPro.getMaterialData("ABC0003", 1).size(), 1);
+
+    // The text form: one line per take with its values, then its UMID.
+    const CliRun text = cli({"scan", work});
+    ASSERT_EQ(text.status, 0) << text.err.constData();
+    const QStringList lines = QString::fromUtf8(text.out).split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 1 + 2 * expected) << text.out.constData();
+    EXPECT_EQ(lines[0], work + ": " + QString::number(expected) + " takes");
+    for (const QJsonValue& v : takes) {
+        const QJsonObject take = v.toObject();
+        const QString id = take["takeId"].toString();
+        SCOPED_TRACE(id.toStdString());
+        const qsizetype at = lines.indexOf(QRegularExpression("^" + QRegularExpression::escape(id) + " .*"));
+        ASSERT_GT(at, 0);
+        const QString& line = lines[at];
+        EXPECT_TRUE(line.contains(" " + take["kind"].toString() + " ")) << line.toStdString();
+        EXPECT_TRUE(line.contains(QString(" %1 clip(s)").arg(take["clipCount"].toInt())))
+            << line.toStdString();
+        EXPECT_TRUE(line.contains(QString("status %1 ").arg(take["status"].toInt()))) << line.toStdString();
+        EXPECT_TRUE(line.contains(" " + take["duration"].toString() + " ")) << line.toStdString();
+        EXPECT_TRUE(line.contains(" " + take["frameRate"].toString())) << line.toStdString();
+        EXPECT_TRUE(line.contains(" " + take["videoFormat"].toString())) << line.toStdString();
+        EXPECT_TRUE(line.endsWith(QString(" %1 bytes").arg(take["size"].toInteger()))) << line.toStdString();
+        if (take["status"].toInt() != 4) {
+            EXPECT_EQ(lines[at + 1].trimmed(), "UMID " + take["umid"].toString());
+        }
+    }
+}
+
+TEST_F(ScanCommandTest, AFolderThatIsNotUsableFails)
+{
+    QTemporaryDir dir;
+    CliRun r = cli({"scan", dir.path()});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains("no BPAV folder")) << r.err.constData();
+    EXPECT_TRUE(r.out.isEmpty());
+
+    // A BPAV folder whose media profile cannot be made (a file stands in its way).
+    ASSERT_TRUE(QDir().mkpath(dir.filePath("BPAV/MEDIAPRO.XML")));
+    r = cli({"scan", "--json", dir.path()});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains("no media profile")) << r.err.constData();
+
+    EXPECT_EQ(cli({"scan"}).status, 2);
+    EXPECT_EQ(cli({"scan", "a", "b"}).status, 2);
+    r = cli({"--help"});
+    EXPECT_TRUE(r.out.contains("scan")) << r.out.constData();
+}

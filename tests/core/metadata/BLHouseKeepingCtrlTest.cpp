@@ -1,0 +1,514 @@
+// Housekeeping on generated cards: the takes a pane gets, the index files it
+// repairs, its cancel points and messages, and that nothing outside the
+// card's BPAV folder is ever touched.
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/model/BLMediaProCtrl.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+using Kind = cardgen::Damage::Kind;
+
+cardgen::Options tinyCard(int clips, std::vector<int> multi = {})
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = clips;
+    options.multiClipTakes = std::move(multi);
+    options.fast = true;
+    return options;
+}
+
+cardgen::Damage damage(Kind kind, int take, const QStringList& files = {})
+{
+    cardgen::Damage d;
+    d.kind = kind;
+    d.take = take;
+    d.files = files;
+    return d;
+}
+
+QStringList materialUris(const QString& workFolder)
+{
+    BLMediaProfileAcss mediaPro;
+    QStringList uris;
+    if (!mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        return uris;
+    for (const DOMaterial& material : mediaPro.getMaterialData(QString(), 0))
+        uris << material.getUri();
+    return uris;
+}
+
+const DOTakeData* takeWithId(const QList<DOTakeData>& takes, const QString& id)
+{
+    for (const DOTakeData& take : takes) {
+        if (take.getTakeID() == id)
+            return &take;
+    }
+    return nullptr;
+}
+
+// Unusable takes have no take ID; they are found by UMID.
+const DOTakeData* takeWithUmid(const QList<DOTakeData>& takes, const QString& umid)
+{
+    for (const DOTakeData& take : takes) {
+        if (take.getUmid() == umid)
+            return &take;
+    }
+    return nullptr;
+}
+
+// Replaces the first match of a pattern in a file.
+bool editFile(const QString& path, const QString& from, const QString& to)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QString text = QString::fromUtf8(file.readAll());
+    file.close();
+    if (!text.contains(from))
+        return false;
+    text.replace(text.indexOf(from), from.size(), to);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) > 0;
+}
+
+QString creationDateAttribute(const QString& xmlPath)
+{
+    QFile file(xmlPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QString text = QString::fromUtf8(file.readAll());
+    const qsizetype at = text.indexOf("<CreationDate value=\"");
+    return at < 0 ? QString() : text.mid(at, text.indexOf('>', at) - at + 1);
+}
+
+void writeFile(const QString& path, const QByteArray& data)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(data);
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+class HouseKeepingTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    }
+
+    QStringList logLines()
+    {
+        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            lines << line.section(' ', 2); // "PPPP:message"
+        return lines;
+    }
+
+    QStringList cancelLines() { return logLines().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step"); }
+};
+
+} // namespace
+
+TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTake)
+{
+    cardgen::Options options = tinyCard(5, {2, 2});
+    options.damages = {damage(Kind::Loose, 2), damage(Kind::NoFtyp, 3), damage(Kind::Hidden, 4)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const auto& planned = card.manifest().takes;
+    const QString work = card.workFolder();
+    const QString bpav = card.bpav();
+    ASSERT_TRUE(QFile::remove(bpav + "/MEDIAPRO.XML"));
+    ASSERT_TRUE(QFile::remove(bpav + "/CUEUP.XML"));
+    // The first clip was recorded last; the second multi-clip take lost a clip.
+    const QString first = bpav + "/CLPR/ABC0001/ABC0001M01.XML";
+    ASSERT_TRUE(
+        editFile(first, creationDateAttribute(first), "<CreationDate value=\"2099-01-01T00:00:00+00:00\"/>"));
+    const auto& broken = planned[6];
+    ASSERT_EQ(broken.kind, "multi");
+    ASSERT_TRUE(QDir(card.path(broken.clips[1].folder)).removeRecursively());
+    writeFile(bpav + "/CLPR/ABC0099/ABC0099M01.XML", "no essence"); // a folder without MP4
+
+    cwtest::MessageRecorder messages;
+    BLHouseKeepingCtrl houseKeeping;
+    const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(work);
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_TRUE(QFileInfo::exists(bpav + "/CUEUP.XML"));
+
+    // Takes: every single clip (not the hidden one), the loose file, both multi-clip takes.
+    QStringList ids;
+    for (const DOTakeData& take : takes)
+        ids << take.getTakeID();
+    for (const QString& id : QStringList{"ABC0001", "ABC0002", "ABC0005", planned[5].takeId, broken.takeId})
+        EXPECT_TRUE(ids.contains(id)) << id.toStdString() << " in " << ids.join(",").toStdString();
+    EXPECT_EQ(takeWithUmid(takes, planned[3].umid), nullptr) << "the hidden clip";
+    // The clip folder without essence is shown as unusable until the next pass.
+    EXPECT_EQ(ids.size(), 7);
+    EXPECT_EQ(ids.last(), "ABC0001") << "sorted by creation date";
+    for (qsizetype i = 1; i < takes.size(); ++i)
+        EXPECT_LE(takes[i - 1].compareByCreationDate(takes[i]), 0) << i;
+
+    const DOTakeData* complete = takeWithId(takes, "ABC0005");
+    ASSERT_NE(complete, nullptr);
+    EXPECT_EQ(complete->getTakeStatus(), 0);
+    EXPECT_TRUE(complete->getSingleClipFlag());
+    EXPECT_EQ(complete->getTakeDuration(), 6);
+    EXPECT_EQ(complete->getUmid(), planned[4].umid);
+    EXPECT_GT(complete->getTakeSize(), 0);
+    EXPECT_EQ(complete->getMPStatus(), "none");
+
+    const DOTakeData* rejected = takeWithUmid(takes, planned[2].umid);
+    ASSERT_NE(rejected, nullptr);
+    EXPECT_EQ(rejected->getTakeStatus(), 5) << "the MP4 reader rejects its essence";
+    EXPECT_EQ(rejected->getTakeDuration(), 0);
+
+    const DOTakeData* loose = takeWithId(takes, "ABC0002");
+    ASSERT_NE(loose, nullptr);
+    EXPECT_EQ(loose->getTakeStatus(), 4);
+
+    const DOTakeData* whole = takeWithId(takes, planned[5].takeId);
+    ASSERT_NE(whole, nullptr);
+    EXPECT_EQ(whole->getClipData().size(), 2);
+    EXPECT_FALSE(whole->getMediaSpanning());
+    EXPECT_LE(whole->getTakeStatus(), 1);
+    EXPECT_EQ(whole->getTakeInfo().size(), 2) << "take-info entries are not doubled";
+    EXPECT_EQ(whole->getTakeDuration(), 12);
+
+    const DOTakeData* spanning = takeWithId(takes, broken.takeId);
+    ASSERT_NE(spanning, nullptr);
+    EXPECT_TRUE(spanning->getMediaSpanning()) << "it names a clip that is not there";
+    EXPECT_EQ(spanning->getTakeStatus(), 2);
+    EXPECT_EQ(spanning->getClipData().size(), 1);
+
+    // The new media profile lists every clip with essence and both takes;
+    // the clip folder without essence is gone.
+    const QStringList uris = materialUris(work);
+    for (const QString& name : QStringList{"ABC0001", "ABC0003", "ABC0005", "ABC0006", "ABC0007", "ABC0008"})
+        EXPECT_TRUE(uris.contains("./CLPR/" + name + "/" + name + ".SMI")) << name.toStdString();
+    EXPECT_TRUE(uris.contains("./TAKR/" + planned[5].takeId + "/" + planned[5].takeId + ".SMI"));
+    EXPECT_TRUE(uris.contains("./TAKR/" + broken.takeId + "/" + broken.takeId + ".SMI"));
+    EXPECT_EQ(uris.size(), 8) << uris.join(", ").toStdString();
+    EXPECT_FALSE(QFileInfo::exists(bpav + "/CLPR/ABC0099"));
+    EXPECT_TRUE(QFileInfo::exists(bpav + "/CLPR/.ABC0004"));
+
+    // Read again, the repaired folder gives the same takes, less the folder
+    // without essence (which had no UMID to show).
+    BLHouseKeepingCtrl again;
+    const QList<DOTakeData> second = again.doHouseKeeping(work);
+    EXPECT_EQ(second.size(), 6);
+    for (const DOTakeData& take : takes) {
+        if (take.getUmid().isEmpty())
+            continue;
+        const DOTakeData* same = take.getTakeStatus() == 4 ? takeWithId(second, take.getTakeID())
+                                                           : takeWithUmid(second, take.getUmid());
+        ASSERT_NE(same, nullptr) << take.getTakeID().toStdString();
+        EXPECT_EQ(same->getTakeID(), take.getTakeID());
+        EXPECT_EQ(same->getTakeStatus() <= 1, take.getTakeStatus() <= 1) << take.getTakeID().toStdString();
+        EXPECT_EQ(same->getTakeDuration(), take.getTakeDuration()) << take.getTakeID().toStdString();
+    }
+    EXPECT_EQ(again.getCLPRMateCount(), 6);
+    EXPECT_EQ(again.getTAKRMateCount(), 2);
+
+    const QStringList lines = logLines();
+    EXPECT_EQ(lines.count("0700:[BLHouseKeepingCtrl doHouseKeeping] Start"), 2);
+    EXPECT_EQ(lines.count("0700:[BLHouseKeepingCtrl doHouseKeeping] End"), 2);
+}
+
+TEST_F(HouseKeepingTest, AListedFolderIsCheckedAndRepairedWhereTheProfileMissesAFolder)
+{
+    cardgen::Options options = tinyCard(4, {2});
+    options.spanningClips = 2;
+    options.damages = {damage(Kind::Missing, 1, {"BIM"}), damage(Kind::Unlisted, 2), damage(Kind::Hidden, 3)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString work = card.workFolder();
+    const QStringList listedBefore = materialUris(work);
+    ASSERT_FALSE(listedBefore.contains("./CLPR/ABC0002/ABC0002.SMI"));
+
+    cwtest::MessageRecorder messages;
+    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
+    for (const cardgen::ManifestTake& planned : card.manifest().takes) {
+        if (planned.card != 0)
+            continue;
+        const DOTakeData* take = takeWithUmid(takes, planned.umid);
+        if (planned.expectedStatus < 0) {
+            EXPECT_EQ(take, nullptr) << planned.takeId.toStdString();
+            continue;
+        }
+        ASSERT_NE(take, nullptr) << planned.takeId.toStdString();
+        EXPECT_EQ(take->getTakeStatus(), planned.expectedStatus) << planned.takeId.toStdString();
+        EXPECT_EQ(take->getMediaSpanning(), planned.spanPart > 0) << planned.takeId.toStdString();
+    }
+    const DOTakeData* noBim = takeWithUmid(takes, card.manifest().takes.front().umid);
+    ASSERT_NE(noBim, nullptr);
+    EXPECT_EQ(noBim->getTakeSize(), 0);
+    EXPECT_TRUE(messages.keys().isEmpty());
+
+    // The unlisted clip is now listed; everything listed before still is.
+    const QStringList listedAfter = materialUris(work);
+    EXPECT_TRUE(listedAfter.contains("./CLPR/ABC0002/ABC0002.SMI"));
+    for (const QString& uri : listedBefore)
+        EXPECT_TRUE(listedAfter.contains(uri)) << uri.toStdString();
+}
+
+TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
+{
+    cardgen::Options options = tinyCard(3, {2});
+    options.damages = {damage(Kind::Unlisted, 3)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const auto& planned = card.manifest().takes;
+    const QString unlisted = "./CLPR/ABC0003/ABC0003.SMI";
+
+    for (int step = 1; step <= 7; ++step) {
+        SCOPED_TRACE(step);
+        QTemporaryDir dir;
+        const QString work = dir.filePath("card");
+        ASSERT_TRUE(BLCommon::copyFile(card.workFolder(), work));
+        const QString bpav = work + "/BPAV";
+        ASSERT_TRUE(QFile::remove(bpav + "/CUEUP.XML"));
+        // Steps 4 to 6 lie on the way of a folder without media profile.
+        const bool fresh = step >= 4 && step <= 6;
+        if (fresh) {
+            ASSERT_TRUE(QFile::remove(bpav + "/MEDIAPRO.XML"));
+        }
+        QFile::remove(home().stateHome() + "/Clipwright/Clipwright.log");
+
+        BLHouseKeepingCtrl houseKeeping;
+        houseKeeping.setCancelPointHookForTesting([&, step](int reached) {
+            if (reached == step)
+                houseKeeping.setCancel();
+        });
+        const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(work);
+        EXPECT_EQ(cancelLines(), QStringList{"0700:[BLHouseKeepingCtrl doHouseKeeping] Cancel Step " +
+                                             QString::number(step)});
+        EXPECT_EQ(logLines().last(), "0700:[BLHouseKeepingCtrl doHouseKeeping] End");
+        EXPECT_EQ(QFileInfo::exists(bpav + "/CUEUP.XML"), step >= 2);
+
+        switch (step) {
+        case 1:
+        case 2:
+        case 3:
+            EXPECT_TRUE(takes.isEmpty());
+            break;
+        case 4:
+        case 5:
+            // The take folders were read; no clip has become a take yet.
+            ASSERT_EQ(takes.size(), 1);
+            EXPECT_EQ(takes[0].getTakeID(), planned.back().takeId);
+            EXPECT_TRUE(takes[0].getClipData().isEmpty());
+            EXPECT_TRUE(materialUris(work).isEmpty());
+            break;
+        case 6:
+            EXPECT_EQ(takes.size(), 4) << "the takes were built";
+            EXPECT_TRUE(materialUris(work).isEmpty()) << "but the new profile is not written";
+            break;
+        case 7:
+            EXPECT_EQ(takes.size(), 4);
+            EXPECT_FALSE(materialUris(work).contains(unlisted)) << "the repair is not written";
+            break;
+        }
+    }
+
+    // Without a cancel, the same card is repaired.
+    QFile::remove(home().stateHome() + "/Clipwright/Clipwright.log");
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()).size(), 4);
+    EXPECT_TRUE(cancelLines().isEmpty());
+    EXPECT_TRUE(materialUris(card.workFolder()).contains(unlisted));
+}
+
+TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFromAWorker)
+{
+    cardgen::Options options = tinyCard(2);
+    options.damages = {damage(Kind::Unlisted, 2)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString work = card.workFolder();
+    const QString bpav = card.bpav();
+    // A duration of almost two hours at 29.97 frames per second fails the check.
+    ASSERT_TRUE(editFile(bpav + "/CLPR/ABC0001/ABC0001M01.XML", "<Duration value=\"6\"/>",
+                         "<Duration value=\"200000\"/>"));
+    const QByteArray profile = readFile(bpav + "/MEDIAPRO.XML");
+    QFile::setPermissions(QFileInfo(work).path(), QFile::Permissions(0x7777)); // reachable for "nobody"
+    QFile::setPermissions(bpav + "/MEDIAPRO.XML", QFile::Permissions(0x4444));
+    BLLogCtrl::sharedCtrl(); // made by this thread, not by the worker
+    QFile::setPermissions(bpav, QFile::Permissions(0x5555));
+
+    // The pass runs on a worker as a pane runs it; its alerts are shown by
+    // the main thread while the worker waits.
+    cwtest::MessageRecorder messages;
+    QList<DOTakeData> takes;
+    std::atomic<bool> done{false};
+    std::thread worker([&] {
+        cwtest::AsOrdinaryUser nobody;
+        takes = BLHouseKeepingCtrl().doHouseKeeping(work);
+        done = true;
+    });
+    while (!done)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    worker.join();
+    QFile::setPermissions(bpav, QFile::Permissions(0x7777));
+
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_732_3176", "MSG_111_3225"}));
+    EXPECT_EQ(takes.size(), 2) << "the takes are still shown";
+    EXPECT_EQ(readFile(bpav + "/MEDIAPRO.XML"), profile);
+
+    // A folder whose media profile cannot be made at all: only the message.
+    QTemporaryDir dir;
+    QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
+    const QString locked = dir.filePath("locked");
+    ASSERT_TRUE(QDir().mkpath(locked + "/BPAV/CLPR"));
+    ASSERT_TRUE(BLCommon::copyFile(bpav + "/CUEUP.XML", locked + "/BPAV/CUEUP.XML"));
+    ASSERT_TRUE(BLCommon::copyFile(bpav + "/CLPR/ABC0002", locked + "/BPAV/CLPR/ABC0002"));
+    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x5555));
+    messages.clear();
+    {
+        cwtest::AsOrdinaryUser nobody;
+        EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(locked).isEmpty());
+    }
+    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x7777));
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_732_3176"});
+
+    // No BPAV folder: nothing, and a log line.
+    EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(dir.path()).isEmpty());
+    EXPECT_TRUE(logLines().contains("0700:[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : " +
+                                    dir.path()));
+}
+
+TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
+{
+    cardgen::Options options = tinyCard(2, {2});
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    QTemporaryDir outer;
+    // The card lies two levels below a folder that holds "outside".
+    const QString work = outer.filePath("a/card");
+    ASSERT_TRUE(QDir().mkpath(outer.filePath("a")));
+    ASSERT_TRUE(BLCommon::copyFile(card.workFolder(), work));
+    const QString bpav = work + "/BPAV";
+    const QString outside = outer.filePath("a/outside");
+    const QString absolute = outer.filePath("absolute");
+    // Folders without essence, the kind a rewrite deletes inside the card.
+    writeFile(outside + "/file/fileM01.XML", "sentinel 1");
+    writeFile(outside + "/linked/linkedM01.XML", "sentinel 2");
+    writeFile(absolute + "/fileM01.XML", "sentinel 3");
+    ASSERT_TRUE(QFile::link(outside + "/linked", bpav + "/CLPR/LINKED"));
+
+    // The media profile and a take info name files outside the card.
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(bpav));
+    DOMaterial clip;
+    clip.setUri("./CLPR/../../outside/file/file.SMI");
+    clip.setType("PD-EDL");
+    clip.setUmid(QString(64, 'B'));
+    DOComponent essence;
+    essence.setUri("./CLPR/../../outside/file/file.MP4");
+    essence.setType("MP4");
+    clip.setComponent({essence});
+    DORelevantInfo xml;
+    xml.setUri("./../../outside/file/fileM01.XML");
+    xml.setType("XML");
+    clip.setRelevantInfo({xml});
+    DOMaterial absoluteClip = clip;
+    absoluteClip.setUri(absolute + "/CLPR/file.SMI");
+    absoluteClip.setUmid(QString(64, 'C'));
+    essence.setUri(absolute + "/file.MP4");
+    absoluteClip.setComponent({essence});
+    xml.setUri(absolute + "/fileM01.XML");
+    absoluteClip.setRelevantInfo({xml});
+    DOMaterial take;
+    take.setUri("./../../outside/file/take.SMI");
+    take.setType("PD-EDL");
+    take.setUmid(QString(64, 'D'));
+    ASSERT_EQ(mediaPro.setMaterialData({clip, absoluteClip, take}), 0);
+    ASSERT_EQ(mediaPro.setComponentData(clip.getComponent(), clip.getUri()), 0);
+    ASSERT_EQ(mediaPro.setRelevantInfoDaata(clip.getRelevantInfo(), clip.getUri()), 0);
+    ASSERT_EQ(mediaPro.setComponentData(absoluteClip.getComponent(), absoluteClip.getUri()), 0);
+    ASSERT_EQ(mediaPro.setRelevantInfoDaata(absoluteClip.getRelevantInfo(), absoluteClip.getUri()), 0);
+    ASSERT_TRUE(mediaPro.save("0123"));
+    const QString takeInfo = QDir(bpav + "/TAKR").entryList(QDir::Dirs | QDir::NoDotAndDotDot).first();
+    ASSERT_TRUE(editFile(bpav + "/TAKR/" + takeInfo + "/" + takeInfo + ".SMI",
+                         "src=\"" + takeInfo + "M01.XML\"", "src=\"../../../../outside/file/fileM01.XML\""));
+
+    auto sentinelsIntact = [&] {
+        EXPECT_EQ(readFile(outside + "/file/fileM01.XML"), "sentinel 1");
+        EXPECT_EQ(readFile(outside + "/linked/linkedM01.XML"), "sentinel 2");
+        EXPECT_EQ(readFile(absolute + "/fileM01.XML"), "sentinel 3");
+        EXPECT_EQ(QDir(outside).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                  QStringList({"file", "linked"}));
+        EXPECT_EQ(QDir(outside + "/file").entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                  QStringList{"fileM01.XML"});
+    };
+
+    cwtest::MessageRecorder messages;
+    // A listed folder: the hostile materials are unusable clips, never files outside.
+    QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
+    sentinelsIntact();
+    EXPECT_EQ(takes.size(), 3 + 3) << "the card's three takes and the three outside entries, unusable";
+    for (const DOTakeData& t : takes) {
+        if (t.getUmid() == QString(64, 'B') || t.getUmid() == QString(64, 'C') ||
+            t.getUmid() == QString(64, 'D')) {
+            EXPECT_EQ(t.getTakeStatus(), 5);
+            EXPECT_EQ(t.getTakeSize(), 0);
+        }
+    }
+
+    // The rewrite of those records, and a folder read without media profile.
+    ASSERT_TRUE(BLMediaProCtrl().createMediaPro(takes, work));
+    sentinelsIntact();
+    ASSERT_TRUE(QFile::remove(bpav + "/MEDIAPRO.XML"));
+    takes = BLHouseKeepingCtrl().doHouseKeeping(work);
+    sentinelsIntact();
+    EXPECT_TRUE(QFileInfo(bpav + "/CLPR/LINKED").isSymLink()) << "the link itself stays";
+    EXPECT_FALSE(materialUris(work).isEmpty());
+
+    // The same records given straight to the rewrite as clips without essence.
+    DOClipData escaping;
+    escaping.setSMIUri("./../../outside/file/file.SMI");
+    escaping.setMateUpFlg(false);
+    DOClipData throughLink;
+    throughLink.setXMLUri("./CLPR/LINKED/linkedM01.XML");
+    throughLink.setMateUpFlg(false);
+    DOClipData absoluteFolder;
+    absoluteFolder.setXMLUri(absolute + "/fileM01.XML");
+    absoluteFolder.setMateUpFlg(false);
+    ASSERT_TRUE(BLMediaProCtrl().createMediaPro({}, work, {escaping, throughLink, absoluteFolder}));
+    sentinelsIntact();
+
+    // The material counts against the folder limit.
+    BLHouseKeepingCtrl counted;
+    counted.setCLPRMateCount(600);
+    counted.setTAKRMateCount(600);
+    EXPECT_FALSE(BLCommon::isExceedFolderLimitByMaterial(counted));
+    counted.setTAKRMateCount(601);
+    EXPECT_TRUE(BLCommon::isExceedFolderLimitByMaterial(counted));
+}

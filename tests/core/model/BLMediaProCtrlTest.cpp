@@ -1,0 +1,627 @@
+// The media-profile upkeep on generated cards: what the checking side decides
+// for each listed and unlisted clip and take, and what a rewrite writes and
+// deletes.
+#include "core/model/BLMediaProCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/metadata/BLCueupInfoAcss.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/operations/DOClipCtrl.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString k720Codec = QStringLiteral("MPEG2HD18.3CBR_1280_720_MP@HL");
+
+cardgen::Options tinyCard(int clips)
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = clips;
+    options.fast = true;
+    return options;
+}
+
+cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files = {})
+{
+    cardgen::Damage d;
+    d.kind = kind;
+    d.take = take;
+    d.files = files;
+    return d;
+}
+
+QList<DOMaterial> materialsOf(const QString& workFolder)
+{
+    BLMediaProfileAcss mediaPro;
+    if (!mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        return {};
+    return mediaPro.getMaterialData(QString(), 0);
+}
+
+QStringList materialUris(const QString& workFolder)
+{
+    QStringList uris;
+    for (const DOMaterial& material : materialsOf(workFolder))
+        uris << material.getUri();
+    return uris;
+}
+
+const DOMaterial* findMaterial(const QList<DOMaterial>& materials, const QString& uri)
+{
+    for (const DOMaterial& material : materials) {
+        if (material.getUri() == uri)
+            return &material;
+    }
+    return nullptr;
+}
+
+// The root's "version" attribute, read without the XML layer.
+QString versionOf(const QString& workFolder)
+{
+    QFile file(BLCommon::getPathOfBPAV(workFolder) + "/MEDIAPRO.XML");
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    QXmlStreamReader reader(&file);
+    while (reader.readNextStartElement())
+        return reader.attributes().value("version").toString();
+    return QString();
+}
+
+DOAttached attachedOf(const QString& workFolder)
+{
+    BLMediaProfileAcss mediaPro;
+    DOAttached attached;
+    if (mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        mediaPro.getAttachedData(attached);
+    return attached;
+}
+
+void writeFile(const QString& path, const QByteArray& data = "x")
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(data);
+}
+
+// Runs the event loop until the queued notifications are delivered (a second at most).
+void deliverPending()
+{
+    for (int i = 0; i < 100 && SCNotificationCenter::defaultCenter()->pendingCount() > 0; ++i)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    QCoreApplication::processEvents();
+}
+
+const DOClipData* clipWithUmid(const QList<DOClipData>& clips, const QString& umid)
+{
+    for (const DOClipData& clip : clips) {
+        if (clip.getUmid() == umid)
+            return &clip;
+    }
+    return nullptr;
+}
+
+// A single-clip take of a generated clip, as the loaders make it.
+DOTakeData singleTake(const cardgen::ManifestTake& planned, int status = 0)
+{
+    const QString name = planned.clips.front().name;
+    const QString folder = "./CLPR/" + name + "/" + name;
+    DOTakeData take;
+    take.setSingleClipFlag(true);
+    take.setUmid(planned.umid);
+    take.setSMIUri(folder + ".SMI");
+    take.setXMLUri(folder + "M01.XML");
+    take.setBIMUri(folder + "R01.BIM");
+    take.setPPNUri(folder + "I01.PPN");
+    take.setMP4Uri(folder + ".MP4");
+    take.setVideoCodec(planned.videoFormat);
+    take.setFormatFps(planned.frameRate);
+    take.setCurrentDuration(planned.frames);
+    take.setTakeStatus(status);
+    return take;
+}
+
+// A multi-clip take of generated clips with its clip records.
+DOTakeData multiTake(const cardgen::ManifestTake& planned, int status = 0)
+{
+    DOTakeData take;
+    take.setUmid(planned.umid);
+    take.setSMIUri("./TAKR/" + planned.takeId + "/" + planned.takeId + ".SMI");
+    take.setXMLUri("./TAKR/" + planned.takeId + "/" + planned.takeId + "M01.XML");
+    take.setTakeStatus(status);
+    for (const cardgen::ManifestClip& planClip : planned.clips) {
+        const QString folder = "./CLPR/" + planClip.name + "/" + planClip.name;
+        DOClipData clip;
+        clip.setUmid(planClip.umid);
+        clip.setSMIUri(folder + ".SMI");
+        clip.setXMLUri(folder + "M01.XML");
+        clip.setBIMUri(folder + "R01.BIM");
+        clip.setPPNUri(folder + "I01.PPN");
+        clip.setMP4Uri(folder + ".MP4");
+        clip.setCurrentDuration(planClip.frames);
+        take.setClipUmid(planClip.umid);
+        take.setClipData(clip);
+    }
+    return take;
+}
+
+class MediaProCtrlTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    }
+
+    QStringList logLines()
+    {
+        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            lines << line.section(' ', 2); // "PPPP:message"
+        return lines;
+    }
+};
+
+} // namespace
+
+TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileMisses)
+{
+    using Kind = cardgen::Damage::Kind;
+    cardgen::Options options = tinyCard(7);
+    options.multiClipTakes = {2};
+    options.damages = {damage(Kind::Missing, 1, {"BIM"}),
+                       damage(Kind::Unlisted, 2),
+                       damage(Kind::NoFtyp, 3),
+                       damage(Kind::Hidden, 4),
+                       damage(Kind::Loose, 5),
+                       damage(Kind::Missing, 6, {"SMI", "BIM", "PPN"}),
+                       damage(Kind::Unlisted, 7)};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const auto& takesPlanned = card.manifest().takes;
+    const QString work = card.workFolder();
+
+    // The camera lists a loose file by its essence alone; an unlisted clip
+    // folder loses its metadata, so that it is unusable and not picked up.
+    {
+        BLMediaProfileAcss mediaPro;
+        ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+        DOMaterial loose;
+        loose.setUri("./CLPR/ABC0005.MP4");
+        loose.setType("MP4");
+        ASSERT_EQ(mediaPro.setMaterialData({loose}), 0);
+        ASSERT_TRUE(mediaPro.save("0123"));
+    }
+    ASSERT_TRUE(QFile::remove(card.bpav() + "/CLPR/ABC0007/ABC0007M01.XML"));
+
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+    BLHouseKeepingCtrl houseKeeping;
+    QList<DOTakeData> takes;
+    QList<DOClipData> clips;
+    BLMediaProCtrl ctrl;
+    EXPECT_TRUE(ctrl.checkMediaProMeta(mediaPro, takes, work, clips, houseKeeping))
+        << "an unlisted folder was added";
+
+    const int listedClips = int(std::count_if(takesPlanned.begin(), takesPlanned.end(),
+                                              [](const auto& t) { return t.kind == "single" && t.listed; })) +
+                            2 /* the multi-clip take's clips */ + 1 /* the camera's loose entry */;
+    EXPECT_EQ(houseKeeping.getCLPRMateCount(), listedClips);
+    EXPECT_EQ(houseKeeping.getTAKRMateCount(), 1);
+
+    auto umidOf = [&](int single) { return takesPlanned[single - 1].umid; };
+    const DOClipData* noBim = clipWithUmid(clips, umidOf(1));
+    ASSERT_NE(noBim, nullptr);
+    EXPECT_EQ(noBim->getClipStatus(), 5);
+    EXPECT_EQ(noBim->getSize(), 0);
+    EXPECT_FALSE(noBim->getRealFlag());
+    EXPECT_TRUE(noBim->getMateUpFlg()) << "its essence is there";
+
+    const DOClipData* rejected = clipWithUmid(clips, umidOf(3));
+    ASSERT_NE(rejected, nullptr);
+    EXPECT_EQ(rejected->getClipStatus(), 5);
+    EXPECT_EQ(rejected->getCurrentDuration(), 0);
+
+    const DOClipData* mp4Only = clipWithUmid(clips, umidOf(6));
+    ASSERT_NE(mp4Only, nullptr);
+    EXPECT_EQ(mp4Only->getClipStatus(), 3);
+    EXPECT_TRUE(mp4Only->getRealFlag());
+    EXPECT_GT(mp4Only->getSize(), 0);
+    EXPECT_EQ(mp4Only->getCurrentDuration(), 6) << "from the material";
+    EXPECT_EQ(mp4Only->getFormatFps(), "29.97p");
+
+    // The unlisted complete clip is picked up from its folder; the unlisted
+    // incomplete one and the hidden one are not.
+    auto inFolder = [&](const QString& name) {
+        return std::count_if(clips.begin(), clips.end(), [&](const DOClipData& c) {
+            return c.getXMLUri().contains("/" + name + "/") || c.getMP4Uri().contains("/" + name);
+        });
+    };
+    EXPECT_EQ(inFolder("ABC0002"), 1);
+    EXPECT_EQ(inFolder("ABC0007"), 0);
+    EXPECT_EQ(inFolder(".ABC0004"), 0);
+    EXPECT_EQ(inFolder("ABC0004"), 0);
+
+    // The loose file: once, as status 4 with a new UMID; the camera's entry is logged and left out.
+    ASSERT_EQ(inFolder("ABC0005.MP4"), 1);
+    const auto loose = std::find_if(clips.begin(), clips.end(), [](const DOClipData& c) {
+        return c.getMP4Uri() == "./CLPR/ABC0005.MP4";
+    });
+    EXPECT_EQ(loose->getClipStatus(), 4);
+    EXPECT_FALSE(loose->getRealFlag());
+    EXPECT_EQ(loose->getUmid().size(), 64);
+    EXPECT_EQ(loose->getSize(), QFileInfo(card.bpav() + "/CLPR/ABC0005.MP4").size());
+    EXPECT_TRUE(logLines().contains("0000:[BLMediaProCtrl isCLPR] Camcoder HouseKeeping clip"));
+    EXPECT_TRUE(logLines().contains("0000:strUmid:" + loose->getUmid()));
+
+    // The multi-clip take and its two complete clips.
+    const auto& multi = takesPlanned.back();
+    ASSERT_EQ(multi.kind, "multi");
+    ASSERT_EQ(takes.size(), 1);
+    EXPECT_EQ(takes[0].getUmid(), multi.umid);
+    EXPECT_EQ(takes[0].getClipUmid(), QStringList({multi.clips[0].umid, multi.clips[1].umid}));
+    EXPECT_EQ(takes[0].getTakeStatus(), 0);
+    EXPECT_EQ(takes[0].getXMLUri(), "./TAKR/" + multi.takeId + "/" + multi.takeId + "M01.XML");
+    EXPECT_GT(takes[0].getSize(), 0);
+    EXPECT_EQ(takes[0].getTakeComponents().size(), 2);
+    for (const cardgen::ManifestClip& planned : multi.clips) {
+        const DOClipData* clip = clipWithUmid(clips, planned.umid);
+        ASSERT_NE(clip, nullptr);
+        EXPECT_EQ(clip->getClipStatus(), 0);
+        EXPECT_TRUE(clip->getRealFlag());
+        EXPECT_EQ(clip->getCurrentDuration(), planned.frames);
+        EXPECT_EQ(clip->getVideoCodec(), multi.videoFormat) << "from the essence component";
+    }
+
+    // Once housekeeping has repaired the profile, a check finds nothing to add.
+    BLHouseKeepingCtrl().doHouseKeeping(work);
+    BLMediaProfileAcss again;
+    ASSERT_TRUE(again.loadForFolderPath(card.bpav()));
+    QList<DOTakeData> takes2;
+    QList<DOClipData> clips2;
+    EXPECT_FALSE(ctrl.checkMediaProMeta(again, takes2, work, clips2, houseKeeping));
+    EXPECT_EQ(clips2.size(), clips.size());
+}
+
+TEST_F(MediaProCtrlTest, ACancelledCheckStopsWithNo)
+{
+    cwtest::CardFolder card(tinyCard(2));
+    ASSERT_TRUE(card.ok());
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+    BLHouseKeepingCtrl houseKeeping;
+    houseKeeping.setCancel();
+    QList<DOTakeData> takes;
+    QList<DOClipData> clips;
+    EXPECT_FALSE(BLMediaProCtrl().checkMediaProMeta(mediaPro, takes, card.workFolder(), clips, houseKeeping));
+    EXPECT_TRUE(clips.isEmpty());
+    EXPECT_TRUE(logLines().contains(
+        "0700:[BLMediaProCtrl checkMediaProMeta]    MediaPro.xml Read Error of isCLPR : " +
+        card.workFolder()));
+}
+
+TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
+{
+    cardgen::Options options = tinyCard(3);
+    options.multiClipTakes = {2, 2};
+    options.mediaName = "Interview";
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const auto& planned = card.manifest().takes;
+    const QString work = card.workFolder();
+    const DOAttached before = attachedOf(work);
+
+    DOTakeData complete = singleTake(planned[0]);
+    DOTakeData mp4Only = singleTake(planned[1], 3);
+    mp4Only.setSMIUri("./CLPR/ABC0002");
+    mp4Only.setAudioCodec("LPCM16");
+    DOTakeData loose;
+    loose.setUmid(QString(64, 'A'));
+    loose.setMP4Uri("./CLPR/ABC0003.MP4");
+    loose.setTakeStatus(4);
+    DOTakeData good = multiTake(planned[3]);
+    DOTakeData broken = multiTake(planned[4], 5);
+    const QList<DOTakeData> takes{complete, mp4Only, loose, good, broken};
+
+    BLMediaProCtrl ctrl;
+    ASSERT_TRUE(ctrl.createMediaPro(takes, work));
+    const QList<DOMaterial> materials = materialsOf(work);
+    QStringList expected{complete.getSMIUri(), mp4Only.getMP4Uri()};
+    for (const DOTakeData& take : {good, broken}) {
+        for (const DOClipData& clip : take.getClipData())
+            expected << clip.getSMIUri();
+    }
+    expected << good.getSMIUri();
+    EXPECT_EQ(materialUris(work), expected) << "no material for the loose file or the unusable take";
+    EXPECT_EQ(versionOf(work), "1.10");
+
+    const DOMaterial* clipMaterial = findMaterial(materials, complete.getSMIUri());
+    ASSERT_NE(clipMaterial, nullptr);
+    EXPECT_EQ(clipMaterial->getType(), "PD-EDL");
+    EXPECT_EQ(clipMaterial->getUmid(), complete.getUmid());
+    EXPECT_EQ(clipMaterial->getDur(), "6");
+    ASSERT_EQ(clipMaterial->getComponent().size(), 1);
+    EXPECT_EQ(clipMaterial->getComponent()[0].getUri(), complete.getMP4Uri());
+    EXPECT_EQ(clipMaterial->getComponent()[0].getType(), "MP4");
+    EXPECT_EQ(clipMaterial->getComponent()[0].getVideoType(), complete.getVideoCodec());
+    ASSERT_EQ(clipMaterial->getRelevantInfo().size(), 3);
+    EXPECT_EQ(clipMaterial->getRelevantInfo()[0].getType(), "XML");
+    EXPECT_EQ(clipMaterial->getRelevantInfo()[1].getType(), "BiM");
+    EXPECT_EQ(clipMaterial->getRelevantInfo()[2].getUri(), complete.getPPNUri());
+
+    const DOMaterial* mp4Material = findMaterial(materials, mp4Only.getMP4Uri());
+    ASSERT_NE(mp4Material, nullptr);
+    EXPECT_EQ(mp4Material->getType(), "MP4");
+    EXPECT_EQ(mp4Material->getAudioType(), "LPCM16");
+    EXPECT_TRUE(mp4Material->getComponent().isEmpty());
+    ASSERT_EQ(mp4Material->getRelevantInfo().size(), 1);
+    EXPECT_EQ(mp4Material->getRelevantInfo()[0].getUri(), mp4Only.getXMLUri());
+
+    const DOMaterial* takeMaterial = findMaterial(materials, good.getSMIUri());
+    ASSERT_NE(takeMaterial, nullptr);
+    ASSERT_EQ(takeMaterial->getComponent().size(), 2);
+    EXPECT_EQ(takeMaterial->getComponent()[1].getUmid(), good.getClipUmid(1));
+    EXPECT_EQ(takeMaterial->getComponent()[1].getType(), "PD-EDL");
+    ASSERT_EQ(takeMaterial->getRelevantInfo().size(), 1);
+    EXPECT_EQ(takeMaterial->getRelevantInfo()[0].getUri(), good.getXMLUri());
+
+    const DOAttached after = attachedOf(work);
+    EXPECT_EQ(after.getMediaId(), before.getMediaId());
+    EXPECT_EQ(after.getMediaName(), "Interview");
+
+    // A 720-line take anywhere in the list gives version 1.20; it goes when the take goes.
+    DOTakeData hd720 = complete;
+    hd720.setVideoCodec(k720Codec);
+    ASSERT_TRUE(ctrl.createMediaPro({hd720, good}, work));
+    EXPECT_EQ(versionOf(work), "1.20");
+    ASSERT_TRUE(ctrl.createMediaPro({complete, good}, work));
+    EXPECT_EQ(versionOf(work), "1.10");
+
+    // A take with components keeps them, less its own entry.
+    DOTakeData withComponents = good;
+    DOComponent own = ctrl.createTakeComponentData("./TAKR/x.SMI", good.getUmid().toLower());
+    withComponents.setTakeComponents({own, ctrl.createComponent(multiTake(planned[4]), "MEDIA2")});
+    const DOMaterial fromComponents = ctrl.createMaterialData(withComponents);
+    ASSERT_EQ(fromComponents.getComponent().size(), 1);
+    EXPECT_EQ(fromComponents.getComponent()[0].getUri(),
+              "file:///TAKR/" + planned[4].takeId + "/" + planned[4].takeId + ".SMI")
+        << "the component of a take on another medium";
+    EXPECT_EQ(fromComponents.getComponent()[0].getMediaId(), "MEDIA2");
+    EXPECT_TRUE(ctrl.checkComponent(withComponents.getTakeComponents(), good.getUmid()));
+    EXPECT_FALSE(ctrl.checkComponent(withComponents.getTakeComponents(), complete.getUmid()));
+    withComponents.setTakeComponents({own});
+    EXPECT_TRUE(ctrl.createMaterialData(withComponents).getRelevantInfo().isEmpty())
+        << "nothing but its own entry: no relevant info";
+}
+
+TEST_F(MediaProCtrlTest, RewriteDeletesTheFolderOfAClipWithoutEssenceOnlyInsideClpr)
+{
+    cwtest::CardFolder card(tinyCard(2));
+    ASSERT_TRUE(card.ok());
+    const QString work = card.workFolder();
+    const QString clpr = card.bpav() + "/CLPR";
+    const auto& planned = card.manifest().takes;
+
+    // ABC0001 lost its essence; a folder of metadata only; a folder that
+    // still holds an MP4 under another name; a take folder.
+    ASSERT_TRUE(QFile::remove(clpr + "/ABC0001/ABC0001.MP4"));
+    writeFile(clpr + "/ABC0099/ABC0099M01.XML");
+    writeFile(clpr + "/ABC0098/ABC0098M01.XML");
+    writeFile(clpr + "/ABC0098/OTHER.mp4");
+    writeFile(card.bpav() + "/TAKR/T0001/T0001M01.XML");
+
+    auto withoutEssence = [](const QString& xml) {
+        DOClipData clip;
+        clip.setXMLUri(xml);
+        clip.setMateUpFlg(false);
+        clip.setClipStatus(5);
+        return clip;
+    };
+    DOClipData lost = withoutEssence("./CLPR/ABC0001/ABC0001M01.XML");
+    lost.setSMIUri("./CLPR/ABC0001/ABC0001.SMI");
+    const QList<DOClipData> clips{lost, withoutEssence("./CLPR/ABC0099/ABC0099M01.XML"),
+                                  withoutEssence("./CLPR/ABC0098/ABC0098M01.XML"),
+                                  withoutEssence("./TAKR/T0001/T0001M01.XML"), withoutEssence("./CLPR")};
+    DOTakeData kept = singleTake(planned[1]);
+    QList<DOClipData> all = clips;
+    DOClipData keptClip;
+    keptClip.setUmid(kept.getUmid());
+    keptClip.setSMIUri(kept.getSMIUri());
+    keptClip.setXMLUri(kept.getXMLUri());
+    keptClip.setMP4Uri(kept.getMP4Uri());
+    all << keptClip;
+
+    ASSERT_TRUE(BLMediaProCtrl().createMediaPro({kept}, work, all));
+    EXPECT_FALSE(QFileInfo::exists(clpr + "/ABC0001"));
+    EXPECT_FALSE(QFileInfo::exists(clpr + "/ABC0099"));
+    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0098/OTHER.mp4")) << "a folder with essence is never deleted";
+    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/TAKR/T0001")) << "only clip folders in CLPR";
+    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0002/ABC0002.MP4"));
+    EXPECT_EQ(materialUris(work), QStringList{keptClip.getSMIUri()});
+
+    // Without a media profile nothing is written and nothing deleted.
+    ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
+    writeFile(clpr + "/ABC0097/ABC0097M01.XML");
+    EXPECT_FALSE(
+        BLMediaProCtrl().createMediaPro({}, work, {withoutEssence("./CLPR/ABC0097/ABC0097M01.XML")}));
+    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0097"));
+    EXPECT_FALSE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+}
+
+TEST_F(MediaProCtrlTest, IndexFilesAreCreatedWhenMissing)
+{
+    QTemporaryDir dir;
+    const QString work = dir.filePath("work");
+    ASSERT_TRUE(QDir().mkpath(work + "/BPAV"));
+    BLMediaProCtrl ctrl;
+
+    BLMediaProfileAcss mediaPro;
+    EXPECT_EQ(ctrl.isMediaPro(mediaPro, work), 1);
+    const DOAttached attached = attachedOf(work);
+    EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(attached.getMediaId()).hasMatch())
+        << attached.getMediaId().toStdString();
+    EXPECT_TRUE(materialsOf(work).isEmpty());
+    BLMediaProfileAcss again;
+    EXPECT_EQ(ctrl.isMediaPro(again, work), 0);
+    EXPECT_EQ(attachedOf(work).getMediaId(), attached.getMediaId());
+
+    EXPECT_TRUE(ctrl.isCueUp(work));
+    BLCueupInfoAcss cueUp;
+    EXPECT_TRUE(cueUp.loadForFolderPath(work + "/BPAV"));
+    EXPECT_TRUE(ctrl.isCueUp(work));
+
+    // A folder that cannot be written gets neither.
+    QFile::setPermissions(dir.path(), QFile::Permissions(0x7777)); // reachable for "nobody"
+    const QString locked = dir.filePath("locked");
+    ASSERT_TRUE(QDir().mkpath(locked + "/BPAV"));
+    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x5555));
+    {
+        cwtest::AsOrdinaryUser nobody;
+        BLMediaProfileAcss refused;
+        EXPECT_EQ(ctrl.isMediaPro(refused, locked), 2);
+        EXPECT_FALSE(ctrl.isCueUp(locked));
+    }
+    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x7777));
+    EXPECT_FALSE(QFileInfo::exists(locked + "/BPAV/MEDIAPRO.XML"));
+}
+
+TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMediaName)
+{
+    cardgen::Options options = tinyCard(2);
+    options.mediaName = "Field Day";
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok());
+    const auto& planned = card.manifest().takes;
+    QTemporaryDir dir;
+    const QString destination = dir.filePath("dest");
+    ASSERT_TRUE(QDir().mkpath(destination + "/BPAV/CLPR"));
+    for (const auto& take : planned)
+        ASSERT_TRUE(BLCommon::copyFile(card.path(take.clips.front().folder),
+                                       destination + "/BPAV/CLPR/" + take.clips.front().name));
+
+    QList<QVariantMap> announced;
+    const int token = SCNotificationCenter::defaultCenter()->addObserver(
+        this, SC::SCMediaNameDidChangeNotification,
+        [&](const SCNotification& n) { announced << n.userInfo; });
+    DOTakeData later = singleTake(planned[0]);
+    later.setCreationDate("2020-01-02T00:00:00Z");
+    DOTakeData earlier = singleTake(planned[1]);
+    earlier.setCreationDate("2020-01-01T00:00:00Z");
+    BLMediaProCtrl ctrl;
+    ASSERT_TRUE(ctrl.createCopyMediaPro(destination, {later, earlier}, card.workFolder(), QString()));
+    deliverPending();
+
+    EXPECT_EQ(attachedOf(destination).getMediaName(), "Field Day");
+    EXPECT_NE(attachedOf(destination).getMediaId(), attachedOf(card.workFolder()).getMediaId());
+    EXPECT_EQ(materialUris(destination), QStringList({earlier.getSMIUri(), later.getSMIUri()}))
+        << "sorted by creation date";
+    ASSERT_EQ(announced.size(), 1);
+    EXPECT_EQ(announced[0].value(SC::SCSelectFolderKey).toString(), destination);
+    EXPECT_EQ(announced[0].value(SC::SCMediaNameKey).toString(), "Field Day");
+
+    // Into a folder that has a profile, with a media id: the id is set, nothing announced.
+    const QString mediaId = QString(32, 'C');
+    ASSERT_TRUE(ctrl.createCopyMediaPro(destination, {earlier}, card.workFolder(), mediaId));
+    deliverPending();
+    EXPECT_EQ(attachedOf(destination).getMediaId(), mediaId);
+    EXPECT_EQ(attachedOf(destination).getMediaName(), "Field Day");
+    EXPECT_EQ(announced.size(), 1);
+    SCNotificationCenter::defaultCenter()->removeObserver(token);
+}
+
+TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
+{
+    cardgen::Options options = tinyCard(2);
+    options.multiClipTakes = {2};
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok());
+    const auto& planned = card.manifest().takes;
+    const QString work = card.workFolder();
+    const QStringList before = materialUris(work);
+    ASSERT_EQ(before.size(), 5);
+
+    DOTakeData multi = multiTake(planned[2]);
+    for (int i = 0; i < 2; ++i) {
+        DOClipData clip = multi.getClipData(i);
+        clip.setUmid(clip.getUmid().toLower()); // found ignoring case
+        multi.removeClipData(i);
+        multi.setClipData(clip, i);
+    }
+    DOTakeData unknown;
+    unknown.setUmid(QString(64, 'F'));
+    BLMediaProCtrl ctrl;
+    ASSERT_TRUE(ctrl.deleteMaterial({multi, unknown}, work, false));
+    EXPECT_EQ(materialUris(work), before.mid(0, 2));
+    const QStringList lines = logLines();
+    EXPECT_TRUE(lines.contains("0645:[BLMediaProCtrl deleteMaterial] Start"));
+    EXPECT_TRUE(lines.contains("0645:[BLMediaProCtrl deleteMaterial] End"));
+
+    // The folder keeps a 720-line take: the version follows.
+    DOTakeData first = singleTake(planned[0]);
+    ASSERT_TRUE(ctrl.deleteMaterial({first}, work, true));
+    EXPECT_EQ(materialUris(work), before.mid(1, 1));
+    EXPECT_EQ(versionOf(work), "1.20");
+
+    DOMaterial other = materialsOf(work).first();
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+    EXPECT_FALSE(ctrl.deleteMaterial(mediaPro, other, QString(64, 'F')))
+        << "only the material with that UMID";
+
+    ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
+    EXPECT_FALSE(ctrl.deleteMaterial({first}, work, false));
+    EXPECT_TRUE(
+        logLines().contains("0645:[BLMediaProCtrl deleteMaterial]    MediaPro.xml Read Error :" + work));
+}
+
+TEST_F(MediaProCtrlTest, CueUpLosesItsEntryOnlyWhenItNamesADeletedClip)
+{
+    cwtest::CardFolder card(tinyCard(2));
+    ASSERT_TRUE(card.ok());
+    const QString cueUpPath = card.bpav() + "/CUEUP.XML";
+    BLCueupInfoAcss cueUp;
+    DOClip entry;
+    ASSERT_TRUE(cueUp.loadForFolderPath(card.bpav()) && cueUp.getClipData(entry));
+    ASSERT_EQ(entry.getUmid(), card.manifest().takes.back().umid) << "the generator names the last clip";
+
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(QFileInfo(card.workFolder()).path());
+    clipCtrl.setCopyFromFolderName(QFileInfo(card.workFolder()).fileName());
+    clipCtrl.addDelUmid(card.manifest().takes.front().umid);
+    QFile file(cueUpPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    BLMediaProCtrl ctrl;
+    EXPECT_TRUE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before) << "another clip was deleted: the file is untouched";
+    file.close();
+
+    clipCtrl.addDelUmid(entry.getUmid().toLower());
+    EXPECT_TRUE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    BLCueupInfoAcss after;
+    DOClip left;
+    ASSERT_TRUE(after.loadForFolderPath(card.bpav()) && after.getClipData(left));
+    EXPECT_TRUE(left.getUri().isEmpty()) << left.getUri().toStdString();
+
+    ASSERT_TRUE(QFile::remove(cueUpPath));
+    EXPECT_FALSE(ctrl.updateCueUpByClipDelete(clipCtrl));
+    EXPECT_FALSE(QFileInfo::exists(cueUpPath));
+}

@@ -1,0 +1,533 @@
+#include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/model/BLTreeViewCtrl.h"
+#include "core/model/BLVolumeWatcher.h"
+#include "core/model/DOTakeData.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/CardFolder.h"
+#include "support/FakeTreePane.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QItemSelectionModel>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void makeFolders(const QString& root, const QStringList& relatives)
+{
+    for (const QString& relative : relatives)
+        ASSERT_TRUE(QDir().mkpath(QDir(root).filePath(relative))) << relative.toStdString();
+}
+
+QStringList displayNames(const BLTreeViewCtrl& tree)
+{
+    QStringList names;
+    for (int row = 0; row < tree.rowCount(); ++row)
+        names << tree.data(tree.index(row)).toString();
+    return names;
+}
+
+void post(const QString& name, const QVariantMap& userInfo)
+{
+    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name, userInfo);
+}
+
+class TreeViewCtrlTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+        ASSERT_TRUE(m_dir.isValid());
+        m_work = m_dir.filePath("work");
+        m_pane.workFolder = m_work;
+        m_pane.attach(m_tree);
+    }
+
+    // Log lines as "PPPP:message".
+    QStringList logLines() const
+    {
+        QFile log(BLLogCtrl::sharedCtrl()->logFilePath());
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            lines << line.mid(20); // drop "YYYY/MM/DD hh:mm:ss "
+        return lines;
+    }
+
+    QString path(const QString& name) const { return QDir(m_work).filePath(name); }
+
+    QTemporaryDir m_dir;
+    QString m_work;
+    cwtest::FakeTreePane m_pane;
+    BLTreeViewCtrl m_tree{m_pane, &m_pane};
+};
+
+TEST_F(TreeViewCtrlTest, AWorkFolderHoldingOnlyBPAVShowsJustItself)
+{
+    cwtest::CardFolder card;
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    m_pane.workFolder = card.workFolder();
+    m_tree.updateData(false);
+
+    ASSERT_EQ(m_tree.rowCount(), 1);
+    EXPECT_EQ(m_tree.datas().at(0).getRelativePath(), "/");
+    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
+    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::IndentRole).toInt(), 0);
+    EXPECT_EQ(m_pane.selectFolder, card.workFolder()); // row 0 is handed to the pane
+
+    const QStringList lines = logLines();
+    const int start = int(lines.indexOf("0632:[BLTreeViewCtrl updateData](Main) Start"));
+    ASSERT_GE(start, 0);
+    EXPECT_EQ(
+        lines.mid(start, 6),
+        (QStringList{"0632:[BLTreeViewCtrl updateData](Main) Start",
+                     "0632:[BLTreeViewCtrl updateData](Main)    keepSelect:0",
+                     "0632:==================== [BLTreeViewCtrl tableViewSelectionDidChange](Main) Start "
+                     "====================",
+                     "0632:[BLTreeViewCtrl tableViewSelectionDidChange](Main)    selectFolder:" +
+                         card.workFolder(),
+                     "0632:==================== [BLTreeViewCtrl tableViewSelectionDidChange](Main) End "
+                     "====================",
+                     "0632:[BLTreeViewCtrl updateData](Main) End"}));
+}
+
+TEST_F(TreeViewCtrlTest, FoldersAreListedByNameWithoutHiddenOnesOrFiles)
+{
+    makeFolders(m_work, {"b", "A", "c/BPAV", ".hidden", "BPAV/CLPR"});
+    ASSERT_TRUE(QFile(path("notes.txt")).open(QIODevice::WriteOnly));
+    m_tree.updateData(false);
+
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "A", "b", "c"}));
+    EXPECT_EQ(m_tree.fullPathOfRow(0), m_work);
+    EXPECT_EQ(m_tree.fullPathOfRow(2), path("b"));
+    EXPECT_EQ(m_tree.fullPathOfRow(4), "");
+    EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::FullPathRole).toString(), path("b"));
+    EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::IndentRole).toInt(), 1);
+    EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::ImageRole).toString(), "folder");
+    EXPECT_EQ(m_tree.searchIndexByFolderPath(path("c/")), 3);
+    EXPECT_EQ(m_tree.searchIndexByFolderPath(path("BPAV")), -1);
+    EXPECT_EQ(m_tree.searchIndexByFolderPath(""), -1);
+
+    // A missing work folder still shows its own row.
+    m_pane.workFolder = path("gone");
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"gone"});
+}
+
+TEST_F(TreeViewCtrlTest, ThePrivateFolderOfACardIsShownOnlyWhenItHoldsSomethingElse)
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.layout = "PRIVATE/ORX/BPAV";
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString root = card.workFolder();
+    m_pane.workFolder = root;
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
+
+    makeFolders(root, {"PRIVATE/.cache", "PRIVATE/ORX/.trash"}); // hidden folders do not count
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
+
+    makeFolders(root, {"PRIVATE/ORX/EXTRA"});
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
+
+    ASSERT_TRUE(QDir(root + "/PRIVATE/ORX/EXTRA").removeRecursively());
+    makeFolders(root, {"PRIVATE/AVCHD"});
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
+
+    // With a BPAV folder at the top the material is there: PRIVATE is an ordinary folder.
+    ASSERT_TRUE(QDir(root + "/PRIVATE/AVCHD").removeRecursively());
+    makeFolders(root, {"BPAV"});
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
+}
+
+TEST_F(TreeViewCtrlTest, SelectingARowHandsItsFolderToThePane)
+{
+    makeFolders(m_work, {"a", "b"});
+    m_tree.updateData(false);
+    ASSERT_EQ(m_pane.selectionsHandedOver, 1);
+
+    m_tree.selectTreeIndex(2);
+    EXPECT_EQ(m_tree.selectedRow(), 2);
+    EXPECT_EQ(m_pane.selectFolder, path("b"));
+    EXPECT_EQ(m_pane.selectionsHandedOver, 2);
+
+    m_tree.selectTreeIndex(2); // the same row again is handed over again
+    EXPECT_EQ(m_pane.selectionsHandedOver, 3);
+
+    // A selection made in the view goes the same way.
+    m_tree.selectionModel()->setCurrentIndex(m_tree.index(1), QItemSelectionModel::ClearAndSelect);
+    EXPECT_EQ(m_pane.selectFolder, path("a"));
+
+    m_tree.selectTreeIndex(-1);
+    EXPECT_EQ(m_tree.selectedRow(), -1);
+    EXPECT_EQ(m_pane.selectFolder, "");
+
+    // A rebuild that keeps the selection finds the folder at its new row
+    // without handing it over again.
+    m_tree.selectTreeIndex(2);
+    makeFolders(m_work, {"a0"});
+    const int handed = m_pane.selectionsHandedOver;
+    m_tree.updateData(true);
+    EXPECT_EQ(m_tree.selectedRow(), 3);
+    EXPECT_EQ(m_pane.selectionsHandedOver, handed);
+    EXPECT_EQ(m_pane.selectFolder, path("b"));
+}
+
+TEST_F(TreeViewCtrlTest, ADoubleClickDescendsIntoTheSelectedFolder)
+{
+    makeFolders(m_work, {"a/inner", "b"});
+    m_tree.updateData(false);
+    m_tree.selectTreeIndex(1);
+
+    m_tree.doubleClickSelecttion();
+    EXPECT_EQ(m_pane.workFolder, path("a"));
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"a", "inner"}));
+    EXPECT_EQ(m_tree.selectedRow(), 0); // the new work folder, which was the selected folder
+    EXPECT_EQ(m_pane.selectFolder, path("a"));
+
+    // A folder that vanished is reported, not entered.
+    m_tree.selectTreeIndex(1);
+    ASSERT_TRUE(QDir(path("a/inner")).removeRecursively());
+    m_tree.doubleClickSelecttion();
+    EXPECT_EQ(m_pane.workFolder, path("a"));
+    EXPECT_EQ(m_pane.notFound, 1);
+}
+
+TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
+{
+    makeFolders(m_work, {"a", "b", "c"});
+    m_tree.updateData(false);
+    m_tree.selectTreeIndex(1); // "a"
+
+    // A folder made elsewhere appears after its notification; the selection stays.
+    makeFolders(m_work, {"0new", "elsewhere/x"});
+    EXPECT_EQ(m_tree.rowCount(), 4);
+    post(SC::SCNewFolderDidMakeNotification, {{SC::SCParentPathKey, path("elsewhere")}});
+    EXPECT_EQ(m_tree.rowCount(), 4);
+    post(SC::SCNewFolderDidMakeNotification, {{SC::SCParentPathKey, m_work}});
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0new", "a", "b", "c", "elsewhere"}));
+    EXPECT_EQ(m_tree.selectedRow(), 2);
+    EXPECT_EQ(m_pane.selectFolder, path("a"));
+
+    // Renaming a sibling keeps the selection.
+    const int handed = m_pane.selectionsHandedOver;
+    ASSERT_TRUE(QDir().rename(path("b"), path("0b")));
+    post(SC::SCFolderNameDidChangeNotification, {{SC::SCSourcePathKey, path("b")},
+                                                 {SC::SCDestinationPathKey, path("0b")},
+                                                 {SC::SCParentPathKey, m_work}});
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new", "a", "c", "elsewhere"}));
+    EXPECT_EQ(m_tree.selectedRow(), 3);
+    EXPECT_EQ(m_pane.selectFolder, path("a"));
+    EXPECT_EQ(m_pane.selectionsHandedOver, handed);
+
+    // Renaming the selected folder: the pane follows it and so does the list.
+    ASSERT_TRUE(QDir().rename(path("a"), path("z")));
+    post(SC::SCFolderNameDidChangeNotification, {{SC::SCSourcePathKey, path("a")},
+                                                 {SC::SCDestinationPathKey, path("z")},
+                                                 {SC::SCParentPathKey, m_work}});
+    EXPECT_EQ(m_pane.selectFolder, path("z"));
+    EXPECT_EQ(m_tree.fullPathOfRow(m_tree.selectedRow()), path("z"));
+
+    // Deleting a sibling keeps the selection; deleting the selected folder selects row 0.
+    ASSERT_TRUE(QDir(path("c")).removeRecursively());
+    post(SC::SCFolderDidDeleteNotification, {{SC::SCDeletePathKey, path("c")}});
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new", "elsewhere", "z"}));
+    EXPECT_EQ(m_pane.selectFolder, path("z"));
+
+    ASSERT_TRUE(QDir(path("z")).removeRecursively());
+    post(SC::SCFolderDidDeleteNotification, {{SC::SCDeletePathKey, path("z")}});
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new", "elsewhere"}));
+    EXPECT_EQ(m_tree.selectedRow(), 0);
+    EXPECT_EQ(m_pane.selectFolder, m_work);
+
+    // Deleting the work folder moves the pane up one level.
+    m_pane.setWorkFolder(path("elsewhere"), true);
+    ASSERT_EQ(displayNames(m_tree), (QStringList{"elsewhere", "x"}));
+    ASSERT_TRUE(QDir(path("elsewhere")).removeRecursively());
+    post(SC::SCFolderDidDeleteNotification, {{SC::SCDeletePathKey, path("elsewhere")}});
+    EXPECT_EQ(m_pane.workFolder, m_work);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new"}));
+
+    const QStringList lines = logLines();
+    for (const char* handler : {"newFolderDidMakeNotification", "folderNameDidChangeNotification",
+                                "folderDidDeleteNotification", "workFolderDidChangeNotification"}) {
+        EXPECT_TRUE(lines.contains(QString("0632:[BLTreeViewCtrl %1](Main) Start").arg(handler))) << handler;
+        EXPECT_TRUE(lines.contains(QString("0632:[BLTreeViewCtrl %1](Main) End").arg(handler))) << handler;
+    }
+}
+
+TEST_F(TreeViewCtrlTest, OnlyTheOwnPanesWorkFolderChangeRebuilds)
+{
+    makeFolders(m_work, {"a"});
+    m_tree.updateData(false);
+    makeFolders(m_work, {"b"});
+
+    int otherPane = 0;
+    BLCommon::sharedCtrl()->sendNotificationNow(&otherPane, SC::SCWorkFolderDidChangeNotification,
+                                                {{SC::SCKeepSelectKey, true}});
+    EXPECT_EQ(m_tree.rowCount(), 2);
+
+    m_tree.selectTreeIndex(1);
+    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
+                                                {{SC::SCKeepSelectKey, true}});
+    EXPECT_EQ(m_tree.rowCount(), 3);
+    EXPECT_EQ(m_tree.selectedRow(), 1);
+    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
+                                                {{SC::SCKeepSelectKey, false}});
+    EXPECT_EQ(m_tree.selectedRow(), 0);
+    EXPECT_EQ(m_pane.selectFolder, m_work);
+}
+
+class TreeViewCtrlVolumeTest : public TreeViewCtrlTest
+{
+protected:
+    void SetUp() override
+    {
+        TreeViewCtrlTest::SetUp();
+        m_cardA = m_dir.filePath("mnt/CARD_A");
+        m_cardB = m_dir.filePath("mnt/CARD_B");
+        makeFolders(m_dir.path(), {"mnt/CARD_A/BPAV", "mnt/CARD_A2", "mnt/CARD_B"});
+        m_volumes.addVolume({m_cardB, "vfat", "Zeta", 0, 0});
+        m_volumes.addVolume({m_cardA, "vfat", "Alpha", 0, 0});
+        m_pane.workFolder.clear();
+    }
+
+    cwtest::FakeVolumeProvider m_volumes;
+    QString m_cardA;
+    QString m_cardB;
+};
+
+TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheStartupDiskThenTheVolumes)
+{
+    m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
+    EXPECT_EQ(m_tree.fullPathOfRow(0), "/");
+    EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
+    EXPECT_EQ(m_pane.selectFolder, "/");
+    for (int row = 0; row < 3; ++row)
+        EXPECT_EQ(m_tree.data(m_tree.index(row), BLTreeViewCtrl::IndentRole).toInt(), 0);
+    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
+    EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
+
+    // Double-clicking a volume makes it the work folder.
+    m_tree.selectTreeIndex(2);
+    m_tree.doubleClickSelecttion();
+    EXPECT_EQ(m_pane.workFolder, m_cardB);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"Zeta"});
+    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
+}
+
+TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
+{
+    BLVolumeWatcher watcher;
+    QStringList posted;
+    for (const QString& name : {SC::SCWorkspaceDidMountNotification, SC::SCWorkspaceDidUnmountNotification})
+        SCNotificationCenter::defaultCenter()->addObserver(&posted, name, [&posted](const SCNotification& n) {
+            posted << n.name + " " + n.userInfo.value(SC::NSDevicePath).toString();
+        });
+    m_tree.updateData(false);
+    m_tree.selectTreeIndex(2); // Zeta
+    const QString cardC = m_dir.filePath("mnt/CARD_C");
+    makeFolders(m_dir.path(), {"mnt/CARD_C"});
+
+    m_volumes.addVolume({cardC, "exfat", "Beta", 0, 0});
+    watcher.checkVolumes();
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Beta", "Zeta"}));
+    EXPECT_EQ(m_tree.selectedRow(), 3);
+    EXPECT_EQ(m_pane.selectFolder, m_cardB);
+
+    m_volumes.removeVolume(m_cardA);
+    watcher.checkVolumes();
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Beta", "Zeta"}));
+    EXPECT_EQ(m_pane.selectFolder, m_cardB);
+
+    // The selected volume goes: the start-up disk is selected.
+    m_volumes.removeVolume(m_cardB);
+    watcher.checkVolumes();
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Beta"}));
+    EXPECT_EQ(m_tree.selectedRow(), 0);
+    EXPECT_EQ(m_pane.selectFolder, "/");
+
+    watcher.checkVolumes(); // nothing changed: nothing posted
+    SCNotificationCenter::defaultCenter()->removeObserver(&posted);
+    EXPECT_EQ(posted, (QStringList{"SCWorkspaceDidMountNotification " + cardC,
+                                   "SCWorkspaceDidUnmountNotification " + m_cardA,
+                                   "SCWorkspaceDidUnmountNotification " + m_cardB}));
+
+    const QStringList lines = logLines();
+    EXPECT_TRUE(lines.contains("6512:[BLTreeViewCtrl workspaceDidMountNotification](Main) Start"));
+    EXPECT_TRUE(lines.contains("6512:[BLTreeViewCtrl workspaceDidUnmountNotification](Main) End"));
+}
+
+TEST_F(TreeViewCtrlVolumeTest, UnmountingTheCardOfTheWorkFolderShowsTheVolumeList)
+{
+    m_pane.setWorkFolder(m_dir.filePath("mnt/CARD_A2"), false);
+    m_volumes.removeVolume(m_cardA);
+    post(SC::SCWorkspaceDidUnmountNotification, {{SC::NSDevicePath, m_cardA}});
+    EXPECT_EQ(m_pane.workFolder, m_dir.filePath("mnt/CARD_A2")); // another folder that only begins alike
+
+    m_volumes.addVolume({m_cardA, "vfat", "Alpha", 0, 0});
+    m_pane.setWorkFolder(m_cardA + "/BPAV", false);
+    m_volumes.removeVolume(m_cardA);
+    post(SC::SCWorkspaceDidUnmountNotification, {{SC::NSDevicePath, m_cardA}});
+    EXPECT_EQ(m_pane.workFolder, "");
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Zeta"}));
+    EXPECT_EQ(m_pane.selectFolder, "/");
+
+    // A mount while a folder is shown leaves the list alone.
+    m_pane.setWorkFolder(m_work, false);
+    makeFolders(m_work, {"late"});
+    post(SC::SCWorkspaceDidMountNotification, {{SC::NSDevicePath, m_cardA}});
+    EXPECT_EQ(displayNames(m_tree), QStringList{"work"});
+}
+
+struct MenuState
+{
+    bool supported = false;
+    bool enable = false;
+    bool check = false;
+};
+
+MenuState menuState(const BLTreeViewCtrl& tree, int tag)
+{
+    MenuState state;
+    state.supported = tree.isSupportMenuItem(tag, &state.enable, &state.check);
+    return state;
+}
+
+std::map<int, bool> enabledTreeCommands(const BLTreeViewCtrl& tree)
+{
+    std::map<int, bool> enabled;
+    for (const BLTreeViewCtrl::MenuItem& item : BLTreeViewCtrl::menuItems())
+        if (item.title)
+            enabled[item.tag] = menuState(tree, item.tag).enable;
+    return enabled;
+}
+
+TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
+{
+    for (const int tag : {44000, 44006, 44007, 44010, 44014, 44049, 44050, 44053, 44216})
+        EXPECT_FALSE(menuState(m_tree, tag).supported) << tag;
+
+    // The volume list with a volume selected.
+    m_tree.updateData(false);
+    m_tree.selectTreeIndex(1);
+    std::map<int, bool> expected = {
+        {MENU_ITEM_ID_CHANGE_FOLDER_NAME, false},
+        {MENU_ITEM_ID_NEW_FOLDER, true},
+        {MENU_ITEM_ID_OPEN_IN_FINDER, true},
+        {MENU_ITEM_ID_ALL_COPY, false},
+        {MENU_ITEM_ID_DELETE, false},
+        {MENU_ITEM_ID_FOLDER_DIVISION, false},
+        {MENU_ITEM_ID_FOLDER_COMBINE, true}, // CARD_A beside CARD_A2 and CARD_B
+        {MENU_ITEM_ID_CHANGE_WORK_FOLDER, true},
+        {MENU_ITEM_ID_MOVE_UP_FOLDER, true},
+        {MENU_ITEM_ID_CLIP_SEARCH, true},
+        {MENU_ITEM_ID_MEDIA_NAME_CHANGE, false},
+    };
+    EXPECT_EQ(enabledTreeCommands(m_tree), expected);
+
+    // A work folder with a card folder and a plain folder.
+    cwtest::CardFolder card;
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    makeFolders(card.workFolder(), {"plain"});
+    m_pane.setWorkFolder(card.workFolder(), false);
+    ASSERT_EQ(displayNames(m_tree), (QStringList{"card", "plain"}));
+    EXPECT_EQ(m_pane.selectFolder, card.workFolder());
+    expected[MENU_ITEM_ID_CHANGE_FOLDER_NAME] = true;
+    expected[MENU_ITEM_ID_DELETE] = true;
+    expected[MENU_ITEM_ID_FOLDER_COMBINE] = false; // only the card folder itself in its parent
+    expected[MENU_ITEM_ID_MEDIA_NAME_CHANGE] = true;
+    EXPECT_EQ(enabledTreeCommands(m_tree), expected);
+
+    m_tree.selectTreeIndex(1); // "plain": no media profile, not the work folder
+    expected[MENU_ITEM_ID_NEW_FOLDER] = false;
+    expected[MENU_ITEM_ID_MEDIA_NAME_CHANGE] = false;
+    expected[MENU_ITEM_ID_FOLDER_COMBINE] = false; // beside it only BPAV
+    EXPECT_EQ(enabledTreeCommands(m_tree), expected);
+    makeFolders(card.workFolder(), {"second"});
+    EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_FOLDER_COMBINE).enable);
+    {
+        // An unreadable folder does not count.
+        for (const QString& open : {QFileInfo(card.workFolder()).path(), card.workFolder()})
+            ASSERT_TRUE(QFile::setPermissions(open, QFile::Permissions(0x7777)));
+        ASSERT_TRUE(QFile::setPermissions(card.workFolder() + "/second", QFile::Permissions(0)));
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(menuState(m_tree, MENU_ITEM_ID_FOLDER_COMBINE).enable);
+    }
+    ASSERT_TRUE(QFile::setPermissions(card.workFolder() + "/second", QFile::Permissions(0x7777)));
+
+    // What the pane knows.
+    m_pane.takes << DOTakeData();
+    m_pane.allCopy = true;
+    EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_FOLDER_DIVISION).enable);
+    EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_ALL_COPY).enable);
+
+    // No selected folder.
+    m_tree.selectTreeIndex(-1);
+    for (const int tag : {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_NEW_FOLDER,
+                          MENU_ITEM_ID_OPEN_IN_FINDER, MENU_ITEM_ID_DELETE, MENU_ITEM_ID_FOLDER_COMBINE,
+                          MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
+        EXPECT_FALSE(menuState(m_tree, tag).enable) << tag;
+
+    // Thumbnail commands are the grid's to answer.
+    const MenuState sortDate = menuState(m_tree, MENU_ITEM_ID_SORT_DATE);
+    EXPECT_TRUE(sortDate.supported && sortDate.enable && sortDate.check);
+    EXPECT_FALSE(menuState(m_tree, MENU_ITEM_ID_EXPORT).enable);
+}
+
+TEST_F(TreeViewCtrlTest, EachCommandIsLoggedAndHandedToThePane)
+{
+    makeFolders(m_work, {"a"});
+    m_tree.updateData(false);
+    m_tree.selectTreeIndex(1);
+
+    for (const int tag :
+         {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE, MENU_ITEM_ID_CLIP_SEARCH,
+          MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE})
+        m_tree.selectMenuItem(tag);
+    // Disabled or unknown commands do nothing.
+    for (const int tag : {MENU_ITEM_ID_NEW_FOLDER, MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_EXPORT, 44006})
+        m_tree.selectMenuItem(tag);
+    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
+
+    EXPECT_EQ(m_pane.commands, (QList<int>{MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE,
+                                           MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_CHANGE_WORK_FOLDER,
+                                           MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE}));
+    EXPECT_EQ(m_pane.opened, QStringList{path("a")});
+
+    QStringList dispatched;
+    for (const QString& line : logLines())
+        if (line.startsWith("0632:==================== [BLTreeViewCtrl selectMenuItem]"))
+            dispatched << line;
+    const QString form = "0632:==================== [BLTreeViewCtrl selectMenuItem](Main) menuItemID:%1 "
+                         "====================";
+    EXPECT_EQ(dispatched,
+              (QStringList{form.arg("MENU_ITEM_ID_CHANGE_FOLDER_NAME"), form.arg("MENU_ITEM_ID_DELETE"),
+                           form.arg("MENU_ITEM_ID_CLIP_SEARCH"), form.arg("MENU_ITEM_ID_CHANGE_WORK_FOLDER"),
+                           form.arg("MENU_ITEM_ID_MOVE_UP_FOLDER"), form.arg("MENU_ITEM_ID_SORT_TITLE"),
+                           form.arg("MENU_ITEM_ID_OPEN_IN_FINDER")}));
+
+    // Opening a folder that has gone is reported to the pane instead.
+    ASSERT_TRUE(QDir(path("a")).removeRecursively());
+    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
+    EXPECT_EQ(m_pane.opened.size(), 1);
+    EXPECT_EQ(m_pane.notFound, 1);
+}
+
+} // namespace

@@ -1,0 +1,400 @@
+#include "OperationsTestSupport.h"
+
+#include "core/app/BLLogCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/operations/BLClipCtrl.h"
+#include "core/operations/DOClipCtrl.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/CardFolder.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr qint64 kGB = 1'000'000'000;
+
+void deliverNotifications()
+{
+    for (int round = 0; round < 100 && SCNotificationCenter::defaultCenter()->pendingCount() > 0; ++round)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+QStringList umidsOf(const QList<DOTakeData>& takes)
+{
+    QStringList umids;
+    for (const DOTakeData& take : takes)
+        umids << take.getUmid();
+    return umids;
+}
+
+} // namespace
+
+// A source card with two single-clip takes (ABC0001, ABC0002) and a take of
+// two clips (ABC0003U01: ABC0003, ABC0004), and destinations beside it.
+class ChecksTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        optest::enableDebugLog(home());
+        cardgen::Options options = optest::smallCard(2);
+        options.multiClipTakes = {2};
+        m_source = std::make_unique<cwtest::CardFolder>(options);
+        ASSERT_TRUE(m_source->ok()) << m_source->error().toStdString();
+        m_takes = optest::loadTakes(m_source->workFolder());
+        ASSERT_EQ(umidsOf(m_takes).size(), 3);
+        ASSERT_EQ(m_takes.at(2).getTakeID(), "ABC0003U01");
+        m_parent = m_dir.path();
+    }
+
+    // A copy of the chosen takes (all by default) into <parent>/<name>,
+    // knowing the destination's takes.
+    DOClipCtrl record(const QString& name, const QList<DOTakeData>& from = {}) const
+    {
+        DOClipCtrl clipCtrl = recordOnly(name, from);
+        clipCtrl.setToTakes(optest::loadTakes(clipCtrl.destinationWorkFolder()));
+        return clipCtrl;
+    }
+    DOClipCtrl recordOnly(const QString& name, const QList<DOTakeData>& from = {}) const
+    {
+        DOClipCtrl clipCtrl;
+        const QFileInfo source(m_source->workFolder());
+        clipCtrl.setCopyFromPath(source.path());
+        clipCtrl.setCopyFromFolderName(source.fileName());
+        clipCtrl.setCopyToFolder(m_parent);
+        clipCtrl.setCopyToFolderName(name);
+        clipCtrl.setFromTakes(from.isEmpty() ? m_takes : from);
+        return clipCtrl;
+    }
+
+    // Lets log lines written as an ordinary user reach the log.
+    void openLogForOrdinaryUser()
+    {
+        BLLogCtrl::debug(640, "ordinary user");
+        optest::openTree(home().home());
+    }
+
+    QString sourceBpav() const { return m_source->bpav(); }
+    QString destination(const QString& relative) const { return m_parent + "/Dest/" + relative; }
+    // Copies a folder of the source BPAV folder into the destination's.
+    void copyToDestination(const QString& from, const QString& to) const
+    {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(destination("BPAV/" + to)).path()));
+        ASSERT_TRUE(BLCommon::copyFile(sourceBpav() + "/" + from, destination("BPAV/" + to)));
+    }
+
+    cwtest::FakeVolumeProvider m_volumes;
+    cwtest::MessageRecorder m_messages;
+    QTemporaryDir m_dir;
+    QString m_parent;
+    std::unique_ptr<cwtest::CardFolder> m_source;
+    QList<DOTakeData> m_takes;
+    BLClipCtrl m_ctrl;
+};
+
+TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
+{
+    ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR")));
+    DOClipCtrl clean = record("Dest");
+    EXPECT_TRUE(m_ctrl.checkRepeatClip(clean));
+    EXPECT_EQ(umidsOf(clean.getNewTakes()), umidsOf(m_takes));
+
+    const auto refused = [&](const char* what) {
+        DOClipCtrl clipCtrl = record("Dest");
+        const QMap<QString, QByteArray> before = optest::snapshot(m_parent + "/Dest");
+        EXPECT_FALSE(m_ctrl.checkRepeatClip(clipCtrl)) << what;
+        // Nothing is renamed or touched: the new takes are the chosen ones.
+        EXPECT_EQ(umidsOf(clipCtrl.getNewTakes()), umidsOf(m_takes)) << what;
+        EXPECT_EQ(clipCtrl.getNewTakes().at(2).getSMIUri(), m_takes.at(2).getSMIUri());
+        EXPECT_EQ(optest::snapshot(m_parent + "/Dest"), before) << what;
+        ASSERT_TRUE(QDir(m_parent + "/Dest/BPAV").removeRecursively());
+        ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR")));
+    };
+
+    // A clip folder of a multi-clip take under the same name, in other case.
+    ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR/abc0004")));
+    refused("clip folder name");
+    // A single clip's folder.
+    ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR/ABC0002")));
+    refused("single clip folder name");
+    // The take folder.
+    ASSERT_TRUE(QDir().mkpath(destination("BPAV/TAKR/ABC0003U01")));
+    refused("take folder name");
+    // A clip under another name that has the UMID of a chosen clip.
+    copyToDestination("CLPR/ABC0003", "CLPR/XYZ0001");
+    refused("clip UMID");
+    // A take under another name that has the UMID of the chosen take.
+    copyToDestination("TAKR/ABC0003U01", "TAKR/XYZ0001U01");
+    refused("take UMID");
+    // A single-clip take under another name with a chosen take's UMID.
+    copyToDestination("CLPR/ABC0001", "CLPR/XYZ0002");
+    refused("single take UMID");
+}
+
+TEST_F(ChecksTest, UmidsCollideAcrossTheRecordsOfAnOperation)
+{
+    QList<DOClipCtrl> records(3);
+    records[0].setFromTakes({m_takes.at(0), m_takes.at(1)});
+    records[1].setFromTakes({m_takes.at(2)});
+    records[2].setFromTakes({m_takes.at(1)});
+    EXPECT_EQ(m_ctrl.checkUmid(records[0], records, 0), 0);
+    EXPECT_EQ(m_ctrl.checkUmid(records[1], records, 1), 1);
+    EXPECT_EQ(m_ctrl.checkUmid(records[2], records, 2), 0);
+
+    DOClipCtrl clipCtrl;
+    clipCtrl.setToTakes({m_takes.at(2)});
+    EXPECT_EQ(m_ctrl.checkUmid(m_takes.at(2).getUmid().toLower(), clipCtrl), 0);
+    EXPECT_EQ(m_ctrl.checkUmid("urn:smpte:umid:" + m_takes.at(2).getClipUmid(1), clipCtrl), 0);
+    EXPECT_EQ(m_ctrl.checkUmid(m_takes.at(0).getUmid(), clipCtrl), 1);
+    EXPECT_EQ(m_ctrl.checkUmid(QString(), clipCtrl), 1);
+}
+
+TEST_F(ChecksTest, TheSourceFolderInOtherCaseIsTheSameFolder)
+{
+    m_parent = QFileInfo(m_source->workFolder()).path();
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/CARD"));
+    const DOClipCtrl clipCtrl = record("CARD");
+    EXPECT_FALSE(m_ctrl.checkCopyPath(clipCtrl, BLClipCtrl::kTypeCopy));
+    EXPECT_FALSE(m_ctrl.checkCopyPath(clipCtrl, BLClipCtrl::kTypeMove));
+    EXPECT_FALSE(m_ctrl.checkCopyPath(clipCtrl, BLClipCtrl::kTypeCombine)); // refused without a message
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_642_3158", "MSG_644_3187"}));
+    EXPECT_EQ(optest::logLinesOf(home(), 640).count("[BLClipCtrl checkCopyPath] NSOrderedSame fail"), 3);
+
+    // Another folder passes.
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/Other"));
+    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Other"), BLClipCtrl::kTypeCopy));
+    EXPECT_EQ(m_messages.alerts().size(), 2);
+}
+
+TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndWritable)
+{
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/Dest"));
+    const auto refusal = [&](const DOClipCtrl& clipCtrl, int type) {
+        m_messages.clear();
+        EXPECT_FALSE(m_ctrl.checkCopyPath(clipCtrl, type));
+        const QStringList keys = m_messages.keys();
+        return keys.isEmpty() ? QString() : keys.join(',');
+    };
+    const auto lastLog = [&] { return optest::logLinesOf(home(), 640).last(); };
+
+    // No name, unless the operation made the folder.
+    DOClipCtrl unnamed = record("");
+    EXPECT_EQ(refusal(unnamed, BLClipCtrl::kTypeCopy), "MSG_642_3168");
+    EXPECT_EQ(refusal(unnamed, BLClipCtrl::kTypeMove), "MSG_644_3197");
+    EXPECT_EQ(lastLog(), "[BLClipCtrl checkCopyPath] length fail");
+
+    // A forbidden character anywhere in the path.
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/A:B"));
+    EXPECT_EQ(refusal(record("A:B"), BLClipCtrl::kTypeMove), "MSG_648_3160");
+    EXPECT_EQ(lastLog(), "[BLClipCtrl checkCopyPath] HyphenationCharacter fail");
+
+    // A drive of a kind that cannot be used.
+    m_volumes.addVolume({m_parent + "/Dest", "ntfs", "NTFS", 100 * kGB, 50 * kGB});
+    EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCopy), "MSG_642_3111");
+    EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeMove), "MSG_644_3186");
+    EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCombine), "MSG_651_3232");
+    EXPECT_EQ(lastLog(), "[BLClipCtrl checkCopyPath] isUsableDrive fail");
+}
+
+TEST_F(ChecksTest, AFat32DestinationTakesNoFileBeyondItsLimit)
+{
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/Dest"));
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({m_parent + "/Dest", "vfat", "CARD", 100 * kGB, 50 * kGB});
+    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
+
+    // A clip of the multi-clip take with a (sparse) essence file at the limit, then beyond.
+    QFile essence(sourceBpav() + "/CLPR/ABC0004/ABC0004.MP4");
+    ASSERT_TRUE(essence.resize(BLClipCtrl::kFat32Limit));
+    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
+    ASSERT_TRUE(essence.resize(BLClipCtrl::kFat32Limit + 1));
+    EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_648_3127"}));
+    EXPECT_EQ(optest::logLinesOf(home(), 640).last(),
+              "[BLClipCtrl checkCopyPath] isUsable Drive fail : FAT32 & 4GB over");
+    // Only the takes chosen count.
+    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest", {m_takes.at(0)}), BLClipCtrl::kTypeCopy));
+}
+
+TEST_F(ChecksTest, ADestinationThatCannotBeWrittenOrReadIsRefused)
+{
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/Dest/BPAV/CLPR"));
+    optest::openTree(m_parent);
+    openLogForOrdinaryUser();
+    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x5555));
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
+    }
+    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3206"}));
+    EXPECT_EQ(optest::logLinesOf(home(), 640).last(), "[BLClipCtrl checkCopyPath] isWritablePath fail");
+
+    // Not readable: the same key, no line about writing.
+    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x3333));
+    const int lines = int(optest::logLinesOf(home(), 640).size());
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeMove));
+    }
+    EXPECT_EQ(m_messages.keys().last(), "MSG_6510_3208");
+    EXPECT_EQ(optest::logLinesOf(home(), 640).size(), lines);
+
+    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x7777));
+    cwtest::AsOrdinaryUser user;
+    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
+}
+
+TEST_F(ChecksTest, TheDestinationNameIsCheckedAndItsFolderMade)
+{
+    QStringList madeIn;
+    SCNotificationCenter::defaultCenter()->addObserver(
+        this, SC::SCNewFolderDidMakeNotification,
+        [&](const SCNotification& note) { madeIn << note.userInfo.value(SC::SCParentPathKey).toString(); });
+
+    // "BPAV" in any case, and the names the folder-name rules refuse, keep the
+    // dialog open.
+    DOClipCtrl clipCtrl = record("Shown");
+    for (const char* name : {"BPAV", "bpav", "", "A:B",
+                             "X123456789X123456789X123456789X123456789X123456789X"
+                             "123456789X123456789X123456789X"})
+        EXPECT_EQ(m_ctrl.checkCopyToFolderName(name, clipCtrl, BLClipCtrl::kNameTypeCopy),
+                  BLClipCtrl::kNameRefusedKeepOpen)
+            << name;
+    EXPECT_EQ(m_messages.keys(),
+              QStringList({"MSG_651_3132", "MSG_651_3132", "MSG_642_3168", "MSG_651_3147", "MSG_651_3146"}));
+
+    // A new name: the folder is made under the destination parent.
+    EXPECT_EQ(m_ctrl.checkCopyToFolderName("New", clipCtrl, BLClipCtrl::kNameTypeCopy),
+              BLClipCtrl::kNameReady);
+    EXPECT_TRUE(QFileInfo(m_parent + "/New").isDir());
+    EXPECT_TRUE(clipCtrl.getNewFolderFlag());
+    EXPECT_TRUE(clipCtrl.getChangeFolderFlag());
+    EXPECT_EQ(clipCtrl.getCopyToFolderName(), "New");
+    EXPECT_EQ(clipCtrl.destinationWorkFolder(), m_parent + "/New");
+    deliverNotifications();
+    EXPECT_EQ(madeIn, QStringList({m_parent}));
+
+    // An existing folder is used as it is.
+    ASSERT_TRUE(QDir().mkpath(m_parent + "/Existing"));
+    DOClipCtrl existing = record("Shown");
+    EXPECT_EQ(m_ctrl.checkCopyToFolderName("Existing", existing, BLClipCtrl::kNameTypeMove),
+              BLClipCtrl::kNameReady);
+    EXPECT_FALSE(existing.getNewFolderFlag());
+    EXPECT_FALSE(existing.getChangeFolderFlag());
+    EXPECT_EQ(existing.getCopyToFolderName(), "Existing");
+    deliverNotifications();
+    EXPECT_EQ(madeIn.size(), 1);
+    SCNotificationCenter::defaultCenter()->removeObserver(this);
+}
+
+TEST_F(ChecksTest, DiskSpaceIsTestedWhereTheTakesWouldGo)
+{
+    const QString volume = m_parent + "/VOL";
+    ASSERT_TRUE(QDir().mkpath(volume));
+    {
+        // A start-up disk and a volume, both with almost no free space.
+        cwtest::FakeVolumeProvider volumes({"/", "ext4", "System", 500 * kGB, 1000});
+        volumes.addVolume({volume, "ext4", "VOL", 100 * kGB, 1000});
+        DOClipCtrl copy = record("Shown");
+        EXPECT_EQ(m_ctrl.checkCopyToFolderName("New", copy, BLClipCtrl::kNameTypeCopy),
+                  BLClipCtrl::kNameRefusedClose);
+        EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3229"}));
+        EXPECT_EQ(optest::logLinesOf(home(), 640).last(), "[BLClipCtrl checkCopyPath] checkDiskSpace fail");
+        EXPECT_FALSE(QFileInfo::exists(m_parent + "/New"));
+        EXPECT_FALSE(copy.getNewFolderFlag());
+
+        // A move within the start-up disk needs no space.
+        DOClipCtrl move = record("Shown");
+        EXPECT_EQ(m_ctrl.checkCopyToFolderName("New", move, BLClipCtrl::kNameTypeMove),
+                  BLClipCtrl::kNameReady);
+        EXPECT_TRUE(move.getNewFolderFlag());
+
+        // A move onto the volume does.
+        DOClipCtrl onVolume = record("VOL");
+        EXPECT_EQ(m_ctrl.checkCopyToFolderName("Inside", onVolume, BLClipCtrl::kNameTypeMove),
+                  BLClipCtrl::kNameRefusedClose);
+        EXPECT_EQ(m_messages.keys().size(), 2);
+    }
+    // With room on the volume only: a destination shown as a volume root is
+    // tested at the volume, and the folder typed is made on it.
+    cwtest::FakeVolumeProvider volumes({"/", "ext4", "System", 500 * kGB, 1000});
+    volumes.addVolume({volume, "ext4", "VOL", 100 * kGB, 50 * kGB});
+    DOClipCtrl onVolume = record("VOL");
+    EXPECT_EQ(m_ctrl.checkCopyToFolderName("Inside", onVolume, BLClipCtrl::kNameTypeCopy),
+              BLClipCtrl::kNameReady);
+    EXPECT_EQ(onVolume.getCopyToPath(), volume);
+    EXPECT_EQ(onVolume.destinationWorkFolder(), volume + "/Inside");
+    EXPECT_TRUE(QFileInfo(volume + "/Inside").isDir());
+    EXPECT_TRUE(onVolume.getChangeFolderFlag());
+    EXPECT_FALSE(QFileInfo::exists(m_parent + "/Inside"));
+}
+
+TEST_F(ChecksTest, TheDestinationKeepsWithinTheFolderLimits)
+{
+    // Twelve hundred folders: in memory where the system offers it.
+    const QTemporaryDir memory(QFileInfo("/dev/shm").isWritable() ? "/dev/shm/limits-XXXXXX"
+                                                                  : QDir::tempPath() + "/limits-XXXXXX");
+    m_parent = memory.path();
+    for (int i = 0; i < 599; ++i)
+        ASSERT_TRUE(QDir().mkpath(destination(QString::asprintf("BPAV/CLPR/C%04d", i))));
+    EXPECT_TRUE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(0)})));
+    EXPECT_FALSE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(0), m_takes.at(1)})));
+    EXPECT_FALSE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(2)}))); // a take brings two clips
+
+    // Takes that are not copied do not count.
+    DOTakeData unusable = m_takes.at(1);
+    unusable.setTakeStatus(5);
+    EXPECT_TRUE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(0), unusable})));
+
+    ASSERT_TRUE(QDir(destination("BPAV/CLPR")).removeRecursively());
+    for (int i = 0; i < 600; ++i)
+        ASSERT_TRUE(QDir().mkpath(destination(QString::asprintf("BPAV/TAKR/T%04d", i))));
+    EXPECT_TRUE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(0), m_takes.at(1)})));
+    EXPECT_FALSE(m_ctrl.checkFolderLimit(recordOnly("Dest", {m_takes.at(2)})));
+    EXPECT_TRUE(m_messages.keys().isEmpty()); // the caller tells the user
+}
+
+TEST_F(ChecksTest, TheSourceMustBeChangeableAndItsTakesDeletable)
+{
+    optest::openTree(m_source->workFolder());
+    openLogForOrdinaryUser();
+    DOClipCtrl clipCtrl = record("Dest");
+    {
+        cwtest::AsOrdinaryUser user;
+        EXPECT_TRUE(m_ctrl.checkWritableMoveOrigin(clipCtrl, BLClipCtrl::kTypeMove));
+        EXPECT_TRUE(m_ctrl.checkDeletePath(clipCtrl));
+    }
+    EXPECT_TRUE(m_messages.keys().isEmpty());
+
+    // A clip of the multi-clip take that cannot be changed.
+    const QString clip = sourceBpav() + "/CLPR/ABC0004";
+    QFile::setPermissions(clip, QFile::Permissions(0x5555));
+    {
+        cwtest::AsOrdinaryUser user;
+        for (int type : {BLClipCtrl::kTypeMove, BLClipCtrl::kTypeCombine, BLClipCtrl::kTypeDelete,
+                         BLClipCtrl::kTypeCopy})
+            EXPECT_FALSE(m_ctrl.checkWritableMoveOrigin(clipCtrl, type));
+        EXPECT_FALSE(m_ctrl.checkDeletePath(clipCtrl));
+    }
+    EXPECT_EQ(m_messages.keys(),
+              QStringList({"MSG_6510_3207", "MSG_6510_3205", "MSG_6510_3203", "MSG_6510_3203"}));
+    EXPECT_EQ(optest::logLinesOf(home(), 0).last(), clip + " : [undeletable]");
+    EXPECT_EQ(clipCtrl.getTargetTake().getUmid(), m_takes.at(2).getUmid()); // stopped at the take
+    QFile::setPermissions(clip, QFile::Permissions(0x7777));
+
+    // A source on a drive that cannot be used.
+    m_volumes.addVolume({m_source->workFolder(), "iso9660", "DISC", kGB, 0});
+    EXPECT_FALSE(m_ctrl.checkWritableMoveOrigin(clipCtrl, BLClipCtrl::kTypeDelete));
+    EXPECT_EQ(m_messages.keys().last(), "MSG_651_3232");
+}

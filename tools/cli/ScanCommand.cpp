@@ -1,0 +1,122 @@
+// clipwright-cli scan: housekeeping of a work folder, as a pane runs it when it
+// loads the folder (the folder's index files are repaired on the way), and
+// the takes it finds.
+#include "CliCommand.h"
+
+#include "core/common/BLCommon.h"
+#include "core/common/IMessagePresenter.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+// Alerts of the pass go to stderr; the pass goes on as after "OK".
+class StderrPresenter : public IMessagePresenter
+{
+public:
+    StderrPresenter() { BLCommon::setMessagePresenter(this); }
+    ~StderrPresenter() override { BLCommon::setMessagePresenter(nullptr); }
+
+    int showAlert(const SCAlert& alert) override
+    {
+        cliErr() << "clipwright-cli scan: " << alert.message;
+        if (!alert.informative.isEmpty())
+            cliErr() << " " << alert.informative;
+        cliErr() << Qt::endl;
+        return kFirstButton;
+    }
+};
+
+QString kindOf(const DOTakeData& take)
+{
+    if (take.getTakeStatus() == 4)
+        return QStringLiteral("loose");
+    return take.getSingleClipFlag() ? QStringLiteral("single") : QStringLiteral("multi");
+}
+
+// The take ID; an unusable take has none and is named by its folder.
+QString nameOf(const DOTakeData& take)
+{
+    const QString id = take.getTakeID();
+    return id.isEmpty() ? BLCommon::getFolderName(take).section(QLatin1Char('/'), -1) : id;
+}
+
+QJsonObject describe(const DOTakeData& take)
+{
+    QJsonArray clipUmids;
+    for (const DOClipData& clip : take.getClipData())
+        clipUmids.append(clip.getUmid());
+    return QJsonObject{
+        {"takeId", nameOf(take)},
+        {"umid", take.getUmid()},
+        {"status", take.getTakeStatus()},
+        {"kind", kindOf(take)},
+        {"clipCount", take.getSingleClipFlag() ? 1 : int(take.getClipData().size())},
+        {"clipUmids", clipUmids},
+        {"mediaSpanning", take.getMediaSpanning()},
+        {"frames", take.getTakeDuration()},
+        {"duration", BLCommon::convertOfDurationByTakeData(take)},
+        {"frameRate", take.getFormatFps()},
+        {"videoFormat", take.getVideoFormat()},
+        {"videoCodec", take.getVideoCodec()},
+        {"size", take.getTakeSize()},
+    };
+}
+
+void printText(const QString& workFolder, const QJsonArray& takes)
+{
+    QTextStream& out = cliOut();
+    out << workFolder << ": " << takes.size() << (takes.size() == 1 ? " take" : " takes") << "\n";
+    for (const QJsonValue& value : takes) {
+        const QJsonObject take = value.toObject();
+        const QString id = take["takeId"].toString();
+        out << (id.isEmpty() ? QStringLiteral("-") : id).leftJustified(12) << " "
+            << take["kind"].toString().leftJustified(6) << " "
+            << QString::number(take["clipCount"].toInt()).rightJustified(3) << " clip(s)  status "
+            << take["status"].toInt() << "  " << take["duration"].toString() << "  "
+            << take["frameRate"].toString().leftJustified(7) << " "
+            << take["videoFormat"].toString().leftJustified(10) << " "
+            << QString::number(take["size"].toInteger()) << " bytes\n"
+            << "             UMID " << take["umid"].toString() << "\n";
+    }
+}
+
+} // namespace
+
+int runScan(const QStringList& args)
+{
+    QStringList rest = args;
+    const bool json = rest.removeAll("--json") > 0;
+    if (rest.size() != 1 || rest.first().startsWith('-'))
+        return cliUsage("scan");
+    const QString workFolder = QFileInfo(rest.first()).absoluteFilePath();
+    if (!BLCommon::isBPAVFolder(workFolder)) {
+        cliErr() << "clipwright-cli scan: " << workFolder << ": no BPAV folder" << Qt::endl;
+        return kExitFailed;
+    }
+
+    StderrPresenter presenter;
+    BLHouseKeepingCtrl houseKeeping;
+    const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(workFolder);
+    if (!BLCommon::isFiles(BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') +
+                           BLMediaProfileAcss::kFileName)) {
+        cliErr() << "clipwright-cli scan: " << workFolder
+                 << ": the folder has no media profile and none can be made" << Qt::endl;
+        return kExitFailed;
+    }
+
+    QJsonArray all;
+    for (const DOTakeData& take : takes)
+        all.append(describe(take));
+    if (json)
+        cliOut() << QJsonDocument(QJsonObject{{"workFolder", workFolder}, {"takes", all}})
+                        .toJson(QJsonDocument::Indented);
+    else
+        printText(workFolder, all);
+    return kExitOk;
+}
