@@ -1,5 +1,7 @@
 #include "core/preview/BLPreviewCtrl.h"
 
+#include "core/preview/BLCacheImageCtrl.h"
+
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
@@ -7,6 +9,7 @@
 #include "core/common/SCNotificationNames.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/preview/BLAudioChannelCtrl.h"
+#include "core/preview/BLCacheImageCtrl.h"
 #include "core/preview/BLClipViewerCallback.h"
 #include "core/preview/BLPreviewButtonCtrl.h"
 #include "core/preview/BLTimeCodeCtrl.h"
@@ -587,72 +590,28 @@ void BLPreviewCtrl::selectMenuItem(int tag)
     }
 }
 
+// The thumbnail calls are the cache worker's; the preview offers them only
+// while the viewer library is in use.
 int BLPreviewCtrl::getThumbnail(const QString& selectFolder, const DOTakeData& takeData,
                                 vv_bitmap_t* thumbnail) const
 {
     if (!checkUseViewerLibrary("getThumbnail"))
         return -1;
-    int fileCount = 0;
-    const QStringList paths = BLCommon::getMp4FilePaths(selectFolder, takeData, &fileCount);
-    if (fileCount == 0) {
-        log(QStringLiteral("[BLPreviewCtrl getThumbnail]    non MP4 file"));
-        return -1;
-    }
-    QByteArrayList utf8;
-    std::vector<const char*> pointers;
-    for (const QString& path : paths)
-        utf8 << path.toUtf8();
-    for (const QByteArray& path : std::as_const(utf8))
-        pointers.push_back(path.constData());
-    const int result = vv_get_thumbnail(pointers.data(), int32_t(pointers.size()), takeData.getKeyFrame(),
-                                        getThumbIconId(takeData.getTakeStatus()), thumbnail);
-    if (result != VV_OK) {
-        log(QString::asprintf("[BLPreviewCtrl getThumbnail] call vv_get_thumbnail return:%d", result));
-        return -1;
-    }
-    return 0;
+    return BLCacheImageCtrl::getThumbnail(selectFolder, takeData, thumbnail);
 }
 
 int BLPreviewCtrl::writeBmpByFileName(const QString& path, const vv_bitmap_t* bitmap) const
 {
     if (!checkUseViewerLibrary("writeBmpByFileName"))
         return -1;
-    const int result = vv_bitmap_write(path.toUtf8().constData(), bitmap, 1);
-    if (result != VV_OK) {
-        log(QString::asprintf("[BLPreviewCtrl writeBmpByFileName] call vv_bitmap_write return:%d", result));
-        QFile::remove(path);
-        return -1;
-    }
-    return 0;
+    return BLCacheImageCtrl::writeBmpByFileName(path, *bitmap);
 }
 
 void BLPreviewCtrl::freeBmpBuffer(vv_bitmap_t* bitmap) const
 {
     if (!checkUseViewerLibrary("freeBmpBuffer"))
         return;
-    vv_bitmap_free(bitmap);
-}
-
-int BLPreviewCtrl::getThumbIconId(int takeStatus)
-{
-    switch (takeStatus) {
-    case 0:
-        return VV_ICON_OK;
-    case 1:
-        return VV_ICON_NONE;
-    case 2:
-        return VV_ICON_MEDIA_SPANNING;
-    case 3:
-        return VV_ICON_MP4_IMPORTED;
-    case 4:
-        return VV_ICON_MP4_NOT_IMPORTED;
-    case 5:
-    case 6:
-        return VV_ICON_ERROR;
-    default:
-        log(QString::asprintf("[BLPreviewCtrl getThumbIconId] unknown TakeStatus:%d", takeStatus));
-        return VV_ICON_NONE;
-    }
+    BLCacheImageCtrl::freeBmpBuffer(bitmap);
 }
 
 void BLPreviewCtrl::recvPlayedMessage(int messageId)

@@ -121,8 +121,6 @@ public:
     // Writes a bitmap as a BMP file (replacing one there): 0, or -1 with no file left.
     int writeBmpByFileName(const QString& path, const vv_bitmap_t* bitmap) const;
     void freeBmpBuffer(vv_bitmap_t* bitmap) const;
-    // The status mark (VV_ICON_...) of a take status.
-    static int getThumbIconId(int takeStatus);
 
     // ---- message receivers (main thread) ----
     void recvPlayedMessage(int messageId);

@@ -421,14 +421,4 @@ TEST_F(PreviewCtrlTest, ThumbnailsOfTheCacheComeFromTheViewer)
     noEssence.setMP4Uri(QString(""));
     EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), noEssence, &bitmap), -1);
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail]    non MP4 file"));
-
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(0), VV_ICON_OK);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(1), VV_ICON_NONE);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(2), VV_ICON_MEDIA_SPANNING);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(3), VV_ICON_MP4_IMPORTED);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(4), VV_ICON_MP4_NOT_IMPORTED);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(5), VV_ICON_ERROR);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(6), VV_ICON_ERROR);
-    EXPECT_EQ(BLPreviewCtrl::getThumbIconId(9), VV_ICON_NONE);
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbIconId] unknown TakeStatus:9"));
 }
