@@ -4,7 +4,9 @@
 #include "core/app/BLMainWindowCtrl.h"
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/common/LocalizedTitle.h"
+#include "core/preview/BLPreviewCtrl.h"
 #include "ui/common/SCFrameView.h"
+#include "ui/preview/SCPreviewView.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -18,7 +20,8 @@ SCMainWindow::SCMainWindow(QWidget* parent)
     : QMainWindow(parent), m_hkWindow(new HouseKeepingSheet(this)), m_mediaInfoFrame1(new SCFrameView),
       m_mediaInfoFrame2(new SCFrameView), m_mediaInfoView1(m_mediaInfoFrame1->contentView()),
       m_mediaInfoView2(m_mediaInfoFrame2->contentView()), m_previewFrame(new SCFrameView),
-      m_previewView(m_previewFrame->contentView()), m_splitView(new QSplitter(Qt::Vertical))
+      m_previewView(m_previewFrame->contentView()), m_preview(new SCPreviewView(m_previewView)),
+      m_splitView(new QSplitter(Qt::Vertical))
 {
     setWindowTitle(QStringLiteral("Clipwright"));
     setMinimumSize(kMinimumWidth, kMinimumHeight);
@@ -31,6 +34,9 @@ SCMainWindow::SCMainWindow(QWidget* parent)
     paneLayout->addWidget(m_mediaInfoFrame2);
     paneArea->setMinimumHeight(kPaneAreaMinimumHeight);
     m_previewFrame->setMinimumHeight(kPreviewMinimumHeight);
+    auto* previewLayout = new QHBoxLayout(m_previewView);
+    previewLayout->setContentsMargins(0, 0, 0, 0);
+    previewLayout->addWidget(m_preview);
 
     m_splitView->addWidget(paneArea);
     m_splitView->addWidget(m_previewFrame);
@@ -67,11 +73,41 @@ void SCMainWindow::createMenus()
             m_ctrl->selectMenuItem(m_resetWindowSizeAction->data().toInt());
     });
 
+    m_previewMenu = bar->addMenu(QStringLiteral("P&review"));
+    const struct
+    {
+        int tag;
+        const char* title;
+    } previewItems[] = {{MENU_ITEM_ID_PREVIEW_PLAY, "&Play"},
+                        {MENU_ITEM_ID_PREVIEW_PAUSE, "P&ause"},
+                        {MENU_ITEM_ID_PREVIEW_FF, "&Fast Forward"},
+                        {MENU_ITEM_ID_PREVIEW_RW, "&Rewind"},
+                        {0, nullptr},
+                        {MENU_ITEM_ID_PREVIEW_TOP_FRAME, "F&irst Frame"},
+                        {MENU_ITEM_ID_PREVIEW_LAST_FRAME, "&Last Frame"},
+                        {MENU_ITEM_ID_PREVIEW_PLUS_FRAME, "&Next Frame"},
+                        {MENU_ITEM_ID_PREVIEW_MINUS_FRAME, "Pre&vious Frame"},
+                        {0, nullptr},
+                        {MENU_ITEM_ID_PREVIEW_FULL_SCREEN, "F&ull Screen"},
+                        {MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, "Use Frame as &Thumbnail"}};
+    for (const auto& item : previewItems) {
+        if (!item.title) {
+            m_previewMenu->addSeparator();
+            continue;
+        }
+        QAction* action = m_previewMenu->addAction(QString::fromLatin1(item.title));
+        action->setData(item.tag);
+        connect(action, &QAction::triggered, this, [this, tag = item.tag] {
+            if (m_ctrl)
+                m_ctrl->selectMenuItem(tag);
+        });
+    }
+
     m_helpMenu = bar->addMenu(QStringLiteral("&Help"));
     m_aboutAction = m_helpMenu->addAction(QStringLiteral("&About ORX Clipwright"));
     m_aboutAction->setMenuRole(QAction::AboutRole);
 
-    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_helpMenu})
+    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_previewMenu, m_helpMenu})
         connect(menu, &QMenu::aboutToShow, this, &SCMainWindow::validateMenuItems);
 }
 
@@ -85,9 +121,13 @@ void SCMainWindow::validateMenuItems()
     const bool key = isKeyWindow();
     m_aboutAction->setEnabled(key);
     m_preferencesAction->setEnabled(key);
-    bool enable = false;
-    if (m_ctrl && m_ctrl->isSupportMenuItem(m_resetWindowSizeAction->data().toInt(), &enable))
-        m_resetWindowSizeAction->setEnabled(enable);
+    QList<QAction*> tagged = m_previewMenu->actions();
+    tagged.prepend(m_resetWindowSizeAction);
+    for (QAction* action : std::as_const(tagged)) {
+        bool enable = false;
+        if (!action->isSeparator() && m_ctrl && m_ctrl->isSupportMenuItem(action->data().toInt(), &enable))
+            action->setEnabled(enable);
+    }
 }
 
 QRectF SCMainWindow::screenFrame() const
@@ -140,6 +180,11 @@ void SCMainWindow::setDividersLocked(bool locked)
     if (locked)
         m_lockedUpperHeight = m_splitView->sizes().value(0);
     m_splitView->handle(1)->setEnabled(!locked);
+}
+
+IPreviewView* SCMainWindow::previewView()
+{
+    return m_preview;
 }
 
 bool SCMainWindow::isHouseKeepingSheetVisible() const

@@ -10,6 +10,7 @@ class QAction;
 class QMenu;
 class QSplitter;
 class SCFrameView;
+class SCPreviewView;
 
 // The main window: a vertical split between the pane area (the "Main" and
 // "Sub1" pane containers side by side) and the preview container, each in a
@@ -32,6 +33,8 @@ public:
     // preview view are inserted.
     QWidget* paneContainer(int index) const;
     QWidget* previewContainer() const { return m_previewView; }
+    // The preview area inside the preview container.
+    SCPreviewView* previewWidget() const { return m_preview; }
     QSplitter* splitView() const { return m_splitView; }
     HouseKeepingSheet* houseKeepingSheet() const { return m_hkWindow; }
     bool dividersLocked() const { return m_dividersLocked; }
@@ -39,6 +42,7 @@ public:
     QMenu* fileMenu() const { return m_fileMenu; }
     QMenu* editMenu() const { return m_editMenu; }
     QMenu* viewMenu() const { return m_viewMenu; }
+    QMenu* previewMenu() const { return m_previewMenu; }
     QMenu* helpMenu() const { return m_helpMenu; }
     QAction* quitAction() const { return m_quitAction; }
     QAction* preferencesAction() const { return m_preferencesAction; }
@@ -56,6 +60,7 @@ public:
     bool isKeyWindow() const override;
     void setSplitUpperSideToMinimum() override;
     void setDividersLocked(bool locked) override;
+    IPreviewView* previewView() override;
     bool isHouseKeepingSheetVisible() const override;
     void showHouseKeepingSheet() override;
     void closeHouseKeepingSheet() override;
@@ -82,11 +87,13 @@ private:
     QWidget* m_mediaInfoView2;
     SCFrameView* m_previewFrame;
     QWidget* m_previewView;
+    SCPreviewView* m_preview;
     QSplitter* m_splitView;
 
     QMenu* m_fileMenu = nullptr;
     QMenu* m_editMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
+    QMenu* m_previewMenu = nullptr;
     QMenu* m_helpMenu = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_preferencesAction = nullptr;
