@@ -1,6 +1,7 @@
 #include "core/app/BLMainWindowCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/panes/BLMediaInfoCtrl.h"
 #include "core/preview/BLAudioChannelCtrl.h"
 #include "core/preview/BLPreviewButtonCtrl.h"
 #include "core/preview/BLPreviewCtrl.h"
@@ -307,6 +308,11 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
     EXPECT_TRUE(windowCtrl.isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
     EXPECT_FALSE(enable);
 
+    // The card's folder is chosen in the Main pane first: a change of folder stops the preview.
+    BLMediaInfoCtrl* pane = windowCtrl.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
+    pane->setWorkFolder(card.workFolder(), false);
+    pane->setSelectFolder(card.workFolder(), true);
+    ASSERT_TRUE(waitUntil([&] { return pane->getTakeData().size() == 1; }));
     play(card, takeOf(card, manifestTake));
     ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
     windowCtrl.selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
