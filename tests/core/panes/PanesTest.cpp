@@ -13,7 +13,9 @@
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
 #include "core/panes/IMediaInfoView.h"
+#include "core/preview/BLCacheImageCtrl.h"
 #include "support/CardFolder.h"
+#include "support/FrameCounter.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 
@@ -21,6 +23,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QMimeData>
 
@@ -537,6 +540,54 @@ TEST_F(PanesTest, ATypicalPictureIsWrittenIntoTheMetadataAndReadBack)
     ASSERT_EQ(pane->getTakeData().size(), 2);
     for (const DOTakeData& take : pane->getTakeData())
         EXPECT_EQ(take.getKeyFrame(), 4) << take.getTakeID().toStdString();
+}
+
+TEST_F(PanesTest, TheGridShowsTheKeyFramePictureFromTheCacheAndFollowsANewTypicalPicture)
+{
+    cardgen::Options options = smallCard(1);
+    options.multiClipTakes = {2};
+    options.fast = false; // every clip's pictures carry its own clip number
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const BLCacheImageCtrl cache;
+    auto pane = openPane(card.workFolder());
+    BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
+    ASSERT_EQ(grid.rowCount(), 2);
+    const auto shown = [&](int row) {
+        const QImage image = grid.data(grid.index(row), BLThumbViewCtrl::ImageRole).value<QImage>();
+        return image.isNull() ? std::nullopt : cwtest::readFrameCounter(image);
+    };
+    const auto manifestTake = [&](const QString& umid) {
+        for (const cardgen::ManifestTake& take : card.manifest().takes)
+            if (take.umid == umid)
+                return take;
+        return cardgen::ManifestTake();
+    };
+
+    for (int row = 0; row < grid.rowCount(); ++row)
+        grid.requestImage(row);
+    const auto firstFrameShown = [&](int row) {
+        const cardgen::ManifestTake take = manifestTake(grid.thumbArray()[row].getUmid());
+        return !take.clips.empty() &&
+               shown(row) == cardgen::FrameCounterValue{take.clips.front().counterClip, 0};
+    };
+    ASSERT_TRUE(pump([&] { return firstFrameShown(0) && firstFrameShown(1); }));
+
+    // A new typical picture of the multi-clip take, in its second clip: the
+    // grid shows that frame, made afresh by the cache.
+    const int row = manifestTake(grid.thumbArray()[0].getUmid()).clips.size() == 2 ? 0 : 1;
+    const cardgen::ManifestTake multi = manifestTake(grid.thumbArray()[row].getUmid());
+    ASSERT_EQ(multi.clips.size(), 2u);
+    BLCommon::sharedCtrl()->sendNotificationNow(
+        nullptr, SC::SCMovieThumbDidChangeNotification,
+        {{SC::SCMThumbSelectFolderKey, card.workFolder()},
+         {SC::SCMThumbUmidsKey, multi.umid},
+         {SC::SCMThumbFrameNoKey, qint64(multi.clips[0].frames + 3)}});
+    const cardgen::FrameCounterValue expected{multi.clips[1].counterClip, 3};
+    ASSERT_TRUE(pump([&] { return shown(row) == expected; }));
+    const DOTakeData updated = pane->getTakeData(pane->getTakeDataByUmid(multi.umid));
+    EXPECT_TRUE(QFileInfo::exists(
+        QDir(cache.getCacheFolderPath()).filePath(BLCacheImageCtrl::makeCacheImageName(updated))));
 }
 
 TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndReturnsToTheVolumeList)
