@@ -2,9 +2,14 @@
 
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLMainWindowCtrl.h"
+#include "core/model/BLTreeViewCtrl.h"
+#include "core/panes/BLMediaInfoCtrl.h"
+#include "core/panes/BLThumbViewCtrl.h"
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/common/LocalizedTitle.h"
 #include "ui/common/SCFrameView.h"
+#include "ui/panes/SCMediaInfoView.h"
+#include "ui/panes/SCTreeView.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -12,6 +17,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QSplitter>
+#include <QVBoxLayout>
 #include <QWindowStateChangeEvent>
 
 SCMainWindow::SCMainWindow(QWidget* parent)
@@ -50,16 +56,39 @@ void SCMainWindow::createMenus()
 {
     QMenuBar* bar = menuBar();
     m_fileMenu = bar->addMenu(QStringLiteral("&File"));
+    addPaneAction(m_fileMenu, "Change &Work Folder...", MENU_ITEM_ID_CHANGE_WORK_FOLDER, QKeySequence::Open, true);
+    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER, QKeySequence(QStringLiteral("Alt+Up")),
+                  true);
+    m_fileMenu->addSeparator();
+    addPaneAction(m_fileMenu, "&Import MP4 Files...", MENU_ITEM_ID_IMPORT);
+    addPaneAction(m_fileMenu, "&Export as MPEG-2 TS...", MENU_ITEM_ID_EXPORT,
+                  QKeySequence(QStringLiteral("Ctrl+E")));
+    m_fileMenu->addSeparator();
     m_quitAction = m_fileMenu->addAction(QStringLiteral("&Quit"));
     m_quitAction->setShortcut(QKeySequence::Quit);
     m_quitAction->setMenuRole(QAction::QuitRole);
 
     m_editMenu = bar->addMenu(QStringLiteral("&Edit"));
+    addPaneAction(m_editMenu, "Cu&t", MENU_ITEM_ID_CUT, QKeySequence::Cut);
+    addPaneAction(m_editMenu, "&Copy", MENU_ITEM_ID_COPY, QKeySequence::Copy);
+    addPaneAction(m_editMenu, "&Paste", MENU_ITEM_ID_PASTE, QKeySequence::Paste);
+    addPaneAction(m_editMenu, "&Delete", MENU_ITEM_ID_DELETE, QKeySequence::Delete);
+    m_editMenu->addSeparator();
+    addPaneAction(m_editMenu, "Select &All", MENU_ITEM_ID_SELECT_ALL, QKeySequence::SelectAll);
+    m_editMenu->addSeparator();
+    addPaneAction(m_editMenu, "Copy All Clips to the &Other Pane...", MENU_ITEM_ID_ALL_COPY, {}, true);
+    m_editMenu->addSeparator();
     m_preferencesAction = m_editMenu->addAction(QStringLiteral("&Preferences..."));
     m_preferencesAction->setShortcut(QKeySequence(QStringLiteral("Ctrl+,")));
     m_preferencesAction->setMenuRole(QAction::PreferencesRole);
 
     m_viewMenu = bar->addMenu(QStringLiteral("&View"));
+    for (const auto& [title, tag] : {std::pair{"Sort by &Title", MENU_ITEM_ID_SORT_TITLE},
+                                     std::pair{"Sort by &Size", MENU_ITEM_ID_SORT_SIZE},
+                                     std::pair{"Sort by &Duration", MENU_ITEM_ID_SORT_DURATION},
+                                     std::pair{"Sort by D&ate", MENU_ITEM_ID_SORT_DATE}})
+        addPaneAction(m_viewMenu, title, tag)->setCheckable(true);
+    m_viewMenu->addSeparator();
     m_resetWindowSizeAction = m_viewMenu->addAction(QStringLiteral("&Reset Window Size"));
     m_resetWindowSizeAction->setData(MENU_ITEM_ID_RESET_WINDOW_SIZE);
     connect(m_resetWindowSizeAction, &QAction::triggered, this, [this] {
@@ -67,17 +96,113 @@ void SCMainWindow::createMenus()
             m_ctrl->selectMenuItem(m_resetWindowSizeAction->data().toInt());
     });
 
+    m_clipMenu = bar->addMenu(QStringLiteral("&Clip"));
+    addPaneAction(m_clipMenu, "&Play", MENU_ITEM_ID_THUMB_PLAY, QKeySequence(Qt::Key_Space));
+    addPaneAction(m_clipMenu, "Show &Info...", MENU_ITEM_ID_SHOW_INFO, QKeySequence(QStringLiteral("Ctrl+I")));
+    m_clipMenu->addSeparator();
+    addPaneAction(m_clipMenu, "&Search Clips...", MENU_ITEM_ID_CLIP_SEARCH, QKeySequence::Find, true);
+
+    m_folderMenu = bar->addMenu(QStringLiteral("F&older"));
+    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER,
+                  QKeySequence(QStringLiteral("Ctrl+Shift+N")), true);
+    addPaneAction(m_folderMenu, "&Rename Folder...", MENU_ITEM_ID_CHANGE_FOLDER_NAME, {}, true);
+    addPaneAction(m_folderMenu, "&Delete Folder...", MENU_ITEM_ID_DELETE, {}, true);
+    m_folderMenu->addSeparator();
+    addPaneAction(m_folderMenu, "D&ivide Folder...", MENU_ITEM_ID_FOLDER_DIVISION, {}, true);
+    addPaneAction(m_folderMenu, "&Combine Folders...", MENU_ITEM_ID_FOLDER_COMBINE, {}, true);
+    m_folderMenu->addSeparator();
+    addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE, {}, true);
+    addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER, {}, true);
+
     m_helpMenu = bar->addMenu(QStringLiteral("&Help"));
     m_aboutAction = m_helpMenu->addAction(QStringLiteral("&About ORX Clipwright"));
     m_aboutAction->setMenuRole(QAction::AboutRole);
 
-    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_helpMenu})
+    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_clipMenu, m_folderMenu, m_helpMenu}) {
         connect(menu, &QMenu::aboutToShow, this, &SCMainWindow::validateMenuItems);
+        connect(menu, &QMenu::aboutToHide, this, &SCMainWindow::enablePaneMenuItems);
+    }
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusChanged(now); });
+}
+
+QAction* SCMainWindow::addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut,
+                                     bool toFolderList)
+{
+    QAction* action = menu->addAction(QString::fromUtf8(title));
+    action->setData(tag);
+    action->setShortcut(shortcut);
+    action->setProperty("toFolderList", toFolderList);
+    connect(action, &QAction::triggered, this, [this, action] { selectPaneMenuItem(action); });
+    m_paneActions << action;
+    return action;
 }
 
 QWidget* SCMainWindow::paneContainer(int index) const
 {
     return index == 0 ? m_mediaInfoView1 : index == 1 ? m_mediaInfoView2 : nullptr;
+}
+
+void SCMainWindow::installPaneViews()
+{
+    for (int index : {0, 1}) {
+        BLMediaInfoCtrl* pane = m_ctrl ? m_ctrl->getMediaInfoCtrl(index) : nullptr;
+        if (!pane || m_paneViews[index])
+            continue;
+        QWidget* container = paneContainer(index);
+        auto* layout = new QVBoxLayout(container);
+        layout->setContentsMargins(0, 0, 0, 0);
+        m_paneViews[index] = new SCMediaInfoView(pane, container);
+        layout->addWidget(m_paneViews[index]);
+    }
+}
+
+SCMediaInfoView* SCMainWindow::mediaInfoView(int index) const
+{
+    return index == 0 || index == 1 ? m_paneViews[index] : nullptr;
+}
+
+SCMediaInfoView* SCMainWindow::activeMediaInfoView() const
+{
+    return m_paneViews[m_activePane];
+}
+
+void SCMainWindow::focusChanged(QWidget* now)
+{
+    for (int index : {0, 1})
+        if (m_paneViews[index] && now && m_paneViews[index]->isAncestorOf(now))
+            m_activePane = index;
+}
+
+bool SCMainWindow::paneMenuItemState(const QAction* action, bool* isEnable, bool* isCheck) const
+{
+    *isEnable = false;
+    *isCheck = false;
+    const SCMediaInfoView* view = activeMediaInfoView();
+    BLMediaInfoCtrl* pane = view ? view->ctrl() : nullptr;
+    if (!pane)
+        return false;
+    const int tag = action->data().toInt();
+    if (action->property("toFolderList").toBool() || view->treeView()->hasFocus()) {
+        if (pane->isSupportMenuItemToTreeView(tag, isEnable, isCheck))
+            return true;
+    }
+    pane->thumbViewCtrl()->isSupportMenuItem(tag, isEnable, isCheck);
+    return false;
+}
+
+void SCMainWindow::selectPaneMenuItem(QAction* action)
+{
+    bool enable = false;
+    bool check = false;
+    const bool toFolderList = paneMenuItemState(action, &enable, &check);
+    if (!enable)
+        return; // a shortcut of a command that is not available now
+    BLMediaInfoCtrl* pane = activeMediaInfoView()->ctrl();
+    const int tag = action->data().toInt();
+    if (toFolderList)
+        pane->selectMenuItemToTreeView(tag);
+    else
+        pane->thumbViewCtrl()->selectMenuItem(tag);
 }
 
 void SCMainWindow::validateMenuItems()
@@ -88,6 +213,19 @@ void SCMainWindow::validateMenuItems()
     bool enable = false;
     if (m_ctrl && m_ctrl->isSupportMenuItem(m_resetWindowSizeAction->data().toInt(), &enable))
         m_resetWindowSizeAction->setEnabled(enable);
+    for (QAction* action : std::as_const(m_paneActions)) {
+        bool check = false;
+        paneMenuItemState(action, &enable, &check);
+        action->setEnabled(enable);
+        if (action->isCheckable())
+            action->setChecked(check);
+    }
+}
+
+void SCMainWindow::enablePaneMenuItems()
+{
+    for (QAction* action : std::as_const(m_paneActions))
+        action->setEnabled(true);
 }
 
 QRectF SCMainWindow::screenFrame() const

@@ -10,6 +10,7 @@ class QAction;
 class QMenu;
 class QSplitter;
 class SCFrameView;
+class SCMediaInfoView;
 
 // The main window: a vertical split between the pane area (the "Main" and
 // "Sub1" pane containers side by side) and the preview container, each in a
@@ -31,6 +32,13 @@ public:
     // The containers into which the pane views (0 Main, 1 Sub1) and the
     // preview view are inserted.
     QWidget* paneContainer(int index) const;
+    // Inserts the views of the controller's two panes into their containers.
+    void installPaneViews();
+    // The pane view 0 (Main) or 1 (Sub1); null before installPaneViews.
+    SCMediaInfoView* mediaInfoView(int index) const;
+    // The pane the pane commands of the menus go to: the one that last held
+    // the keyboard focus (Main at first).
+    SCMediaInfoView* activeMediaInfoView() const;
     QWidget* previewContainer() const { return m_previewView; }
     QSplitter* splitView() const { return m_splitView; }
     HouseKeepingSheet* houseKeepingSheet() const { return m_hkWindow; }
@@ -39,6 +47,8 @@ public:
     QMenu* fileMenu() const { return m_fileMenu; }
     QMenu* editMenu() const { return m_editMenu; }
     QMenu* viewMenu() const { return m_viewMenu; }
+    QMenu* clipMenu() const { return m_clipMenu; }
+    QMenu* folderMenu() const { return m_folderMenu; }
     QMenu* helpMenu() const { return m_helpMenu; }
     QAction* quitAction() const { return m_quitAction; }
     QAction* preferencesAction() const { return m_preferencesAction; }
@@ -46,6 +56,9 @@ public:
     QAction* aboutAction() const { return m_aboutAction; }
     // Enables the menu items that are available now (run before a menu opens).
     void validateMenuItems();
+    // Enables every pane command again once a menu has closed, so that its
+    // shortcut reaches selectPaneMenuItem, which checks it at that moment.
+    void enablePaneMenuItems();
 
     // IMainWindowView
     QRectF screenFrame() const override;
@@ -71,6 +84,17 @@ protected:
 
 private:
     void createMenus();
+    // A pane command in a menu: its data is the tag; toFolderList sends it
+    // to the active pane's folder list even when the grid has the focus.
+    QAction* addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut = {},
+                           bool toFolderList = false);
+    // Asks the active pane about the action's command: the folder list first
+    // when the command is the list's or the list has the focus, else the grid.
+    // Answers whether the command goes to the folder list; *isEnable and
+    // *isCheck receive its state.
+    bool paneMenuItemState(const QAction* action, bool* isEnable, bool* isCheck) const;
+    void selectPaneMenuItem(QAction* action);
+    void focusChanged(QWidget* now);
     void zoomStateChanged(Qt::WindowStates oldState);
     QRectF maximizedFrame() const;
 
@@ -87,7 +111,12 @@ private:
     QMenu* m_fileMenu = nullptr;
     QMenu* m_editMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
+    QMenu* m_clipMenu = nullptr;
+    QMenu* m_folderMenu = nullptr;
     QMenu* m_helpMenu = nullptr;
+    QList<QAction*> m_paneActions;
+    SCMediaInfoView* m_paneViews[2] = {nullptr, nullptr};
+    int m_activePane = 0;
     QAction* m_quitAction = nullptr;
     QAction* m_preferencesAction = nullptr;
     QAction* m_resetWindowSizeAction = nullptr;
