@@ -130,14 +130,19 @@ signals:
     void scrollToItem(int row);
 
 private:
+    // One reload of the selected folder (changeFolder repeats it while asked).
+    void loadFolder();
     void addThumbDataObject(const DOTakeData& take, int indexTakeData);
     // Sorts the records by the current mode, keeping the selection on its items.
     void sortRecords();
     int rowOfUmid(const QString& umid) const;
+    int rowOfTakeIndex(int indexTakeData) const;
     bool isSelectFolder(const QString& folder) const;
     // A folder-level command may run: the selected folder still exists.
     bool checkSelectFolder() const;
     void emitRowChanged(int row);
+    // After takes were added or deleted in place: sizes, order and buttons.
+    void refreshAfterInPlaceChange(const QString& folder, bool changed);
 
     void selectFolderDidChangeNotification(const SCNotification& notification);
     void selectFolderDataDidUpdateNotification(const SCNotification& notification);
