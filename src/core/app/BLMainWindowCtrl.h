@@ -40,11 +40,6 @@ public:
 
     // The other pane: Main for Sub1, Sub1 for Main, nothing for anything else.
     BLMediaInfoCtrl* getAnotherMediaInfoCtrl(const BLMediaInfoCtrl* mediaInfoCtrl) const;
-    // The pane of a type: 0 Main, 1 Sub1; nothing for anything else.
-    BLMediaInfoCtrl* getMediaInfoCtrl(int infoType) const
-    {
-        return infoType == 0 ? m_mediaInfoCtrl1 : infoType == 1 ? m_mediaInfoCtrl2 : nullptr;
-    }
 
     // Whether the controller handles the menu tag; *isEnable tells whether
     // the item is available now.
