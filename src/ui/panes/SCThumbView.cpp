@@ -230,9 +230,9 @@ SCThumbView::SCThumbView(BLThumbViewCtrl* ctrl, QWidget* parent) : QListView(par
     setItemDelegate(new ThumbItemDelegate(ctrl, this));
 
     setDragEnabled(true);
-    setAcceptDrops(true);
     setDropIndicatorShown(false);
     setDragDropMode(QAbstractItemView::DragDrop);
+    viewport()->setAcceptDrops(true); // drags arrive at the viewport
     setDefaultDropAction(Qt::CopyAction);
 
     connect(this, &QAbstractItemView::doubleClicked, ctrl,

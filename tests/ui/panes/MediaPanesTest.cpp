@@ -24,6 +24,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QSplitter>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -123,7 +124,8 @@ protected:
                                                     {"WORK_FOLDER_SUB1", m_sub1.workFolder()},
                                                     {"SELECT_FOLDER_SUB1", m_sub1.workFolder()},
                                                     {"MAIN_WIN_WIDTH", 1280.0},
-                                                    {"MAIN_WIN_HEIGHT", 820.0}});
+                                                    {"MAIN_WIN_HEIGHT", 820.0},
+                                                    {"LOG_FLAG", "DEBUG"}});
         window = std::make_unique<SCMainWindow>();
         ctrl = std::make_unique<BLMainWindowCtrl>(*window);
         window->setController(ctrl.get());
@@ -166,6 +168,8 @@ protected:
     }
     void focusPane(int index)
     {
+        window->activateWindow();
+        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
         thumbView(index)->setFocus(Qt::MouseFocusReason);
         QApplication::processEvents();
         ASSERT_EQ(window->activeMediaInfoView(), pane(index));
@@ -208,8 +212,9 @@ TEST_F(MediaPanesTest, TheGridShowsTheTakesAndAsksForThePicturesOfShownItemsOnly
 
     // Until the picture arrives the item shows the dark placeholder.
     const QPoint corner = first.topLeft() + QPoint(9, 9);
-    if (!hasImage(0, 0))
+    if (!hasImage(0, 0)) {
         EXPECT_EQ(view->viewport()->grab().toImage().pixelColor(corner), QColor(60, 60, 64));
+    }
     ASSERT_TRUE(waitFor([&] { return hasImage(0, 0); }));
     view->viewport()->grab();
     QApplication::processEvents();
@@ -339,6 +344,9 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
     main->selectionModel()->clear();
     actionOf(window->editMenu(), MENU_ITEM_ID_CUT)->trigger();
     EXPECT_FALSE(log().join('\n').contains("menuItemID:MENU_ITEM_ID_CUT"));
+    main->selectionModel()->select(main->index(1), QItemSelectionModel::ClearAndSelect);
+    actionOf(window->editMenu(), MENU_ITEM_ID_CUT)->trigger();
+    EXPECT_TRUE(log().join('\n').contains("menuItemID:MENU_ITEM_ID_CUT"));
 
     // Sorting: the checked item follows the grid's sort mode.
     window->validateMenuItems();
