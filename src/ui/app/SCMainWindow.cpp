@@ -9,6 +9,7 @@
 #include "ui/common/LocalizedTitle.h"
 #include "ui/common/SCFrameView.h"
 #include "ui/panes/SCMediaInfoView.h"
+#include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
 
 #include <QApplication>
@@ -56,9 +57,8 @@ void SCMainWindow::createMenus()
 {
     QMenuBar* bar = menuBar();
     m_fileMenu = bar->addMenu(QStringLiteral("&File"));
-    addPaneAction(m_fileMenu, "Change &Work Folder...", MENU_ITEM_ID_CHANGE_WORK_FOLDER, QKeySequence::Open, true);
-    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER, QKeySequence(QStringLiteral("Alt+Up")),
-                  true);
+    addPaneAction(m_fileMenu, "Change &Work Folder...", MENU_ITEM_ID_CHANGE_WORK_FOLDER, QKeySequence::Open);
+    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER, QKeySequence(QStringLiteral("Alt+Up")));
     m_fileMenu->addSeparator();
     addPaneAction(m_fileMenu, "&Import MP4 Files...", MENU_ITEM_ID_IMPORT);
     addPaneAction(m_fileMenu, "&Export as MPEG-2 TS...", MENU_ITEM_ID_EXPORT,
@@ -76,7 +76,7 @@ void SCMainWindow::createMenus()
     m_editMenu->addSeparator();
     addPaneAction(m_editMenu, "Select &All", MENU_ITEM_ID_SELECT_ALL, QKeySequence::SelectAll);
     m_editMenu->addSeparator();
-    addPaneAction(m_editMenu, "Copy All Clips to the &Other Pane...", MENU_ITEM_ID_ALL_COPY, {}, true);
+    addPaneAction(m_editMenu, "Copy All Clips to the &Other Pane...", MENU_ITEM_ID_ALL_COPY);
     m_editMenu->addSeparator();
     m_preferencesAction = m_editMenu->addAction(QStringLiteral("&Preferences..."));
     m_preferencesAction->setShortcut(QKeySequence(QStringLiteral("Ctrl+,")));
@@ -100,19 +100,17 @@ void SCMainWindow::createMenus()
     addPaneAction(m_clipMenu, "&Play", MENU_ITEM_ID_THUMB_PLAY, QKeySequence(Qt::Key_Space));
     addPaneAction(m_clipMenu, "Show &Info...", MENU_ITEM_ID_SHOW_INFO, QKeySequence(QStringLiteral("Ctrl+I")));
     m_clipMenu->addSeparator();
-    addPaneAction(m_clipMenu, "&Search Clips...", MENU_ITEM_ID_CLIP_SEARCH, QKeySequence::Find, true);
+    addPaneAction(m_clipMenu, "&Search Clips...", MENU_ITEM_ID_CLIP_SEARCH, QKeySequence::Find);
 
     m_folderMenu = bar->addMenu(QStringLiteral("F&older"));
-    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER,
-                  QKeySequence(QStringLiteral("Ctrl+Shift+N")), true);
-    addPaneAction(m_folderMenu, "&Rename Folder...", MENU_ITEM_ID_CHANGE_FOLDER_NAME, {}, true);
-    addPaneAction(m_folderMenu, "&Delete Folder...", MENU_ITEM_ID_DELETE, {}, true);
+    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER, QKeySequence(QStringLiteral("Ctrl+Shift+N")));
+    addPaneAction(m_folderMenu, "&Rename Folder...", MENU_ITEM_ID_CHANGE_FOLDER_NAME);
     m_folderMenu->addSeparator();
-    addPaneAction(m_folderMenu, "D&ivide Folder...", MENU_ITEM_ID_FOLDER_DIVISION, {}, true);
-    addPaneAction(m_folderMenu, "&Combine Folders...", MENU_ITEM_ID_FOLDER_COMBINE, {}, true);
+    addPaneAction(m_folderMenu, "D&ivide Folder...", MENU_ITEM_ID_FOLDER_DIVISION);
+    addPaneAction(m_folderMenu, "&Combine Folders...", MENU_ITEM_ID_FOLDER_COMBINE);
     m_folderMenu->addSeparator();
-    addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE, {}, true);
-    addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER, {}, true);
+    addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE);
+    addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER);
 
     m_helpMenu = bar->addMenu(QStringLiteral("&Help"));
     m_aboutAction = m_helpMenu->addAction(QStringLiteral("&About ORX Clipwright"));
@@ -125,13 +123,11 @@ void SCMainWindow::createMenus()
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusChanged(now); });
 }
 
-QAction* SCMainWindow::addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut,
-                                     bool toFolderList)
+QAction* SCMainWindow::addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut)
 {
     QAction* action = menu->addAction(QString::fromUtf8(title));
     action->setData(tag);
     action->setShortcut(shortcut);
-    action->setProperty("toFolderList", toFolderList);
     connect(action, &QAction::triggered, this, [this, action] { selectPaneMenuItem(action); });
     m_paneActions << action;
     return action;
@@ -154,6 +150,9 @@ void SCMainWindow::installPaneViews()
         m_paneViews[index] = new SCMediaInfoView(pane, container);
         layout->addWidget(m_paneViews[index]);
     }
+    // The menus start on the Main pane's grid.
+    if (m_paneViews[0])
+        m_paneViews[0]->thumbView()->setFocus(Qt::OtherFocusReason);
 }
 
 SCMediaInfoView* SCMainWindow::mediaInfoView(int index) const
@@ -163,46 +162,31 @@ SCMediaInfoView* SCMainWindow::mediaInfoView(int index) const
 
 SCMediaInfoView* SCMainWindow::activeMediaInfoView() const
 {
-    return m_paneViews[m_activePane];
+    return m_activePane;
 }
 
 void SCMainWindow::focusChanged(QWidget* now)
 {
-    for (int index : {0, 1})
-        if (m_paneViews[index] && now && m_paneViews[index]->isAncestorOf(now))
-            m_activePane = index;
-}
-
-bool SCMainWindow::paneMenuItemState(const QAction* action, bool* isEnable, bool* isCheck) const
-{
-    *isEnable = false;
-    *isCheck = false;
-    const SCMediaInfoView* view = activeMediaInfoView();
-    BLMediaInfoCtrl* pane = view ? view->ctrl() : nullptr;
-    if (!pane)
-        return false;
-    const int tag = action->data().toInt();
-    if (action->property("toFolderList").toBool() || view->treeView()->hasFocus()) {
-        if (pane->isSupportMenuItemToTreeView(tag, isEnable, isCheck))
-            return true;
-    }
-    pane->thumbViewCtrl()->isSupportMenuItem(tag, isEnable, isCheck);
-    return false;
+    // Focus leaving the window (to a dialog, or with the window deactivated)
+    // leaves the menus on the pane they were on.
+    if (!now || now->window() != this)
+        return;
+    m_activePane = nullptr;
+    for (SCMediaInfoView* view : m_paneViews)
+        if (view && view->isAncestorOf(now))
+            m_activePane = view;
+    if (m_ctrl)
+        m_ctrl->setFocusMediaInfoCtrl(m_activePane ? m_activePane->ctrl() : nullptr,
+                                      m_activePane && m_activePane->treeView() == now);
 }
 
 void SCMainWindow::selectPaneMenuItem(QAction* action)
 {
-    bool enable = false;
-    bool check = false;
-    const bool toFolderList = paneMenuItemState(action, &enable, &check);
-    if (!enable)
-        return; // a shortcut of a command that is not available now
-    BLMediaInfoCtrl* pane = activeMediaInfoView()->ctrl();
     const int tag = action->data().toInt();
-    if (toFolderList)
-        pane->selectMenuItemToTreeView(tag);
-    else
-        pane->thumbViewCtrl()->selectMenuItem(tag);
+    bool enable = false;
+    // A shortcut of a command that is not available now does nothing.
+    if (m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable)
+        m_ctrl->selectMenuItem(tag);
 }
 
 void SCMainWindow::validateMenuItems()
@@ -214,11 +198,14 @@ void SCMainWindow::validateMenuItems()
     if (m_ctrl && m_ctrl->isSupportMenuItem(m_resetWindowSizeAction->data().toInt(), &enable))
         m_resetWindowSizeAction->setEnabled(enable);
     for (QAction* action : std::as_const(m_paneActions)) {
-        bool check = false;
-        paneMenuItemState(action, &enable, &check);
-        action->setEnabled(enable);
-        if (action->isCheckable())
+        const int tag = action->data().toInt();
+        action->setEnabled(m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable);
+        if (action->isCheckable()) {
+            bool check = false;
+            if (m_activePane && m_activePane->ctrl())
+                m_activePane->ctrl()->thumbViewCtrl()->isSupportMenuItem(tag, nullptr, &check);
             action->setChecked(check);
+        }
     }
 }
 

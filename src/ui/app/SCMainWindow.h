@@ -36,8 +36,8 @@ public:
     void installPaneViews();
     // The pane view 0 (Main) or 1 (Sub1); null before installPaneViews.
     SCMediaInfoView* mediaInfoView(int index) const;
-    // The pane the pane commands of the menus go to: the one that last held
-    // the keyboard focus (Main at first).
+    // The pane whose folder list or grid has the keyboard focus: the menus'
+    // pane commands go to it (through the controller); null when neither has it.
     SCMediaInfoView* activeMediaInfoView() const;
     QWidget* previewContainer() const { return m_previewView; }
     QSplitter* splitView() const { return m_splitView; }
@@ -84,16 +84,10 @@ protected:
 
 private:
     void createMenus();
-    // A pane command in a menu: its data is the tag; toFolderList sends it
-    // to the active pane's folder list even when the grid has the focus.
-    QAction* addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut = {},
-                           bool toFolderList = false);
-    // Asks the active pane about the action's command: the folder list first
-    // when the command is the list's or the list has the focus, else the grid.
-    // Answers whether the command goes to the folder list; *isEnable and
-    // *isCheck receive its state.
-    bool paneMenuItemState(const QAction* action, bool* isEnable, bool* isCheck) const;
+    // A pane command in a menu: its data is the tag.
+    QAction* addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut = {});
     void selectPaneMenuItem(QAction* action);
+    // Tells the controller which pane, and which of its lists, has the focus.
     void focusChanged(QWidget* now);
     void zoomStateChanged(Qt::WindowStates oldState);
     QRectF maximizedFrame() const;
@@ -116,7 +110,7 @@ private:
     QMenu* m_helpMenu = nullptr;
     QList<QAction*> m_paneActions;
     SCMediaInfoView* m_paneViews[2] = {nullptr, nullptr};
-    int m_activePane = 0;
+    SCMediaInfoView* m_activePane = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_preferencesAction = nullptr;
     QAction* m_resetWindowSizeAction = nullptr;

@@ -297,8 +297,8 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
         return action && action->isEnabled();
     };
 
-    // Every pane item of the menu bar is enabled exactly as the active
-    // pane's controllers answer.
+    // With the grid focused, every pane item of the menu bar is enabled
+    // exactly as the pane's grid answers.
     for (QMenu* menu : {window->fileMenu(), window->editMenu(), window->viewMenu(), window->clipMenu(),
                         window->folderMenu()}) {
         window->validateMenuItems();
@@ -308,13 +308,7 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
                 action == window->preferencesAction())
                 continue;
             bool enable = false;
-            const bool toList = menu == window->folderMenu() || tag == MENU_ITEM_ID_CHANGE_WORK_FOLDER ||
-                                tag == MENU_ITEM_ID_MOVE_UP_FOLDER || tag == MENU_ITEM_ID_ALL_COPY ||
-                                tag == MENU_ITEM_ID_CLIP_SEARCH;
-            if (toList)
-                mainPane->isSupportMenuItemToTreeView(tag, &enable, nullptr);
-            else
-                main->isSupportMenuItem(tag, &enable, nullptr);
+            mainPane->isSupportMenuItemToThumbView(tag, &enable, nullptr);
             EXPECT_EQ(action->isEnabled(), enable) << action->text().toStdString();
         }
     }
@@ -338,6 +332,14 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
     // The folder dialogs are there: the card root may get a new folder.
     EXPECT_TRUE(enabled(window->folderMenu(), MENU_ITEM_ID_NEW_FOLDER));
     EXPECT_TRUE(enabled(window->fileMenu(), MENU_ITEM_ID_CHANGE_WORK_FOLDER));
+
+    // With the folder list focused, Delete deletes the folder; the clip
+    // commands are not the list's.
+    pane(0)->treeView()->setFocus(Qt::MouseFocusReason);
+    EXPECT_TRUE(enabled(window->editMenu(), MENU_ITEM_ID_DELETE));
+    EXPECT_FALSE(enabled(window->editMenu(), MENU_ITEM_ID_COPY));
+    EXPECT_TRUE(enabled(window->folderMenu(), MENU_ITEM_ID_CHANGE_FOLDER_NAME));
+    focusPane(0);
 
     // A shortcut of a disabled command does nothing once the menu has closed.
     window->enablePaneMenuItems();
