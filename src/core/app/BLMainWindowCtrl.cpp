@@ -4,8 +4,10 @@
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/app/IMainWindowView.h"
+#include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/panes/BLMediaInfoCtrl.h"
 #include "core/preview/BLCacheImageCtrl.h"
 
 #include <algorithm>
@@ -19,6 +21,8 @@ BLMainWindowCtrl::~BLMainWindowCtrl()
 
 void BLMainWindowCtrl::awakeFromNib()
 {
+    m_mediaInfoCtrl1 = std::make_unique<BLMediaInfoCtrl>(BLMediaInfoCtrl::kTypeMain, this);
+    m_mediaInfoCtrl2 = std::make_unique<BLMediaInfoCtrl>(BLMediaInfoCtrl::kTypeSub1, this);
     m_cacheImageCtrl = std::make_unique<BLCacheImageCtrl>();
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
@@ -31,15 +35,23 @@ void BLMainWindowCtrl::awakeFromNib()
 
 bool BLMainWindowCtrl::initializeCtrl()
 {
-    // The panes and the preview initialise here once they exist; a pane that
-    // could not restore its remembered folder makes this answer false.
-    return true;
+    if (!m_mediaInfoCtrl1)
+        return true;
+    // Both panes restore first, so one message covers both.
+    const bool lost1 = m_mediaInfoCtrl1->initializeCtrl();
+    const bool lost2 = m_mediaInfoCtrl2->initializeCtrl();
+    if (lost1 || lost2)
+        BLCommon::sharedCtrl()->messageBox(QStringLiteral("MSG_632_3169"), QString(), 0, 0);
+    return !lost1 && !lost2;
 }
 
 void BLMainWindowCtrl::finalizeCtrl()
 {
-    // The panes, the preview and the export parameters are finalised here
-    // once they exist.
+    // The preview and the export parameters are finalised here once they exist.
+    if (m_mediaInfoCtrl1) {
+        m_mediaInfoCtrl1->finalizeCtrl();
+        m_mediaInfoCtrl2->finalizeCtrl();
+    }
 }
 
 void BLMainWindowCtrl::readData()
@@ -87,11 +99,26 @@ BLMediaInfoCtrl* BLMainWindowCtrl::getAnotherMediaInfoCtrl(const BLMediaInfoCtrl
 {
     if (!mediaInfoCtrl)
         return nullptr;
-    if (mediaInfoCtrl == m_mediaInfoCtrl1)
-        return m_mediaInfoCtrl2;
-    if (mediaInfoCtrl == m_mediaInfoCtrl2)
-        return m_mediaInfoCtrl1;
+    if (mediaInfoCtrl == m_mediaInfoCtrl1.get())
+        return m_mediaInfoCtrl2.get();
+    if (mediaInfoCtrl == m_mediaInfoCtrl2.get())
+        return m_mediaInfoCtrl1.get();
     return nullptr;
+}
+
+BLMediaInfoCtrl* BLMainWindowCtrl::getMediaInfoCtrl(int infoType) const
+{
+    if (infoType == BLMediaInfoCtrl::kTypeMain)
+        return m_mediaInfoCtrl1.get();
+    if (infoType == BLMediaInfoCtrl::kTypeSub1)
+        return m_mediaInfoCtrl2.get();
+    return nullptr;
+}
+
+void BLMainWindowCtrl::setFocusMediaInfoCtrl(BLMediaInfoCtrl* mediaInfoCtrl, bool treeHasFocus)
+{
+    m_focusMediaInfoCtrl = mediaInfoCtrl;
+    m_focusOnTree = treeHasFocus;
 }
 
 bool BLMainWindowCtrl::isSupportMenuItem(int tag, bool* isEnable) const
@@ -100,6 +127,13 @@ bool BLMainWindowCtrl::isSupportMenuItem(int tag, bool* isEnable) const
     if (tag == MENU_ITEM_ID_RESET_WINDOW_SIZE) {
         *isEnable = m_view.isWindowVisible() && m_view.isKeyWindow();
         return true;
+    }
+    if (m_focusMediaInfoCtrl) {
+        const bool supported =
+            m_focusOnTree ? m_focusMediaInfoCtrl->isSupportMenuItemToTreeView(tag, isEnable, nullptr)
+                          : m_focusMediaInfoCtrl->isSupportMenuItemToThumbView(tag, isEnable, nullptr);
+        if (supported)
+            return true;
     }
     // Preview menu items are answered by the preview controller once it exists.
     return false;
@@ -112,6 +146,11 @@ void BLMainWindowCtrl::selectMenuItem(int tag)
             631,
             QStringLiteral("[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
         resetWindowSize();
+    } else if (m_focusMediaInfoCtrl) {
+        if (m_focusOnTree)
+            m_focusMediaInfoCtrl->selectMenuItemToTreeView(tag);
+        else
+            m_focusMediaInfoCtrl->selectMenuItemToThumbView(tag);
     }
 }
 
@@ -187,6 +226,9 @@ void BLMainWindowCtrl::closeHouseKeepingWindowNotification()
 
 void BLMainWindowCtrl::setDividersLocked(bool locked)
 {
-    // The panes' own dividers join the split view's here once the panes exist.
     m_view.setDividersLocked(locked);
+    if (m_mediaInfoCtrl1) {
+        m_mediaInfoCtrl1->setDividerLocked(locked);
+        m_mediaInfoCtrl2->setDividerLocked(locked);
+    }
 }

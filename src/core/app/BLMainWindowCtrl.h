@@ -40,9 +40,14 @@ public:
 
     // The other pane: Main for Sub1, Sub1 for Main, nothing for anything else.
     BLMediaInfoCtrl* getAnotherMediaInfoCtrl(const BLMediaInfoCtrl* mediaInfoCtrl) const;
+    // The Main (type 0) or Sub1 (type 1) pane; none before awakeFromNib.
+    BLMediaInfoCtrl* getMediaInfoCtrl(int infoType) const;
+    // The pane whose folder list (treeHasFocus) or grid has the keyboard
+    // focus; the menus act on it. Null when neither pane has it.
+    void setFocusMediaInfoCtrl(BLMediaInfoCtrl* mediaInfoCtrl, bool treeHasFocus);
 
-    // Whether the controller handles the menu tag; *isEnable tells whether
-    // the item is available now.
+    // Whether the controller handles the menu tag (its own, or a command of
+    // the pane with the focus); *isEnable tells whether the item is available now.
     bool isSupportMenuItem(int tag, bool* isEnable) const;
     void selectMenuItem(int tag);
 
@@ -66,8 +71,10 @@ private:
     void setDividersLocked(bool locked);
 
     IMainWindowView& m_view;
-    BLMediaInfoCtrl* m_mediaInfoCtrl1 = nullptr;
-    BLMediaInfoCtrl* m_mediaInfoCtrl2 = nullptr;
+    std::unique_ptr<BLMediaInfoCtrl> m_mediaInfoCtrl1;
+    std::unique_ptr<BLMediaInfoCtrl> m_mediaInfoCtrl2;
+    BLMediaInfoCtrl* m_focusMediaInfoCtrl = nullptr;
+    bool m_focusOnTree = false;
     std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     bool m_isZoom = false;
 };

@@ -130,13 +130,14 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
             ++from;
         }
 
-        // The frame is saved once: one save per frame key.
+        // The frame is saved once: one save per frame key, besides the one
+        // save of each pane's first selected folder at start.
         const auto settings = BLPlistCtrl::readPlistFile(config + "/Clipwright/Clipwright.plist");
         ASSERT_TRUE(settings.has_value());
         EXPECT_TRUE(settings->contains("MAIN_WIN_X"));
         EXPECT_TRUE(settings->contains("MAIN_WIN_Y"));
         EXPECT_EQ(settings->value("MAIN_WIN_WIDTH").toDouble(), 1024.0);
         EXPECT_EQ(settings->value("MAIN_WIN_HEIGHT").toDouble(), 768.0);
-        EXPECT_EQ(saves.count(), 4);
+        EXPECT_EQ(saves.count(), 4 + 2);
     }
 }
