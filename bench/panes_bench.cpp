@@ -95,10 +95,14 @@ struct Panes
     }
 };
 
+// Made on first use; gone before the application object.
+std::unique_ptr<Panes> g_panes;
+
 Panes& panes()
 {
-    static Panes instance;
-    return instance;
+    if (!g_panes)
+        g_panes = std::make_unique<Panes>();
+    return *g_panes;
 }
 
 void BM_SelectFolderToGridShown(benchmark::State& state)
@@ -149,5 +153,6 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
+    g_panes.reset();
     return 0;
 }
