@@ -353,8 +353,12 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
     // Sorting: the checked item follows the grid's sort mode.
     window->validateMenuItems();
     EXPECT_TRUE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_TITLE)->isChecked());
+    // A new order shows the grid from its top.
+    thumbView(0)->scrollToBottom();
+    ASSERT_GT(thumbView(0)->verticalScrollBar()->value(), 0);
     actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_DURATION)->trigger();
     EXPECT_EQ(main->getSortMode(), BLThumbViewCtrl::kSortDuration);
+    EXPECT_EQ(thumbView(0)->verticalScrollBar()->value(), 0);
     window->validateMenuItems();
     EXPECT_FALSE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_TITLE)->isChecked());
     EXPECT_TRUE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_DURATION)->isChecked());
