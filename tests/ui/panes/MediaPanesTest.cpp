@@ -430,6 +430,17 @@ TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
     // Takes dropped back on the grid they came from are refused.
     EXPECT_EQ(drop(0, Qt::NoModifier), Qt::IgnoreAction);
     EXPECT_EQ(log().filter("dropClipData").size(), 2);
+
+    // A drag started with the mouse from a selected item carries the whole
+    // selection; the grid's takes and selection stay as they were.
+    QWidget* viewport = thumbView(0)->viewport();
+    const QPoint from = centerOf(0, 1);
+    mouse(viewport, QEvent::MouseButtonPress, from);
+    mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    mouse(viewport, QEvent::MouseButtonRelease, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    EXPECT_EQ(main->rowCount(), kMainClips);
+    EXPECT_EQ(selectedRows(main), (QList<int>{1, 4}));
 }
 
 TEST_F(MediaPanesTest, ScreenshotOfBothPanes)
