@@ -8,6 +8,7 @@
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/panes/BLMediaInfoCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
 #include "core/preview/BLCacheImageCtrl.h"
 
 #include <algorithm>
@@ -23,6 +24,9 @@ void BLMainWindowCtrl::awakeFromNib()
 {
     m_mediaInfoCtrl1 = std::make_unique<BLMediaInfoCtrl>(BLMediaInfoCtrl::kTypeMain, this);
     m_mediaInfoCtrl2 = std::make_unique<BLMediaInfoCtrl>(BLMediaInfoCtrl::kTypeSub1, this);
+    // Made after the panes and before the thumbnail cache, which uses it.
+    if (IPreviewView* previewView = m_view.previewView())
+        m_previewCtrl = std::make_unique<BLPreviewCtrl>(*previewView);
     m_cacheImageCtrl = std::make_unique<BLCacheImageCtrl>();
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
@@ -35,23 +39,24 @@ void BLMainWindowCtrl::awakeFromNib()
 
 bool BLMainWindowCtrl::initializeCtrl()
 {
-    if (!m_mediaInfoCtrl1)
-        return true;
-    // Both panes restore first, so one message covers both.
-    const bool lost1 = m_mediaInfoCtrl1->initializeCtrl();
-    const bool lost2 = m_mediaInfoCtrl2->initializeCtrl();
+    // Both panes restore first, so one message covers both; then the preview.
+    const bool lost1 = m_mediaInfoCtrl1 && m_mediaInfoCtrl1->initializeCtrl();
+    const bool lost2 = m_mediaInfoCtrl2 && m_mediaInfoCtrl2->initializeCtrl();
     if (lost1 || lost2)
         BLCommon::sharedCtrl()->messageBox(QStringLiteral("MSG_632_3169"), QString(), 0, 0);
-    return !lost1 && !lost2;
+    const bool previewReady = !m_previewCtrl || m_previewCtrl->initializeCtrl();
+    return !lost1 && !lost2 && previewReady;
 }
 
 void BLMainWindowCtrl::finalizeCtrl()
 {
-    // The preview and the export parameters are finalised here once they exist.
+    // The panes first, then the preview; the export parameters follow once they exist.
     if (m_mediaInfoCtrl1) {
         m_mediaInfoCtrl1->finalizeCtrl();
         m_mediaInfoCtrl2->finalizeCtrl();
     }
+    if (m_previewCtrl)
+        m_previewCtrl->finalizeCtrl();
 }
 
 void BLMainWindowCtrl::readData()
@@ -135,8 +140,7 @@ bool BLMainWindowCtrl::isSupportMenuItem(int tag, bool* isEnable) const
         if (supported)
             return true;
     }
-    // Preview menu items are answered by the preview controller once it exists.
-    return false;
+    return m_previewCtrl && m_previewCtrl->isSupportMenuItem(tag, isEnable);
 }
 
 void BLMainWindowCtrl::selectMenuItem(int tag)
@@ -146,12 +150,15 @@ void BLMainWindowCtrl::selectMenuItem(int tag)
             631,
             QStringLiteral("[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
         resetWindowSize();
-    } else if (m_focusMediaInfoCtrl) {
-        if (m_focusOnTree)
-            m_focusMediaInfoCtrl->selectMenuItemToTreeView(tag);
-        else
-            m_focusMediaInfoCtrl->selectMenuItemToThumbView(tag);
+        return;
     }
+    bool isEnable = false;
+    if (m_previewCtrl && m_previewCtrl->isSupportMenuItem(tag, &isEnable))
+        m_previewCtrl->selectMenuItem(tag);
+    else if (m_focusMediaInfoCtrl && m_focusOnTree)
+        m_focusMediaInfoCtrl->selectMenuItemToTreeView(tag);
+    else if (m_focusMediaInfoCtrl)
+        m_focusMediaInfoCtrl->selectMenuItemToThumbView(tag);
 }
 
 void BLMainWindowCtrl::windowWillCloseNotification()
@@ -169,21 +176,29 @@ void BLMainWindowCtrl::windowWillCloseNotification()
 void BLMainWindowCtrl::windowWillMiniaturizeNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowWillMiniaturizeNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->hideOpenGLView();
 }
 
 void BLMainWindowCtrl::windowDidDeminiaturizeNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl windowDidDeminiaturizeNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->showOpenGLView();
 }
 
 void BLMainWindowCtrl::applicationWillHideNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl applicationWillHideNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->hideOpenGLView();
 }
 
 void BLMainWindowCtrl::applicationDidUnhideNotification()
 {
     BLLogCtrl::debug(0, QStringLiteral("[BLMainWindowCtrl applicationDidUnhideNotification]"));
+    if (m_previewCtrl)
+        m_previewCtrl->showOpenGLView();
 }
 
 QSizeF BLMainWindowCtrl::windowWillResize(const QSizeF& proposedSize) const

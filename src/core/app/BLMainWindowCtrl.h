@@ -7,6 +7,7 @@
 
 class IMainWindowView;
 class BLMediaInfoCtrl;
+class BLPreviewCtrl;
 class BLCacheImageCtrl;
 
 // Menu tag of "Reset Window Size".
@@ -29,7 +30,7 @@ public:
     // housekeeping notifications.
     void awakeFromNib();
     // When launching has finished: initialises the panes and the preview.
-    // Answers whether everything started as remembered.
+    // False when the program cannot go on (the viewer library did not start).
     bool initializeCtrl();
     void finalizeCtrl();
 
@@ -45,6 +46,8 @@ public:
     // The pane whose folder list (treeHasFocus) or grid has the keyboard
     // focus; the menus act on it. Null when neither pane has it.
     void setFocusMediaInfoCtrl(BLMediaInfoCtrl* mediaInfoCtrl, bool treeHasFocus);
+    // The preview controller (none when the window has no preview view).
+    BLPreviewCtrl* getPreviewCtrl() const { return m_previewCtrl.get(); }
 
     // Whether the controller handles the menu tag (its own, or a command of
     // the pane with the focus); *isEnable tells whether the item is available now.
@@ -75,6 +78,7 @@ private:
     std::unique_ptr<BLMediaInfoCtrl> m_mediaInfoCtrl2;
     BLMediaInfoCtrl* m_focusMediaInfoCtrl = nullptr;
     bool m_focusOnTree = false;
+    std::unique_ptr<BLPreviewCtrl> m_previewCtrl;
     std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     bool m_isZoom = false;
 };

@@ -3,6 +3,8 @@
 #include <QRectF>
 #include <QSizeF>
 
+class IPreviewView;
+
 // What the main window controller needs from the window itself. Geometry is
 // in screen coordinates with y growing downwards; a window frame is the
 // position of the window's outer top-left corner and the size of its content.
@@ -26,6 +28,10 @@ public:
     // While locked, a change of the window size keeps the upper side's height
     // and the dividers cannot be dragged.
     virtual void setDividersLocked(bool locked) = 0;
+
+    // The view in the preview container that the preview controller drives;
+    // none in a window without one.
+    virtual IPreviewView* previewView() { return nullptr; }
 
     virtual bool isHouseKeepingSheetVisible() const = 0;
     virtual void showHouseKeepingSheet() = 0;

@@ -85,12 +85,15 @@ BLMediaInfoCtrl::BLMediaInfoCtrl(int infoType, BLMainWindowCtrl* mainWindowCtrl,
 
     connect(m_treeViewCtrl, &BLTreeViewCtrl::selectFolderChosen, this, &BLMediaInfoCtrl::setSelectFolder);
     connect(m_treeViewCtrl, &BLTreeViewCtrl::workFolderChosen, this, &BLMediaInfoCtrl::setWorkFolder);
-    connect(m_treeViewCtrl, &BLTreeViewCtrl::selectFolderNotFound, this, &BLMediaInfoCtrl::notFoundSelectFolder);
-    connect(m_treeViewCtrl, &BLTreeViewCtrl::workFolderMoveUpRequested, this, &BLMediaInfoCtrl::moveUpWorkFolder);
-    connect(m_treeViewCtrl, &BLTreeViewCtrl::folderRenamed, this, [this](const QString& from, const QString& to) {
-        renameWorkFolder(from, to);
-        renameSelectFolder(from, to);
-    });
+    connect(m_treeViewCtrl, &BLTreeViewCtrl::selectFolderNotFound, this,
+            &BLMediaInfoCtrl::notFoundSelectFolder);
+    connect(m_treeViewCtrl, &BLTreeViewCtrl::workFolderMoveUpRequested, this,
+            &BLMediaInfoCtrl::moveUpWorkFolder);
+    connect(m_treeViewCtrl, &BLTreeViewCtrl::folderRenamed, this,
+            [this](const QString& from, const QString& to) {
+                renameWorkFolder(from, to);
+                renameSelectFolder(from, to);
+            });
     connect(m_treeViewCtrl, &BLTreeViewCtrl::menuItemChosen, this, &BLMediaInfoCtrl::runTreeCommand);
 }
 
@@ -186,10 +189,12 @@ void BLMediaInfoCtrl::setWorkFolder(const QString& path, bool keepSelect)
 {
     const QString pane = getMediaInfoTypeString();
     if (path == getWorkFolder()) {
-        BLLogCtrl::debug(kProcessId, QStringLiteral("[BLMediaInfoCtrl setWorkFolder](%1) NO change:%2").arg(pane, path));
+        BLLogCtrl::debug(kProcessId,
+                         QStringLiteral("[BLMediaInfoCtrl setWorkFolder](%1) NO change:%2").arg(pane, path));
         return;
     }
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLMediaInfoCtrl setWorkFolder](%1) WorkFolder:%2").arg(pane, path));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLMediaInfoCtrl setWorkFolder](%1) WorkFolder:%2").arg(pane, path));
     BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
     if (m_infoType == kTypeMain)
         plist->setWorkFolderPathByMain(path);
@@ -206,8 +211,8 @@ void BLMediaInfoCtrl::setSelectFolder(const QString& path, bool userSelect)
 {
     const QString pane = getMediaInfoTypeString();
     if (path == m_selectFolder) {
-        BLLogCtrl::debug(kProcessId,
-                         QStringLiteral("[BLMediaInfoCtrl setSelectFolder](%1) NO change:%2").arg(pane, path));
+        BLLogCtrl::debug(
+            kProcessId, QStringLiteral("[BLMediaInfoCtrl setSelectFolder](%1) NO change:%2").arg(pane, path));
         return;
     }
     BLLogCtrl::debug(kProcessId,
@@ -244,10 +249,12 @@ void BLMediaInfoCtrl::changeWorkFolder()
         return;
     const QString chosen = m_baseView->chooseFolder(getWorkFolder());
     if (chosen.isEmpty()) {
-        BLLogCtrl::debug(kWorkFolderProcessId, QStringLiteral("[BLMediaInfoCtrl changeWorkFolder]    cancel"));
+        BLLogCtrl::debug(kWorkFolderProcessId,
+                         QStringLiteral("[BLMediaInfoCtrl changeWorkFolder]    cancel"));
         return;
     }
-    BLLogCtrl::debug(kWorkFolderProcessId, QStringLiteral("[BLMediaInfoCtrl changeWorkFolder] workFolder:") + chosen);
+    BLLogCtrl::debug(kWorkFolderProcessId,
+                     QStringLiteral("[BLMediaInfoCtrl changeWorkFolder] workFolder:") + chosen);
     setWorkFolder(chosen, false);
     m_treeViewCtrl->selectTreeIndex(0);
 }
@@ -260,8 +267,8 @@ void BLMediaInfoCtrl::moveUpWorkFolder()
     const QString clean = QDir::cleanPath(work);
     const QString parent = QFileInfo(clean).path();
     // A volume's root (or "/") has no folder above it in the list: the volume list.
-    const bool top = clean == QLatin1String("/") || parent == QLatin1String("/Volumes") ||
-                     BLCommon::isVolume(clean);
+    const bool top =
+        clean == QLatin1String("/") || parent == QLatin1String("/Volumes") || BLCommon::isVolume(clean);
     setWorkFolder(top ? QString() : parent, true);
 }
 
@@ -387,7 +394,8 @@ QList<DOTakeData> BLMediaInfoCtrl::getSelectAllTakeData() const
 void BLMediaInfoCtrl::updateFolderName()
 {
     if (m_baseView)
-        m_baseView->setFolderName(m_selectFolder.isEmpty() ? QString() : BLCommon::getDisplayName(m_selectFolder));
+        m_baseView->setFolderName(m_selectFolder.isEmpty() ? QString()
+                                                           : BLCommon::getDisplayName(m_selectFolder));
 }
 
 void BLMediaInfoCtrl::updateFolderSize()
@@ -415,8 +423,9 @@ void BLMediaInfoCtrl::updateVolumeSize()
     }
     const BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
     const QString format = QStringLiteral("#,##0.0");
-    m_baseView->setVolumeSize(QStringLiteral("%1 / %2").arg(BLCommon::convertSizeStr(disk->getUsedSize(path), format, 3),
-                                                            BLCommon::convertSizeStr(disk->getDiskSize(path), format, 3)));
+    m_baseView->setVolumeSize(
+        QStringLiteral("%1 / %2").arg(BLCommon::convertSizeStr(disk->getUsedSize(path), format, 3),
+                                      BLCommon::convertSizeStr(disk->getDiskSize(path), format, 3)));
 }
 
 void BLMediaInfoCtrl::updateSize(const QString& path)
@@ -444,7 +453,8 @@ void BLMediaInfoCtrl::updateToolAllCopyButton()
         return;
     bool enable = false;
     m_baseView->setToolButtonEnabled(MENU_ITEM_ID_ALL_COPY,
-                                     isSupportMenuItemToTreeView(MENU_ITEM_ID_ALL_COPY, &enable, nullptr) && enable);
+                                     isSupportMenuItemToTreeView(MENU_ITEM_ID_ALL_COPY, &enable, nullptr) &&
+                                         enable);
 }
 
 void BLMediaInfoCtrl::setDividerLocked(bool locked)
@@ -652,8 +662,9 @@ void BLMediaInfoCtrl::openClipOperation(const char* caller, const char* operatio
 {
     // The copy and move dialogs are not part of this build; their menu items
     // are disabled, so only a direct call arrives here.
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLMediaInfoCtrl %1](%2) %3 of %4 takes from %5 to %6: no dialog")
-                                     .arg(QLatin1String(caller), getMediaInfoTypeString(), QLatin1String(operation))
-                                     .arg(clipCtrl.getFromTakes().size())
-                                     .arg(clipCtrl.sourceWorkFolder(), clipCtrl.destinationWorkFolder()));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLMediaInfoCtrl %1](%2) %3 of %4 takes from %5 to %6: no dialog")
+                         .arg(QLatin1String(caller), getMediaInfoTypeString(), QLatin1String(operation))
+                         .arg(clipCtrl.getFromTakes().size())
+                         .arg(clipCtrl.sourceWorkFolder(), clipCtrl.destinationWorkFolder()));
 }

@@ -25,10 +25,10 @@ constexpr int kLastMenuTag = 44216;
 
 // The folder list's commands, answered by the list even when the grid has the focus.
 constexpr int kTreeTags[] = {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_NEW_FOLDER,
-                             MENU_ITEM_ID_OPEN_IN_FINDER,      MENU_ITEM_ID_ALL_COPY,
-                             MENU_ITEM_ID_FOLDER_DIVISION,     MENU_ITEM_ID_FOLDER_COMBINE,
-                             MENU_ITEM_ID_CHANGE_WORK_FOLDER,  MENU_ITEM_ID_MOVE_UP_FOLDER,
-                             MENU_ITEM_ID_CLIP_SEARCH,         MENU_ITEM_ID_MEDIA_NAME_CHANGE};
+                             MENU_ITEM_ID_OPEN_IN_FINDER,     MENU_ITEM_ID_ALL_COPY,
+                             MENU_ITEM_ID_FOLDER_DIVISION,    MENU_ITEM_ID_FOLDER_COMBINE,
+                             MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER,
+                             MENU_ITEM_ID_CLIP_SEARCH,        MENU_ITEM_ID_MEDIA_NAME_CHANGE};
 
 const char* const kSortNames[] = {"THUMB_SORT_TITLE", "THUMB_SORT_SIZE", "THUMB_SORT_DURATION",
                                   "THUMB_SORT_DATE"};
@@ -58,7 +58,8 @@ bool isCommandAvailable(int tag)
 
 bool sameFolder(const QString& folder, const QString& folder2)
 {
-    return !folder.isEmpty() && QDir::cleanPath(folder).compare(QDir::cleanPath(folder2), Qt::CaseInsensitive) == 0;
+    return !folder.isEmpty() &&
+           QDir::cleanPath(folder).compare(QDir::cleanPath(folder2), Qt::CaseInsensitive) == 0;
 }
 
 // A UMID list given as a list or as one text.
@@ -117,13 +118,16 @@ BLThumbViewCtrl::BLThumbViewCtrl(BLMediaInfoCtrl& mediaInfoCtrl, QObject* parent
       m_selectionModel(new QItemSelectionModel(this, this))
 {
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
-    const auto observe = [this, center](const QString& name, void (BLThumbViewCtrl::*handler)(const SCNotification&)) {
-        center->addObserver(this, name,
-                            [this, handler](const SCNotification& notification) { (this->*handler)(notification); });
+    const auto observe = [this, center](const QString& name,
+                                        void (BLThumbViewCtrl::*handler)(const SCNotification&)) {
+        center->addObserver(this, name, [this, handler](const SCNotification& notification) {
+            (this->*handler)(notification);
+        });
     };
     observe(SC::SCMainSelectFolderDidChangeNotification, &BLThumbViewCtrl::selectFolderDidChangeNotification);
     observe(SC::SCSub1SelectFolderDidChangeNotification, &BLThumbViewCtrl::selectFolderDidChangeNotification);
-    observe(SC::SCSelectFolderDataDidUpdateNotification, &BLThumbViewCtrl::selectFolderDataDidUpdateNotification);
+    observe(SC::SCSelectFolderDataDidUpdateNotification,
+            &BLThumbViewCtrl::selectFolderDataDidUpdateNotification);
     observe(SC::SCTakeDidAddNotification, &BLThumbViewCtrl::takeDidAddNotification);
     observe(SC::SCTakeDidUpdateNotification, &BLThumbViewCtrl::takeDidUpdateNotification);
     observe(SC::SCTakeDidDeleteNotification, &BLThumbViewCtrl::takeDidDeleteNotification);
@@ -159,7 +163,9 @@ bool BLThumbViewCtrl::isSupportMenuItem(int tag, bool* isEnable, bool* isCheck) 
 bool BLThumbViewCtrl::isEnableMenuItem(int tag) const
 {
     const QList<DOTakeData> selected = m_mediaInfoCtrl.getSelectAllTakeData();
-    const auto anyOf = [&selected](auto predicate) { return std::any_of(selected.begin(), selected.end(), predicate); };
+    const auto anyOf = [&selected](auto predicate) {
+        return std::any_of(selected.begin(), selected.end(), predicate);
+    };
     const auto unusable = [](const DOTakeData& take) { return take.getTakeStatus() >= 4; };
     const auto onlyOneOfStatusUpTo = [&selected](int status) {
         return selected.size() == 1 && selected.front().getTakeStatus() >= 0 &&
@@ -173,7 +179,8 @@ bool BLThumbViewCtrl::isEnableMenuItem(int tag) const
         return std::all_of(selected.begin(), selected.end(),
                            [](const DOTakeData& take) { return take.getTakeStatus() == 4; });
     case MENU_ITEM_ID_EXPORT:
-        return !selected.isEmpty() && !anyOf(unusable) && !anyOf([](const DOTakeData& take) { return take.IsHQMode(); });
+        return !selected.isEmpty() && !anyOf(unusable) &&
+               !anyOf([](const DOTakeData& take) { return take.IsHQMode(); });
     case MENU_ITEM_ID_COPY:
     case MENU_ITEM_ID_CUT:
         return !selected.isEmpty() && !anyOf(unusable);
@@ -359,7 +366,8 @@ void BLThumbViewCtrl::loadFolder()
         endResetModel();
         sortItem(m_sortMode, true);
     } catch (const std::exception&) {
-        BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl changeFolder](%1) exception error!").arg(pane));
+        BLLogCtrl::debug(kProcessId,
+                         QStringLiteral("[BLThumbViewCtrl changeFolder](%1) exception error!").arg(pane));
     }
     common->sendNotificationNow(this, SC::SCCloseHouseKeepingWindowNotification);
     BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl changeFolder](%1) End").arg(pane));
@@ -385,16 +393,17 @@ void BLThumbViewCtrl::sendPlayMovieNotification(const DOTakeData& take)
         for (const DOClipData& clip : take.getClipData())
             essence << clip.getMP4Uri();
     }
-    const bool present = !essence.isEmpty() && std::all_of(essence.begin(), essence.end(), [&](const QString& mp4) {
-        return !mp4.isEmpty() && BLCommon::isFiles(BLCommon::makeFilePath(bpav, {mp4}));
-    });
+    const bool present =
+        !essence.isEmpty() && std::all_of(essence.begin(), essence.end(), [&](const QString& mp4) {
+            return !mp4.isEmpty() && BLCommon::isFiles(BLCommon::makeFilePath(bpav, {mp4}));
+        });
     if (!present) {
         common->messageBox(QStringLiteral("MSG_633_3191"), QString(), 0, 0);
         return;
     }
-    common->sendNotification(this, SC::SCMoviePlayNotification,
-                             {{SC::SCPlaySelectFolderKey, QString(folder)},
-                              {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
+    common->sendNotification(
+        this, SC::SCMoviePlayNotification,
+        {{SC::SCPlaySelectFolderKey, QString(folder)}, {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
 }
 
 void BLThumbViewCtrl::sendCacheImageRequestNotification(int row)
@@ -411,8 +420,9 @@ void BLThumbViewCtrl::sendCacheImageRequestNotification(int row)
 
 void BLThumbViewCtrl::sendCacheImageCancelNotification()
 {
-    BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCCacheImageCancelNotification,
-                                                {{SC::SCCacheCMediaInfoKey, m_mediaInfoCtrl.getMediaInfoType()}});
+    BLCommon::sharedCtrl()->sendNotificationNow(
+        this, SC::SCCacheImageCancelNotification,
+        {{SC::SCCacheCMediaInfoKey, m_mediaInfoCtrl.getMediaInfoType()}});
 }
 
 void BLThumbViewCtrl::requestImage(int row)
@@ -604,7 +614,8 @@ void BLThumbViewCtrl::takeDidAddNotification(const SCNotification& notification)
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidAddNotification](%1) Start").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidAddNotification](%1) Start").arg(pane));
     const auto takes = notification.userInfo.value(SC::SCAddTakeDatasKey).value<QList<DOTakeData>>();
     for (const DOTakeData& take : takes) {
         const DOTakeData copy = take.copyTake();
@@ -615,7 +626,8 @@ void BLThumbViewCtrl::takeDidAddNotification(const SCNotification& notification)
         endInsertRows();
     }
     refreshAfterInPlaceChange(folder, !takes.isEmpty());
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidAddNotification](%1) End").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidAddNotification](%1) End").arg(pane));
 }
 
 void BLThumbViewCtrl::takeDidUpdateNotification(const SCNotification& notification)
@@ -628,7 +640,8 @@ void BLThumbViewCtrl::takeDidUpdateNotification(const SCNotification& notificati
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1) Start").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1) Start").arg(pane));
     const QStringList umids = umidsOf(notification.userInfo.value(SC::SCUpdateTakeUmidsKey));
     const auto takes = notification.userInfo.value(SC::SCUpdateTakeDatasKey).value<QList<DOTakeData>>();
     bool changed = false;
@@ -646,13 +659,16 @@ void BLThumbViewCtrl::takeDidUpdateNotification(const SCNotification& notificati
             emitRowChanged(row);
         }
         changed = true;
-        BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1)    update from UMID:%2")
-                                         .arg(pane, umids[i]));
+        BLLogCtrl::debug(
+            kProcessId,
+            QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1)    update from UMID:%2")
+                .arg(pane, umids[i]));
     }
     m_mediaInfoCtrl.updateSize(folder);
     if (changed)
         sortRecords();
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1) End").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidUpdateNotification](%1) End").arg(pane));
 }
 
 void BLThumbViewCtrl::takeDidDeleteNotification(const SCNotification& notification)
@@ -665,7 +681,8 @@ void BLThumbViewCtrl::takeDidDeleteNotification(const SCNotification& notificati
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1) Start").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1) Start").arg(pane));
     bool changed = false;
     for (const QString& umid : umidsOf(notification.userInfo.value(SC::SCDeleteTakeUmidsKey))) {
         const int index = m_mediaInfoCtrl.deleteTakeDataByUmid(umid);
@@ -682,10 +699,12 @@ void BLThumbViewCtrl::takeDidDeleteNotification(const SCNotification& notificati
                 thumb.setIndexTakeData(thumb.getIndexTakeData() - 1);
         changed = true;
         BLLogCtrl::debug(kProcessId,
-                         QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1)    delete UMID:%2").arg(pane, umid));
+                         QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1)    delete UMID:%2")
+                             .arg(pane, umid));
     }
     refreshAfterInPlaceChange(folder, changed);
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1) End").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl takeDidDeleteNotification](%1) End").arg(pane));
 }
 
 void BLThumbViewCtrl::cacheImageDidGetNotification(const SCNotification& notification)
@@ -712,7 +731,8 @@ void BLThumbViewCtrl::movieThumbDidChangeNotification(const SCNotification& noti
     if (!isSelectFolder(folder))
         return;
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl movieThumbDidChangeNotification](%1) Start").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl movieThumbDidChangeNotification](%1) Start").arg(pane));
     const qint64 frame = info.value(SC::SCMThumbFrameNoKey).toLongLong();
     for (const QString& umid : umidsOf(info.value(SC::SCMThumbUmidsKey))) {
         const int index = m_mediaInfoCtrl.getTakeDataByUmid(umid);
@@ -722,9 +742,10 @@ void BLThumbViewCtrl::movieThumbDidChangeNotification(const SCNotification& noti
         // Writing the present key frame back first shows that every file can
         // be written before any of them changes.
         if (!writeKeyFrame(take, take.getKeyFrame()) || !writeKeyFrame(take, frame)) {
-            const bool unusable = BLDiskCtrl::sharedCtrl()->isUsableDrive(m_mediaInfoCtrl.getSelectFolder()) == 2;
-            BLCommon::sharedCtrl()->messageBox(unusable ? QStringLiteral("MSG_6510_3214") : QStringLiteral("MSG_631_3166"),
-                                               QString(), 0, 0);
+            const bool unusable =
+                BLDiskCtrl::sharedCtrl()->isUsableDrive(m_mediaInfoCtrl.getSelectFolder()) == 2;
+            BLCommon::sharedCtrl()->messageBox(
+                unusable ? QStringLiteral("MSG_6510_3214") : QStringLiteral("MSG_631_3166"), QString(), 0, 0);
             break;
         }
         take.setKeyFrame(frame);
@@ -737,7 +758,8 @@ void BLThumbViewCtrl::movieThumbDidChangeNotification(const SCNotification& noti
             emitRowChanged(row);
         }
     }
-    BLLogCtrl::debug(kProcessId, QStringLiteral("[BLThumbViewCtrl movieThumbDidChangeNotification](%1) End").arg(pane));
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLThumbViewCtrl movieThumbDidChangeNotification](%1) End").arg(pane));
 }
 
 bool BLThumbViewCtrl::writeKeyFrame(const DOTakeData& take, qint64 keyFrame) const

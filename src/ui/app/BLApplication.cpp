@@ -92,7 +92,9 @@ void BLApplication::awakeFromNib()
 
 void BLApplication::applicationDidFinishLaunching()
 {
-    m_mainWindowCtrl->initializeCtrl();
+    // Without its viewer the program cannot go on: it ends as when its window closes.
+    if (!m_mainWindowCtrl->initializeCtrl())
+        m_mainWindow->close();
 }
 
 void BLApplication::applicationShouldTerminateAfterLastWindowClosed()

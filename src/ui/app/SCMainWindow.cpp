@@ -5,12 +5,14 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/common/LocalizedTitle.h"
 #include "ui/common/SCFrameView.h"
 #include "ui/panes/SCMediaInfoView.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
+#include "ui/preview/SCPreviewView.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -25,7 +27,8 @@ SCMainWindow::SCMainWindow(QWidget* parent)
     : QMainWindow(parent), m_hkWindow(new HouseKeepingSheet(this)), m_mediaInfoFrame1(new SCFrameView),
       m_mediaInfoFrame2(new SCFrameView), m_mediaInfoView1(m_mediaInfoFrame1->contentView()),
       m_mediaInfoView2(m_mediaInfoFrame2->contentView()), m_previewFrame(new SCFrameView),
-      m_previewView(m_previewFrame->contentView()), m_splitView(new QSplitter(Qt::Vertical))
+      m_previewView(m_previewFrame->contentView()), m_preview(new SCPreviewView(m_previewView)),
+      m_splitView(new QSplitter(Qt::Vertical))
 {
     setWindowTitle(QStringLiteral("Clipwright"));
     setMinimumSize(kMinimumWidth, kMinimumHeight);
@@ -38,6 +41,9 @@ SCMainWindow::SCMainWindow(QWidget* parent)
     paneLayout->addWidget(m_mediaInfoFrame2);
     paneArea->setMinimumHeight(kPaneAreaMinimumHeight);
     m_previewFrame->setMinimumHeight(kPreviewMinimumHeight);
+    auto* previewLayout = new QHBoxLayout(m_previewView);
+    previewLayout->setContentsMargins(0, 0, 0, 0);
+    previewLayout->addWidget(m_preview);
 
     m_splitView->addWidget(paneArea);
     m_splitView->addWidget(m_previewFrame);
@@ -58,7 +64,8 @@ void SCMainWindow::createMenus()
     QMenuBar* bar = menuBar();
     m_fileMenu = bar->addMenu(QStringLiteral("&File"));
     addPaneAction(m_fileMenu, "Change &Work Folder...", MENU_ITEM_ID_CHANGE_WORK_FOLDER, QKeySequence::Open);
-    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER, QKeySequence(QStringLiteral("Alt+Up")));
+    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER,
+                  QKeySequence(QStringLiteral("Alt+Up")));
     m_fileMenu->addSeparator();
     addPaneAction(m_fileMenu, "&Import MP4 Files...", MENU_ITEM_ID_IMPORT);
     addPaneAction(m_fileMenu, "&Export as MPEG-2 TS...", MENU_ITEM_ID_EXPORT,
@@ -98,12 +105,14 @@ void SCMainWindow::createMenus()
 
     m_clipMenu = bar->addMenu(QStringLiteral("&Clip"));
     addPaneAction(m_clipMenu, "&Play", MENU_ITEM_ID_THUMB_PLAY, QKeySequence(Qt::Key_Space));
-    addPaneAction(m_clipMenu, "Show &Info...", MENU_ITEM_ID_SHOW_INFO, QKeySequence(QStringLiteral("Ctrl+I")));
+    addPaneAction(m_clipMenu, "Show &Info...", MENU_ITEM_ID_SHOW_INFO,
+                  QKeySequence(QStringLiteral("Ctrl+I")));
     m_clipMenu->addSeparator();
     addPaneAction(m_clipMenu, "&Search Clips...", MENU_ITEM_ID_CLIP_SEARCH, QKeySequence::Find);
 
     m_folderMenu = bar->addMenu(QStringLiteral("F&older"));
-    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER, QKeySequence(QStringLiteral("Ctrl+Shift+N")));
+    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER,
+                  QKeySequence(QStringLiteral("Ctrl+Shift+N")));
     addPaneAction(m_folderMenu, "&Rename Folder...", MENU_ITEM_ID_CHANGE_FOLDER_NAME);
     m_folderMenu->addSeparator();
     addPaneAction(m_folderMenu, "D&ivide Folder...", MENU_ITEM_ID_FOLDER_DIVISION);
@@ -112,11 +121,42 @@ void SCMainWindow::createMenus()
     addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE);
     addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER);
 
+    m_previewMenu = bar->addMenu(QStringLiteral("P&review"));
+    const struct
+    {
+        int tag;
+        const char* title;
+    } previewItems[] = {{MENU_ITEM_ID_PREVIEW_PLAY, "&Play"},
+                        {MENU_ITEM_ID_PREVIEW_PAUSE, "P&ause"},
+                        {MENU_ITEM_ID_PREVIEW_FF, "&Fast Forward"},
+                        {MENU_ITEM_ID_PREVIEW_RW, "&Rewind"},
+                        {0, nullptr},
+                        {MENU_ITEM_ID_PREVIEW_TOP_FRAME, "F&irst Frame"},
+                        {MENU_ITEM_ID_PREVIEW_LAST_FRAME, "&Last Frame"},
+                        {MENU_ITEM_ID_PREVIEW_PLUS_FRAME, "&Next Frame"},
+                        {MENU_ITEM_ID_PREVIEW_MINUS_FRAME, "Pre&vious Frame"},
+                        {0, nullptr},
+                        {MENU_ITEM_ID_PREVIEW_FULL_SCREEN, "F&ull Screen"},
+                        {MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, "Use Frame as &Thumbnail"}};
+    for (const auto& item : previewItems) {
+        if (!item.title) {
+            m_previewMenu->addSeparator();
+            continue;
+        }
+        QAction* action = m_previewMenu->addAction(QString::fromLatin1(item.title));
+        action->setData(item.tag);
+        connect(action, &QAction::triggered, this, [this, tag = item.tag] {
+            if (m_ctrl)
+                m_ctrl->selectMenuItem(tag);
+        });
+    }
+
     m_helpMenu = bar->addMenu(QStringLiteral("&Help"));
     m_aboutAction = m_helpMenu->addAction(QStringLiteral("&About ORX Clipwright"));
     m_aboutAction->setMenuRole(QAction::AboutRole);
 
-    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_clipMenu, m_folderMenu, m_helpMenu}) {
+    for (QMenu* menu :
+         {m_fileMenu, m_editMenu, m_viewMenu, m_clipMenu, m_folderMenu, m_previewMenu, m_helpMenu}) {
         connect(menu, &QMenu::aboutToShow, this, &SCMainWindow::validateMenuItems);
         connect(menu, &QMenu::aboutToHide, this, &SCMainWindow::enablePaneMenuItems);
     }
@@ -194,11 +234,16 @@ void SCMainWindow::validateMenuItems()
     const bool key = isKeyWindow();
     m_aboutAction->setEnabled(key);
     m_preferencesAction->setEnabled(key);
-    bool enable = false;
-    if (m_ctrl && m_ctrl->isSupportMenuItem(m_resetWindowSizeAction->data().toInt(), &enable))
-        m_resetWindowSizeAction->setEnabled(enable);
+    QList<QAction*> tagged = m_previewMenu->actions();
+    tagged.prepend(m_resetWindowSizeAction);
+    for (QAction* action : std::as_const(tagged)) {
+        bool enable = false;
+        if (!action->isSeparator() && m_ctrl && m_ctrl->isSupportMenuItem(action->data().toInt(), &enable))
+            action->setEnabled(enable);
+    }
     for (QAction* action : std::as_const(m_paneActions)) {
         const int tag = action->data().toInt();
+        bool enable = false;
         action->setEnabled(m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable);
         if (action->isCheckable()) {
             bool check = false;
@@ -265,6 +310,11 @@ void SCMainWindow::setDividersLocked(bool locked)
     if (locked)
         m_lockedUpperHeight = m_splitView->sizes().value(0);
     m_splitView->handle(1)->setEnabled(!locked);
+}
+
+IPreviewView* SCMainWindow::previewView()
+{
+    return m_preview;
 }
 
 bool SCMainWindow::isHouseKeepingSheetVisible() const

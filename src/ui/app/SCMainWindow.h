@@ -11,6 +11,7 @@ class QMenu;
 class QSplitter;
 class SCFrameView;
 class SCMediaInfoView;
+class SCPreviewView;
 
 // The main window: a vertical split between the pane area (the "Main" and
 // "Sub1" pane containers side by side) and the preview container, each in a
@@ -40,6 +41,8 @@ public:
     // pane commands go to it (through the controller); null when neither has it.
     SCMediaInfoView* activeMediaInfoView() const;
     QWidget* previewContainer() const { return m_previewView; }
+    // The preview area inside the preview container.
+    SCPreviewView* previewWidget() const { return m_preview; }
     QSplitter* splitView() const { return m_splitView; }
     HouseKeepingSheet* houseKeepingSheet() const { return m_hkWindow; }
     bool dividersLocked() const { return m_dividersLocked; }
@@ -49,6 +52,7 @@ public:
     QMenu* viewMenu() const { return m_viewMenu; }
     QMenu* clipMenu() const { return m_clipMenu; }
     QMenu* folderMenu() const { return m_folderMenu; }
+    QMenu* previewMenu() const { return m_previewMenu; }
     QMenu* helpMenu() const { return m_helpMenu; }
     QAction* quitAction() const { return m_quitAction; }
     QAction* preferencesAction() const { return m_preferencesAction; }
@@ -69,6 +73,7 @@ public:
     bool isKeyWindow() const override;
     void setSplitUpperSideToMinimum() override;
     void setDividersLocked(bool locked) override;
+    IPreviewView* previewView() override;
     bool isHouseKeepingSheetVisible() const override;
     void showHouseKeepingSheet() override;
     void closeHouseKeepingSheet() override;
@@ -100,6 +105,7 @@ private:
     QWidget* m_mediaInfoView2;
     SCFrameView* m_previewFrame;
     QWidget* m_previewView;
+    SCPreviewView* m_preview;
     QSplitter* m_splitView;
 
     QMenu* m_fileMenu = nullptr;
@@ -107,6 +113,7 @@ private:
     QMenu* m_viewMenu = nullptr;
     QMenu* m_clipMenu = nullptr;
     QMenu* m_folderMenu = nullptr;
+    QMenu* m_previewMenu = nullptr;
     QMenu* m_helpMenu = nullptr;
     QList<QAction*> m_paneActions;
     SCMediaInfoView* m_paneViews[2] = {nullptr, nullptr};

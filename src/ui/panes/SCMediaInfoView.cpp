@@ -120,7 +120,8 @@ QToolButton* SCMediaInfoView::makeToolButton(int tag)
     auto* button = new QToolButton;
     button->setText(QString::fromUtf8(info.title));
     button->setToolTip(button->text());
-    button->setIcon(QIcon::fromTheme(QString::fromLatin1(info.themeIcon), style()->standardIcon(info.fallback)));
+    button->setIcon(
+        QIcon::fromTheme(QString::fromLatin1(info.themeIcon), style()->standardIcon(info.fallback)));
     button->setToolButtonStyle(Qt::ToolButtonIconOnly);
     button->setAutoRaise(true);
     button->setEnabled(false); // until the pane says otherwise

@@ -20,7 +20,7 @@ namespace {
 constexpr int kMargin = 6;
 constexpr int kPictureWidth = 156;
 constexpr int kPictureHeight = 88; // 16:9
-constexpr int kTextLines = 4;       // take id, title, duration, date
+constexpr int kTextLines = 4;      // take id, title, duration, date
 constexpr int kDragPictureWidth = 96;
 
 // The mark of a take's status, drawn in a square: 0 complete, 1 complete with
@@ -99,8 +99,8 @@ void paintPlaceholder(QPainter& painter, const QRect& area, int status)
 {
     painter.fillRect(area, QColor(60, 60, 64));
     const int side = area.height() / 2;
-    paintStatusMark(painter, QRectF(area.center().x() - side / 2.0, area.center().y() - side / 2.0, side, side),
-                    status);
+    paintStatusMark(
+        painter, QRectF(area.center().x() - side / 2.0, area.center().y() - side / 2.0, side, side), status);
 }
 
 // Paints one thumbnail: the picture (or the placeholder, asking the grid for

@@ -88,9 +88,8 @@ class NotificationCounter
 public:
     explicit NotificationCounter(const QString& name)
     {
-        SCNotificationCenter::defaultCenter()->addObserver(this, name, [this](const SCNotification& n) {
-            notes.append(n);
-        });
+        SCNotificationCenter::defaultCenter()->addObserver(
+            this, name, [this](const SCNotification& n) { notes.append(n); });
     }
     ~NotificationCounter() { SCNotificationCenter::defaultCenter()->removeObserver(this); }
     QList<SCNotification> notes;
@@ -151,7 +150,8 @@ protected:
         auto pane = std::make_unique<BLMediaInfoCtrl>(type, window);
         pane->setView(&m_view);
         EXPECT_FALSE(pane->initializeCtrl());
-        const QString start = QStringLiteral("[BLThumbViewCtrl changeFolder](%1) End").arg(pane->getMediaInfoTypeString());
+        const QString start =
+            QStringLiteral("[BLThumbViewCtrl changeFolder](%1) End").arg(pane->getMediaInfoTypeString());
         EXPECT_TRUE(pump([&] { return logCount(start) >= 1; }));
         return pane;
     }
@@ -353,7 +353,8 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     plist->setSelectFolderPathBySub1(plain.workFolder());
     main.setView(&m_view);
     EXPECT_TRUE(window.initializeCtrl());
-    ASSERT_TRUE(pump([&] { return main.thumbViewCtrl()->rowCount() == 2 && sub.thumbViewCtrl()->rowCount() == 1; }));
+    ASSERT_TRUE(
+        pump([&] { return main.thumbViewCtrl()->rowCount() == 2 && sub.thumbViewCtrl()->rowCount() == 1; }));
     BLThumbViewCtrl& grid = *main.thumbViewCtrl();
     BLThumbViewCtrl& subGrid = *sub.thumbViewCtrl();
 
@@ -457,7 +458,8 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
     BLCommon::sharedCtrl()->sendDidDeleteNotification(nullptr, {first.getUmid()}, card.workFolder() + "2");
     settle();
     EXPECT_EQ(grid.rowCount(), 3);
-    BLCommon::sharedCtrl()->sendDidDeleteNotification(nullptr, {first.getUmid()}, card.workFolder().toUpper());
+    BLCommon::sharedCtrl()->sendDidDeleteNotification(nullptr, {first.getUmid()},
+                                                      card.workFolder().toUpper());
     ASSERT_TRUE(pump([&] { return grid.rowCount() == 2; }));
     EXPECT_TRUE(consistent());
     EXPECT_EQ(rowOf(grid, first.getUmid()), -1);
@@ -476,7 +478,8 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
     grid.requestImage(1);
     grid.requestImage(1);
     ASSERT_TRUE(pump([&] { return requests.notes.size() == 1; }));
-    const DOTakeData asked = requests.notes.front().userInfo.value(SC::SCCacheRTakeDataKey).value<DOTakeData>();
+    const DOTakeData asked =
+        requests.notes.front().userInfo.value(SC::SCCacheRTakeDataKey).value<DOTakeData>();
     EXPECT_EQ(asked.getUmid(), grid.thumbArray()[1].getUmid());
     QImage picture(16, 9, QImage::Format_RGB32);
     picture.fill(Qt::red);

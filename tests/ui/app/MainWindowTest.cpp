@@ -257,7 +257,8 @@ TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
     const QString end = "0000:**************************************** Application end   "
                         "****************************************";
     EXPECT_EQ(logMessages(home()), QStringList({"0000:[SCMainWindow windowShouldClose] return:TRUE",
-                                                "0000:[BLMainWindowCtrl windowWillCloseNotification]", end,
+                                                "0000:[BLMainWindowCtrl windowWillCloseNotification]",
+                                                "0000:[BLPreviewCtrl finalizeViewerLibrary] non use ViewerLibrary", end,
                                                 "0000:" + QString(99, '*')}));
     cwtest::releaseSingletons();
     double x = 0;
@@ -273,9 +274,11 @@ TEST_F(MainWindowTest, EveryTitleOfTheWindowsHasATableEntry)
     PreferencesDialog preferences(window.get());
     QStringList titles;
     collectTitles(window.get(), titles); // menus, housekeeping sheet and the Preferences dialog too
-    // Dialog buttons carry the message-box button texts.
+    // Dialog buttons carry the message-box button texts, the preview's audio
+    // button the text of its label key.
     const QStringList buttonTexts = {BLCommon::sharedCtrl()->getBtnLabel(1, 0),
-                                     BLCommon::sharedCtrl()->getBtnLabel(1, 1)};
+                                     BLCommon::sharedCtrl()->getBtnLabel(1, 1),
+                                     BLLocalizedString("LOCALIZED_PREVIEW_STEREO")};
     QStringList missing;
     for (const QString& title : titles)
         if (!title.isEmpty() && !BLLocalizedStrings::contains(title) && !buttonTexts.contains(title))

@@ -46,8 +46,8 @@ bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000)
     return true;
 }
 
-void mouse(QWidget* target, QEvent::Type type, const QPoint& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
-           Qt::MouseButton button = Qt::LeftButton)
+void mouse(QWidget* target, QEvent::Type type, const QPoint& at,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier, Qt::MouseButton button = Qt::LeftButton)
 {
     const QPointF local(at);
     QMouseEvent event(type, local, local, target->mapToGlobal(local), button,
@@ -100,7 +100,8 @@ struct NotificationCounter
 {
     explicit NotificationCounter(const QString& name)
     {
-        SCNotificationCenter::defaultCenter()->addObserver(this, name, [this](const SCNotification&) { ++count; });
+        SCNotificationCenter::defaultCenter()->addObserver(this, name,
+                                                           [this](const SCNotification&) { ++count; });
     }
     ~NotificationCounter() { SCNotificationCenter::defaultCenter()->removeObserver(this); }
     int count = 0;
@@ -135,7 +136,8 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
         ctrl->initializeCtrl();
-        ASSERT_TRUE(waitFor([&] { return grid(0)->rowCount() == kMainClips && grid(1)->rowCount() == kSub1Clips; }));
+        ASSERT_TRUE(
+            waitFor([&] { return grid(0)->rowCount() == kMainClips && grid(1)->rowCount() == kSub1Clips; }));
         EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
     }
 
@@ -304,8 +306,8 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
         window->validateMenuItems();
         for (QAction* action : menu->actions()) {
             const int tag = action->data().toInt();
-            if (action->isSeparator() || tag == MENU_ITEM_ID_RESET_WINDOW_SIZE || action == window->quitAction() ||
-                action == window->preferencesAction())
+            if (action->isSeparator() || tag == MENU_ITEM_ID_RESET_WINDOW_SIZE ||
+                action == window->quitAction() || action == window->preferencesAction())
                 continue;
             bool enable = false;
             mainPane->isSupportMenuItemToThumbView(tag, &enable, nullptr);
@@ -327,7 +329,8 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
     EXPECT_FALSE(enabled(window->editMenu(), MENU_ITEM_ID_DELETE));
     EXPECT_FALSE(enabled(window->clipMenu(), MENU_ITEM_ID_SHOW_INFO));
     EXPECT_FALSE(enabled(window->clipMenu(), MENU_ITEM_ID_CLIP_SEARCH));
-    for (int tag : {MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_FOLDER_COMBINE, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
+    for (int tag :
+         {MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_FOLDER_COMBINE, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
         EXPECT_FALSE(enabled(window->folderMenu(), tag)) << tag;
     // The folder dialogs are there: the card root may get a new folder.
     EXPECT_TRUE(enabled(window->folderMenu(), MENU_ITEM_ID_NEW_FOLDER));

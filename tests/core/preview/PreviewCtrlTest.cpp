@@ -1,0 +1,424 @@
+#include "RecordingPreviewView.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/preview/BLPreviewButtonCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/BLTimeSliderCtrl.h"
+#include "support/AsOrdinaryUser.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+
+#include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace pvtest;
+
+class PreviewCtrlTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    }
+    void TearDown() override
+    {
+        ctrl.reset();
+        HomeTest::TearDown();
+    }
+    void start()
+    {
+        ctrl = std::make_unique<BLPreviewCtrl>(view);
+        ASSERT_TRUE(ctrl->initializeCtrl());
+    }
+    static void play(const cwtest::CardFolder& card, const DOTakeData& take)
+    {
+        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMoviePlayNotification,
+                                                    {{SC::SCPlaySelectFolderKey, card.workFolder()},
+                                                     {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
+    }
+    static void post(const QString& name) { BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name); }
+    bool waitForState(int state)
+    {
+        return waitUntil([&] { return ctrl->getViewerState() == state; });
+    }
+    bool waitForFrame(qint64 frame)
+    {
+        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
+    }
+    bool logged(const QString& message) { return logMessages(home()).contains(message); }
+
+    cwtest::MessageRecorder messages;
+    RecordingPreviewView view;
+    std::unique_ptr<BLPreviewCtrl> ctrl;
+};
+
+TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
+{
+    const cwtest::CardFolder card(tinyCard(0, 15, {2}));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
+    const DOTakeData take = takeOf(card, manifestTake);
+    start();
+
+    play(card, take);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    EXPECT_EQ(view.title, take.getAlias());
+    EXPECT_FALSE(view.title.isEmpty());
+    EXPECT_EQ(ctrl->getUmid(), take.getUmid());
+    EXPECT_EQ(ctrl->getAVInfo().total_frames, 30);
+    EXPECT_TRUE(view.sliderEnabled);
+    // Played to the end: the last picture is the second clip's last frame.
+    ASSERT_TRUE(waitForState(VM_STOPPED));
+    EXPECT_EQ(view.pictures().back().counter, counterOf(manifestTake, 29));
+    EXPECT_EQ(view.title, "");
+    EXPECT_FALSE(view.sliderEnabled);
+    EXPECT_EQ(view.sliderValue, 0);
+    EXPECT_TRUE(ctrl->getUmid().isEmpty());
+    EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_PLAYED"));
+    EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_STOPPED"));
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl setMovieFiles] call vv_set_av_info return:0"));
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl recvFrameInfoMessage] num_frames = 30, take_frame_no = 29, clip_no = 1, "
+               "clip_frame_no = 14"));
+
+    // Played again and paused, then stepped through by the buttons.
+    play(card, take);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    post(SC::SCMoviePauseNotification);
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    BLPreviewButtonCtrl& buttons = ctrl->getPreviewButtonCtrl();
+    const struct
+    {
+        bool (BLPreviewButtonCtrl::*action)();
+        qint64 frame;
+    } steps[] = {{&BLPreviewButtonCtrl::onLastFrame, 29},
+                 {&BLPreviewButtonCtrl::onMinusFrame, 28},
+                 {&BLPreviewButtonCtrl::onTopFrame, 0},
+                 {&BLPreviewButtonCtrl::onPlusFrame, 1}};
+    for (const auto& step : steps) {
+        ASSERT_TRUE((buttons.*step.action)());
+        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
+        EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, step.frame));
+        EXPECT_EQ(view.sliderValue, step.frame * 1000 / 29);
+    }
+    EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
+
+    const int redraws = view.redraws;
+    post(SC::SCMovieStopNotification);
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED); // handled before the notification returns
+    EXPECT_EQ(view.title, "");
+    EXPECT_GT(view.redraws, redraws);
+    EXPECT_TRUE(ctrl->getSelectFolder().isEmpty());
+
+    // A change of either pane's folder stops as well; a property change of
+    // the take playing renews its title, one of another take does not.
+    play(card, take);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    DOTakeData renamed = take;
+    renamed.setAlias("Harbour\nat dawn");
+    const auto propertiesChanged = [&](const QString& folder, const DOTakeData& changed) {
+        BLCommon::sharedCtrl()->sendNotificationNow(
+            nullptr, SC::SCClipPropertyDidChangeNotification,
+            {{SC::SCSelectFolderKey, folder}, {SC::SCDidChangeTakeDataKey, QVariant::fromValue(changed)}});
+    };
+    propertiesChanged(card.workFolder() + "/other", renamed);
+    EXPECT_EQ(view.title, take.getAlias());
+    propertiesChanged(card.workFolder(), renamed);
+    EXPECT_EQ(view.title, "Harbour at dawn");
+    post(SC::SCSub1SelectFolderDidChangeNotification);
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
+}
+
+TEST_F(PreviewCtrlTest, ASecondTakeStopsTheFirstBeforeItIsHandedOverAndAnUnusableTakeIsNotPlayed)
+{
+    const cwtest::CardFolder card(tinyCard(2, 60));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const DOTakeData first = takeOf(card, card.manifest().takes[0]);
+    const DOTakeData second = takeOf(card, card.manifest().takes[1]);
+    ASSERT_NE(first.getAlias(), second.getAlias());
+    start();
+
+    play(card, first);
+    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
+    view.journal.clear();
+    play(card, second);
+    // The first take's stop reached the view before the second take's title.
+    const qsizetype stopped = view.journal.indexOf("title ");
+    const qsizetype handedOver = view.journal.indexOf("title " + second.getAlias());
+    ASSERT_GE(stopped, 0) << view.journal.join(" | ").toStdString();
+    EXPECT_LT(stopped, handedOver) << view.journal.join(" | ").toStdString();
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
+    EXPECT_EQ(view.title, second.getAlias());
+    EXPECT_EQ(ctrl->getUmid(), second.getUmid());
+    EXPECT_EQ(view.lastPicture().counter->clip, card.manifest().takes[1].clips.front().counterClip);
+
+    // A take the viewer cannot open: the message, and nothing plays.
+    DOTakeData broken = first;
+    broken.setMP4Uri(broken.getXMLUri());
+    play(card, broken);
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_655_3202"});
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl setMovieFiles] call vv_set_av_info return:-6"));
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
+    EXPECT_EQ(view.title, "");
+
+    DOTakeData unusable = first;
+    unusable.setTakeStatus(5);
+    play(card, unusable);
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl moviePlayNotification] take is non clip"));
+    settle(200);
+    EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
+}
+
+TEST_F(PreviewCtrlTest, AResolutionChangeRedeliversThePictureAtItsNewSize)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    start();
+    play(card, takeOf(card, card.manifest().takes.front()));
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    EXPECT_EQ(view.lastPicture().width, 320);
+
+    BLPlistCtrl::sharedCtrl()->setLowResolution(1);
+    post(SC::SCResolutionDidChangeNotification);
+    ASSERT_TRUE(waitUntil([&] { return view.lastPicture().width == 160; }));
+    EXPECT_EQ(view.lastPicture().height, 90);
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
+}
+
+TEST_F(PreviewCtrlTest, FullScreenIsRefusedWhileStoppedAndShowsThePicturesOtherwise)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    start();
+    bool enable = true;
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN, &enable));
+    EXPECT_FALSE(enable);
+    ctrl->showFullscreen();
+    EXPECT_EQ(view.fullScreenLoops, 0);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl showFullscreen] now VM_STOPPED"));
+
+    play(card, takeOf(card, card.manifest().takes.front()));
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN, &enable));
+    EXPECT_TRUE(enable);
+    view.journal.clear();
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
+    EXPECT_EQ(view.fullScreenLoops, 1);
+    EXPECT_TRUE(view.fullScreenPictureSeen); // the picture shown is delivered again, marked full screen
+    EXPECT_FALSE(ctrl->isFullScreen());
+    EXPECT_EQ(view.journal, QStringList({"enter full screen", "leave full screen", "redraw"}));
+    // Back in the window the picture comes again without the mark.
+    ASSERT_TRUE(waitUntil([&] { return !view.lastPicture().fullScreen; }));
+
+    // A screen that cannot be taken leaves the preview as it was.
+    view.refuseFullScreen = true;
+    ctrl->showFullscreen();
+    EXPECT_EQ(view.fullScreenLoops, 1);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl showFullscreen] CGDisplayCapture Error = -1"));
+}
+
+TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const DOTakeData take = takeOf(card, card.manifest().takes.front());
+    QList<QVariantMap> posted;
+    SCNotificationCenter::defaultCenter()->addObserver(
+        this, SC::SCMovieThumbDidChangeNotification, [&](const SCNotification& n) { posted << n.userInfo; });
+    start();
+
+    ctrl->onMakeThumbnail();
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl onMakeThumbnail] now VM_STOPPED"));
+
+    play(card, take);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
+    ASSERT_TRUE(waitForFrame(29));
+    bool enable = false;
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, &enable));
+    EXPECT_TRUE(enable);
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL);
+    ASSERT_TRUE(waitUntil([&] { return !posted.isEmpty(); }));
+    ASSERT_EQ(posted.size(), 1);
+    EXPECT_EQ(posted[0].value(SC::SCMThumbSelectFolderKey).toString(), card.workFolder());
+    EXPECT_EQ(posted[0].value(SC::SCMThumbUmidsKey).toString(), take.getUmid());
+    EXPECT_EQ(posted[0].value(SC::SCMThumbFrameNoKey).toLongLong(), 29);
+    EXPECT_TRUE(messages.keys().isEmpty());
+
+    // A metadata file that cannot be written refuses it with a message.
+    const QString nonMeta = card.bpav() + take.getXMLUri().mid(1);
+    ASSERT_TRUE(QFileInfo::exists(nonMeta));
+    // Everything but that file stays open to an ordinary user.
+    QFile::setPermissions(QFileInfo(card.workFolder()).path(),
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
+                              QFileDevice::ReadOther | QFileDevice::ExeOther);
+    QFile::setPermissions(nonMeta, QFileDevice::ReadOwner | QFileDevice::ReadOther);
+    {
+        const cwtest::AsOrdinaryUser nobody;
+        ctrl->onMakeThumbnail();
+    }
+    QFile::setPermissions(nonMeta, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_6510_3214"});
+    settle(300);
+    EXPECT_EQ(posted.size(), 1);
+
+    // An MP4 file not yet imported has no metadata to take the picture.
+    DOTakeData loose = take;
+    loose.setTakeStatus(4);
+    play(card, loose);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, &enable));
+    EXPECT_FALSE(enable);
+    ctrl->onMakeThumbnail();
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl onMakeThumbnail] movie file is not-import, don't make thumbnail"));
+    SCNotificationCenter::defaultCenter()->removeObserver(this);
+}
+
+TEST_F(PreviewCtrlTest, AViewerThatCannotStartShowsTheMessageAndLeavesThePreviewUnused)
+{
+    // The library runs only once per process: started here first, it refuses
+    // the preview's start.
+    vv_display_t display{};
+    vv_init_param_t param{};
+    ASSERT_EQ(vv_init(&param, &display, 0), VV_OK);
+    ctrl = std::make_unique<BLPreviewCtrl>(view);
+    EXPECT_FALSE(ctrl->initializeCtrl());
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_655_3202"});
+    EXPECT_FALSE(ctrl->isUseViewerLibrary());
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl initViewerLibrary] call vv_init return:-3"));
+
+    const cwtest::CardFolder card(tinyCard(1, 6));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const DOTakeData take = takeOf(card, card.manifest().takes.front());
+    play(card, take);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl moviePlayNotification] non use ViewerLibrary"));
+    vv_bitmap_t bitmap{};
+    EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), -1);
+    bool enable = true;
+    EXPECT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
+    EXPECT_FALSE(enable);
+    ctrl.reset();
+    EXPECT_EQ(vv_exit(), VV_OK);
+}
+
+TEST_F(PreviewCtrlTest, KeysAndMenuItemsDriveTheTransport)
+{
+    const cwtest::CardFolder card(tinyCard(1, 90));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    start();
+    bool enable = true;
+    EXPECT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
+    EXPECT_FALSE(enable); // nothing to play yet
+    EXPECT_FALSE(ctrl->isSupportMenuItem(44049, &enable));
+    EXPECT_FALSE(ctrl->keyDown(Qt::Key_A));
+
+    play(card, takeOf(card, card.manifest().takes.front()));
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    EXPECT_TRUE(view.journal.contains("focus"));
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
+    EXPECT_FALSE(enable);
+    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE, &enable));
+    EXPECT_TRUE(enable);
+    EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space));
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+
+    const struct
+    {
+        int key;
+        qint64 frame;
+    } steps[] = {{Qt::Key_Down, 89}, {Qt::Key_Left, 88}, {Qt::Key_Up, 0}, {Qt::Key_Right, 1}};
+    for (const auto& step : steps) {
+        // A frame key waits for the frame before to be shown.
+        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << step.frame;
+        EXPECT_TRUE(ctrl->keyDown(step.key));
+        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
+    }
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
+    ASSERT_TRUE(waitForFrame(89));
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_PREVIEW_LAST_FRAME"));
+
+    EXPECT_TRUE(ctrl->keyDown(Qt::Key_R));
+    ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_REWINDED"); }));
+    ASSERT_TRUE(waitForState(VM_PAUSING)); // rewinding ends paused at the first frame
+    EXPECT_TRUE(ctrl->keyDown(Qt::Key_F));
+    ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_FASTFORWARDED"); }));
+    ASSERT_TRUE(waitForState(VM_STOPPED)); // fast forward ends at the end of the take
+    EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space));
+    EXPECT_TRUE(logged("0000:[BLPreviewButtonCtrl onPlay] now VM_STOPPED"));
+}
+
+TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWhileShowing)
+{
+    ctrl = std::make_unique<BLPreviewCtrl>(view);
+    EXPECT_EQ(view.ctrl, ctrl.get());
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
+    view.journal.clear();
+    ctrl->setViewerState(VM_STOPPED);
+    EXPECT_TRUE(view.journal.isEmpty());
+
+    const vv_frame_info_t info{0, 5, 5, 30, 30};
+    ctrl->recvFrameInfoMessage(info);
+    EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), -1);
+    EXPECT_EQ(view.timeCode, "00:00:00:00");
+
+    ctrl->setViewerState(VM_PAUSING);
+    EXPECT_EQ(view.journal, QStringList{"slider on"});
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
+              qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
+    ctrl->recvFrameInfoMessage(info);
+    EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 5);
+    EXPECT_NE(view.timeCode, "00:00:00:00");
+}
+
+TEST_F(PreviewCtrlTest, ThumbnailsOfTheCacheComeFromTheViewer)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    DOTakeData take = takeOf(card, card.manifest().takes.front());
+    take.setKeyFrame(12);
+    ctrl = std::make_unique<BLPreviewCtrl>(view);
+    vv_bitmap_t bitmap{};
+    EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), -1); // not started yet
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail] non use ViewerLibrary"));
+    ASSERT_TRUE(ctrl->initializeCtrl());
+
+    ASSERT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), 0);
+    EXPECT_EQ(bitmap.width, 160);
+    EXPECT_EQ(bitmap.height, 90);
+    EXPECT_EQ(cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
+                                                bitmap.bits_per_pixel / 8),
+              counterOf(card.manifest().takes.front(), 12));
+    const QTemporaryDir dir;
+    const QString path = dir.filePath("thumb.bmp");
+    ASSERT_EQ(ctrl->writeBmpByFileName(path, &bitmap), 0);
+    EXPECT_EQ(QImage(path).size(), QSize(160, 90));
+    // A path that cannot be written leaves nothing behind.
+    EXPECT_EQ(ctrl->writeBmpByFileName(dir.filePath("missing/thumb.bmp"), &bitmap), -1);
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath("missing/thumb.bmp")));
+    ctrl->freeBmpBuffer(&bitmap);
+    EXPECT_EQ(bitmap.pixels, nullptr);
+
+    DOTakeData noEssence = take;
+    noEssence.setMP4Uri(QString(""));
+    EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), noEssence, &bitmap), -1);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail]    non MP4 file"));
+}

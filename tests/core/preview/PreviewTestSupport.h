@@ -1,0 +1,138 @@
+#pragma once
+
+// Helpers shared by the preview tests of core and ui: takes of generated
+// cards as the program's records, waiting on the event loop, the log.
+
+#include "cardgen/FrameCounter.h"
+#include "core/metadata/BLNonMetaAcss.h"
+#include "core/metadata/DONonRealTimeMeta.h"
+#include "core/model/DOTakeData.h"
+#include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QThread>
+
+#include <functional>
+
+namespace pvtest {
+
+// Runs the event loop until the condition holds; false after the timeout.
+inline bool waitUntil(const std::function<bool()>& condition, int milliseconds = 10000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QThread::msleep(2);
+    }
+    return true;
+}
+
+// Runs the event loop for a while.
+inline void settle(int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QThread::msleep(2);
+    }
+}
+
+// A reference relative to the card's BPAV folder ("./CLPR/...") of a file the
+// manifest names relative to the work folder.
+inline QString reference(const cwtest::CardFolder& card, const QString& relative)
+{
+    const QString bpav = card.manifest().cards.front().bpav;
+    return QStringLiteral(".") + relative.mid(bpav.size());
+}
+
+inline QString fileOf(const std::vector<cardgen::ManifestFile>& files, const QString& kind)
+{
+    for (const cardgen::ManifestFile& file : files) {
+        if (file.kind == kind)
+            return file.path;
+    }
+    return QString();
+}
+
+// The take record the folder scan makes of a generated take: its UMID,
+// status, frame rate, title and LTC changes (read from its metadata file) and
+// its file references; a multi-clip take lists its clips.
+inline DOTakeData takeOf(const cwtest::CardFolder& card, const cardgen::ManifestTake& take)
+{
+    DOTakeData data;
+    data.setUmid(take.umid);
+    data.setTakeStatus(take.expectedStatus);
+    data.setFormatFps(take.frameRate);
+    const bool multi = take.kind == QLatin1String("multi");
+    const std::vector<cardgen::ManifestFile>& own = multi ? take.files : take.clips.front().files;
+    data.setXMLUri(reference(card, fileOf(own, QStringLiteral("XML"))));
+    if (multi) {
+        data.setSMIUri(reference(card, fileOf(own, QStringLiteral("SMI"))));
+        for (const cardgen::ManifestClip& clip : take.clips) {
+            DOClipData clipData;
+            clipData.setUmid(clip.umid);
+            clipData.setXMLUri(reference(card, fileOf(clip.files, QStringLiteral("XML"))));
+            clipData.setMP4Uri(reference(card, fileOf(clip.files, QStringLiteral("MP4"))));
+            clipData.setBIMUri(reference(card, fileOf(clip.files, QStringLiteral("BIM"))));
+            clipData.setCurrentDuration(clip.frames);
+            data.setClipData(clipData);
+        }
+    } else {
+        data.setMP4Uri(reference(card, fileOf(own, QStringLiteral("MP4"))));
+        data.setBIMUri(reference(card, fileOf(own, QStringLiteral("BIM"))));
+        data.setCurrentDuration(take.frames);
+    }
+    BLNonMetaAcss acss;
+    DONonRealTimeMeta meta;
+    if (acss.loadForFilePath(card.path(fileOf(own, QStringLiteral("XML")))) &&
+        acss.getNonMetaData(meta, "en")) {
+        data.setArrLtcChanges(meta.getLtcChangeTable().getLtcChangeArray());
+        data.setUsAscii(meta.getTitle().getUsAscii());
+        data.setAlias(meta.getTitle().getAlias().getValue());
+    }
+    return data;
+}
+
+// The take frame of a generated take that shows the counter (clip, frame).
+inline cardgen::FrameCounterValue counterOf(const cardgen::ManifestTake& take, qint64 frame)
+{
+    for (const cardgen::ManifestClip& clip : take.clips) {
+        if (frame < clip.frames)
+            return {clip.counterClip, int(frame)};
+        frame -= clip.frames;
+    }
+    return {};
+}
+
+// A card of tiny 29.97p pictures (GOP 15): single clips, or one take of several clips.
+inline cardgen::Options tinyCard(int singleClips, int frames, std::vector<int> multiClipTakes = {})
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = singleClips;
+    options.frames = frames;
+    options.gop = 15;
+    options.multiClipTakes = std::move(multiClipTakes);
+    return options;
+}
+
+// The messages of the program's log, each after its date and time.
+inline QStringList logMessages(const cwtest::ScopedHome& home)
+{
+    QFile file(home.stateHome() + QStringLiteral("/Clipwright/Clipwright.log"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList messages;
+    for (const QString& line :
+         QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
+        messages << line.mid(20);
+    return messages;
+}
+
+} // namespace pvtest

@@ -1,0 +1,203 @@
+#pragma once
+
+#include "PreviewTestSupport.h"
+#include "cardgen/FrameCounter.h"
+#include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/IAudioChannelView.h"
+#include "core/preview/IPreviewButtonView.h"
+#include "core/preview/IPreviewView.h"
+#include "core/preview/ITimeCodeView.h"
+#include "core/preview/ITimeSliderView.h"
+
+#include <QMap>
+#include <QPair>
+#include <QStringList>
+
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace pvtest {
+
+// One picture the view was given, with the counter read from its pixels.
+struct Picture
+{
+    qint64 frame = -1;
+    int width = 0;
+    int height = 0;
+    bool fullScreen = false;
+    std::optional<cardgen::FrameCounterValue> counter;
+};
+
+// A sound device simulated on the system clock: from its first write it
+// plays 48000 sample frames a second of what it holds, and keeps every sample.
+class SimulatedAudioDevice
+{
+public:
+    vv_audio_sink_t sink()
+    {
+        return vv_audio_sink_t{&SimulatedAudioDevice::write, &SimulatedAudioDevice::flush, this};
+    }
+    std::vector<int16_t> samples()
+    {
+        std::lock_guard lock(m_mutex);
+        return m_samples;
+    }
+    void clear()
+    {
+        std::lock_guard lock(m_mutex);
+        m_samples.clear();
+    }
+
+private:
+    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t /*rate*/,
+                         int32_t channels)
+    {
+        auto* self = static_cast<SimulatedAudioDevice*>(context);
+        std::lock_guard lock(self->m_mutex);
+        self->update();
+        if (frames > 0) {
+            self->m_started = true;
+            self->m_samples.insert(self->m_samples.end(), samples,
+                                   samples + size_t(frames) * size_t(channels));
+            self->m_received += frames;
+        }
+        return int32_t(self->m_received - self->m_consumed);
+    }
+    static void flush(void* context)
+    {
+        auto* self = static_cast<SimulatedAudioDevice*>(context);
+        std::lock_guard lock(self->m_mutex);
+        self->m_started = false;
+        self->m_received = self->m_consumed = 0;
+    }
+    void update()
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (m_started)
+            m_consumed = std::min(
+                m_received, m_consumed + qint64(std::chrono::duration<double>(now - m_last).count() * 48000));
+        m_last = now;
+    }
+
+    std::mutex m_mutex;
+    bool m_started = false;
+    std::chrono::steady_clock::time_point m_last;
+    qint64 m_received = 0;
+    qint64 m_consumed = 0;
+    std::vector<int16_t> m_samples;
+};
+
+// Stands in for the preview area: keeps what the controllers asked of it, in
+// order (journal), and every picture. Full screen is entered at once; its
+// loop runs the event loop until a picture marked full screen has arrived.
+class RecordingPreviewView : public IPreviewView,
+                             public IPreviewButtonView,
+                             public ITimeSliderView,
+                             public ITimeCodeView,
+                             public IAudioChannelView
+{
+public:
+    BLPreviewCtrl* ctrl = nullptr;
+    QStringList journal;
+    QString title;
+    int redraws = 0;
+    bool pictureVisible = true;
+    QMap<int, QPair<QString, QString>> images;
+    qint64 sliderValue = -1;
+    bool sliderEnabled = false;
+    QString timeCode;
+    QString stereoTitle;
+    QMap<int, QPair<bool, bool>> boxes; // tag -> ticked, enabled
+    bool refuseFullScreen = false;
+    bool inFullScreen = false;
+    int fullScreenLoops = 0;
+    bool fullScreenPictureSeen = false;
+    SimulatedAudioDevice* audio = nullptr;
+
+    void setPreviewCtrl(BLPreviewCtrl* c) override { ctrl = c; }
+    IPreviewButtonView& buttonView() override { return *this; }
+    ITimeSliderView& timeSliderView() override { return *this; }
+    ITimeCodeView& timeCodeView() override { return *this; }
+    IAudioChannelView& audioChannelView() override { return *this; }
+    vv_audio_sink_t audioSink() override { return audio ? audio->sink() : vv_audio_sink_t{}; }
+
+    void drawFrame(const vv_frame_t& frame) override
+    {
+        Picture p;
+        p.frame = frame.frame_no;
+        p.width = frame.width;
+        p.height = frame.height;
+        p.fullScreen = frame.full_screen != 0;
+        p.counter =
+            cardgen::FrameCounter::readPacked(frame.pixels, frame.stride, frame.width, frame.height, 4);
+        std::lock_guard lock(m_mutex);
+        m_pictures.push_back(p);
+    }
+    std::vector<Picture> pictures()
+    {
+        std::lock_guard lock(m_mutex);
+        return m_pictures;
+    }
+    Picture lastPicture()
+    {
+        std::lock_guard lock(m_mutex);
+        return m_pictures.empty() ? Picture() : m_pictures.back();
+    }
+    void clearPictures()
+    {
+        std::lock_guard lock(m_mutex);
+        m_pictures.clear();
+    }
+
+    void setTitle(const QString& t) override
+    {
+        title = t;
+        journal << QStringLiteral("title ") + t;
+    }
+    void redraw() override
+    {
+        ++redraws;
+        journal << QStringLiteral("redraw");
+    }
+    void makeFirstResponder() override { journal << QStringLiteral("focus"); }
+    void setPictureVisible(bool visible) override { pictureVisible = visible; }
+    bool enterFullScreen() override
+    {
+        journal << QStringLiteral("enter full screen");
+        inFullScreen = !refuseFullScreen;
+        return inFullScreen;
+    }
+    void runFullScreenLoop() override
+    {
+        ++fullScreenLoops;
+        fullScreenPictureSeen = waitUntil([&] { return lastPicture().fullScreen; }, 5000);
+    }
+    void leaveFullScreen() override
+    {
+        journal << QStringLiteral("leave full screen");
+        inFullScreen = false;
+    }
+
+    void setButtonImages(int button, const QString& normal, const QString& pressed) override
+    {
+        images[button] = {normal, pressed};
+    }
+    qint64 maxValue() const override { return 1000; }
+    void setSliderValue(qint64 value) override { sliderValue = value; }
+    void setSliderEnabled(bool enabled) override
+    {
+        sliderEnabled = enabled;
+        journal << (enabled ? QStringLiteral("slider on") : QStringLiteral("slider off"));
+    }
+    void setTimeCode(const QString& text) override { timeCode = text; }
+    void setStereoButtonTitle(const QString& t) override { stereoTitle = t; }
+    void setChannelBox(int tag, bool ticked, bool enabled) override { boxes[tag] = {ticked, enabled}; }
+
+private:
+    std::mutex m_mutex;
+    std::vector<Picture> m_pictures;
+};
+
+} // namespace pvtest

@@ -1,0 +1,354 @@
+#include "core/app/BLMainWindowCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/panes/BLMediaInfoCtrl.h"
+#include "core/preview/BLAudioChannelCtrl.h"
+#include "core/preview/BLPreviewButtonCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/BLTimeSliderCtrl.h"
+#include "core/preview/PreviewTestSupport.h"
+#include "support/FrameCounter.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+#include "ui/app/SCMainWindow.h"
+#include "ui/preview/SCAudioChannelView.h"
+#include "ui/preview/SCFullScreenWindow.h"
+#include "ui/preview/SCImageButton.h"
+#include "ui/preview/SCOpenGLView.h"
+#include "ui/preview/SCPreviewAudioOutput.h"
+#include "ui/preview/SCPreviewButtonBar.h"
+#include "ui/preview/SCPreviewView.h"
+#include "ui/preview/SCTimeCodeField.h"
+#include "ui/preview/SCTimeSlider.h"
+
+#include <QApplication>
+#include <QAudioDevice>
+#include <QCheckBox>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMediaDevices>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace pvtest;
+
+namespace {
+
+// The part of a grab that is not black: the picture inside its bars.
+QRect pictureRect(const QImage& image)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qGray(image.pixel(x, y)) > 40)
+                box |= QRect(x, y, 1, 1);
+        }
+    }
+    return box;
+}
+
+std::optional<cardgen::FrameCounterValue> counterIn(QWidget* widget)
+{
+    const QImage image = widget->grab().toImage();
+    const QRect picture = pictureRect(image);
+    if (picture.isEmpty())
+        return std::nullopt;
+    return cwtest::readFrameCounter(image.copy(picture));
+}
+
+void sendKey(QWidget* widget, int key)
+{
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(widget, &press);
+}
+
+void doubleClick(QWidget* widget)
+{
+    const QPointF centre = QRectF(widget->rect()).center();
+    QMouseEvent press(QEvent::MouseButtonPress, centre, widget->mapToGlobal(centre), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, centre, widget->mapToGlobal(centre), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QMouseEvent again(QEvent::MouseButtonDblClick, centre, widget->mapToGlobal(centre), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &press);
+    QApplication::sendEvent(widget, &release);
+    QApplication::sendEvent(widget, &again);
+    QApplication::sendEvent(widget, &release);
+}
+
+void mouse(QWidget* widget, QEvent::Type type, const QPoint& at)
+{
+    QMouseEvent event(type, QPointF(at), widget->mapToGlobal(QPointF(at)), Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
+void play(const cwtest::CardFolder& card, const DOTakeData& take)
+{
+    BLCommon::sharedCtrl()->sendNotificationNow(
+        nullptr, SC::SCMoviePlayNotification,
+        {{SC::SCPlaySelectFolderKey, card.workFolder()}, {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
+}
+
+} // namespace
+
+class PreviewViewTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    }
+    void TearDown() override
+    {
+        ctrl.reset();
+        view.reset();
+        HomeTest::TearDown();
+    }
+    void start()
+    {
+        view = std::make_unique<SCPreviewView>();
+        view->resize(900, 500);
+        view->show();
+        ctrl = std::make_unique<BLPreviewCtrl>(*view);
+        ASSERT_TRUE(ctrl->initializeCtrl());
+    }
+    bool waitForState(int state)
+    {
+        return waitUntil([&] { return ctrl->getViewerState() == state; });
+    }
+    bool waitForFrame(qint64 frame)
+    {
+        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
+    }
+    void pauseIn(const cwtest::CardFolder& card, const DOTakeData& take)
+    {
+        play(card, take);
+        ASSERT_TRUE(waitForState(VM_PLAYED));
+        view->buttonBar()->button(BLPreviewButtonCtrl::kPause)->click();
+        ASSERT_TRUE(waitForState(VM_PAUSING));
+    }
+
+    cwtest::MessageRecorder messages;
+    std::unique_ptr<SCPreviewView> view;
+    std::unique_ptr<BLPreviewCtrl> ctrl;
+};
+
+TEST_F(PreviewViewTest, ThePictureShowsTheDeliveredFrameInItsAspectAndTheControlsFollow)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
+    const DOTakeData take = takeOf(card, manifestTake);
+    start();
+    EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPlay)->shownImage(), "macbtn_play_n");
+    EXPECT_FALSE(view->timeSlider()->isEnabled());
+
+    play(card, take);
+    ASSERT_TRUE(waitForState(VM_PLAYED));
+    EXPECT_EQ(view->titleField()->text(), take.getAlias());
+    EXPECT_TRUE(view->openGLView()->hasFocus());
+    EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPlay)->shownImage(), "macbtn_play_a");
+    EXPECT_TRUE(view->timeSlider()->isEnabled());
+    sendKey(view->openGLView(), Qt::Key_Space);
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPause)->shownImage(), "macbtn_stop_a");
+
+    sendKey(view->openGLView(), Qt::Key_Down);
+    ASSERT_TRUE(waitForFrame(29));
+    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 29); }));
+    // 16:9 in a wider than high area: black bars at the sides or above and below.
+    const QImage grab = view->openGLView()->grab().toImage();
+    const QRect picture = pictureRect(grab);
+    EXPECT_NEAR(double(picture.width()) / picture.height(), 16.0 / 9.0, 0.03);
+    EXPECT_TRUE(picture.width() == grab.width() || picture.height() == grab.height());
+    EXPECT_EQ(view->timeSlider()->value(), SCTimeSlider::kMaximum);
+    EXPECT_EQ(view->timeCodeField()->text(), "00:00.00:29");
+
+    view->buttonBar()->button(BLPreviewButtonCtrl::kTopFrame)->click();
+    ASSERT_TRUE(waitForFrame(0));
+    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 0); }));
+
+    // Stopped: the picture is black and the slider rests.
+    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieStopNotification);
+    settle(100);
+    EXPECT_TRUE(pictureRect(view->openGLView()->grab().toImage()).isEmpty());
+    EXPECT_FALSE(view->timeSlider()->isEnabled());
+    EXPECT_EQ(view->titleField()->text(), "");
+}
+
+TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeavesIt)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
+    start();
+    pauseIn(card, takeOf(card, manifestTake));
+    view->buttonBar()->button(BLPreviewButtonCtrl::kLastFrame)->click();
+    ASSERT_TRUE(waitForFrame(29));
+
+    SCFullScreenWindow* fullScreen = view->fullScreenWindow();
+    bool opened = false;
+    std::optional<cardgen::FrameCounterValue> shown;
+    // Runs inside the full-screen loop: a preview key, then Escape.
+    QTimer::singleShot(200, [&] {
+        opened = fullScreen->isVisible() && fullScreen->isFullScreen() && ctrl->isFullScreen();
+        sendKey(fullScreen, Qt::Key_Left);
+        QTimer::singleShot(300, [&] {
+            shown = counterIn(fullScreen);
+            sendKey(fullScreen, Qt::Key_Escape);
+        });
+    });
+    doubleClick(view->openGLView());
+    ASSERT_TRUE(waitUntil([&] { return opened && !ctrl->isFullScreen(); }));
+    EXPECT_FALSE(fullScreen->isVisible());
+    EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 28);
+    EXPECT_EQ(shown, counterOf(manifestTake, 28));
+    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 28); }));
+
+    // From the menu, left by a double click.
+    opened = false;
+    QTimer::singleShot(200, [&] {
+        opened = fullScreen->isVisible();
+        doubleClick(fullScreen);
+    });
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
+    EXPECT_TRUE(opened);
+    EXPECT_FALSE(ctrl->isFullScreen());
+    EXPECT_FALSE(fullScreen->isVisible());
+
+    // Not while stopped.
+    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieStopNotification);
+    doubleClick(view->openGLView());
+    settle(100);
+    EXPECT_FALSE(fullScreen->isVisible());
+    EXPECT_TRUE(logMessages(home()).contains("0000:[BLPreviewCtrl showFullscreen] now VM_STOPPED"));
+}
+
+TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
+{
+    const cwtest::CardFolder card(tinyCard(1, 30));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
+    start();
+    pauseIn(card, takeOf(card, manifestTake));
+
+    SCTimeSlider* slider = view->timeSlider();
+    const QPoint middle = slider->rect().center();
+    mouse(slider, QEvent::MouseButtonPress, middle);
+    EXPECT_TRUE(ctrl->getTimeSliderCtrl().getSliderIsDraging());
+    mouse(slider, QEvent::MouseMove, middle + QPoint(slider->width() / 8, 0));
+    mouse(slider, QEvent::MouseButtonRelease, middle + QPoint(slider->width() / 8, 0));
+    EXPECT_FALSE(ctrl->getTimeSliderCtrl().getSliderIsDraging());
+    const qint64 frame = 29LL * slider->value() / SCTimeSlider::kMaximum;
+    EXPECT_GT(frame, 15);
+    EXPECT_LT(frame, 25);
+    ASSERT_TRUE(waitForFrame(frame));
+    EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
+    ASSERT_TRUE(
+        waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, int(frame)); }));
+
+    SCAudioChannelView* audio = view->audioChannel();
+    EXPECT_EQ(audio->stereoButton()->text(), "Stereo");
+    EXPECT_FALSE(audio->channelBox(1)->isEnabled());
+    audio->stereoButton()->click();
+    EXPECT_FALSE(ctrl->getAudioChannelCtrl().isStereo());
+    EXPECT_EQ(audio->stereoButton()->text(), "Mono");
+    EXPECT_TRUE(audio->channelBox(1)->isChecked());
+    EXPECT_FALSE(audio->channelBox(2)->isChecked());
+    audio->channelBox(2)->click();
+    EXPECT_EQ(ctrl->getAudioChannelCtrl().getChannel(), 2);
+    EXPECT_FALSE(audio->channelBox(1)->isChecked());
+    audio->channelBox(2)->click(); // the chosen box stays ticked
+    EXPECT_TRUE(audio->channelBox(2)->isChecked());
+    EXPECT_TRUE(logMessages(home()).contains(
+        "0000:[BLAudioChannelCtrl changeAudioChannelStatus] call vv_audio_ch(VV_AUDIO_R)"));
+}
+
+TEST(PreviewAudioOutputTest, WithoutAnAudioDeviceThePreviewPlaysSilently)
+{
+    SCPreviewAudioOutput output;
+    const vv_audio_sink_t sink = output.sink();
+    if (QMediaDevices::audioOutputs().isEmpty()) {
+        EXPECT_FALSE(output.hasDevice());
+        EXPECT_EQ(sink.write, nullptr);
+        return;
+    }
+    ASSERT_TRUE(output.hasDevice());
+    std::vector<int16_t> silence(2 * 4800, 0);
+    EXPECT_GE(sink.write(sink.context, silence.data(), 4800, 48000, 2), 4800);
+    sink.flush(sink.context);
+    EXPECT_EQ(sink.write(sink.context, nullptr, 0, 48000, 2), 0);
+}
+
+TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
+{
+    cardgen::Options options = tinyCard(1, 9);
+    options.size = "1280x720";
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
+
+    SCMainWindow window;
+    BLMainWindowCtrl windowCtrl(window);
+    window.setController(&windowCtrl);
+    windowCtrl.awakeFromNib();
+    BLPreviewCtrl* preview = windowCtrl.getPreviewCtrl();
+    ASSERT_NE(preview, nullptr);
+    window.show();
+    ASSERT_TRUE(windowCtrl.initializeCtrl());
+    bool enable = true;
+    EXPECT_TRUE(windowCtrl.isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
+    EXPECT_FALSE(enable);
+
+    // The card's folder is chosen in the Main pane first: a change of folder stops the preview.
+    BLMediaInfoCtrl* pane = windowCtrl.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
+    pane->setWorkFolder(card.workFolder(), false);
+    pane->setSelectFolder(card.workFolder(), true);
+    ASSERT_TRUE(waitUntil([&] { return pane->getTakeData().size() == 1; }));
+    play(card, takeOf(card, manifestTake));
+    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
+    windowCtrl.selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
+    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PAUSING; }));
+    // The Preview menu's items, validated as the menu opens.
+    QAction* firstFrame = nullptr;
+    for (QAction* action : window.previewMenu()->actions())
+        if (action->data().toInt() == MENU_ITEM_ID_PREVIEW_TOP_FRAME)
+            firstFrame = action;
+    ASSERT_NE(firstFrame, nullptr);
+    window.validateMenuItems();
+    EXPECT_TRUE(firstFrame->isEnabled());
+    firstFrame->trigger();
+    ASSERT_TRUE(waitUntil([&] { return preview->getTimeSliderCtrl().getFrameNo() == 0; }));
+    for (int i = 1; i <= 4; ++i) {
+        ASSERT_TRUE(waitUntil([&] { return preview->isEndOfViewerJob(); }));
+        sendKey(window.previewWidget()->openGLView(), Qt::Key_Right);
+        ASSERT_TRUE(waitUntil([&] { return preview->getTimeSliderCtrl().getFrameNo() == i; }));
+    }
+    ASSERT_TRUE(waitUntil(
+        [&] { return counterIn(window.previewWidget()->openGLView()) == counterOf(manifestTake, 4); }));
+
+    const QImage shot = window.grab().toImage();
+    EXPECT_EQ(shot.size(), QSize(1024, 768));
+    const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/screenshots");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    EXPECT_TRUE(shot.save(folder + "/preview.png"));
+
+    // Minimised, the picture is hidden; back, it is shown.
+    windowCtrl.windowWillMiniaturizeNotification();
+    EXPECT_FALSE(window.previewWidget()->openGLView()->isVisible());
+    windowCtrl.windowDidDeminiaturizeNotification();
+    EXPECT_TRUE(window.previewWidget()->openGLView()->isVisible());
+
+    window.close();
+    EXPECT_FALSE(preview->isUseViewerLibrary());
+    EXPECT_TRUE(
+        logMessages(home()).contains("0000:[BLPreviewCtrl finalizeViewerLibrary] call vv_exit return:0"));
+}
