@@ -73,6 +73,7 @@ void BLApplication::awakeFromNib()
     m_mainWindowCtrl = std::make_unique<BLMainWindowCtrl>(*m_mainWindow);
     m_mainWindow->setController(m_mainWindowCtrl.get());
     m_mainWindowCtrl->awakeFromNib();
+    m_mainWindow->installPaneViews();
     connect(m_mainWindow.get(), &SCMainWindow::windowClosed, this,
             &BLApplication::applicationShouldTerminateAfterLastWindowClosed);
     connect(m_mainWindow->quitAction(), &QAction::triggered, m_mainWindow.get(), &QWidget::close);

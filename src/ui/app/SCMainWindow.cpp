@@ -2,10 +2,16 @@
 
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLMainWindowCtrl.h"
+#include "core/model/BLTreeViewCtrl.h"
+#include "core/panes/BLMediaInfoCtrl.h"
+#include "core/panes/BLThumbViewCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/common/LocalizedTitle.h"
-#include "core/preview/BLPreviewCtrl.h"
 #include "ui/common/SCFrameView.h"
+#include "ui/panes/SCMediaInfoView.h"
+#include "ui/panes/SCThumbView.h"
+#include "ui/panes/SCTreeView.h"
 #include "ui/preview/SCPreviewView.h"
 
 #include <QApplication>
@@ -14,6 +20,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QSplitter>
+#include <QVBoxLayout>
 #include <QWindowStateChangeEvent>
 
 SCMainWindow::SCMainWindow(QWidget* parent)
@@ -56,22 +63,63 @@ void SCMainWindow::createMenus()
 {
     QMenuBar* bar = menuBar();
     m_fileMenu = bar->addMenu(QStringLiteral("&File"));
+    addPaneAction(m_fileMenu, "Change &Work Folder...", MENU_ITEM_ID_CHANGE_WORK_FOLDER, QKeySequence::Open);
+    addPaneAction(m_fileMenu, "&Up One Folder", MENU_ITEM_ID_MOVE_UP_FOLDER,
+                  QKeySequence(QStringLiteral("Alt+Up")));
+    m_fileMenu->addSeparator();
+    addPaneAction(m_fileMenu, "&Import MP4 Files...", MENU_ITEM_ID_IMPORT);
+    addPaneAction(m_fileMenu, "&Export as MPEG-2 TS...", MENU_ITEM_ID_EXPORT,
+                  QKeySequence(QStringLiteral("Ctrl+E")));
+    m_fileMenu->addSeparator();
     m_quitAction = m_fileMenu->addAction(QStringLiteral("&Quit"));
     m_quitAction->setShortcut(QKeySequence::Quit);
     m_quitAction->setMenuRole(QAction::QuitRole);
 
     m_editMenu = bar->addMenu(QStringLiteral("&Edit"));
+    addPaneAction(m_editMenu, "Cu&t", MENU_ITEM_ID_CUT, QKeySequence::Cut);
+    addPaneAction(m_editMenu, "&Copy", MENU_ITEM_ID_COPY, QKeySequence::Copy);
+    addPaneAction(m_editMenu, "&Paste", MENU_ITEM_ID_PASTE, QKeySequence::Paste);
+    addPaneAction(m_editMenu, "&Delete", MENU_ITEM_ID_DELETE, QKeySequence::Delete);
+    m_editMenu->addSeparator();
+    addPaneAction(m_editMenu, "Select &All", MENU_ITEM_ID_SELECT_ALL, QKeySequence::SelectAll);
+    m_editMenu->addSeparator();
+    addPaneAction(m_editMenu, "Copy All Clips to the &Other Pane...", MENU_ITEM_ID_ALL_COPY);
+    m_editMenu->addSeparator();
     m_preferencesAction = m_editMenu->addAction(QStringLiteral("&Preferences..."));
     m_preferencesAction->setShortcut(QKeySequence(QStringLiteral("Ctrl+,")));
     m_preferencesAction->setMenuRole(QAction::PreferencesRole);
 
     m_viewMenu = bar->addMenu(QStringLiteral("&View"));
+    for (const auto& [title, tag] : {std::pair{"Sort by &Title", MENU_ITEM_ID_SORT_TITLE},
+                                     std::pair{"Sort by &Size", MENU_ITEM_ID_SORT_SIZE},
+                                     std::pair{"Sort by &Duration", MENU_ITEM_ID_SORT_DURATION},
+                                     std::pair{"Sort by D&ate", MENU_ITEM_ID_SORT_DATE}})
+        addPaneAction(m_viewMenu, title, tag)->setCheckable(true);
+    m_viewMenu->addSeparator();
     m_resetWindowSizeAction = m_viewMenu->addAction(QStringLiteral("&Reset Window Size"));
     m_resetWindowSizeAction->setData(MENU_ITEM_ID_RESET_WINDOW_SIZE);
     connect(m_resetWindowSizeAction, &QAction::triggered, this, [this] {
         if (m_ctrl)
             m_ctrl->selectMenuItem(m_resetWindowSizeAction->data().toInt());
     });
+
+    m_clipMenu = bar->addMenu(QStringLiteral("&Clip"));
+    addPaneAction(m_clipMenu, "&Play", MENU_ITEM_ID_THUMB_PLAY, QKeySequence(Qt::Key_Space));
+    addPaneAction(m_clipMenu, "Show &Info...", MENU_ITEM_ID_SHOW_INFO,
+                  QKeySequence(QStringLiteral("Ctrl+I")));
+    m_clipMenu->addSeparator();
+    addPaneAction(m_clipMenu, "&Search Clips...", MENU_ITEM_ID_CLIP_SEARCH, QKeySequence::Find);
+
+    m_folderMenu = bar->addMenu(QStringLiteral("F&older"));
+    addPaneAction(m_folderMenu, "&New Folder...", MENU_ITEM_ID_NEW_FOLDER,
+                  QKeySequence(QStringLiteral("Ctrl+Shift+N")));
+    addPaneAction(m_folderMenu, "&Rename Folder...", MENU_ITEM_ID_CHANGE_FOLDER_NAME);
+    m_folderMenu->addSeparator();
+    addPaneAction(m_folderMenu, "D&ivide Folder...", MENU_ITEM_ID_FOLDER_DIVISION);
+    addPaneAction(m_folderMenu, "&Combine Folders...", MENU_ITEM_ID_FOLDER_COMBINE);
+    m_folderMenu->addSeparator();
+    addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE);
+    addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER);
 
     m_previewMenu = bar->addMenu(QStringLiteral("P&review"));
     const struct
@@ -107,13 +155,78 @@ void SCMainWindow::createMenus()
     m_aboutAction = m_helpMenu->addAction(QStringLiteral("&About ORX Clipwright"));
     m_aboutAction->setMenuRole(QAction::AboutRole);
 
-    for (QMenu* menu : {m_fileMenu, m_editMenu, m_viewMenu, m_previewMenu, m_helpMenu})
+    for (QMenu* menu :
+         {m_fileMenu, m_editMenu, m_viewMenu, m_clipMenu, m_folderMenu, m_previewMenu, m_helpMenu}) {
         connect(menu, &QMenu::aboutToShow, this, &SCMainWindow::validateMenuItems);
+        connect(menu, &QMenu::aboutToHide, this, &SCMainWindow::enablePaneMenuItems);
+    }
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusChanged(now); });
+}
+
+QAction* SCMainWindow::addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut)
+{
+    QAction* action = menu->addAction(QString::fromUtf8(title));
+    action->setData(tag);
+    action->setShortcut(shortcut);
+    connect(action, &QAction::triggered, this, [this, action] { selectPaneMenuItem(action); });
+    m_paneActions << action;
+    return action;
 }
 
 QWidget* SCMainWindow::paneContainer(int index) const
 {
     return index == 0 ? m_mediaInfoView1 : index == 1 ? m_mediaInfoView2 : nullptr;
+}
+
+void SCMainWindow::installPaneViews()
+{
+    for (int index : {0, 1}) {
+        BLMediaInfoCtrl* pane = m_ctrl ? m_ctrl->getMediaInfoCtrl(index) : nullptr;
+        if (!pane || m_paneViews[index])
+            continue;
+        QWidget* container = paneContainer(index);
+        auto* layout = new QVBoxLayout(container);
+        layout->setContentsMargins(0, 0, 0, 0);
+        m_paneViews[index] = new SCMediaInfoView(pane, container);
+        layout->addWidget(m_paneViews[index]);
+    }
+    // The menus start on the Main pane's grid.
+    if (m_paneViews[0])
+        m_paneViews[0]->thumbView()->setFocus(Qt::OtherFocusReason);
+}
+
+SCMediaInfoView* SCMainWindow::mediaInfoView(int index) const
+{
+    return index == 0 || index == 1 ? m_paneViews[index] : nullptr;
+}
+
+SCMediaInfoView* SCMainWindow::activeMediaInfoView() const
+{
+    return m_activePane;
+}
+
+void SCMainWindow::focusChanged(QWidget* now)
+{
+    // Focus leaving the window (to a dialog, or with the window deactivated)
+    // leaves the menus on the pane they were on.
+    if (!now || now->window() != this)
+        return;
+    m_activePane = nullptr;
+    for (SCMediaInfoView* view : m_paneViews)
+        if (view && view->isAncestorOf(now))
+            m_activePane = view;
+    if (m_ctrl)
+        m_ctrl->setFocusMediaInfoCtrl(m_activePane ? m_activePane->ctrl() : nullptr,
+                                      m_activePane && m_activePane->treeView() == now);
+}
+
+void SCMainWindow::selectPaneMenuItem(QAction* action)
+{
+    const int tag = action->data().toInt();
+    bool enable = false;
+    // A shortcut of a command that is not available now does nothing.
+    if (m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable)
+        m_ctrl->selectMenuItem(tag);
 }
 
 void SCMainWindow::validateMenuItems()
@@ -128,6 +241,23 @@ void SCMainWindow::validateMenuItems()
         if (!action->isSeparator() && m_ctrl && m_ctrl->isSupportMenuItem(action->data().toInt(), &enable))
             action->setEnabled(enable);
     }
+    for (QAction* action : std::as_const(m_paneActions)) {
+        const int tag = action->data().toInt();
+        bool enable = false;
+        action->setEnabled(m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable);
+        if (action->isCheckable()) {
+            bool check = false;
+            if (m_activePane && m_activePane->ctrl())
+                m_activePane->ctrl()->thumbViewCtrl()->isSupportMenuItem(tag, nullptr, &check);
+            action->setChecked(check);
+        }
+    }
+}
+
+void SCMainWindow::enablePaneMenuItems()
+{
+    for (QAction* action : std::as_const(m_paneActions))
+        action->setEnabled(true);
 }
 
 QRectF SCMainWindow::screenFrame() const

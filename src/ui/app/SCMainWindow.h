@@ -10,6 +10,7 @@ class QAction;
 class QMenu;
 class QSplitter;
 class SCFrameView;
+class SCMediaInfoView;
 class SCPreviewView;
 
 // The main window: a vertical split between the pane area (the "Main" and
@@ -32,6 +33,13 @@ public:
     // The containers into which the pane views (0 Main, 1 Sub1) and the
     // preview view are inserted.
     QWidget* paneContainer(int index) const;
+    // Inserts the views of the controller's two panes into their containers.
+    void installPaneViews();
+    // The pane view 0 (Main) or 1 (Sub1); null before installPaneViews.
+    SCMediaInfoView* mediaInfoView(int index) const;
+    // The pane whose folder list or grid has the keyboard focus: the menus'
+    // pane commands go to it (through the controller); null when neither has it.
+    SCMediaInfoView* activeMediaInfoView() const;
     QWidget* previewContainer() const { return m_previewView; }
     // The preview area inside the preview container.
     SCPreviewView* previewWidget() const { return m_preview; }
@@ -42,6 +50,8 @@ public:
     QMenu* fileMenu() const { return m_fileMenu; }
     QMenu* editMenu() const { return m_editMenu; }
     QMenu* viewMenu() const { return m_viewMenu; }
+    QMenu* clipMenu() const { return m_clipMenu; }
+    QMenu* folderMenu() const { return m_folderMenu; }
     QMenu* previewMenu() const { return m_previewMenu; }
     QMenu* helpMenu() const { return m_helpMenu; }
     QAction* quitAction() const { return m_quitAction; }
@@ -50,6 +60,9 @@ public:
     QAction* aboutAction() const { return m_aboutAction; }
     // Enables the menu items that are available now (run before a menu opens).
     void validateMenuItems();
+    // Enables every pane command again once a menu has closed, so that its
+    // shortcut reaches selectPaneMenuItem, which checks it at that moment.
+    void enablePaneMenuItems();
 
     // IMainWindowView
     QRectF screenFrame() const override;
@@ -76,6 +89,11 @@ protected:
 
 private:
     void createMenus();
+    // A pane command in a menu: its data is the tag.
+    QAction* addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut = {});
+    void selectPaneMenuItem(QAction* action);
+    // Tells the controller which pane, and which of its lists, has the focus.
+    void focusChanged(QWidget* now);
     void zoomStateChanged(Qt::WindowStates oldState);
     QRectF maximizedFrame() const;
 
@@ -93,8 +111,13 @@ private:
     QMenu* m_fileMenu = nullptr;
     QMenu* m_editMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
+    QMenu* m_clipMenu = nullptr;
+    QMenu* m_folderMenu = nullptr;
     QMenu* m_previewMenu = nullptr;
     QMenu* m_helpMenu = nullptr;
+    QList<QAction*> m_paneActions;
+    SCMediaInfoView* m_paneViews[2] = {nullptr, nullptr};
+    SCMediaInfoView* m_activePane = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_preferencesAction = nullptr;
     QAction* m_resetWindowSizeAction = nullptr;

@@ -1,0 +1,466 @@
+#include "core/app/BLMainWindowCtrl.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/model/BLTreeViewCtrl.h"
+#include "core/panes/BLMediaInfoCtrl.h"
+#include "core/panes/BLThumbViewCtrl.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/TestEnvironment.h"
+#include "ui/app/SCMainWindow.h"
+#include "ui/panes/SCMediaInfoView.h"
+#include "ui/panes/SCThumbView.h"
+#include "ui/panes/SCTreeView.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds)
+            return false;
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+void mouse(QWidget* target, QEvent::Type type, const QPoint& at,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier, Qt::MouseButton button = Qt::LeftButton)
+{
+    const QPointF local(at);
+    QMouseEvent event(type, local, local, target->mapToGlobal(local), button,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : button, modifiers);
+    QApplication::sendEvent(target, &event);
+}
+
+void click(QWidget* target, const QPoint& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    mouse(target, QEvent::MouseButtonPress, at, modifiers);
+    mouse(target, QEvent::MouseButtonRelease, at, modifiers);
+}
+
+void key(QWidget* target, int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QKeyEvent press(QEvent::KeyPress, code, modifiers);
+    QApplication::sendEvent(target, &press);
+    QKeyEvent release(QEvent::KeyRelease, code, modifiers);
+    QApplication::sendEvent(target, &release);
+}
+
+cardgen::Options card(int clips, const QString& prefix)
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.clips = clips;
+    options.fast = true;
+    options.prefix = prefix;
+    return options;
+}
+
+QList<int> selectedRows(const BLThumbViewCtrl* grid)
+{
+    QList<int> rows;
+    for (const QModelIndex& index : grid->selectionModel()->selectedIndexes())
+        rows << index.row();
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+QAction* actionOf(QMenu* menu, int tag)
+{
+    for (QAction* action : menu->actions())
+        if (!action->isSeparator() && action->data().toInt() == tag)
+            return action;
+    return nullptr;
+}
+
+// Counts the notifications of one name while it lives.
+struct NotificationCounter
+{
+    explicit NotificationCounter(const QString& name)
+    {
+        SCNotificationCenter::defaultCenter()->addObserver(this, name,
+                                                           [this](const SCNotification&) { ++count; });
+    }
+    ~NotificationCounter() { SCNotificationCenter::defaultCenter()->removeObserver(this); }
+    int count = 0;
+};
+
+} // namespace
+
+// The main window with both panes, each on a card of its own, as the
+// application builds it.
+class MediaPanesTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        m_logPath = home().stateHome() + "/Clipwright/Clipwright.log";
+        ASSERT_TRUE(m_main.ok()) << m_main.error().toStdString();
+        ASSERT_TRUE(m_sub1.ok()) << m_sub1.error().toStdString();
+        cwtest::writeSettings(home().configHome(), {{"WORK_FOLDER", m_main.workFolder()},
+                                                    {"SELECT_FOLDER", m_main.workFolder()},
+                                                    {"WORK_FOLDER_SUB1", m_sub1.workFolder()},
+                                                    {"SELECT_FOLDER_SUB1", m_sub1.workFolder()},
+                                                    {"MAIN_WIN_WIDTH", 1280.0},
+                                                    {"MAIN_WIN_HEIGHT", 820.0},
+                                                    {"LOG_FLAG", "DEBUG"}});
+        window = std::make_unique<SCMainWindow>();
+        ctrl = std::make_unique<BLMainWindowCtrl>(*window);
+        window->setController(ctrl.get());
+        ctrl->awakeFromNib();
+        window->installPaneViews();
+        window->show();
+        window->activateWindow();
+        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
+        ctrl->initializeCtrl();
+        ASSERT_TRUE(
+            waitFor([&] { return grid(0)->rowCount() == kMainClips && grid(1)->rowCount() == kSub1Clips; }));
+        EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
+    }
+
+    void TearDown() override
+    {
+        window->close();
+        window.reset();
+        ctrl.reset();
+        HomeTest::TearDown();
+    }
+
+    SCMediaInfoView* pane(int index) const { return window->mediaInfoView(index); }
+    SCThumbView* thumbView(int index) const { return pane(index)->thumbView(); }
+    BLThumbViewCtrl* grid(int index) const { return window->mediaInfoView(index)->ctrl()->thumbViewCtrl(); }
+    QPoint centerOf(int index, int row) const
+    {
+        return thumbView(index)->visualRect(grid(index)->index(row)).center();
+    }
+    // Whether the grid's picture of a row has arrived.
+    bool hasImage(int index, int row) const
+    {
+        return !grid(index)->index(row).data(BLThumbViewCtrl::ImageRole).value<QImage>().isNull();
+    }
+    QStringList log() const
+    {
+        QFile file(m_logPath);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        return QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts);
+    }
+    void focusPane(int index)
+    {
+        window->activateWindow();
+        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
+        thumbView(index)->setFocus(Qt::MouseFocusReason);
+        QApplication::processEvents();
+        ASSERT_EQ(window->activeMediaInfoView(), pane(index));
+    }
+
+    static constexpr int kMainClips = 12;
+    static constexpr int kSub1Clips = 3;
+    QString m_logPath;
+    cwtest::CardFolder m_main{card(kMainClips, "MAI")};
+    cwtest::CardFolder m_sub1{card(kSub1Clips, "SUB")};
+    cwtest::MessageRecorder m_messages;
+    std::unique_ptr<SCMainWindow> window;
+    std::unique_ptr<BLMainWindowCtrl> ctrl;
+};
+
+TEST_F(MediaPanesTest, TheGridShowsTheTakesAndAsksForThePicturesOfShownItemsOnly)
+{
+    // Each pane shows its card: the folder name, the takes by name, the sizes.
+    EXPECT_EQ(pane(0)->folderNameField()->text(), QDir(m_main.workFolder()).dirName());
+    QStringList ids;
+    for (int row = 0; row < kMainClips; ++row)
+        ids << grid(0)->index(row).data(BLThumbViewCtrl::TakeIdRole).toString();
+    QStringList expected;
+    for (int n = 1; n <= kMainClips; ++n)
+        expected << QString("MAI%1").arg(n, 4, 10, QChar('0'));
+    EXPECT_EQ(ids, expected);
+    EXPECT_FALSE(pane(0)->folderSizeField()->text().isEmpty());
+    EXPECT_FALSE(pane(0)->volumeSizeField()->text().isEmpty());
+    EXPECT_EQ(pane(0)->treeView()->model()->rowCount(), 1); // the card root: only BPAV inside
+
+    // The grid is one row high: the first row's pictures are asked for and
+    // drawn; the rows out of sight are not asked for.
+    window->splitView()->setSizes({SCMainWindow::kPaneAreaMinimumHeight, 2000});
+    QApplication::processEvents();
+    SCThumbView* view = thumbView(0);
+    const QRect first = view->visualRect(grid(0)->index(0));
+    const QRect last = view->visualRect(grid(0)->index(kMainClips - 1));
+    ASSERT_TRUE(view->viewport()->rect().intersects(first));
+    ASSERT_FALSE(view->viewport()->rect().intersects(last));
+
+    // Until the picture arrives the item shows the dark placeholder.
+    const QPoint corner = first.topLeft() + QPoint(9, 9);
+    if (!hasImage(0, 0)) {
+        EXPECT_EQ(view->viewport()->grab().toImage().pixelColor(corner), QColor(60, 60, 64));
+    }
+    ASSERT_TRUE(waitFor([&] { return hasImage(0, 0); }));
+    view->viewport()->grab();
+    QApplication::processEvents();
+    EXPECT_NE(view->viewport()->grab().toImage().pixelColor(corner), QColor(60, 60, 64));
+    EXPECT_FALSE(grid(0)->thumbArray().at(kMainClips - 1).isImageRequested());
+
+    // Scrolling to the end asks for the rest.
+    view->scrollToBottom();
+    view->viewport()->grab();
+    EXPECT_TRUE(grid(0)->thumbArray().at(kMainClips - 1).isImageRequested());
+}
+
+TEST_F(MediaPanesTest, ClicksKeysAndMenusSelectAndPlay)
+{
+    SCThumbView* view = thumbView(0);
+    QWidget* viewport = view->viewport();
+    BLThumbViewCtrl* main = grid(0);
+
+    click(viewport, centerOf(0, 0));
+    EXPECT_EQ(selectedRows(main), QList<int>{0});
+    click(viewport, centerOf(0, 3), Qt::ShiftModifier);
+    EXPECT_EQ(selectedRows(main), (QList<int>{0, 1, 2, 3}));
+    click(viewport, centerOf(0, 1), Qt::ControlModifier);
+    EXPECT_EQ(selectedRows(main), (QList<int>{0, 2, 3}));
+    click(viewport, centerOf(0, 5));
+    EXPECT_EQ(selectedRows(main), QList<int>{5});
+
+    // Arrow keys move the selection; Shift extends it.
+    key(view, Qt::Key_Right);
+    EXPECT_EQ(selectedRows(main), QList<int>{6});
+    key(view, Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(selectedRows(main), (QList<int>{6, 7}));
+
+    // A rubber band from the empty space after the last item back over the
+    // first row selects what it touches.
+    const QRect lastRect = view->visualRect(main->index(kMainClips - 1));
+    QPoint empty = lastRect.topRight() + QPoint(20, 10);
+    if (empty.x() >= viewport->width())
+        empty = QPoint(lastRect.left() + 10, lastRect.bottom() + 20);
+    ASSERT_FALSE(view->indexAt(empty).isValid());
+    const QPoint end = centerOf(0, 0);
+    mouse(viewport, QEvent::MouseButtonPress, empty);
+    mouse(viewport, QEvent::MouseMove, (empty + end) / 2);
+    mouse(viewport, QEvent::MouseMove, end);
+    mouse(viewport, QEvent::MouseButtonRelease, end);
+    const QList<int> banded = selectedRows(main);
+    EXPECT_GE(banded.size(), 2);
+    EXPECT_TRUE(banded.contains(0));
+    EXPECT_TRUE(banded.contains(kMainClips - 1));
+
+    // Return and a double click play the only selected take.
+    NotificationCounter plays(SC::SCMoviePlayNotification);
+    click(viewport, centerOf(0, 2));
+    key(view, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return plays.count == 1; }));
+    mouse(viewport, QEvent::MouseButtonDblClick, centerOf(0, 2));
+    mouse(viewport, QEvent::MouseButtonRelease, centerOf(0, 2));
+    ASSERT_TRUE(waitFor([&] { return plays.count == 2; }));
+
+    // Select All in the Edit menu goes to the pane that has the focus.
+    focusPane(1);
+    window->validateMenuItems();
+    actionOf(window->editMenu(), MENU_ITEM_ID_SELECT_ALL)->trigger();
+    EXPECT_EQ(grid(1)->getSelectCount(), kSub1Clips);
+    EXPECT_EQ(main->getSelectCount(), 1);
+    focusPane(0);
+    actionOf(window->editMenu(), MENU_ITEM_ID_SELECT_ALL)->trigger();
+    EXPECT_EQ(main->getSelectCount(), kMainClips);
+}
+
+TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
+{
+    focusPane(0);
+    BLThumbViewCtrl* main = grid(0);
+    BLMediaInfoCtrl* mainPane = pane(0)->ctrl();
+    auto enabled = [&](QMenu* menu, int tag) {
+        window->validateMenuItems();
+        QAction* action = actionOf(menu, tag);
+        EXPECT_NE(action, nullptr) << tag;
+        return action && action->isEnabled();
+    };
+
+    // With the grid focused, every pane item of the menu bar is enabled
+    // exactly as the pane's grid answers.
+    for (QMenu* menu : {window->fileMenu(), window->editMenu(), window->viewMenu(), window->clipMenu(),
+                        window->folderMenu()}) {
+        window->validateMenuItems();
+        for (QAction* action : menu->actions()) {
+            const int tag = action->data().toInt();
+            if (action->isSeparator() || tag == MENU_ITEM_ID_RESET_WINDOW_SIZE ||
+                action == window->quitAction() || action == window->preferencesAction())
+                continue;
+            bool enable = false;
+            mainPane->isSupportMenuItemToThumbView(tag, &enable, nullptr);
+            EXPECT_EQ(action->isEnabled(), enable) << action->text().toStdString();
+        }
+    }
+
+    // Nothing selected: no clip commands; one take selected: Copy, Cut and Play.
+    EXPECT_FALSE(enabled(window->editMenu(), MENU_ITEM_ID_COPY));
+    EXPECT_FALSE(enabled(window->clipMenu(), MENU_ITEM_ID_THUMB_PLAY));
+    EXPECT_TRUE(enabled(window->editMenu(), MENU_ITEM_ID_SELECT_ALL));
+    main->selectionModel()->select(main->index(1), QItemSelectionModel::ClearAndSelect);
+    EXPECT_TRUE(enabled(window->editMenu(), MENU_ITEM_ID_COPY));
+    EXPECT_TRUE(enabled(window->editMenu(), MENU_ITEM_ID_CUT));
+    EXPECT_TRUE(enabled(window->clipMenu(), MENU_ITEM_ID_THUMB_PLAY));
+    // Commands whose dialogs are not there are shown disabled.
+    for (int tag : {MENU_ITEM_ID_IMPORT, MENU_ITEM_ID_EXPORT})
+        EXPECT_FALSE(enabled(window->fileMenu(), tag)) << tag;
+    EXPECT_FALSE(enabled(window->editMenu(), MENU_ITEM_ID_DELETE));
+    EXPECT_FALSE(enabled(window->clipMenu(), MENU_ITEM_ID_SHOW_INFO));
+    EXPECT_FALSE(enabled(window->clipMenu(), MENU_ITEM_ID_CLIP_SEARCH));
+    for (int tag :
+         {MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_FOLDER_COMBINE, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
+        EXPECT_FALSE(enabled(window->folderMenu(), tag)) << tag;
+    // The folder dialogs are there: the card root may get a new folder.
+    EXPECT_TRUE(enabled(window->folderMenu(), MENU_ITEM_ID_NEW_FOLDER));
+    EXPECT_TRUE(enabled(window->fileMenu(), MENU_ITEM_ID_CHANGE_WORK_FOLDER));
+
+    // With the folder list focused, Delete deletes the folder; the clip
+    // commands are not the list's.
+    pane(0)->treeView()->setFocus(Qt::MouseFocusReason);
+    EXPECT_TRUE(enabled(window->editMenu(), MENU_ITEM_ID_DELETE));
+    EXPECT_FALSE(enabled(window->editMenu(), MENU_ITEM_ID_COPY));
+    EXPECT_TRUE(enabled(window->folderMenu(), MENU_ITEM_ID_CHANGE_FOLDER_NAME));
+    focusPane(0);
+
+    // A shortcut of a disabled command does nothing once the menu has closed.
+    window->enablePaneMenuItems();
+    main->selectionModel()->clear();
+    actionOf(window->editMenu(), MENU_ITEM_ID_CUT)->trigger();
+    EXPECT_FALSE(log().join('\n').contains("menuItemID:MENU_ITEM_ID_CUT"));
+    main->selectionModel()->select(main->index(1), QItemSelectionModel::ClearAndSelect);
+    actionOf(window->editMenu(), MENU_ITEM_ID_CUT)->trigger();
+    EXPECT_TRUE(log().join('\n').contains("menuItemID:MENU_ITEM_ID_CUT"));
+
+    // Sorting: the checked item follows the grid's sort mode.
+    window->validateMenuItems();
+    EXPECT_TRUE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_TITLE)->isChecked());
+    // A new order shows the grid from its top.
+    thumbView(0)->scrollToBottom();
+    ASSERT_GT(thumbView(0)->verticalScrollBar()->value(), 0);
+    actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_DURATION)->trigger();
+    EXPECT_EQ(main->getSortMode(), BLThumbViewCtrl::kSortDuration);
+    EXPECT_EQ(thumbView(0)->verticalScrollBar()->value(), 0);
+    window->validateMenuItems();
+    EXPECT_FALSE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_TITLE)->isChecked());
+    EXPECT_TRUE(actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_DURATION)->isChecked());
+
+    // The grid's context menu: the controller's commands in its order, each
+    // enabled as the controller answers; choosing one runs it.
+    main->selectionModel()->select(main->index(0), QItemSelectionModel::ClearAndSelect);
+    const std::unique_ptr<QMenu> menu(thumbView(0)->makeContextMenu());
+    QList<int> tags;
+    for (QAction* action : menu->actions()) {
+        if (action->isSeparator())
+            continue;
+        tags << action->data().toInt();
+        bool enable = false;
+        main->isSupportMenuItem(action->data().toInt(), &enable, nullptr);
+        EXPECT_EQ(action->isEnabled(), enable) << action->text().toStdString();
+    }
+    QList<int> expected;
+    for (const BLThumbViewCtrl::MenuItem& item : BLThumbViewCtrl::menuItems())
+        if (item.tag != 0 && item.title)
+            expected << item.tag;
+    EXPECT_EQ(tags, expected);
+    actionOf(menu.get(), MENU_ITEM_ID_SELECT_ALL)->trigger();
+    EXPECT_EQ(main->getSelectCount(), kMainClips);
+
+    // Tool buttons: one per command, enabled as the folder list answers.
+    for (int tag : SCMediaInfoView::toolButtonTags()) {
+        bool enable = false;
+        mainPane->isSupportMenuItemToTreeView(tag, &enable, nullptr);
+        ASSERT_NE(pane(0)->toolButton(tag), nullptr);
+        EXPECT_EQ(pane(0)->toolButton(tag)->isEnabled(), enable) << tag;
+    }
+    EXPECT_TRUE(pane(0)->toolButton(MENU_ITEM_ID_NEW_FOLDER)->isEnabled());
+    EXPECT_FALSE(pane(0)->toolButton(MENU_ITEM_ID_FOLDER_DIVISION)->isEnabled());
+}
+
+TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
+{
+    BLThumbViewCtrl* main = grid(0);
+    main->selectionModel()->select(main->index(1), QItemSelectionModel::ClearAndSelect);
+    main->selectionModel()->select(main->index(4), QItemSelectionModel::Select);
+    const std::unique_ptr<QMimeData> dragged(main->mimeData(main->selectionModel()->selectedIndexes()));
+
+    auto drop = [&](int target, Qt::KeyboardModifiers modifiers) {
+        QWidget* viewport = thumbView(target)->viewport();
+        const QPoint at = viewport->rect().center();
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(at, actions, dragged.get(), Qt::LeftButton, modifiers);
+        QApplication::sendEvent(viewport, &enter);
+        QDragMoveEvent move(at, actions, dragged.get(), Qt::LeftButton, modifiers);
+        QApplication::sendEvent(viewport, &move);
+        if (!move.isAccepted())
+            return Qt::IgnoreAction;
+        QDropEvent dropped(at, actions, dragged.get(), Qt::LeftButton, modifiers);
+        QApplication::sendEvent(viewport, &dropped);
+        return dropped.isAccepted() ? dropped.dropAction() : Qt::IgnoreAction;
+    };
+    auto drops = [&](const QString& kind) {
+        return log().filter("dropClipData").filter(kind + " of 2 takes").size();
+    };
+
+    EXPECT_EQ(drop(1, Qt::NoModifier), Qt::CopyAction);
+    EXPECT_EQ(drops("copy"), 1);
+    EXPECT_EQ(drops("move"), 0);
+    EXPECT_EQ(drop(1, Qt::ShiftModifier), Qt::MoveAction);
+    EXPECT_EQ(drops("move"), 1);
+    EXPECT_TRUE(log().filter("dropClipData").filter("(Sub1)").size() == 2);
+
+    // Takes dropped back on the grid they came from are refused.
+    EXPECT_EQ(drop(0, Qt::NoModifier), Qt::IgnoreAction);
+    EXPECT_EQ(log().filter("dropClipData").size(), 2);
+
+    // A drag started with the mouse from a selected item carries the whole
+    // selection; the grid's takes and selection stay as they were.
+    QWidget* viewport = thumbView(0)->viewport();
+    const QPoint from = centerOf(0, 1);
+    mouse(viewport, QEvent::MouseButtonPress, from);
+    mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    mouse(viewport, QEvent::MouseButtonRelease, from + QPoint(QApplication::startDragDistance() + 5, 0));
+    EXPECT_EQ(main->rowCount(), kMainClips);
+    EXPECT_EQ(selectedRows(main), (QList<int>{1, 4}));
+}
+
+TEST_F(MediaPanesTest, ScreenshotOfBothPanes)
+{
+    grid(0)->selectionModel()->select(grid(0)->index(2), QItemSelectionModel::ClearAndSelect);
+    for (int index : {0, 1})
+        thumbView(index)->viewport()->grab();
+    ASSERT_TRUE(waitFor([&] {
+        for (int row = 0; row < kSub1Clips; ++row)
+            if (!hasImage(0, row) || !hasImage(1, row))
+                return false;
+        return true;
+    }));
+    QApplication::processEvents();
+    const QImage shot = window->grab().toImage();
+    EXPECT_EQ(shot.size(), window->size() * shot.devicePixelRatio());
+    const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR) + "/screenshots";
+    ASSERT_TRUE(QDir().mkpath(folder));
+    EXPECT_TRUE(shot.save(folder + "/panes.png"));
+}
