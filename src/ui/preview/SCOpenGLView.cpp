@@ -7,6 +7,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 SCOpenGLView::SCOpenGLView(SCPreviewView& preview, QWidget* parent) : QWidget(parent), m_preview(preview)
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -48,6 +50,23 @@ void SCOpenGLView::mouseReleaseEvent(QMouseEvent* event)
                 ctrl->showFullscreen();
         },
         Qt::QueuedConnection);
+}
+
+bool SCOpenGLView::event(QEvent* event)
+{
+    // The preview's keys win over the window's shortcuts while the picture
+    // has the keyboard (Space would otherwise play the grid's take).
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        static constexpr int kPreviewKeys[] = {Qt::Key_Space, Qt::Key_F,    Qt::Key_R,    Qt::Key_Up,
+                                               Qt::Key_Down,  Qt::Key_Left, Qt::Key_Right};
+        if (!(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) &&
+            std::ranges::find(kPreviewKeys, key->key()) != std::end(kPreviewKeys)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
 }
 
 void SCOpenGLView::keyPressEvent(QKeyEvent* event)

@@ -31,6 +31,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -340,6 +341,17 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
     const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/screenshots");
     ASSERT_TRUE(QDir().mkpath(folder));
     EXPECT_TRUE(shot.save(folder + "/preview.png"));
+
+    // Space typed in the picture plays and pauses the preview; the window's
+    // Space shortcut (play the grid's take) does not take it.
+    SCOpenGLView* picture = window.previewWidget()->openGLView();
+    QApplication::setActiveWindow(&window);
+    picture->setFocus(Qt::MouseFocusReason);
+    window.enablePaneMenuItems(); // as after any menu has closed
+    QTest::keyClick(picture, Qt::Key_Space);
+    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
+    QTest::keyClick(picture, Qt::Key_Space);
+    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PAUSING; }));
 
     // Minimised, the picture is hidden; back, it is shown.
     windowCtrl.windowWillMiniaturizeNotification();
