@@ -18,44 +18,17 @@
 
 using namespace pvtest;
 
-class PreviewCtrlTest : public cwtest::HomeTest
+class PreviewCtrlTest : public PreviewTest
 {
 protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
-    }
-    void TearDown() override
-    {
-        ctrl.reset();
-        HomeTest::TearDown();
-    }
     void start()
     {
         ctrl = std::make_unique<BLPreviewCtrl>(view);
         ASSERT_TRUE(ctrl->initializeCtrl());
     }
-    static void play(const cwtest::CardFolder& card, const DOTakeData& take)
-    {
-        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMoviePlayNotification,
-                                                    {{SC::SCPlaySelectFolderKey, card.workFolder()},
-                                                     {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
-    }
     static void post(const QString& name) { BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name); }
-    bool waitForState(int state)
-    {
-        return waitUntil([&] { return ctrl->getViewerState() == state; });
-    }
-    bool waitForFrame(qint64 frame)
-    {
-        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
-    }
-    bool logged(const QString& message) { return logMessages(home()).contains(message); }
 
-    cwtest::MessageRecorder messages;
     RecordingPreviewView view;
-    std::unique_ptr<BLPreviewCtrl> ctrl;
 };
 
 TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)

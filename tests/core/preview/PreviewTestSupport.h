@@ -4,10 +4,15 @@
 // cards as the program's records, waiting on the event loop, the log.
 
 #include "cardgen/FrameCounter.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/metadata/DONonRealTimeMeta.h"
 #include "core/model/DOTakeData.h"
+#include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/BLTimeSliderCtrl.h"
 #include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 
 #include <QCoreApplication>
@@ -16,6 +21,7 @@
 #include <QThread>
 
 #include <functional>
+#include <memory>
 
 namespace pvtest {
 
@@ -134,5 +140,42 @@ inline QStringList logMessages(const cwtest::ScopedHome& home)
         messages << line.mid(20);
     return messages;
 }
+
+// Posts the request a pane sends to play a take of the card.
+inline void play(const cwtest::CardFolder& card, const DOTakeData& take)
+{
+    BLCommon::sharedCtrl()->sendNotificationNow(
+        nullptr, SC::SCMoviePlayNotification,
+        {{SC::SCPlaySelectFolderKey, card.workFolder()}, {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
+}
+
+// A fresh home with the log on, and the preview controller under test (made
+// by the fixture on its view) with the waits the tests need.
+class PreviewTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
+    }
+    void TearDown() override
+    {
+        ctrl.reset();
+        HomeTest::TearDown();
+    }
+    bool waitForState(int state)
+    {
+        return waitUntil([&] { return ctrl->getViewerState() == state; });
+    }
+    bool waitForFrame(qint64 frame)
+    {
+        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
+    }
+    bool logged(const QString& message) { return logMessages(home()).contains(message); }
+
+    cwtest::MessageRecorder messages;
+    std::unique_ptr<BLPreviewCtrl> ctrl;
+};
 
 } // namespace pvtest

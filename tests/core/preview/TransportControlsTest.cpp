@@ -39,39 +39,14 @@ bool channelsEqual(const std::vector<int16_t>& samples)
 
 } // namespace
 
-class TransportControlsTest : public cwtest::HomeTest
+class TransportControlsTest : public PreviewTest
 {
 protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
-    }
-    void TearDown() override
-    {
-        ctrl.reset();
-        HomeTest::TearDown();
-    }
     void start()
     {
         ctrl = std::make_unique<BLPreviewCtrl>(view);
         ASSERT_TRUE(ctrl->initializeCtrl());
     }
-    static void play(const cwtest::CardFolder& card, const DOTakeData& take)
-    {
-        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMoviePlayNotification,
-                                                    {{SC::SCPlaySelectFolderKey, card.workFolder()},
-                                                     {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
-    }
-    bool waitForState(int state)
-    {
-        return waitUntil([&] { return ctrl->getViewerState() == state; });
-    }
-    bool waitForFrame(qint64 frame)
-    {
-        return waitUntil([&] { return slider().getFrameNo() == frame; });
-    }
-    bool logged(const QString& message) { return logMessages(home()).contains(message); }
     BLTimeSliderCtrl& slider() { return ctrl->getTimeSliderCtrl(); }
     // Plays the take and pauses it.
     void pauseIn(const cwtest::CardFolder& card, const DOTakeData& take)
@@ -82,9 +57,7 @@ protected:
         ASSERT_TRUE(waitForState(VM_PAUSING));
     }
 
-    cwtest::MessageRecorder messages;
     RecordingPreviewView view;
-    std::unique_ptr<BLPreviewCtrl> ctrl;
 };
 
 TEST_F(TransportControlsTest, TheSliderMapsFramesToItsEndsAndSkipsReportsUntilOneNearTheDraggedFrame)

@@ -90,28 +90,16 @@ void mouse(QWidget* widget, QEvent::Type type, const QPoint& at)
     QApplication::sendEvent(widget, &event);
 }
 
-void play(const cwtest::CardFolder& card, const DOTakeData& take)
-{
-    BLCommon::sharedCtrl()->sendNotificationNow(
-        nullptr, SC::SCMoviePlayNotification,
-        {{SC::SCPlaySelectFolderKey, card.workFolder()}, {SC::SCPlayTakeDataKey, QVariant::fromValue(take)}});
-}
-
 } // namespace
 
-class PreviewViewTest : public cwtest::HomeTest
+class PreviewViewTest : public PreviewTest
 {
 protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
-    }
     void TearDown() override
     {
         ctrl.reset();
         view.reset();
-        HomeTest::TearDown();
+        PreviewTest::TearDown();
     }
     void start()
     {
@@ -121,14 +109,6 @@ protected:
         ctrl = std::make_unique<BLPreviewCtrl>(*view);
         ASSERT_TRUE(ctrl->initializeCtrl());
     }
-    bool waitForState(int state)
-    {
-        return waitUntil([&] { return ctrl->getViewerState() == state; });
-    }
-    bool waitForFrame(qint64 frame)
-    {
-        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
-    }
     void pauseIn(const cwtest::CardFolder& card, const DOTakeData& take)
     {
         play(card, take);
@@ -137,9 +117,7 @@ protected:
         ASSERT_TRUE(waitForState(VM_PAUSING));
     }
 
-    cwtest::MessageRecorder messages;
     std::unique_ptr<SCPreviewView> view;
-    std::unique_ptr<BLPreviewCtrl> ctrl;
 };
 
 TEST_F(PreviewViewTest, ThePictureShowsTheDeliveredFrameInItsAspectAndTheControlsFollow)
