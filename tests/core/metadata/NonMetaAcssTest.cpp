@@ -82,61 +82,29 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     DONonRealTimeMeta meta;
     ASSERT_TRUE(acss.getNonMetaData(meta, "ja"));
 
-    const DONonMetaHeader& header = meta.getNonMetaHeader();
-    EXPECT_EQ(header.getXmlns(), "urn:schemas-professionalDisc:nonRealTimeMeta:ver.1.20");
-    EXPECT_EQ(header.getXmlns_lib(), "urn:schemas-professionalDisc:lib:ver.1.20");
-    EXPECT_EQ(header.getXmlns_xsi(), "http://www.w3.org/2001/XMLSchema-instance");
-    EXPECT_EQ(header.getXsi_schema(),
-              "urn:schemas-professionalDisc:nonRealTimeMeta:ver.1.20 NonRealTimeMeta.xsd");
-    EXPECT_EQ(header.getLastUpdate(), "2009-03-05T14:07:59+09:00");
-
+    // One value of each kind of element: root attribute, single value, table
+    // rows, nested elements, repeated children and the language's alias.
+    EXPECT_EQ(meta.getNonMetaHeader().getXmlns_lib(), "urn:schemas-professionalDisc:lib:ver.1.20");
+    EXPECT_EQ(meta.getNonMetaHeader().getLastUpdate(), "2009-03-05T14:07:59+09:00");
     EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), kUmid1);
-    EXPECT_EQ(meta.getTargetMaterial().getStatus(), "OK");
     EXPECT_EQ(meta.getDuration(), "300");
     const DOLtcChangeTable& ltc = meta.getLtcChangeTable();
     EXPECT_EQ(ltc.getTcFps(), "30");
-    EXPECT_EQ(ltc.getHalfStep(), "false");
     ASSERT_EQ(ltc.getLtcChangeArray().size(), 2);
     EXPECT_EQ(ltc.getLtcChangeArray()[0].getValue(), "44030201");
     EXPECT_EQ(ltc.getLtcChangeArray()[1].getFrameCount(), "299");
     EXPECT_EQ(ltc.getLtcChangeArray()[1].getStatus(), "end");
-    EXPECT_EQ(meta.getCreationDate(), "2009-03-05T14:07:49+09:00");
-    EXPECT_EQ(meta.getLastUpdate(), "2009-03-05T14:07:59+09:00");
-    EXPECT_EQ(meta.getTypicalUbit(), "0000000000000000");
     EXPECT_EQ(meta.getKeyFrame().getFrameCount(), "15");
-    ASSERT_EQ(meta.getBasicChangeArray().size(), 1);
-    EXPECT_EQ(meta.getBasicChangeArray()[0].getValue(), kUmid1);
-    EXPECT_EQ(meta.getBasicChangeArray()[0].getStatus(), "start");
-    EXPECT_EQ(meta.getWhenChangeArray().value(0).getValue(), "20090305");
-    EXPECT_EQ(meta.getWhereChangeArray().value(0).getValue(), "N35E139");
+    EXPECT_EQ(meta.getBasicChangeArray().value(0).getValue(), kUmid1);
     EXPECT_EQ(meta.getWhoChangeArray().value(0).getValue(), "CREW7");
     ASSERT_EQ(meta.getKlvPacketArray().size(), 2);
-    EXPECT_EQ(meta.getKlvPacketArray()[1].getKey(), "060E2B34010101050301020A02000001");
     EXPECT_EQ(meta.getKlvPacketArray()[1].getLengthValue(), "0B02");
-    EXPECT_EQ(meta.getKlvPacketArray()[1].getFrameCount(), "120");
-
     const DOVideoFormat& video = meta.getVideoFormat();
-    EXPECT_EQ(video.getVideoRecPort(), "DIRECT");
     EXPECT_EQ(video.getVideoFrame().getVideoCodec(), "MPEG2HD35_1920_1080_MP@HL");
     EXPECT_EQ(video.getVideoFrame().getCaptureFps(), "29.97p");
-    EXPECT_EQ(video.getVideoFrame().getRecFps(), "59.94i");
-    EXPECT_EQ(video.getVideoFrame().getFormatFps(), "59.94i");
-    EXPECT_EQ(video.getVideoFrame().getClipBegin(), "0");
-    EXPECT_EQ(video.getVideoLayout().getPixel(), "1920");
-    EXPECT_EQ(video.getVideoLayout().getNumOfVerticalLine(), "1080");
-    EXPECT_EQ(video.getVideoLayout().getAspectRatio(), "16:9");
-    EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getPullDownKind(), "2-3");
     EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getFramePhase(), "0");
-    EXPECT_EQ(meta.getAudioFormat().getNumOfChannel(), "2");
     ASSERT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
     EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getTrackDst(), "CH2");
-    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getAudioCodec(), "LPCM16");
-    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getPort(), "OTHERS");
-    EXPECT_EQ(meta.getSubStream().getCodec(), "AVC");
-    EXPECT_EQ(meta.getSubStream().getClipBegin(), "0");
-    EXPECT_EQ(meta.getDevice().getManufacturer(), "Maker");
-    EXPECT_EQ(meta.getDevice().getModelName(), "CAM-100");
-    EXPECT_EQ(meta.getDevice().getSerialNo(), "10042");
     ASSERT_EQ(meta.getDevice().getElementArray().size(), 2);
     EXPECT_EQ(meta.getDevice().getElementArray()[1].getSoftware(), "0.90");
     EXPECT_EQ(meta.getLens(), "ZOOM-14");
@@ -145,7 +113,6 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     EXPECT_EQ(meta.getTitle().getAlias().getLang(), "ja");
     EXPECT_EQ(meta.getTitle().getAlias().getValue(), QString::fromUtf8("夜明けの港"));
     EXPECT_EQ(meta.getDescription(), "Two boats & a crane");
-    EXPECT_EQ(meta.getRecordingMode().getType(), "normal");
     EXPECT_EQ(meta.getRecordingMode().getCacheRec(), "false");
 
     // Another language reads its own alias; an unknown one leaves the alias empty.
@@ -169,18 +136,12 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     DONonRealTimeMeta few;
     ASSERT_TRUE(sparse.getNonMetaData(few, "en"));
     EXPECT_EQ(few.getNonMetaHeader().getXmlns(), "urn:example:camera:nonRealTimeMeta");
-    EXPECT_EQ(few.getNonMetaHeader().getXmlns_lib(), "");
     EXPECT_EQ(few.getNonMetaHeader().getXsi_schema(), "");
     EXPECT_EQ(few.getTargetMaterial().getStatus(), "NG");
-    EXPECT_EQ(few.getLtcChangeTable().getHalfStep(), "");
-    EXPECT_EQ(few.getLastUpdate(), "");
     EXPECT_TRUE(few.getBasicChangeArray().isEmpty());
-    EXPECT_EQ(few.getKlvPacketArray().value(0).getKey(), "");
-    EXPECT_EQ(few.getVideoFormat().getVideoRecPort(), "");
     EXPECT_EQ(few.getVideoFormat().getVideoFrame().getFormatFps(), "25p");
     EXPECT_TRUE(few.getAudioFormat().getRecPortArray().isEmpty());
     EXPECT_EQ(few.getTitle().getUsAscii(), "");
-    EXPECT_EQ(few.getDescription(), "");
 }
 
 TEST_F(NonMetaAcssTest, SavedWithoutChangesKeepsEverything)

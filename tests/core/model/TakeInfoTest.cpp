@@ -19,20 +19,3 @@ TEST(TakeInfoTest, SourceKeepsTheLast64CharactersAndUmidAddsThePrefix)
     EXPECT_EQ(info.getSrc(), "short");
     EXPECT_EQ(DOTakeInfo().getUmid(), "urn:smpte:umid:");
 }
-
-TEST(TakeInfoTest, CopyTakeInfoCopiesTheFiveTexts)
-{
-    DOTakeInfo info;
-    info.setSrc(kDigits);
-    info.setClipBegin("smpte-30=00:00:00:00");
-    info.setClipEnd("smpte-30=00:00:10:00");
-    info.setBegin("smpte-30=00:00:00:00");
-    info.setEnd("smpte-30=00:00:10:00");
-
-    const DOTakeInfo copy = info.copyTakeInfo();
-    EXPECT_EQ(copy.getSrc(), kDigits);
-    EXPECT_EQ(copy.getClipBegin(), "smpte-30=00:00:00:00");
-    EXPECT_EQ(copy.getClipEnd(), "smpte-30=00:00:10:00");
-    EXPECT_EQ(copy.getBegin(), "smpte-30=00:00:00:00");
-    EXPECT_EQ(copy.getEnd(), "smpte-30=00:00:10:00");
-}
