@@ -39,13 +39,13 @@ void BLMainWindowCtrl::awakeFromNib()
 
 bool BLMainWindowCtrl::initializeCtrl()
 {
-    // Both panes restore first, so one message covers both; then the preview.
+    // Both panes restore first, so one message covers both; a pane that lost
+    // its folder shows the volume list and the program goes on.
     const bool lost1 = m_mediaInfoCtrl1 && m_mediaInfoCtrl1->initializeCtrl();
     const bool lost2 = m_mediaInfoCtrl2 && m_mediaInfoCtrl2->initializeCtrl();
     if (lost1 || lost2)
         BLCommon::sharedCtrl()->messageBox(QStringLiteral("MSG_632_3169"), QString(), 0, 0);
-    const bool previewReady = !m_previewCtrl || m_previewCtrl->initializeCtrl();
-    return !lost1 && !lost2 && previewReady;
+    return !m_previewCtrl || m_previewCtrl->initializeCtrl();
 }
 
 void BLMainWindowCtrl::finalizeCtrl()
