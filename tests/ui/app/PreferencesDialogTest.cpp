@@ -24,17 +24,6 @@
 
 namespace {
 
-QStringList logMessages(const cwtest::ScopedHome& home)
-{
-    QFile file(home.stateHome() + "/Clipwright/Clipwright.log");
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-        messages << line.mid(20);
-    return messages;
-}
-
 QByteArray fileBytes(const QString& path)
 {
     QFile file(path);
@@ -49,8 +38,7 @@ protected:
     void SetUp() override
     {
         HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
-                                                    {"DATE_FORMAT", qint64(2)},
+        cwtest::writeSettings(home().configHome(), {{"DATE_FORMAT", qint64(2)},
                                                     {"DATE_PAUSE_CHAR", "-"},
                                                     {"LOW_RESOLUTION", qint64(2)}});
         dialog = std::make_unique<PreferencesDialog>();
@@ -108,11 +96,6 @@ TEST_F(PreferencesDialogTest, ShowsTheStoredChoicesAndASampleThatFollowsThem)
     choose(dialog->orderDateGroup(), 0);
     EXPECT_EQ(dialog->sampleField()->text(), today("yyyy.MM.dd"));
 
-    EXPECT_EQ(logMessages(home()), QStringList({"0657:[BLPreferencesCtrl readData] Start",
-                                                "0657:[BLPreferencesCtrl readData]    orderDate:DMY",
-                                                "0657:[BLPreferencesCtrl readData]    pauseChar:-",
-                                                "0657:[BLPreferencesCtrl readData] End"}));
-
     BLPlistCtrl::sharedCtrl()->setDateFormat(1);
     ctrl->readData();
     EXPECT_EQ(dialog->orderDateGroup()->checkedId(), 2); // stored 1: month-day-year
@@ -137,8 +120,6 @@ TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
     EXPECT_TRUE(posted.isEmpty());
     EXPECT_EQ(fileBytes(path), before);
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getLowResolution(), 2);
-    EXPECT_EQ(logMessages(home()).count("0657:[BLPreferencesCtrl onCancel] onCancel"), 2);
-    EXPECT_FALSE(logMessages(home()).contains("0657:[BLPreferencesCtrl writeData] Start"));
 }
 
 TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeResolution)
@@ -165,12 +146,4 @@ TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeR
         EXPECT_EQ(onDisk->value("DATE_PAUSE_CHAR").toString(), ".");
         EXPECT_EQ(onDisk->value("LOW_RESOLUTION").toInt(), 1);
     }
-    const QStringList log = logMessages(home());
-    const qsizetype ok = log.lastIndexOf("0657:[BLPreferencesCtrl onOK] onOK");
-    ASSERT_GE(ok, 0);
-    EXPECT_EQ(log.mid(ok),
-              QStringList({"0657:[BLPreferencesCtrl onOK] onOK", "0657:[BLPreferencesCtrl writeData] Start",
-                           "0657:[BLPreferencesCtrl writeData]    orderDate:MDY",
-                           "0657:[BLPreferencesCtrl writeData]    pauseChar:.",
-                           "0657:[BLPreferencesCtrl writeData] End"}));
 }

@@ -202,13 +202,6 @@ TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeav
     EXPECT_TRUE(opened);
     EXPECT_FALSE(ctrl->isFullScreen());
     EXPECT_FALSE(fullScreen->isVisible());
-
-    // Not while stopped.
-    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieStopNotification);
-    doubleClick(view->openGLView());
-    settle(100);
-    EXPECT_FALSE(fullScreen->isVisible());
-    EXPECT_TRUE(logMessages(home()).contains("0000:[BLPreviewCtrl showFullscreen] now VM_STOPPED"));
 }
 
 TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
@@ -247,8 +240,6 @@ TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
     EXPECT_FALSE(audio->channelBox(1)->isChecked());
     audio->channelBox(2)->click(); // the chosen box stays ticked
     EXPECT_TRUE(audio->channelBox(2)->isChecked());
-    EXPECT_TRUE(logMessages(home()).contains(
-        "0000:[BLAudioChannelCtrl changeAudioChannelStatus] call vv_audio_ch(VV_AUDIO_R)"));
 }
 
 TEST(PreviewAudioOutputTest, WithoutAnAudioDeviceThePreviewPlaysSilently)
