@@ -4,7 +4,10 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
+#include "core/preview/BLTimeSliderCtrl.h"
 #include "support/CardFolder.h"
+#include "support/FrameCounter.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 #include "ui/app/SCMainWindow.h"
@@ -448,4 +451,43 @@ TEST_F(MediaPanesTest, ScreenshotOfBothPanes)
     const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR) + "/screenshots";
     ASSERT_TRUE(QDir().mkpath(folder));
     EXPECT_TRUE(shot.save(folder + "/panes.png"));
+}
+
+// The frame shown in the preview, chosen as the take's typical picture,
+// becomes the grid's picture and stays in the card's metadata.
+TEST_F(MediaPanesTest, AFrameChosenInThePreviewBecomesTheTakesThumbnail)
+{
+    const auto frameOfPicture = [&](int row) {
+        const QImage image = grid(0)->index(row).data(BLThumbViewCtrl::ImageRole).value<QImage>();
+        const auto counter = image.isNull() ? std::nullopt : cwtest::readFrameCounter(image);
+        return counter ? counter->frame : -1;
+    };
+    ASSERT_TRUE(waitFor([&] { return frameOfPicture(0) == 0; }));
+    const QString umid = grid(0)->thumbArray().at(0).getUmid();
+
+    QWidget* viewport = thumbView(0)->viewport();
+    click(viewport, centerOf(0, 0));
+    mouse(viewport, QEvent::MouseButtonDblClick, centerOf(0, 0));
+    mouse(viewport, QEvent::MouseButtonRelease, centerOf(0, 0));
+    BLPreviewCtrl* preview = ctrl->getPreviewCtrl();
+    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PLAYED; }));
+    preview->selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
+    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PAUSING; }));
+    preview->selectMenuItem(MENU_ITEM_ID_PREVIEW_TOP_FRAME);
+    ASSERT_TRUE(waitFor([&] { return preview->getTimeSliderCtrl().getFrameNo() == 0; }));
+    for (int frame = 1; frame <= 4; ++frame) {
+        ASSERT_TRUE(waitFor([&] { return preview->isEndOfViewerJob(); }));
+        preview->selectMenuItem(MENU_ITEM_ID_PREVIEW_PLUS_FRAME);
+        ASSERT_TRUE(waitFor([&] { return preview->getTimeSliderCtrl().getFrameNo() == frame; }));
+    }
+
+    QAction* useFrame = actionOf(window->previewMenu(), MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL);
+    ASSERT_NE(useFrame, nullptr);
+    window->validateMenuItems();
+    ASSERT_TRUE(useFrame->isEnabled());
+    useFrame->trigger();
+    ASSERT_TRUE(waitFor([&] { return frameOfPicture(0) == 4; }));
+    BLMediaInfoCtrl* mainPane = window->mediaInfoView(0)->ctrl();
+    EXPECT_EQ(mainPane->getTakeData(mainPane->getTakeDataByUmid(umid)).getKeyFrame(), 4);
+    EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
 }
