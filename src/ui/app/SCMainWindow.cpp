@@ -59,6 +59,11 @@ SCMainWindow::SCMainWindow(QWidget* parent)
     localizedTitleByObject(this);
 }
 
+SCMainWindow::~SCMainWindow()
+{
+    disconnect(m_focusConnection);
+}
+
 void SCMainWindow::createMenus()
 {
     QMenuBar* bar = menuBar();
@@ -160,7 +165,8 @@ void SCMainWindow::createMenus()
         connect(menu, &QMenu::aboutToShow, this, &SCMainWindow::validateMenuItems);
         connect(menu, &QMenu::aboutToHide, this, &SCMainWindow::enablePaneMenuItems);
     }
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusChanged(now); });
+    m_focusConnection = connect(qApp, &QApplication::focusChanged, this,
+                                [this](QWidget*, QWidget* now) { focusChanged(now); });
 }
 
 QAction* SCMainWindow::addPaneAction(QMenu* menu, const char* title, int tag, const QKeySequence& shortcut)

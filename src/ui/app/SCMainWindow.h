@@ -27,6 +27,7 @@ public:
     static constexpr int kPreviewMinimumHeight = 180;
 
     explicit SCMainWindow(QWidget* parent = nullptr);
+    ~SCMainWindow() override;
 
     void setController(BLMainWindowCtrl* ctrl) { m_ctrl = ctrl; }
 
@@ -94,6 +95,9 @@ private:
     void selectPaneMenuItem(QAction* action);
     // Tells the controller which pane, and which of its lists, has the focus.
     void focusChanged(QWidget* now);
+    // The application's focus changes reach the window until its destructor
+    // starts (its child widgets change the focus as they go).
+    QMetaObject::Connection m_focusConnection;
     void zoomStateChanged(Qt::WindowStates oldState);
     QRectF maximizedFrame() const;
 
