@@ -36,7 +36,7 @@ QString positionPredicate(int position)
 
 // The attributes every child kind and the material share, in file order
 // after "uri" (the material puts "title" before them and "status" after).
-template <class Record> void readCommonAttributes(const BLDomXmlParse& xml, Record& record)
+void readCommonAttributes(const BLDomXmlParse& xml, DOMediaAttributes& record)
 {
     record.setUri(xml.getAttributeValue(QStringLiteral("uri")));
     record.setType(xml.getAttributeValue(QStringLiteral("type")));
@@ -50,7 +50,7 @@ template <class Record> void readCommonAttributes(const BLDomXmlParse& xml, Reco
     record.setUmid(xml.getAttributeValue(QStringLiteral("umid")));
 }
 
-template <class Record> void writeCommonAttributes(BLDomXmlParse& xml, const Record& record)
+void writeCommonAttributes(BLDomXmlParse& xml, const DOMediaAttributes& record)
 {
     xml.setAttribute(QStringLiteral("type"), record.getType());
     xml.setAttribute(QStringLiteral("videoType"), record.getVideoType());
@@ -265,29 +265,28 @@ void BLMediaProfileAcss::getMaterialTag(DOMaterial& material, int index)
     material.setMPStatus(m_xml.getAttributeValue(QStringLiteral("status")));
 }
 
-void BLMediaProfileAcss::getComponentTag(DOComponent& component, int index)
+void BLMediaProfileAcss::getMediaFileTag(DOMediaFile& file, int index)
 {
     m_xml.selectNode(index);
-    component.setMediaId(m_xml.getAttributeValue(QStringLiteral("mediaId")));
-    component.setMediaKind(m_xml.getAttributeValue(QStringLiteral("mediaKind")));
+    file.setMediaId(m_xml.getAttributeValue(QStringLiteral("mediaId")));
+    file.setMediaKind(m_xml.getAttributeValue(QStringLiteral("mediaKind")));
+    readCommonAttributes(m_xml, file);
+}
+
+void BLMediaProfileAcss::getComponentTag(DOComponent& component, int index)
+{
+    getMediaFileTag(component, index);
     component.setMediaName(m_xml.getAttributeValue(QStringLiteral("mediaName")));
-    readCommonAttributes(m_xml, component);
 }
 
 void BLMediaProfileAcss::getProxyTag(DOProxy& proxy, int index)
 {
-    m_xml.selectNode(index);
-    proxy.setMediaId(m_xml.getAttributeValue(QStringLiteral("mediaId")));
-    proxy.setMediaKind(m_xml.getAttributeValue(QStringLiteral("mediaKind")));
-    readCommonAttributes(m_xml, proxy);
+    getMediaFileTag(proxy, index);
 }
 
 void BLMediaProfileAcss::getRelevantInfoTag(DORelevantInfo& info, int index)
 {
-    m_xml.selectNode(index);
-    info.setMediaId(m_xml.getAttributeValue(QStringLiteral("mediaId")));
-    info.setMediaKind(m_xml.getAttributeValue(QStringLiteral("mediaKind")));
-    readCommonAttributes(m_xml, info);
+    getMediaFileTag(info, index);
 }
 
 // ---- writes ----

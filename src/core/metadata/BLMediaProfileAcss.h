@@ -85,6 +85,8 @@ private:
     void getAtacchedTag(DOAttached& attached) const;
     void getMetadataTag(DOMetadata& metadata) const;
     void getMaterialTag(DOMaterial& material, int index);
+    // The attributes of a child naming one file: its medium and the common ones.
+    void getMediaFileTag(DOMediaFile& file, int index);
     void getComponentTag(DOComponent& component, int index);
     void getProxyTag(DOProxy& proxy, int index);
     void getRelevantInfoTag(DORelevantInfo& info, int index);

@@ -9,5 +9,5 @@ QString lastPathComponent(const QString& uri)
 
 int DOComponent::compareByUri(const DOComponent& other) const
 {
-    return QString::compare(lastPathComponent(m_sUri), lastPathComponent(other.m_sUri), Qt::CaseInsensitive);
+    return QString::compare(lastPathComponent(getUri()), lastPathComponent(other.getUri()), Qt::CaseInsensitive);
 }

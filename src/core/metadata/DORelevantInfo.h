@@ -1,48 +1,9 @@
 #pragma once
 
-#include <QString>
+#include "core/metadata/DOMediaFile.h"
 
 // A RelevantInfo element of a media-profile material: a metadata file that
 // belongs to it (non-real-time metadata, real-time metadata, picture pointers).
-class DORelevantInfo
+class DORelevantInfo : public DOMediaFile
 {
-public:
-    const QString& getMediaId() const { return m_sMediaId; }
-    void setMediaId(const QString& value) { m_sMediaId = value; }
-    const QString& getMediaKind() const { return m_sMediaKind; }
-    void setMediaKind(const QString& value) { m_sMediaKind = value; }
-    const QString& getUri() const { return m_sUri; }
-    void setUri(const QString& value) { m_sUri = value; }
-    const QString& getType() const { return m_sType; }
-    void setType(const QString& value) { m_sType = value; }
-    const QString& getVideoType() const { return m_sVideoType; }
-    void setVideoType(const QString& value) { m_sVideoType = value; }
-    const QString& getAudioType() const { return m_sAudioType; }
-    void setAudioType(const QString& value) { m_sAudioType = value; }
-    const QString& getFps() const { return m_sFps; }
-    void setFps(const QString& value) { m_sFps = value; }
-    const QString& getDur() const { return m_sDur; }
-    void setDur(const QString& value) { m_sDur = value; }
-    const QString& getCh() const { return m_sCh; }
-    void setCh(const QString& value) { m_sCh = value; }
-    const QString& getAspectRatio() const { return m_sAspectRatio; }
-    void setAspectRatio(const QString& value) { m_sAspectRatio = value; }
-    const QString& getOffset() const { return m_sOffset; }
-    void setOffset(const QString& value) { m_sOffset = value; }
-    const QString& getUmid() const { return m_sUmid; }
-    void setUmid(const QString& value) { m_sUmid = value; }
-
-private:
-    QString m_sMediaId;
-    QString m_sMediaKind;
-    QString m_sUri;
-    QString m_sType;
-    QString m_sVideoType;
-    QString m_sAudioType;
-    QString m_sFps;
-    QString m_sDur;
-    QString m_sCh;
-    QString m_sAspectRatio;
-    QString m_sOffset;
-    QString m_sUmid;
 };
