@@ -48,17 +48,26 @@ std::vector<std::string> pathList(const char** paths, int32_t count)
     return std::vector<std::string>(paths, paths + count);
 }
 
-// A transport request for the player's take.
-int request(Request what, int64_t frame = 0, int flag = 0)
+// Runs fn on the player under the library's lock; VV_ERR_NOT_INIT outside
+// vv_init and vv_exit.
+template <class Fn> int withPlayer(Fn fn)
 {
     Library& lib = library();
     std::lock_guard lock(lib.mutex);
     if (!lib.player)
         return VV_ERR_NOT_INIT;
-    if (!lib.player->hasTake())
-        return VV_ERR_NO_TAKE;
-    lib.player->post(what, frame, flag);
-    return VV_OK;
+    return fn(*lib.player);
+}
+
+// A transport request for the player's take.
+int request(Request what, int64_t frame = 0, int flag = 0)
+{
+    return withPlayer([&](Player& player) {
+        if (!player.hasTake())
+            return VV_ERR_NO_TAKE;
+        player.post(what, frame, flag);
+        return VV_OK;
+    });
 }
 
 // Opens every clip of a take and decodes its first picture, so that a take
@@ -134,12 +143,10 @@ int vv_exit(void)
 
 int vv_set_callback_func_g(vv_message_func_t func, void* context)
 {
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    lib.player->setMessageFunc(func, context);
-    return VV_OK;
+    return withPlayer([&](Player& player) {
+        player.setMessageFunc(func, context);
+        return VV_OK;
+    });
 }
 
 int vv_set_av_info(const char** paths, int32_t count, vv_av_info_t* av_info)
@@ -229,60 +236,50 @@ int vv_show_frame(int64_t frame_no, int32_t play)
 
 int vv_show_full_screen(void)
 {
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    lib.player->setFullScreen(true);
-    return VV_OK;
+    return withPlayer([](Player& player) {
+        player.setFullScreen(true);
+        return VV_OK;
+    });
 }
 
 int vv_show(void)
 {
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    lib.player->setFullScreen(false);
-    return VV_OK;
+    return withPlayer([](Player& player) {
+        player.setFullScreen(false);
+        return VV_OK;
+    });
 }
 
 int vv_audio_ch(int32_t channel)
 {
     if (channel != VV_AUDIO_L && channel != VV_AUDIO_R && channel != VV_AUDIO_BOTH)
         return VV_ERR_PARAM;
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    lib.player->setAudioChoice(channel);
-    return VV_OK;
+    return withPlayer([&](Player& player) {
+        player.setAudioChoice(channel);
+        return VV_OK;
+    });
 }
 
 int vv_change_init_param(int32_t mode, int32_t flags, const vv_init_param_t* param)
 {
     if (mode != 1 || !param)
         return VV_ERR_PARAM;
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    lib.player->changeSettings(*param);
-    return VV_OK;
+    return withPlayer([&](Player& player) {
+        player.changeSettings(*param);
+        return VV_OK;
+    });
 }
 
 int vv_make_thumbnail(void)
 {
-    Library& lib = library();
-    std::lock_guard lock(lib.mutex);
-    if (!lib.player)
-        return VV_ERR_NOT_INIT;
-    if (!lib.player->hasTake())
-        return VV_ERR_NO_TAKE;
-    if (lib.player->state() == VM_STOPPED)
-        return VV_ERR_STATE;
-    lib.player->post(Request::MakeThumbnail);
-    return VV_OK;
+    return withPlayer([](Player& player) {
+        if (!player.hasTake())
+            return VV_ERR_NO_TAKE;
+        if (player.state() == VM_STOPPED)
+            return VV_ERR_STATE;
+        player.post(Request::MakeThumbnail);
+        return VV_OK;
+    });
 }
 
 int vv_get_thumbnail(const char** paths, int32_t count, int64_t frame_no, int32_t icon_id,
