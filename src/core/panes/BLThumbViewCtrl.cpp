@@ -609,8 +609,9 @@ void BLThumbViewCtrl::takeDidAddNotification(const SCNotification& notification)
     const QString folder = notification.userInfo.value(SC::SCAddSelectFolderKey).toString();
     if (!isSelectFolder(folder))
         return;
+    // A change while the folder loads is picked up by the reload that follows.
     if (m_loading) {
-        m_reloadPending = true;
+        changeFolder();
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
@@ -635,8 +636,9 @@ void BLThumbViewCtrl::takeDidUpdateNotification(const SCNotification& notificati
     const QString folder = notification.userInfo.value(SC::SCUpdateSelectFolderKey).toString();
     if (!isSelectFolder(folder))
         return;
+    // A change while the folder loads is picked up by the reload that follows.
     if (m_loading) {
-        m_reloadPending = true;
+        changeFolder();
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
@@ -676,8 +678,9 @@ void BLThumbViewCtrl::takeDidDeleteNotification(const SCNotification& notificati
     const QString folder = notification.userInfo.value(SC::SCDeleteSelectFolderKey).toString();
     if (!isSelectFolder(folder))
         return;
+    // A change while the folder loads is picked up by the reload that follows.
     if (m_loading) {
-        m_reloadPending = true;
+        changeFolder();
         return;
     }
     const QString pane = m_mediaInfoCtrl.getMediaInfoTypeString();
