@@ -20,6 +20,24 @@ cardgen::Options CardFolder::quick()
     return options;
 }
 
+cardgen::Options CardFolder::fast(int clips, std::vector<int> multiClipTakes)
+{
+    cardgen::Options options = quick();
+    options.clips = clips;
+    options.multiClipTakes = std::move(multiClipTakes);
+    options.fast = true;
+    return options;
+}
+
+cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files)
+{
+    cardgen::Damage d;
+    d.kind = kind;
+    d.take = take;
+    d.files = files;
+    return d;
+}
+
 QString CardFolder::workFolder(int card) const
 {
     return m_dir.filePath(card == 0 ? QStringLiteral("card") : QStringLiteral("card2"));

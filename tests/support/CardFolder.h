@@ -19,6 +19,8 @@ public:
 
     // Small and fast: one 6-frame single clip at 320 x 180, 29.97p.
     static cardgen::Options quick();
+    // quick() with these takes, their essence encoded once and shared.
+    static cardgen::Options fast(int clips, std::vector<int> multiClipTakes = {});
 
     bool ok() const { return m_manifest.has_value(); }
     const QString& error() const { return m_error; }
@@ -33,5 +35,8 @@ private:
     std::optional<cardgen::Manifest> m_manifest;
     QString m_error;
 };
+
+// A damage of a kind to a single-clip take (1-based), with the files it concerns.
+cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files = {});
 
 } // namespace cwtest

@@ -17,6 +17,8 @@
 
 namespace {
 
+using cwtest::damage;
+
 const QString kCli = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli");
 
 struct CliRun
@@ -36,15 +38,6 @@ CliRun cli(const QStringList& args)
     r.out = p.readAllStandardOutput();
     r.err = p.readAllStandardError();
     return r;
-}
-
-cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files = {})
-{
-    cardgen::Damage d;
-    d.kind = kind;
-    d.take = take;
-    d.files = files;
-    return d;
 }
 
 class ScanCommandTest : public cwtest::HomeTest

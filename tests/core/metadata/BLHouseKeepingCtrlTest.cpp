@@ -26,24 +26,7 @@
 namespace {
 
 using Kind = cardgen::Damage::Kind;
-
-cardgen::Options tinyCard(int clips, std::vector<int> multi = {})
-{
-    cardgen::Options options = cwtest::CardFolder::quick();
-    options.clips = clips;
-    options.multiClipTakes = std::move(multi);
-    options.fast = true;
-    return options;
-}
-
-cardgen::Damage damage(Kind kind, int take, const QStringList& files = {})
-{
-    cardgen::Damage d;
-    d.kind = kind;
-    d.take = take;
-    d.files = files;
-    return d;
-}
+using cwtest::damage;
 
 QStringList materialUris(const QString& workFolder)
 {
@@ -140,7 +123,7 @@ protected:
 
 TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTake)
 {
-    cardgen::Options options = tinyCard(5, {2, 2});
+    cardgen::Options options = cwtest::CardFolder::fast(5, {2, 2});
     options.damages = {damage(Kind::Loose, 2), damage(Kind::NoFtyp, 3), damage(Kind::Hidden, 4)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -245,7 +228,7 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
 
 TEST_F(HouseKeepingTest, AListedFolderIsCheckedAndRepairedWhereTheProfileMissesAFolder)
 {
-    cardgen::Options options = tinyCard(4, {2});
+    cardgen::Options options = cwtest::CardFolder::fast(4, {2});
     options.spanningClips = 2;
     options.damages = {damage(Kind::Missing, 1, {"BIM"}), damage(Kind::Unlisted, 2), damage(Kind::Hidden, 3)};
     cwtest::CardFolder card(options);
@@ -282,7 +265,7 @@ TEST_F(HouseKeepingTest, AListedFolderIsCheckedAndRepairedWhereTheProfileMissesA
 
 TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
 {
-    cardgen::Options options = tinyCard(3, {2});
+    cardgen::Options options = cwtest::CardFolder::fast(3, {2});
     options.damages = {damage(Kind::Unlisted, 3)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -348,7 +331,7 @@ TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
 
 TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFromAWorker)
 {
-    cardgen::Options options = tinyCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     options.damages = {damage(Kind::Unlisted, 2)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -406,7 +389,7 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
 
 TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
 {
-    cardgen::Options options = tinyCard(2, {2});
+    cardgen::Options options = cwtest::CardFolder::fast(2, {2});
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     QTemporaryDir outer;

@@ -23,24 +23,9 @@
 
 namespace {
 
+using cwtest::damage;
+
 const QString k720Codec = QStringLiteral("MPEG2HD18.3CBR_1280_720_MP@HL");
-
-cardgen::Options tinyCard(int clips)
-{
-    cardgen::Options options = cwtest::CardFolder::quick();
-    options.clips = clips;
-    options.fast = true;
-    return options;
-}
-
-cardgen::Damage damage(cardgen::Damage::Kind kind, int take, const QStringList& files = {})
-{
-    cardgen::Damage d;
-    d.kind = kind;
-    d.take = take;
-    d.files = files;
-    return d;
-}
 
 QList<DOMaterial> materialsOf(const QString& workFolder)
 {
@@ -183,7 +168,7 @@ protected:
 TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileMisses)
 {
     using Kind = cardgen::Damage::Kind;
-    cardgen::Options options = tinyCard(7);
+    cardgen::Options options = cwtest::CardFolder::fast(7);
     options.multiClipTakes = {2};
     options.damages = {damage(Kind::Missing, 1, {"BIM"}),
                        damage(Kind::Unlisted, 2),
@@ -301,7 +286,7 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
 
 TEST_F(MediaProCtrlTest, ACancelledCheckStopsWithNo)
 {
-    cwtest::CardFolder card(tinyCard(2));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     ASSERT_TRUE(card.ok());
     BLMediaProfileAcss mediaPro;
     ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
@@ -318,7 +303,7 @@ TEST_F(MediaProCtrlTest, ACancelledCheckStopsWithNo)
 
 TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
 {
-    cardgen::Options options = tinyCard(3);
+    cardgen::Options options = cwtest::CardFolder::fast(3);
     options.multiClipTakes = {2, 2};
     options.mediaName = "Interview";
     cwtest::CardFolder card(options);
@@ -412,7 +397,7 @@ TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
 
 TEST_F(MediaProCtrlTest, RewriteDeletesTheFolderOfAClipWithoutEssenceOnlyInsideClpr)
 {
-    cwtest::CardFolder card(tinyCard(2));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     ASSERT_TRUE(card.ok());
     const QString work = card.workFolder();
     const QString clpr = card.bpav() + "/CLPR";
@@ -503,7 +488,7 @@ TEST_F(MediaProCtrlTest, IndexFilesAreCreatedWhenMissing)
 
 TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMediaName)
 {
-    cardgen::Options options = tinyCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     options.mediaName = "Field Day";
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok());
@@ -547,7 +532,7 @@ TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMedi
 
 TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
 {
-    cardgen::Options options = tinyCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     options.multiClipTakes = {2};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok());
@@ -592,7 +577,7 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
 
 TEST_F(MediaProCtrlTest, CueUpLosesItsEntryOnlyWhenItNamesADeletedClip)
 {
-    cwtest::CardFolder card(tinyCard(2));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     ASSERT_TRUE(card.ok());
     const QString cueUpPath = card.bpav() + "/CUEUP.XML";
     BLCueupInfoAcss cueUp;

@@ -76,13 +76,6 @@ const QFile::Permissions kOpenDir = QFile::Permissions(0x7777);
 const QFile::Permissions kOpenFile = QFile::Permissions(0x6666);
 const QFile::Permissions kReadOnlyDir = QFile::Permissions(0x5555);
 
-cardgen::Options smallCard(int clips, std::vector<int> multiClipTakes = {})
-{
-    cardgen::Options options = optest::smallCard(clips);
-    options.multiClipTakes = std::move(multiClipTakes);
-    return options;
-}
-
 void writeFile(const QString& path)
 {
     optest::writeFile(path, "x");
@@ -152,7 +145,7 @@ static const QString kCtrl = "0655:[BLDeleteFolderCtrl deleteProcessOfFolder]";
 
 TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgressDialog)
 {
-    cwtest::CardFolder card(smallCard(3, {2}));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
     const QString folder = cardIn(card);
     writeFile(folder + "/.hidden-notes"); // invisible entries do not count
     const QStringList before = tree(folder);
@@ -196,7 +189,7 @@ TEST_F(BLDeleteFolderCtrlTest, EmptyFoldersAndCardLayoutsGoNoKeepsEverything)
 {
     const QString empty = home().path("media/Empty");
     ASSERT_TRUE(QDir().mkpath(empty));
-    cardgen::Options layout = smallCard(1);
+    cardgen::Options layout = cwtest::CardFolder::fast(1);
     layout.layout = "PRIVATE/ORX/BPAV";
     cwtest::CardFolder card(layout);
     const QString privateCard = cardIn(card);
@@ -223,7 +216,7 @@ TEST_F(BLDeleteFolderCtrlTest, EmptyFoldersAndCardLayoutsGoNoKeepsEverything)
 
 TEST_F(BLDeleteFolderCtrlTest, AnythingBesideTheCardKeepsTheFolder)
 {
-    cwtest::CardFolder card(smallCard(1));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
     const QString folder = cardIn(card);
     AnsweringDeleteView view(true);
     BLDeleteFolderCtrl ctrl(&view);
@@ -275,7 +268,7 @@ TEST_F(BLDeleteFolderCtrlTest, AFolderThatHasGoneOrLiesOnAnUnusableDriveStays)
 
 TEST_F(BLDeleteFolderCtrlTest, OneItemThatCannotBeDeletedKeepsEverything)
 {
-    cwtest::CardFolder card(smallCard(2));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     const QString folder = cardIn(card);
     const QStringList before = tree(folder);
     AnsweringDeleteView view(true);
@@ -315,7 +308,7 @@ TEST_F(BLDeleteFolderCtrlTest, OneItemThatCannotBeDeletedKeepsEverything)
 // again finishes the job.
 TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
 {
-    cwtest::CardFolder card(smallCard(24, {3}));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(24, {3}));
     const QString folder = cardIn(card);
     const QString bpav = card.bpav();
     const QStringList before = tree(folder);

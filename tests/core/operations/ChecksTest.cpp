@@ -48,7 +48,7 @@ protected:
     {
         HomeTest::SetUp();
         optest::enableDebugLog(home());
-        cardgen::Options options = optest::smallCard(2);
+        cardgen::Options options = cwtest::CardFolder::fast(2);
         options.multiClipTakes = {2};
         m_source = std::make_unique<cwtest::CardFolder>(options);
         ASSERT_TRUE(m_source->ok()) << m_source->error().toStdString();

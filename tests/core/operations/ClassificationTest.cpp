@@ -46,7 +46,7 @@ class ClassificationTest : public cwtest::HomeTest
 
 TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
 {
-    cardgen::Options options = optest::smallCard(5);
+    cardgen::Options options = cwtest::CardFolder::fast(5);
     for (const char* text : {"missing=BIM@1", "missing=MP4+PPN@2", "loose@3", "noftyp@4"})
         options.damages.push_back(damage(text));
     cwtest::CardFolder card(options);
@@ -116,7 +116,7 @@ TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
 
 TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
 {
-    cardgen::Options options = optest::smallCard(1);
+    cardgen::Options options = cwtest::CardFolder::fast(1);
     options.layout = "PRIVATE/ORX/BPAV";
     options.multiClipTakes = {2};
     options.spanningClips = 2;
@@ -205,7 +205,7 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
 
 TEST_F(ClassificationTest, SingleClipTakesAreFilledFromTheirMetadata)
 {
-    cardgen::Options options = optest::smallCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     options.damages.push_back(damage("notok@2"));
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -253,7 +253,7 @@ TEST_F(ClassificationTest, SingleClipTakesAreFilledFromTheirMetadata)
 
 TEST_F(ClassificationTest, TheKeyFrameStaysWithinTheTakeOnThisMedium)
 {
-    cardgen::Options options = optest::smallCard(0);
+    cardgen::Options options = cwtest::CardFolder::fast(0);
     options.multiClipTakes = {2};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();

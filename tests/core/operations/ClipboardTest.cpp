@@ -16,7 +16,7 @@ class ClipboardTest : public cwtest::HomeTest
 
 TEST_F(ClipboardTest, CutAndCopyKeepCopiesOfTheTakesAndTheirFolder)
 {
-    cardgen::Options options = optest::smallCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     QList<DOTakeData> takes = optest::loadTakes(card.workFolder());
@@ -55,7 +55,7 @@ TEST_F(ClipboardTest, CutAndCopyKeepCopiesOfTheTakesAndTheirFolder)
 
 TEST_F(ClipboardTest, PasteIsOfferedOnlyForTakesThatCanStillBeCopiedElsewhere)
 {
-    cardgen::Options options = optest::smallCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     QString error;
     options.damages.push_back(*cardgen::Damage::parse("loose@2", &error));
     cwtest::CardFolder card(options);

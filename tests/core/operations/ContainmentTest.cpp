@@ -20,7 +20,7 @@ protected:
     void SetUp() override
     {
         HomeTest::SetUp();
-        cardgen::Options options = optest::smallCard(2);
+        cardgen::Options options = cwtest::CardFolder::fast(2);
         options.multiClipTakes = {2};
         m_card = std::make_unique<cwtest::CardFolder>(options);
         ASSERT_TRUE(m_card->ok()) << m_card->error().toStdString();

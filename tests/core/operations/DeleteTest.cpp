@@ -47,7 +47,7 @@ protected:
     {
         HomeTest::SetUp();
         optest::enableDebugLog(home());
-        cardgen::Options options = optest::smallCard(4);
+        cardgen::Options options = cwtest::CardFolder::fast(4);
         options.multiClipTakes = {2};
         QString error;
         options.damages.push_back(*cardgen::Damage::parse("missing=BIM@2", &error));
@@ -170,7 +170,7 @@ protected:
     void SetUp() override
     {
         DeleteTest::SetUp();
-        cardgen::Options options = optest::smallCard(1);
+        cardgen::Options options = cwtest::CardFolder::fast(1);
         options.prefix = "XYZ";
         options.recorded = QDateTime(QDate(2020, 1, 1), QTime(10, 0)); // UMIDs of their own
         m_destination = std::make_unique<cwtest::CardFolder>(options);

@@ -14,14 +14,6 @@
 
 namespace optest {
 
-cardgen::Options smallCard(int clips)
-{
-    cardgen::Options options = cwtest::CardFolder::quick();
-    options.clips = clips;
-    options.fast = true;
-    return options;
-}
-
 QList<DOClipData> scanClips(const QString& workFolder)
 {
     BLClipCtrl ctrl;

@@ -12,10 +12,6 @@
 
 namespace optest {
 
-// A small card written fast: tiny pictures, 6 frames per clip at 29.97p, one
-// essence shared by every clip.
-cardgen::Options smallCard(int clips);
-
 // The clips of a work folder's CLPR folder as the folder scan finds them,
 // each given its UMID from its metadata (through a take carrying the clip's
 // metadata reference, as the scan fills clips).

@@ -77,14 +77,6 @@ public:
     void closeHouseKeepingSheet() override {}
 };
 
-cardgen::Options smallCard(int clips)
-{
-    cardgen::Options options = cwtest::CardFolder::quick();
-    options.clips = clips;
-    options.fast = true;
-    return options;
-}
-
 // Counts the notifications of one name for as long as it lives.
 class NotificationCounter
 {
@@ -185,7 +177,7 @@ protected:
 
 TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherCaseReloads)
 {
-    cwtest::CardFolder card(smallCard(3));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     NotificationCounter show(SC::SCShowHouseKeepingWindowNotification);
     NotificationCounter close(SC::SCCloseHouseKeepingWindowNotification);
@@ -223,7 +215,7 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
 
 TEST_F(PanesTest, SortsByEachModeOnlyWhenTheModeChangesOrARefreshIsForced)
 {
-    cardgen::Options options = smallCard(3);
+    cardgen::Options options = cwtest::CardFolder::fast(3);
     options.multiClipTakes = {2};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -327,11 +319,11 @@ TEST_F(PanesTest, PanesThatLostTheirFoldersStartOnTheVolumeListWithOneMessage)
 
 TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
 {
-    cardgen::Options options = smallCard(2);
+    cardgen::Options options = cwtest::CardFolder::fast(2);
     options.damages.push_back(*cardgen::Damage::parse("loose@2", nullptr));
     cwtest::CardFolder hq(options);
     ASSERT_TRUE(hq.ok()) << hq.error().toStdString();
-    cardgen::Options plainOptions = smallCard(1);
+    cardgen::Options plainOptions = cwtest::CardFolder::fast(1);
     plainOptions.size = "1440x1080";
     plainOptions.frames = 3;
     cwtest::CardFolder plain(plainOptions);
@@ -437,7 +429,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
 
 TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
 {
-    cwtest::CardFolder card(smallCard(3));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     auto pane = openPane(card.workFolder());
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
@@ -495,7 +487,7 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
 
 TEST_F(PanesTest, ATypicalPictureIsWrittenIntoTheMetadataAndReadBack)
 {
-    cardgen::Options options = smallCard(1);
+    cardgen::Options options = cwtest::CardFolder::fast(1);
     options.multiClipTakes = {2};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -537,7 +529,7 @@ TEST_F(PanesTest, ATypicalPictureIsWrittenIntoTheMetadataAndReadBack)
 
 TEST_F(PanesTest, TheGridShowsTheKeyFramePictureFromTheCacheAndFollowsANewTypicalPicture)
 {
-    cardgen::Options options = smallCard(1);
+    cardgen::Options options = cwtest::CardFolder::fast(1);
     options.multiClipTakes = {2};
     options.fast = false; // every clip's pictures carry its own clip number
     cwtest::CardFolder card(options);
@@ -585,7 +577,7 @@ TEST_F(PanesTest, TheGridShowsTheKeyFramePictureFromTheCacheAndFollowsANewTypica
 
 TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndReturnsToTheVolumeList)
 {
-    cwtest::CardFolder card(smallCard(1));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     auto pane = openPane(card.workFolder());
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();

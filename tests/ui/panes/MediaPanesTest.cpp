@@ -74,9 +74,7 @@ void key(QWidget* target, int code, Qt::KeyboardModifiers modifiers = Qt::NoModi
 
 cardgen::Options card(int clips, const QString& prefix)
 {
-    cardgen::Options options = cwtest::CardFolder::quick();
-    options.clips = clips;
-    options.fast = true;
+    cardgen::Options options = cwtest::CardFolder::fast(clips);
     options.prefix = prefix;
     return options;
 }
