@@ -328,13 +328,15 @@ TEST_F(CacheImageCtrlTest, ACancelRemovesOnlyThatPanesRequests)
     }
 
     // With the worker running, the cancelled pane gets no pictures, the other all of its own.
+    // The worker decodes a (not cached yet) while b and c wait in the queue, so the
+    // cancel reaches b before the worker can take it.
     DeliveryRecorder recorder;
     BLCacheImageCtrl ctrl;
     request(2, folder(), a);
-    ASSERT_TRUE(recorder.waitFor(a));
     request(1, folder(), b);
     request(2, folder(), c);
     cancel(1);
+    ASSERT_TRUE(recorder.waitFor(a));
     ASSERT_TRUE(recorder.waitFor(c));
     EXPECT_EQ(recorder.countFor(b.getUmid(), b.getKeyFrame()), 0);
     EXPECT_EQ(recorder.deliveries.size(), 2);
