@@ -121,6 +121,57 @@ void setTcHours(BLCommon::Timecode* tc, int v)
     (*tc)[3] = packBcd((*tc)[3], v, 0x3);
 }
 
+// Time code frames per second at a rate: at 50 and 60 a time code frame spans
+// two frames.
+int tcUnit(int fps)
+{
+    return fps == 50 || fps == 60 ? fps / 2 : fps;
+}
+
+// Drop frame counts only where a time code second holds 30 frames.
+bool tcDrop(const BLCommon::Timecode& tc, int fps)
+{
+    return ((tc[0] >> 6) & 0x1) && tcUnit(fps) == 30;
+}
+
+// Frames at the rate from 00:00:00:00 to the time code.
+qint64 framesOfTimecode(const BLCommon::Timecode& tc, int fps)
+{
+    const int unit = tcUnit(fps);
+    const qint64 minutes = tcHours(tc) * 60 + tcMinutes(tc);
+    qint64 count = (minutes * 60 + tcSeconds(tc)) * unit + tcFrames(tc);
+    if (tcDrop(tc, fps))
+        count -= 2 * (minutes - minutes / 10); // frames 0 and 1 of nine minutes in ten
+    return count * (fps / unit);
+}
+
+// Frames at the rate in 24 hours of the time code's kind.
+qint64 framesPerDay(const BLCommon::Timecode& tc, int fps)
+{
+    const int unit = tcUnit(fps);
+    return qint64(24) * (tcDrop(tc, fps) ? 107892 : 3600 * unit) * (fps / unit);
+}
+
+// Sets the time code to a frame count at the rate, wrapped to one day (time
+// code frames are whole, so at 50 and 60 an odd count rounds down). The drop
+// frame flag and the other flag bits stay as they are.
+void setTimecodeFrames(BLCommon::Timecode* tc, qint64 frames, int fps)
+{
+    const int unit = tcUnit(fps);
+    const bool drop = tcDrop(*tc, fps);
+    const qint64 perDay = framesPerDay(*tc, fps);
+    qint64 count = (frames % perDay + perDay) % perDay / (fps / unit);
+    if (drop) {
+        const qint64 tens = count / 17982;
+        const qint64 rest = count % 17982;
+        count += 18 * tens + (rest >= 2 ? 2 * ((rest - 2) / 1798) : 0);
+    }
+    setTcFrames(tc, int(count % unit));
+    setTcSeconds(tc, int(count / unit % 60));
+    setTcMinutes(tc, int(count / (unit * 60) % 60));
+    setTcHours(tc, int(count / (qint64(unit) * 3600)));
+}
+
 std::atomic<int> g_tempNameCounter{0};
 
 constexpr int kCommonLogId = 601;
@@ -450,25 +501,16 @@ int BLCommon::GetStartFrames(const QList<DOLtcChange>& ltcChanges, quint32 offse
     if (ltcChanges.isEmpty())
         return 0;
     Timecode tc;
-    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), offset, fps);
-    const int hours = tcHours(tc);
-    const int minuteTens = (tc[2] >> 4) & 0x7;
-    const int minuteUnits = tc[2] & 0xF;
-    const int minutes = minuteTens * 10 + minuteUnits;
-    const int seconds = tcSeconds(tc);
-    int frames = tcFrames(tc);
-    if (fps == 50 || fps == 60)
-        frames *= 2;
-    const bool drop = (tc[0] >> 6) & 0x1;
+    LTCCValueToTimecode(&tc, ltcChanges.first().getValue(), 0, fps);
     if (dropFlag)
-        *dropFlag = drop ? 1 : 0;
-
-    if (!drop)
-        return (hours * 3600 + minutes * 60 + seconds) * fps + frames;
-    if (fps == 60)
-        return hours * 215784 + minuteTens * 35964 + minuteUnits * 3596 + seconds * 60 + frames;
-    const int totalMinutes = 2 * fps * hours + minutes;
-    return (hours * 3600 + minutes * 60 + seconds) * fps + frames - 2 * (totalMinutes - totalMinutes / 10);
+        *dropFlag = (tc[0] >> 6) & 0x1;
+    if (fps <= 0)
+        return 0;
+    // Taken from the frame count, not from the time code, so that at 50 and
+    // 60 an odd offset is not rounded to a whole time code frame.
+    const qint64 frames = framesOfTimecode(tc, fps) - offset;
+    const qint64 day = framesPerDay(tc, fps);
+    return int(frames < 0 ? (frames % day + day) % day : frames); // below 00:00:00:00: the day before
 }
 
 bool BLCommon::checkTakeDuration(const QList<DOTakeData>& takes)
@@ -510,48 +552,10 @@ int BLCommon::xtoi(QChar c)
 
 bool BLCommon::SubtractOffset(Timecode* timecode, quint32 offset, int fps)
 {
-    return SubtractFrames(timecode, offset) || SubtractSecond(timecode, offset, fps) ||
-           SubtractMinute(timecode, offset, fps) || SubtractHour(timecode, offset, fps);
-}
-
-bool BLCommon::SubtractFrames(Timecode* timecode, quint32 offset)
-{
-    const int frames = tcFrames(*timecode);
-    if (frames == 0 || quint32(frames) < offset)
+    if (fps <= 0)
         return false;
-    setTcFrames(timecode, frames - int(offset));
+    setTimecodeFrames(timecode, framesOfTimecode(*timecode, fps) - offset, fps);
     return true;
-}
-
-// Borrows one second into the frames; answers false only when there is no
-// second to borrow.
-bool BLCommon::SubtractSecond(Timecode* timecode, quint32 offset, int fps)
-{
-    const int seconds = tcSeconds(*timecode);
-    if (seconds == 0)
-        return false;
-    setTcSeconds(timecode, seconds - 1);
-    const int frames = tcFrames(*timecode) + fps;
-    setTcFrames(timecode, quint32(frames) >= offset ? frames - int(offset) : frames);
-    return true;
-}
-
-bool BLCommon::SubtractMinute(Timecode* timecode, quint32 offset, int fps)
-{
-    const int minutes = tcMinutes(*timecode);
-    if (minutes == 0)
-        return false;
-    setTcMinutes(timecode, minutes - 1);
-    setTcSeconds(timecode, tcSeconds(*timecode) + 60);
-    return SubtractSecond(timecode, offset, fps);
-}
-
-bool BLCommon::SubtractHour(Timecode* timecode, quint32 offset, int fps)
-{
-    const int hours = tcHours(*timecode);
-    setTcHours(timecode, hours == 0 ? 23 : hours - 1);
-    setTcMinutes(timecode, tcMinutes(*timecode) + 60);
-    return SubtractMinute(timecode, offset, fps);
 }
 
 // ---- dates ----

@@ -67,12 +67,12 @@ public:
     // Value of one hexadecimal digit; 0 for anything else.
     static int xtoi(QChar c);
 
-    // Offset subtraction with borrowing (offsets below one second of frames).
+    // Subtracts a number of frames at the rate (a time code frame is two of
+    // them at 50 and 60), borrowing through seconds, minutes and hours in the
+    // time code's own units, drop frame included, and wrapping below
+    // 00:00:00:00 to the day before. The flag bits are kept. False for an
+    // unknown rate (0), which leaves the time code as it is.
     static bool SubtractOffset(Timecode* timecode, quint32 offset, int fps);
-    static bool SubtractFrames(Timecode* timecode, quint32 offset);
-    static bool SubtractSecond(Timecode* timecode, quint32 offset, int fps);
-    static bool SubtractMinute(Timecode* timecode, quint32 offset, int fps);
-    static bool SubtractHour(Timecode* timecode, quint32 offset, int fps);
 
     // ---- dates ----
     // Parses "2009-03-05T14:07:59+09:00" or "2009-03-05T05:07:59Z"; invalid on failure.

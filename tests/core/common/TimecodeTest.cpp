@@ -126,8 +126,11 @@ TEST(TimecodeTest, OffsetSubtractionBorrowsAndKeepsTheFlag)
     BLCommon::GetTimecode(&text, ltc({"41100000"}), 3, 25);
     EXPECT_EQ(text, "00:00:09:23\n");
     // Seconds 0: borrow a minute, then a second.
-    BLCommon::GetTimecode(&text, ltc({"40000500"}), 2, 30);
-    EXPECT_EQ(text, "00:04:59:28\n");
+    BLCommon::GetTimecode(&text, ltc({"40001000"}), 2, 30);
+    EXPECT_EQ(text, "00:09:59:28\n");
+    // Into a minute whose frames 0 and 1 are dropped.
+    BLCommon::GetTimecode(&text, ltc({"42000100"}), 1, 30);
+    EXPECT_EQ(text, "00:00:59:29\n");
     // Everything 0 but the hours, and from hour 0 the hours become 23.
     BLCommon::Timecode tc;
     BLCommon::LTCCValueToTimecode(&tc, "40000001", 2, 30);
@@ -138,6 +141,53 @@ TEST(TimecodeTest, OffsetSubtractionBorrowsAndKeepsTheFlag)
     int drop = -1;
     EXPECT_EQ(BLCommon::GetStartFrames(ltc({"40000001"}), 2, 30, &drop), 107890);
     EXPECT_EQ(drop, 1);
+}
+
+TEST(TimecodeTest, OffsetsAreFramesAtEveryRate)
+{
+    // A start time code of 01:00:00:00 less offsets of 0, 1 and 1799 frames.
+    // The expected frame counts are counted here: a non-drop hour holds
+    // 3600 seconds of time code frames; a drop-frame hour loses frames 0 and 1
+    // of 54 of its 60 minutes. At 50p and 59.94p a time code frame is two frames.
+    struct Rate
+    {
+        const char* name;
+        int fps;
+        const char* value; // 01:00:00:00, with the drop-frame flag where it is drop frame
+        qint64 hour;
+    };
+    const Rate rates[] = {
+        {"23.98p", 24, "00000001", 3600 * 24},
+        {"25p", 25, "00000001", 3600 * 25},
+        {"29.97p", 30, "40000001", 3600 * 30 - 54 * 2},
+        {"29.97p", 30, "00000001", 3600 * 30},
+        {"50i", 25, "00000001", 3600 * 25},
+        {"50p", 50, "00000001", 3600 * 25 * 2},
+        {"59.94i", 30, "40000001", 3600 * 30 - 54 * 2},
+        {"59.94p", 60, "40000001", (3600 * 30 - 54 * 2) * 2},
+    };
+    for (const Rate& rate : rates) {
+        const bool drop = QString(rate.value).startsWith('4');
+        for (const quint32 offset : {0u, 1u, 1799u}) {
+            SCOPED_TRACE(std::string(rate.name) + (drop ? " drop" : "") + " offset " +
+                         std::to_string(offset));
+            int flag = -1;
+            const qint64 start = rate.hour - offset;
+            EXPECT_EQ(BLCommon::GetStartFrames(ltc({rate.value}), offset, rate.fps, &flag), start);
+            EXPECT_EQ(flag, drop ? 1 : 0);
+            // The time code text agrees with the duration display of the same count.
+            QString text;
+            ASSERT_TRUE(BLCommon::GetTimecode(&text, ltc({rate.value}), offset, rate.fps));
+            QString shown = display(start, rate.name, {rate.value});
+            EXPECT_EQ(text, shown.replace('.', ':') + '\n');
+        }
+    }
+    // Below 00:00:00:00 the time code goes back to the day before.
+    int flag = 0;
+    EXPECT_EQ(BLCommon::GetStartFrames(ltc({"00000000"}), 1, 60, &flag), 24 * 3600 * 60 - 1);
+    QString text;
+    BLCommon::GetTimecode(&text, ltc({"00000000"}), 3, 50);
+    EXPECT_EQ(text, "23:59:59:23\n");
 }
 
 TEST(TimecodeTest, StartFramesRoundTripEveryFrameOfAnHour)
