@@ -26,11 +26,34 @@ void log(const QString& message)
 }
 
 // A refusal: the message, the controller's log line and the summary line.
-void refuse(const char* key, const QString& reason, const QString& summary)
+void refuse(const char* key, const QString& reason, const QString& summary, const QStringList& args = {})
 {
-    BLCommon::sharedCtrl()->messageBox(QString::fromLatin1(key), QString(), 0, 0);
+    BLCommon::sharedCtrl()->messageBox(QString::fromLatin1(key), QString(), 0, 0, args);
     log(kLogPrefix + QStringLiteral("    Delete fail (") + reason + QLatin1Char(')'));
     BLLogCtrl::debug(kSummaryProcessId, QStringLiteral("DeleteFolderCtrl ") + summary);
+}
+// Hidden items a desktop leaves in folders it has shown; they never hold
+// anything of the user's.
+bool isDesktopLeftover(const QString& name)
+{
+    static const QStringList kNames = {QStringLiteral(".DS_Store"), QStringLiteral(".Trashes"),
+                                       QStringLiteral(".Spotlight-V100"), QStringLiteral(".fseventsd")};
+    return name.startsWith(QLatin1String("._")) || kNames.contains(name);
+}
+
+// The first of the paths (relative, sorted) that is hidden or lies in a
+// hidden folder, other than desktop leftovers and what they hold; "" for none.
+QString firstHiddenItem(const QStringList& paths)
+{
+    for (const QString& relative : paths) {
+        const QStringList parts = relative.split(QLatin1Char('/'));
+        const auto hidden = std::find_if(parts.begin(), parts.end(), [](const QString& part) {
+            return part.startsWith(QLatin1Char('.'));
+        });
+        if (hidden != parts.end() && !isDesktopLeftover(*hidden))
+            return parts.mid(0, hidden - parts.begin() + 1).join(QLatin1Char('/'));
+    }
+    return QString();
 }
 } // namespace
 
@@ -77,13 +100,22 @@ bool BLDeleteFolderCtrl::checkDeletable(const QString& path)
                QStringLiteral("FolderCount==1 Not BPAV"));
         return false;
     }
+    // Hidden items count too (a repository, notes): deleting the folder would
+    // take them without the user having seen them.
+    const QStringList contents = getAllContentsOfFolder(path);
+    const QString hidden = firstHiddenItem(contents);
+    if (!hidden.isEmpty()) {
+        refuse("MSG_655_3301", QStringLiteral("Hidden item: ") + hidden, QStringLiteral("Hidden item."),
+               {hidden});
+        return false;
+    }
     const BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
     if (disk->isUsableDrive(path) == 3) {
         refuse("MSG_651_3232", QStringLiteral("The folder cannot delete."),
                QStringLiteral("Drive is not usable format."));
         return false;
     }
-    if (!disk->isReadableFolderPath(path) || !disk->isWritableFolderPath(path) || !allCheck(path)) {
+    if (!disk->isReadableFolderPath(path) || !disk->isWritableFolderPath(path) || !allCheck(path, contents)) {
         refuse("MSG_6510_3203", QStringLiteral("The folder cannot delete."), QStringLiteral("Write inhibit"));
         return false;
     }
@@ -125,12 +157,16 @@ int BLDeleteFolderCtrl::getFileCount(const QString& path)
 
 bool BLDeleteFolderCtrl::allCheck(const QString& path)
 {
+    return allCheck(path, getAllContentsOfFolder(path));
+}
+
+bool BLDeleteFolderCtrl::allCheck(const QString& path, const QStringList& paths)
+{
     const BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
     m_fileMax = 0;
     m_arrContents.clear();
     if (!disk->isDeletablePath(path))
         return false;
-    const QStringList paths = getAllContentsOfFolder(path);
     m_fileMax = int(paths.size());
     QStringList contents{path};
     // Every path is visited, so each needs only its single-item test.

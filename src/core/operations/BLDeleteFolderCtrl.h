@@ -7,8 +7,9 @@ class IDeleteFolderView;
 
 // Delete folder: decides whether a work folder may be deleted and deletes it
 // under the progress dialog. Only a folder that is empty or holds nothing but
-// its BPAV folder (no other sub-folder, no visible file), all of which may be
-// deleted, goes. The counts and allCheck also serve folder combine. Main
+// its BPAV folder (no other sub-folder, no visible file, no hidden item but
+// the leftovers of desktops), all of which may be deleted, goes; and only what
+// was there when it was checked is removed. The counts and allCheck also serve folder combine. Main
 // thread only.
 class BLDeleteFolderCtrl
 {
@@ -44,6 +45,8 @@ private:
     // The checks after the confirmation; false when one refused (shown and logged).
     bool checkDeletable(const QString& path);
     bool removeFolder(const QString& path);
+    // allCheck over a listing already made.
+    bool allCheck(const QString& path, const QStringList& paths);
 
     IDeleteFolderView* m_view;
     int m_fileMax = 0;

@@ -4,6 +4,7 @@
 #include "core/common/BLCommon.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 
@@ -43,17 +44,17 @@ QList<BLDeleteFolderThread::Step> BLDeleteFolderThread::removalSteps() const
     const QString takr = bpav + QStringLiteral("/TAKR/");
     const QString clpr = bpav + QStringLiteral("/CLPR/");
 
-    // Each entry of TAKR and of CLPR, in the order met, with the number of
-    // contents it holds (itself included).
+    // Each entry of TAKR and of CLPR, in the order met, with the contents it
+    // holds (itself included); the rest goes last with the folder itself.
     QList<Step> takes;
     QList<Step> clips;
     QHash<QString, qsizetype> index; // entry -> its place in takes or clips
-    int rest = 0;
+    Step rest{m_folderPath, {}};
     for (const QString& path : m_contents) {
         const QString clean = QDir::cleanPath(path);
         const bool inTakr = clean.startsWith(takr);
         if (!inTakr && !clean.startsWith(clpr)) {
-            ++rest;
+            rest.paths << clean;
             continue;
         }
         const QString& base = inTakr ? takr : clpr;
@@ -62,12 +63,35 @@ QList<BLDeleteFolderThread::Step> BLDeleteFolderThread::removalSteps() const
         const auto found = index.constFind(entry);
         if (found == index.cend()) {
             index.insert(entry, steps.size());
-            steps.append({entry, 1});
+            steps.append({entry, {clean}});
         } else {
-            ++steps[*found].count;
+            steps[*found].paths << clean;
         }
     }
-    return takes + clips + QList<Step>{{m_folderPath, rest}};
+    return takes + clips + QList<Step>{rest};
+}
+
+bool BLDeleteFolderThread::removeStep(const Step& step)
+{
+    // Deepest first: in sorted order a path's contents follow it. A folder is
+    // removed only once empty, so nothing that came after the check goes.
+    QStringList paths = step.paths;
+    paths.sort();
+    for (auto it = paths.crbegin(); it != paths.crend(); ++it) {
+        const QFileInfo info(*it);
+        bool removed = true; // already gone
+        if (info.isSymLink() || (info.exists() && !info.isDir()))
+            removed = QFile::remove(*it);
+        else if (info.exists())
+            removed = QDir().rmdir(*it);
+        if (!removed) {
+            BLLogCtrl::debug(kPathProcessId,
+                             QStringLiteral("[BLDeleteFolderThread loopProcess]    fail : ") + *it);
+            return false;
+        }
+        ++m_removedCount;
+    }
+    return true;
 }
 
 void BLDeleteFolderThread::loopProcess()
@@ -80,16 +104,10 @@ void BLDeleteFolderThread::loopProcess()
             BLLogCtrl::debug(kProcessId, QStringLiteral("[BLDeleteFolderThread loopProcess]    Cancel"));
             break;
         }
-        if (!BLCommon::removeFile(step.path)) {
-            BLLogCtrl::debug(kPathProcessId,
-                             QStringLiteral("[BLDeleteFolderThread loopProcess]    fail : ") + step.path);
-            // A folder removal may have taken part of its contents before it failed.
-            m_removedCount += step.count;
+        if (!removeStep(step))
             break;
-        }
         BLLogCtrl::debug(kPathProcessId,
                          QStringLiteral("[BLDeleteFolderThread loopProcess]    path : ") + step.path);
-        m_removedCount += step.count;
         setProgress(m_removedCount, 0, max);
         waitThread();
     }

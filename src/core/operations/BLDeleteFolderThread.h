@@ -4,7 +4,8 @@
 
 #include <QStringList>
 
-// Removes a work folder with everything in it under the progress dialog.
+// Removes a work folder with everything it held when it was checked, under
+// the progress dialog; what appeared in it since stays, and keeps the folder.
 // The folder's takes go first, one take folder after another, then its clips,
 // one clip folder after another, then whatever is left (index files, the empty
 // BPAV structure) with the folder itself. Cancel is honoured between those
@@ -30,13 +31,17 @@ public:
     bool hasRemoved() const { return m_removedCount > 0; }
 
 private:
-    // One removal step: a path removed whole, and how many of the contents it holds.
+    // One removal step: a clip or take folder (or the work folder for the
+    // rest), and the paths of the contents it holds.
     struct Step
     {
         QString path;
-        int count = 0;
+        QStringList paths;
     };
     QList<Step> removalSteps() const;
+    // Removes the step's paths, each on its own; false at the first that
+    // cannot be removed (a folder that now holds something new among them).
+    bool removeStep(const Step& step);
 
     QString m_folderPath;
     QStringList m_contents;

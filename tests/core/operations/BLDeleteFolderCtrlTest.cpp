@@ -147,7 +147,7 @@ TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgres
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
     const QString folder = cardIn(card);
-    writeFile(folder + "/.hidden-notes"); // invisible entries do not count
+    writeFile(folder + "/.DS_Store"); // a desktop's leftovers do not count
     const QStringList before = tree(folder);
 
     AnsweringDeleteView view(true);
@@ -244,6 +244,40 @@ TEST_F(BLDeleteFolderCtrlTest, AnythingBesideTheCardKeepsTheFolder)
     EXPECT_TRUE(posted.isEmpty());
 }
 
+TEST_F(BLDeleteFolderCtrlTest, HiddenItemsKeepTheFolderAndWhatCameAfterTheCheckStays)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    const QString folder = cardIn(card);
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
+
+    writeFile(folder + "/.git/config");
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    ASSERT_EQ(messages.keys(), QStringList({"MSG_655_3301"}));
+    EXPECT_TRUE(messages.alerts()[0].message.contains("\".git\""))
+        << messages.alerts()[0].message.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(folder + "/.git/config"));
+    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+    QDir(folder + "/.git").removeRecursively();
+
+    // A desktop's leftovers go with the folder; a file written while the
+    // deletion runs is not one of the items checked, so it stays, and so do
+    // the folders that hold it.
+    writeFile(folder + "/._BPAV");
+    writeFile(card.bpav() + "/CLPR/.DS_Store");
+    messages.clear();
+    progress.onProgress = [&](double) {
+        if (!QFileInfo::exists(card.bpav() + "/late.txt"))
+            writeFile(card.bpav() + "/late.txt");
+    };
+    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_6510_3203"}));
+    EXPECT_EQ(tree(folder), QStringList({"._BPAV", "BPAV", "BPAV/late.txt"}));
+    idle();
+    ASSERT_EQ(posted.size(), 1); // panes showing the folder reload
+    EXPECT_EQ(posted[0].name, SC::SCSelectFolderDataDidUpdateNotification);
+}
+
 TEST_F(BLDeleteFolderCtrlTest, AFolderThatHasGoneOrLiesOnAnUnusableDriveStays)
 {
     AnsweringDeleteView view(true);
@@ -284,20 +318,20 @@ TEST_F(BLDeleteFolderCtrlTest, OneItemThatCannotBeDeletedKeepsEverything)
         EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
     }
     QFile::setPermissions(clip, kOpenDir);
-    writeFile(folder + "/.trash/kept");
-    QFile::setPermissions(folder + "/.trash/kept", kOpenFile);
-    QFile::setPermissions(folder + "/.trash", kReadOnlyDir);
+    writeFile(folder + "/.Trashes/kept");
+    QFile::setPermissions(folder + "/.Trashes/kept", kOpenFile);
+    QFile::setPermissions(folder + "/.Trashes", kReadOnlyDir);
     {
         cwtest::AsOrdinaryUser user;
         EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
     }
-    QFile::setPermissions(folder + "/.trash", kOpenDir);
+    QFile::setPermissions(folder + "/.Trashes", kOpenDir);
 
     EXPECT_EQ(messages.keys(), QStringList({"MSG_6510_3203", "MSG_6510_3203"}));
     EXPECT_EQ(logLines().count(kCtrl + "    Delete fail (The folder cannot delete.)"), 2);
     QStringList after = tree(folder);
-    after.removeAll(".trash");
-    after.removeAll(".trash/kept");
+    after.removeAll(".Trashes");
+    after.removeAll(".Trashes/kept");
     EXPECT_EQ(after, before);
     EXPECT_TRUE(progress.values.isEmpty());
 }
