@@ -580,6 +580,25 @@ int BLDomXmlParse::insertElement(const QString& name, const QString& value, int 
     return 1;
 }
 
+int BLDomXmlParse::moveElement(int atIndex)
+{
+    if (!m_document || !m_currentNode || !m_currentNode->parent)
+        return 0;
+    xmlNodePtr parent = m_currentNode->parent;
+    xmlNodePtr before = parent->children;
+    for (int i = 0; before && i < atIndex; ++i)
+        before = before->next;
+    if (before == m_currentNode)
+        return 1;
+    touch(parent);
+    xmlUnlinkNode(m_currentNode);
+    if (before && atIndex >= 0)
+        xmlAddPrevSibling(before, m_currentNode);
+    else
+        xmlAddChild(parent, m_currentNode);
+    return 1;
+}
+
 int BLDomXmlParse::setElement(const QString& text)
 {
     if (!m_document || !m_currentNode || text.isEmpty())
@@ -620,8 +639,8 @@ int BLDomXmlParse::setNameSpaceWithName(const QString& prefix, const QString& ur
     const QByteArray u = uri.toUtf8();
     m_memo.clear(); // names may match differently from now on
     for (xmlNsPtr ns = m_currentNode->nsDef; ns; ns = ns->next) {
-        const bool same = prefix.isEmpty() ? ns->prefix == nullptr
-                                           : (ns->prefix && xmlStrEqual(ns->prefix, X(p)));
+        const bool same =
+            prefix.isEmpty() ? ns->prefix == nullptr : (ns->prefix && xmlStrEqual(ns->prefix, X(p)));
         if (same) {
             xmlFree(const_cast<xmlChar*>(ns->href));
             ns->href = xmlStrdup(X(u));

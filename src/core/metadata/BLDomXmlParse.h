@@ -44,6 +44,10 @@ public:
 
     int addElement(const QString& name, const QString& value);
     int insertElement(const QString& name, const QString& value, int atIndex);
+    // Moves the current element to that index among its parent's children
+    // (counted before the move, as insertElement counts; past the end or
+    // negative: last). It stays the current node.
+    int moveElement(int atIndex);
     int setElement(const QString& text);
     int setAttribute(const QString& name, const QString& value);
     int setNameSpaceWithName(const QString& prefix, const QString& uri);

@@ -16,6 +16,7 @@ const QString kMaterialPath = QStringLiteral("/MediaProfile/Contents/Material");
 const QStringList kRootKinds = {QStringLiteral("Properties"), QStringLiteral("Contents")};
 const QStringList kPropertyKinds = {QStringLiteral("System"), QStringLiteral("Attached"),
                                     QStringLiteral("Metadata")};
+const QStringList kContentsKinds = {QStringLiteral("Material")};
 const QStringList kMaterialKinds = {QStringLiteral("Component"), QStringLiteral("Proxy"),
                                     QStringLiteral("RelevantInfo")};
 
@@ -50,17 +51,33 @@ void readCommonAttributes(const BLDomXmlParse& xml, DOMediaAttributes& record)
     record.setUmid(xml.getAttributeValue(QStringLiteral("umid")));
 }
 
-void writeCommonAttributes(BLDomXmlParse& xml, const DOMediaAttributes& record)
+// An attribute of the record; an empty value leaves a stored one, unless
+// replacing, which removes it.
+void writeAttribute(BLDomXmlParse& xml, const QString& name, const QString& value, bool replace)
 {
-    xml.setAttribute(QStringLiteral("type"), record.getType());
-    xml.setAttribute(QStringLiteral("videoType"), record.getVideoType());
-    xml.setAttribute(QStringLiteral("audioType"), record.getAudioType());
-    xml.setAttribute(QStringLiteral("fps"), record.getFps());
-    xml.setAttribute(QStringLiteral("dur"), record.getDur());
-    xml.setAttribute(QStringLiteral("ch"), record.getCh());
-    xml.setAttribute(QStringLiteral("aspectRatio"), record.getAspectRatio());
-    xml.setAttribute(QStringLiteral("offset"), record.getOffset());
-    xml.setAttribute(QStringLiteral("umid"), record.getUmid());
+    if (replace && value.isEmpty())
+        xml.removeAttribute(name);
+    else
+        xml.setAttribute(name, value);
+}
+
+void writeCommonAttributes(BLDomXmlParse& xml, const DOMediaAttributes& record, bool replace = false)
+{
+    writeAttribute(xml, QStringLiteral("type"), record.getType(), replace);
+    writeAttribute(xml, QStringLiteral("videoType"), record.getVideoType(), replace);
+    writeAttribute(xml, QStringLiteral("audioType"), record.getAudioType(), replace);
+    writeAttribute(xml, QStringLiteral("fps"), record.getFps(), replace);
+    writeAttribute(xml, QStringLiteral("dur"), record.getDur(), replace);
+    writeAttribute(xml, QStringLiteral("ch"), record.getCh(), replace);
+    writeAttribute(xml, QStringLiteral("aspectRatio"), record.getAspectRatio(), replace);
+    writeAttribute(xml, QStringLiteral("offset"), record.getOffset(), replace);
+    writeAttribute(xml, QStringLiteral("umid"), record.getUmid(), replace);
+}
+
+// What identifies a material across a rewrite: its uri and its UMID.
+QString materialKey(const QString& uri, const QString& umid)
+{
+    return uri + QLatin1Char('\n') + umid.right(64).toLower();
 }
 
 template <class Record> bool anyWithoutUri(const QList<Record>& records)
@@ -464,6 +481,104 @@ int BLMediaProfileAcss::removeAll(const QString& query)
         if (m_xml.selectNode(0) != 1 || m_xml.removeElement() != 1)
             return i;
     return count;
+}
+
+int BLMediaProfileAcss::replaceMaterialData(const QList<DOMaterial>& materials)
+{
+    if (anyWithoutUri(materials))
+        return -1;
+    const int contents = m_xml.selectNodeArray(kContentsPath);
+    if (contents < 0 || (contents == 0 && !addOrderedChild(kRootPath, kRootKinds, 1)))
+        return -1;
+    QStringList current;
+    const int count = m_xml.selectNodeArray(kMaterialPath);
+    for (int i = 0; i < count; ++i) {
+        m_xml.selectNode(i);
+        current << materialKey(m_xml.getAttributeValue(QStringLiteral("uri")),
+                               m_xml.getAttributeValue(QStringLiteral("umid")));
+    }
+    for (qsizetype placed = 0; placed < materials.size(); ++placed) {
+        const DOMaterial& material = materials.at(placed);
+        bool created = false;
+        if (!placeElement(kContentsPath, kContentsKinds, 0, current, placed,
+                          materialKey(material.getUri(), material.getUmid()), created))
+            return -1;
+        if (created)
+            m_xml.setAttribute(QStringLiteral("uri"), material.getUri());
+        m_xml.setAttribute(QStringLiteral("title"), material.getTitle());
+        writeCommonAttributes(m_xml, material, true);
+        writeAttribute(m_xml, QStringLiteral("status"), material.getMPStatus(), true);
+        const QString path = kMaterialPath + positionPredicate(int(placed) + 1);
+        if (!replaceChildData(material.getComponent(), path, 0) ||
+            !replaceChildData(material.getRelevantInfo(), path, 2))
+            return -1;
+    }
+    return removeFrom(kMaterialPath, int(materials.size())) ? 0 : -1;
+}
+
+template <class Record>
+bool BLMediaProfileAcss::replaceChildData(const QList<Record>& records, const QString& materialPath, int kind)
+{
+    const QString path = materialPath + QLatin1Char('/') + kMaterialKinds.at(kind);
+    QStringList current;
+    const int count = m_xml.selectNodeArray(path);
+    for (int i = 0; i < count; ++i) {
+        m_xml.selectNode(i);
+        current << m_xml.getAttributeValue(QStringLiteral("uri"));
+    }
+    for (qsizetype placed = 0; placed < records.size(); ++placed) {
+        const Record& record = records.at(placed);
+        bool created = false;
+        if (record.getUri().isEmpty() ||
+            !placeElement(materialPath, kMaterialKinds, kind, current, placed, record.getUri(), created))
+            return false;
+        if (created)
+            writeLeadingAttributes(record);
+        writeCommonAttributes(m_xml, record, true);
+    }
+    return removeFrom(path, int(records.size()));
+}
+
+bool BLMediaProfileAcss::placeElement(const QString& parentPath, const QStringList& kinds, int kind,
+                                      QStringList& current, qsizetype placed, const QString& key,
+                                      bool& created)
+{
+    const QString path = parentPath + QLatin1Char('/') + kinds.at(kind);
+    auto select = [&](qsizetype index) {
+        return m_xml.selectNodeArray(path + positionPredicate(int(index) + 1)) == 1;
+    };
+    const qsizetype found = current.indexOf(key, placed);
+    created = found < 0;
+    if (found == placed)
+        return select(placed);
+    if (placed == current.size()) {
+        // None of this kind left to reuse: a new one after the placed ones.
+        current.append(key);
+        return addOrderedChild(parentPath, kinds, kind);
+    }
+    if (!select(placed))
+        return false;
+    const int index = m_xml.getIndexByParent();
+    if (found > placed) {
+        if (!select(found) || m_xml.moveElement(index) != 1)
+            return false;
+        current.move(found, placed);
+    } else {
+        if (m_xml.selectNodeArray(parentPath) <= 0 || !m_xml.insertElement(kinds.at(kind), QString(), index))
+            return false;
+        current.insert(placed, key);
+    }
+    return select(placed);
+}
+
+bool BLMediaProfileAcss::removeFrom(const QString& path, int keep)
+{
+    int count = m_xml.selectNodeArray(path);
+    for (; count > keep; --count) {
+        if (m_xml.selectNodeArray(path + positionPredicate(count)) != 1 || m_xml.removeElement() != 1)
+            return false;
+    }
+    return count >= 0;
 }
 
 bool BLMediaProfileAcss::delContentsData()

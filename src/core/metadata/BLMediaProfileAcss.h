@@ -71,6 +71,16 @@ public:
     int setProxyData(const QList<DOProxy>& proxies, const QString& materialUri);
     int setRelevantInfoDaata(const QList<DORelevantInfo>& infos, const QString& materialUri);
 
+    // Makes the materials those of the list, in its order, each with the
+    // components and relevant-info entries it carries (its proxies are not
+    // written). A material already listed with the same uri and UMID keeps
+    // its element: what the record does not write stays (a title, attributes
+    // of other namespaces, proxies, unknown children), and so does what a
+    // component or relevant-info entry of the same uri holds beyond the
+    // record; an attribute the record writes but leaves empty goes. Anything
+    // under Contents that is not a Material stays. -1 when refused.
+    int replaceMaterialData(const QList<DOMaterial>& materials);
+
     bool delContentsData();
     int delMaterialData(const QString& materialUri);
     int delComponentData(const QString& materialUri);
@@ -99,6 +109,18 @@ private:
     void writeLeadingAttributes(const DOComponent& component);
     void writeLeadingAttributes(const DOProxy& proxy);
     void writeLeadingAttributes(const DORelevantInfo& info);
+    // The children of that kind of the material at the path, as the records
+    // say (see replaceMaterialData).
+    template <class Record>
+    bool replaceChildData(const QList<Record>& records, const QString& materialPath, int kind);
+    // Makes the element of kinds[kind] at 0-based place `placed` under the
+    // parent the one of that key: moves a later one there, or inserts a new
+    // one (created). `current` holds the keys of that kind in document order
+    // and is kept in step. Selects the element.
+    bool placeElement(const QString& parentPath, const QStringList& kinds, int kind, QStringList& current,
+                      qsizetype placed, const QString& key, bool& created);
+    // Removes the elements of the path after the first `keep`.
+    bool removeFrom(const QString& path, int keep);
     // Removes every element the query selects; answers how many (-1 on a query error).
     int removeAll(const QString& query);
     // Adds an empty child of kinds[kind] to the element at parentPath where the

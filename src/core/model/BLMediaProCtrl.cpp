@@ -62,30 +62,6 @@ bool isDirectlyInClpr(const QString& reference)
     return partsOf(reference).size() == 2 && !entryKey(reference, kClpr).isEmpty();
 }
 
-bool hasMp4File(const QString& folder)
-{
-    const QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
-    return std::any_of(names.begin(), names.end(), [](const QString& name) {
-        return QFileInfo(name).suffix().compare(QLatin1String("MP4"), Qt::CaseInsensitive) == 0;
-    });
-}
-
-// The folder of a clip without essence that a rewrite may delete: its own
-// folder directly in the BPAV folder's CLPR, holding no MP4 file; "" else.
-QString removableClipFolder(const QString& bpav, const DOClipData& clip)
-{
-    const QString reference = BLCommon::getFolderName(clip);
-    if (reference.isEmpty())
-        return QString();
-    const QString folder = BLCardPath::resolveRecordFolder(bpav, reference);
-    if (folder.isEmpty() || !BLCommon::isFolder(folder))
-        return QString();
-    const QString clpr = QDir::cleanPath(QDir(bpav).absoluteFilePath(kClpr));
-    if (QFileInfo(folder).path() != clpr || hasMp4File(folder))
-        return QString();
-    return folder;
-}
-
 // An unusable clip (status 5) has no duration and no size and is not counted
 // as present.
 void markUnusable(DOClipData& clip)
@@ -340,11 +316,11 @@ bool BLMediaProCtrl::checkMediaProFiles(QList<DOTakeData>& takes, const QString&
             continue;
         DOClipData clip = clipCtrl.checkCLPRFiles(workFolder, name);
         if (clip.getClipStatus() < 4 && !isReadableMP4(BLCardPath::resolveReference(bpav, clip.getMP4Uri())))
-            clip.setClipStatus(5);
-        if (clip.getClipStatus() != 5) {
-            clips.append(clip);
-            added = true;
-        }
+            markUnusable(clip);
+        // An unusable folder is shown but gives the profile nothing to list,
+        // so it alone does not call for a rewrite.
+        clips.append(clip);
+        added = added || clip.getClipStatus() != 5;
     }
 
     const QString takr = QStringLiteral("TAKR");
@@ -486,44 +462,23 @@ bool BLMediaProCtrl::createMediaPro(const QList<DOTakeData>& takes, const QStrin
     if (!mediaPro.loadForFolderPath(bpav))
         return false;
 
+    // A clip without essence gets no material; its folder stays on disk (the
+    // pane shows it as unusable, so the user can delete it on purpose).
     QList<DOMaterial> materials;
-    QStringList withoutEssence;
     for (const DOClipData& clip : clips) {
-        if (clip.getClipStatus() == 4)
-            continue;
-        if (clip.getMateUpFlg()) {
+        if (clip.getClipStatus() != 4 && clip.getMateUpFlg())
             appendWithUri(materials, createMaterialData(clip));
-        } else {
-            const QString folder = removableClipFolder(bpav, clip);
-            if (!folder.isEmpty() && !withoutEssence.contains(folder))
-                withoutEssence << folder;
-        }
     }
     for (const DOTakeData& take : takes) {
         if (!take.getClipData().isEmpty() && take.getTakeStatus() < 4)
             appendWithUri(materials, createMaterialData(take));
     }
 
-    mediaPro.delContentsData();
-    if (!materials.isEmpty() && mediaPro.setMaterialData(materials) != 0)
+    if (mediaPro.replaceMaterialData(materials) != 0)
         return false;
-    for (const DOMaterial& material : std::as_const(materials)) {
-        if (!material.getComponent().isEmpty() &&
-            mediaPro.setComponentData(material.getComponent(), material.getUri()) != 0)
-            return false;
-        if (!material.getRelevantInfo().isEmpty() &&
-            mediaPro.setRelevantInfoDaata(material.getRelevantInfo(), material.getUri()) != 0)
-            return false;
-    }
     DOAttached attached;
     mediaPro.getAttachedData(attached);
-    if (!mediaPro.updateVersion(versionFor(takes)) || !mediaPro.save(attached.getMediaId()))
-        return false;
-
-    // Only once the index no longer lists them.
-    for (const QString& folder : std::as_const(withoutEssence))
-        BLCommon::removeFile(folder);
-    return true;
+    return mediaPro.updateVersion(versionFor(takes)) && mediaPro.save(attached.getMediaId());
 }
 
 DOMaterial BLMediaProCtrl::createMaterialData(const DOClipData& clip)

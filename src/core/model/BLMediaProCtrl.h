@@ -62,7 +62,8 @@ public:
     // One take record per take material. No when cancelled.
     bool isTAKR(const QList<DOMaterial>& materials, QList<DOTakeData>& takes, const QString& workFolder,
                 BLHouseKeepingCtrl& houseKeeping);
-    // Adds the CLPR and TAKR folders that no record refers to; yes when any was added.
+    // Adds the CLPR and TAKR folders that no record refers to, unusable clip
+    // folders too; yes when one the profile should list was added.
     bool checkMediaProFiles(QList<DOTakeData>& takes, const QString& workFolder, QList<DOClipData>& clips);
     // Fills every take and every clip from its non-real-time metadata. A take
     // whose metadata cannot be read gets status 5; so does a clip, which then
@@ -91,10 +92,10 @@ public:
     // Rewrites the media profile: one material per clip with essence (loose
     // MP4 files of status 4 left out), then one per multi-clip take of status
     // below 4. The version is "1.20" when a take is 720-line, else "1.10"; the
-    // header is kept. After the file is written, the folder of each clip
-    // without essence is deleted when it is a clip folder in CLPR that holds
-    // no MP4 file. No (and nothing changed) when the profile cannot be loaded
-    // or written.
+    // header, and what the file holds beyond the records of a material that
+    // stays, are kept (BLMediaProfileAcss::replaceMaterialData). Deletes
+    // nothing. No (and nothing changed) when the profile cannot be loaded or
+    // written.
     bool createMediaPro(const QList<DOTakeData>& takes, const QString& workFolder,
                         const QList<DOClipData>& clips);
 

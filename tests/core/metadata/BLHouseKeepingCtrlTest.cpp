@@ -154,7 +154,7 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     for (const QString& id : QStringList{"ABC0001", "ABC0002", "ABC0005", planned[5].takeId, broken.takeId})
         EXPECT_TRUE(ids.contains(id)) << id.toStdString() << " in " << ids.join(",").toStdString();
     EXPECT_EQ(takeWithUmid(takes, planned[3].umid), nullptr) << "the hidden clip";
-    // The clip folder without essence is shown as unusable until the next pass.
+    // The clip folder without essence is shown as unusable.
     EXPECT_EQ(ids.size(), 7);
     EXPECT_EQ(ids.last(), "ABC0001") << "sorted by creation date";
     for (qsizetype i = 1; i < takes.size(); ++i)
@@ -193,21 +193,21 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     EXPECT_EQ(spanning->getClipData().size(), 1);
 
     // The new media profile lists every clip with essence and both takes;
-    // the clip folder without essence is gone.
+    // the clip folder without essence stays on disk.
     const QStringList uris = materialUris(work);
     for (const QString& name : QStringList{"ABC0001", "ABC0003", "ABC0005", "ABC0006", "ABC0007", "ABC0008"})
         EXPECT_TRUE(uris.contains("./CLPR/" + name + "/" + name + ".SMI")) << name.toStdString();
     EXPECT_TRUE(uris.contains("./TAKR/" + planned[5].takeId + "/" + planned[5].takeId + ".SMI"));
     EXPECT_TRUE(uris.contains("./TAKR/" + broken.takeId + "/" + broken.takeId + ".SMI"));
     EXPECT_EQ(uris.size(), 8) << uris.join(", ").toStdString();
-    EXPECT_FALSE(QFileInfo::exists(bpav + "/CLPR/ABC0099"));
+    EXPECT_TRUE(QFileInfo::exists(bpav + "/CLPR/ABC0099/ABC0099M01.XML"));
     EXPECT_TRUE(QFileInfo::exists(bpav + "/CLPR/.ABC0004"));
 
-    // Read again, the repaired folder gives the same takes, less the folder
-    // without essence (which had no UMID to show).
+    // Read again, the repaired folder gives the same takes, the folder
+    // without essence still among them.
     BLHouseKeepingCtrl again;
     const QList<DOTakeData> second = again.doHouseKeeping(work);
-    EXPECT_EQ(second.size(), 6);
+    EXPECT_EQ(second.size(), 7);
     for (const DOTakeData& take : takes) {
         if (take.getUmid().isEmpty())
             continue;
@@ -456,7 +456,8 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     // A listed folder: the hostile materials are unusable clips, never files outside.
     QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
     sentinelsIntact();
-    EXPECT_EQ(takes.size(), 3 + 3) << "the card's three takes and the three outside entries, unusable";
+    EXPECT_EQ(takes.size(), 3 + 3 + 1)
+        << "the card's three takes, the three outside entries and the link to a folder outside, unusable";
     for (const DOTakeData& t : takes) {
         if (t.getUmid() == QString(64, 'B') || t.getUmid() == QString(64, 'C') ||
             t.getUmid() == QString(64, 'D')) {

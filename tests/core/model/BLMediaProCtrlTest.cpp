@@ -183,7 +183,7 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
     const QString work = card.workFolder();
 
     // The camera lists a loose file by its essence alone; an unlisted clip
-    // folder loses its metadata, so that it is unusable and not picked up.
+    // folder loses its metadata, so that it is unusable.
     {
         BLMediaProfileAcss mediaPro;
         ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
@@ -231,15 +231,19 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
     EXPECT_EQ(mp4Only->getCurrentDuration(), 6) << "from the material";
     EXPECT_EQ(mp4Only->getFormatFps(), "29.97p");
 
-    // The unlisted complete clip is picked up from its folder; the unlisted
-    // incomplete one and the hidden one are not.
+    // The unlisted clips are picked up from their folders, the incomplete
+    // one as unusable; the hidden one is not.
     auto inFolder = [&](const QString& name) {
         return std::count_if(clips.begin(), clips.end(), [&](const DOClipData& c) {
             return c.getXMLUri().contains("/" + name + "/") || c.getMP4Uri().contains("/" + name);
         });
     };
     EXPECT_EQ(inFolder("ABC0002"), 1);
-    EXPECT_EQ(inFolder("ABC0007"), 0);
+    ASSERT_EQ(inFolder("ABC0007"), 1);
+    EXPECT_EQ(std::find_if(clips.begin(), clips.end(),
+                           [](const DOClipData& c) { return c.getFolderName() == "ABC0007"; })
+                  ->getClipStatus(),
+              5);
     EXPECT_EQ(inFolder(".ABC0004"), 0);
     EXPECT_EQ(inFolder("ABC0004"), 0);
 
@@ -395,58 +399,63 @@ TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
         << "nothing but its own entry: no relevant info";
 }
 
-TEST_F(MediaProCtrlTest, RewriteDeletesTheFolderOfAClipWithoutEssenceOnlyInsideClpr)
+TEST_F(MediaProCtrlTest, RewriteDeletesNothingAndKeepsWhatItDoesNotWrite)
 {
-    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3));
     ASSERT_TRUE(card.ok());
     const QString work = card.workFolder();
     const QString clpr = card.bpav() + "/CLPR";
     const auto& planned = card.manifest().takes;
+    const QString path = card.bpav() + "/MEDIAPRO.XML";
 
-    // ABC0001 lost its essence; a folder of metadata only; a folder that
-    // still holds an MP4 under another name; a take folder.
-    ASSERT_TRUE(QFile::remove(clpr + "/ABC0001/ABC0001.MP4"));
-    writeFile(clpr + "/ABC0099/ABC0099M01.XML");
-    writeFile(clpr + "/ABC0098/ABC0098M01.XML");
-    writeFile(clpr + "/ABC0098/OTHER.mp4");
-    writeFile(card.bpav() + "/TAKR/T0001/T0001M01.XML");
+    // What another program wrote into the profile: a title, an attribute of
+    // its own namespace and a child of its own on the first material, a proxy,
+    // a checksum on its essence component, and an element beside the materials.
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QString xml = QString::fromUtf8(file.readAll());
+    file.close();
+    const QString first = "<Material uri=\"./CLPR/ABC0001/ABC0001.SMI\"";
+    ASSERT_TRUE(xml.contains(first));
+    xml.replace("<MediaProfile ", "<MediaProfile xmlns:x=\"urn:example:x\" ");
+    xml.replace(first, first + " title=\"Scene 1\" x:note=\"keep\"");
+    xml.replace("<Component uri=\"./CLPR/ABC0001/ABC0001.MP4\"",
+                "<x:Review state=\"done\"/><Component x:hash=\"ab12\" uri=\"./CLPR/ABC0001/ABC0001.MP4\"");
+    xml.replace("<RelevantInfo uri=\"./CLPR/ABC0001/ABC0001M01.XML\"",
+                "<Proxy uri=\"./SUB/ABC0001S01.MP4\" type=\"MP4\"/><RelevantInfo "
+                "uri=\"./CLPR/ABC0001/ABC0001M01.XML\"");
+    xml.replace("</Contents>", "<x:Playlist name=\"day 1\"/></Contents>");
+    writeFile(path, xml.toUtf8());
 
-    auto withoutEssence = [](const QString& xml) {
-        DOClipData clip;
-        clip.setXMLUri(xml);
-        clip.setMateUpFlg(false);
-        clip.setClipStatus(5);
-        return clip;
-    };
-    DOClipData lost = withoutEssence("./CLPR/ABC0001/ABC0001M01.XML");
-    lost.setSMIUri("./CLPR/ABC0001/ABC0001.SMI");
-    const QList<DOClipData> clips{lost, withoutEssence("./CLPR/ABC0099/ABC0099M01.XML"),
-                                  withoutEssence("./CLPR/ABC0098/ABC0098M01.XML"),
-                                  withoutEssence("./TAKR/T0001/T0001M01.XML"), withoutEssence("./CLPR")};
-    DOTakeData kept = singleTake(planned[1]);
-    QList<DOClipData> all = clips;
-    DOClipData keptClip;
-    keptClip.setUmid(kept.getUmid());
-    keptClip.setSMIUri(kept.getSMIUri());
-    keptClip.setXMLUri(kept.getXMLUri());
-    keptClip.setMP4Uri(kept.getMP4Uri());
-    all << keptClip;
+    // ABC0003 lost its essence: it gets no material, and its folder stays.
+    ASSERT_TRUE(QFile::remove(clpr + "/ABC0003/ABC0003.MP4"));
+    DOTakeData lostTake = singleTake(planned[2], 5);
+    lostTake.setMateUpFlg(false);
+    DOTakeData second = singleTake(planned[1]);
+    DOTakeData first0 = singleTake(planned[0]);
+    first0.setFormatFps(""); // written empty: the stored value goes
+    BLMediaProCtrl ctrl;
+    ASSERT_TRUE(ctrl.createMediaPro({second, first0, lostTake}, work));
 
-    ASSERT_TRUE(BLMediaProCtrl().createMediaPro({kept}, work, all));
-    EXPECT_FALSE(QFileInfo::exists(clpr + "/ABC0001"));
-    EXPECT_FALSE(QFileInfo::exists(clpr + "/ABC0099"));
-    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0098/OTHER.mp4")) << "a folder with essence is never deleted";
-    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/TAKR/T0001")) << "only clip folders in CLPR";
-    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0002/ABC0002.MP4"));
-    EXPECT_EQ(materialUris(work), QStringList{keptClip.getSMIUri()});
+    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0003/ABC0003M01.XML"));
+    EXPECT_EQ(materialUris(work), QStringList({second.getSMIUri(), first0.getSMIUri()}))
+        << "in the new order";
+    BLMediaProfileAcss mediaPro;
+    ASSERT_TRUE(mediaPro.loadForFolderPath(card.bpav()));
+    const DOMaterial kept = mediaPro.getMaterialData(QString(), 0).at(1);
+    EXPECT_EQ(kept.getTitle(), "Scene 1");
+    EXPECT_TRUE(kept.getFps().isEmpty());
+    ASSERT_EQ(mediaPro.getProxyData(first0.getSMIUri(), QString()).size(), 1);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString after = QString::fromUtf8(file.readAll());
+    for (const char* text : {"x:note=\"keep\"", "<x:Review state=\"done\"/>", "x:hash=\"ab12\"",
+                             "<x:Playlist name=\"day 1\"/>", "xmlns:x=\"urn:example:x\""})
+        EXPECT_TRUE(after.contains(text)) << text;
 
-    // Without a media profile nothing is written and nothing deleted.
-    ASSERT_TRUE(QFile::remove(card.bpav() + "/MEDIAPRO.XML"));
-    writeFile(clpr + "/ABC0097/ABC0097M01.XML");
-    EXPECT_FALSE(
-        BLMediaProCtrl().createMediaPro({}, work, {withoutEssence("./CLPR/ABC0097/ABC0097M01.XML")}));
-    EXPECT_TRUE(QFileInfo::exists(clpr + "/ABC0097"));
-    EXPECT_FALSE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+    // Without a media profile nothing is written.
+    ASSERT_TRUE(QFile::remove(path));
+    EXPECT_FALSE(ctrl.createMediaPro({lostTake}, work));
+    EXPECT_FALSE(QFileInfo::exists(path));
 }
 
 TEST_F(MediaProCtrlTest, IndexFilesAreCreatedWhenMissing)
