@@ -538,6 +538,15 @@ bool BLCommon::checkTimeCode(qint64 duration, const QString& frameFps, const QLi
     return text.startsWith(QLatin1Char('0')) && text.mid(3, 2).toInt() < 30;
 }
 
+qint64 BLCommon::toFrameCount(const QString& text)
+{
+    if (text.isEmpty())
+        return 0;
+    bool ok = false;
+    const qint64 frames = text.toLongLong(&ok);
+    return ok && frames >= 0 && frames <= kMaxFrameCount ? frames : -1;
+}
+
 int BLCommon::xtoi(QChar c)
 {
     const char16_t u = c.unicode();
@@ -738,6 +747,13 @@ QString BLCommon::addDot(const QString& reference)
 QString BLCommon::removalDot(const QString& reference)
 {
     return reference.startsWith(QLatin1Char('.')) ? reference.mid(1) : reference;
+}
+
+bool BLCommon::isClipReference(const QString& reference)
+{
+    const QString relative = reference.startsWith(QLatin1String("./")) ? reference.mid(2) : reference;
+    return relative.section(QLatin1Char('/'), 0, 0, QString::SectionSkipEmpty)
+               .compare(QLatin1String("CLPR"), Qt::CaseInsensitive) == 0;
 }
 
 QString BLCommon::standardizePath(const QString& path)

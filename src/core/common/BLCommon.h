@@ -67,6 +67,12 @@ public:
     // Value of one hexadecimal digit; 0 for anything else.
     static int xtoi(QChar c);
 
+    // The most frames a clip on a card can hold: a day at 60 frames a second.
+    static constexpr qint64 kMaxFrameCount = qint64(24) * 3600 * 60;
+    // A duration or frame number as metadata writes it: 0 for no text, -1
+    // for text that is not a whole number from 0 to kMaxFrameCount.
+    static qint64 toFrameCount(const QString& text);
+
     // Subtracts a number of frames at the rate (a time code frame is two of
     // them at 50 and 60), borrowing through seconds, minutes and hours in the
     // time code's own units, drop frame included, and wrapping below
@@ -115,6 +121,9 @@ public:
     static QString addDot(const QString& reference);
     // Removes one leading "." character.
     static QString removalDot(const QString& reference);
+    // A reference whose first folder (after "./") is CLPR: a clip on this
+    // medium. A take folder or a clip ID may contain "CLPR" elsewhere.
+    static bool isClipReference(const QString& reference);
     // A leading "~" becomes the home folder; "." and ".." steps and repeated
     // or trailing separators are resolved.
     static QString standardizePath(const QString& path);

@@ -107,6 +107,13 @@ const DOComponent* essenceComponent(const DOMaterial& material)
     return nullptr;
 }
 
+// The reference of a clip's or take's material: its essence for status 3
+// (an MP4 file with its metadata only), else its take info.
+template <class Record> QString materialUri(const Record& record, int status)
+{
+    return status == 3 ? record.getMP4Uri() : record.getSMIUri();
+}
+
 template <class Entry> void appendWithUri(QList<Entry>& list, const Entry& entry)
 {
     if (!entry.getUri().isEmpty())
@@ -127,7 +134,7 @@ bool BLMediaProCtrl::checkMediaProMeta(BLMediaProfileAcss& mediaPro, QList<DOTak
     QList<DOMaterial> clipMaterials;
     QList<DOMaterial> takeMaterials;
     for (const DOMaterial& material : data.getMaterial())
-        (material.getUri().contains(kClpr) ? clipMaterials : takeMaterials).append(material);
+        (BLCommon::isClipReference(material.getUri()) ? clipMaterials : takeMaterials).append(material);
     houseKeeping.setCLPRMateCount(int(clipMaterials.size()));
     houseKeeping.setTAKRMateCount(int(takeMaterials.size()));
 
@@ -187,9 +194,10 @@ bool BLMediaProCtrl::isCLPR(const QList<DOMaterial>& materials, const QString& w
         clip.setFormatFps(material.getFps());
         clip.setNumOfChannel(material.getCh());
         clip.setARatio(material.getAspectRatio());
-        clip.setCurrentDuration(material.getDur().toLongLong());
+        const qint64 duration = BLCommon::toFrameCount(material.getDur());
+        clip.setCurrentDuration(duration);
         clip.setOffset(material.getOffset().toUInt());
-        if (status == 5)
+        if (status == 5 || duration < 0)
             markUnusable(clip);
         clips.append(clip);
     }
@@ -281,14 +289,15 @@ bool BLMediaProCtrl::isTAKR(const QList<DOMaterial>& materials, QList<DOTakeData
         }
         const bool bXML = BLCardPath::isFileOfReference(bpav, take.getXMLUri());
         take.setSize(BLCardPath::getFolderSize(take.getXMLUri(), workFolder));
-        take.setCurrentDuration(material.getDur().toLongLong());
+        const qint64 duration = BLCommon::toFrameCount(material.getDur());
+        take.setCurrentDuration(duration);
         take.setFormatFps(material.getFps());
         take.setARatio(material.getAspectRatio());
         take.setNumOfChannel(material.getCh());
         take.setVideoCodec(material.getVideoType());
         take.setOffset(material.getOffset().toUInt());
         take.setMPStatus(material.getMPStatus());
-        if (!bSMI || !bXML) {
+        if (!bSMI || !bXML || duration < 0) {
             take.setTakeStatus(5);
             take.setCurrentDuration(0);
         }
@@ -485,13 +494,12 @@ DOMaterial BLMediaProCtrl::createMaterialData(const DOClipData& clip)
 {
     DOMaterial material;
     const bool mp4Only = clip.getClipStatus() == 3;
+    material.setUri(materialUri(clip, clip.getClipStatus()));
     if (mp4Only) {
-        material.setUri(clip.getMP4Uri());
         material.setType(QStringLiteral("MP4"));
         material.setVideoType(clip.getVideoCodec());
         material.setAudioType(clip.getAudioCodec());
     } else {
-        material.setUri(clip.getSMIUri());
         material.setType(QStringLiteral("PD-EDL"));
     }
     material.setFps(clip.getFormatFps());
@@ -516,13 +524,12 @@ DOMaterial BLMediaProCtrl::createMaterialData(const DOClipData& clip)
 DOMaterial BLMediaProCtrl::createMaterialData(const DOTakeData& take)
 {
     DOMaterial material;
+    material.setUri(materialUri(take, take.getTakeStatus()));
     if (take.getTakeStatus() == 3) {
-        material.setUri(take.getMP4Uri());
         material.setType(QStringLiteral("MP4"));
         material.setVideoType(take.getVideoCodec());
         material.setAudioType(take.getAudioCodec());
     } else {
-        material.setUri(take.getSMIUri());
         material.setType(QStringLiteral("PD-EDL"));
     }
     material.setFps(take.getFormatFps());
@@ -637,9 +644,13 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
         return false;
     }
     const QList<DOMaterial> materials = mediaPro.getMaterialData(QString(), 0);
-    auto removeByUmid = [&](const QString& umid) {
+    // By reference and UMID together: a clip folder duplicated by hand has
+    // the same UMID under another reference, and keeps its material.
+    auto removeByUmid = [&](const QString& umid, const QString& uri) {
         for (const DOMaterial& material : materials) {
-            if (isSameUmid(material.getUmid(), umid) && !deleteMaterial(mediaPro, material, umid)) {
+            if (material.getUri() != dotted(uri) || !isSameUmid(material.getUmid(), umid))
+                continue;
+            if (!deleteMaterial(mediaPro, material, umid)) {
                 BLLogCtrl::debug(
                     kDeleteLogId,
                     QStringLiteral("[BLMediaProCtrl deleteMaterial]    Tag remove fail (UMID:%1)").arg(umid));
@@ -650,10 +661,10 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
     };
     for (const DOTakeData& take : takes) {
         for (const DOClipData& clip : take.getClipData()) {
-            if (!removeByUmid(clip.getUmid()))
+            if (!removeByUmid(clip.getUmid(), materialUri(clip, clip.getClipStatus())))
                 return false;
         }
-        if (!removeByUmid(take.getUmid()))
+        if (!removeByUmid(take.getUmid(), materialUri(take, take.getTakeStatus())))
             return false;
     }
     if (upVer)

@@ -115,7 +115,8 @@ public:
     // profile from the takes sorted by creation date.
     bool createCopyMediaPro(const QString& toFolder, const QList<DOTakeData>& takes,
                             const QString& fromFolder, const QString& mediaId);
-    // Removes the materials of the takes and of their clips (found by UMID).
+    // Removes the materials of the takes and of their clips (found by
+    // reference and UMID together).
     // upVer tells that the takes left in the folder include a 720-line take:
     // the version becomes "1.20". Nothing is saved when a removal fails.
     bool deleteMaterial(const QList<DOTakeData>& takes, const QString& workFolder, bool upVer);

@@ -5,22 +5,31 @@
 #include "core/common/BLLocalizedStrings.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr int kHouseKeepingProcessId = 700;
 
-const QLatin1String kOnThisMedium("CLPR");
 const QLatin1String kOnOtherMedium("file:///");
 
 bool isOnThisMedium(const DOComponent& component)
 {
-    return component.getUri().contains(kOnThisMedium);
+    return BLCommon::isClipReference(component.getUri());
 }
 
 bool isOnOtherMedium(const DOComponent& component)
 {
     return component.getUri().contains(kOnOtherMedium);
+}
+
+// Sums of durations and sizes stop at the largest value instead of wrapping.
+qint64 saturatingAdd(qint64 a, qint64 b)
+{
+    qint64 sum = 0;
+    if (!__builtin_add_overflow(a, b, &sum))
+        return sum;
+    return b > 0 ? std::numeric_limits<qint64>::max() : std::numeric_limits<qint64>::min();
 }
 
 bool sameUmid(const QString& a, const QString& b)
@@ -164,11 +173,13 @@ qint64 DOTakeData::getKeyFrame() const
 
 qint64 DOTakeData::getTakeDuration() const
 {
+    if (m_TakeStatus == 5 || m_TakeStatus == 6)
+        return 0;
     if (m_arrClipData.isEmpty())
         return m_llCurrentDuration;
     qint64 total = 0;
     for (const DOClipData& clip : m_arrClipData)
-        total += clip.getCurrentDuration();
+        total = saturatingAdd(total, clip.getCurrentDuration());
     return total;
 }
 
@@ -176,7 +187,7 @@ qint64 DOTakeData::getTakeSize() const
 {
     qint64 total = m_Size;
     for (const DOClipData& clip : m_arrClipData)
-        total += clip.getSize();
+        total = saturatingAdd(total, clip.getSize());
     return total;
 }
 

@@ -182,7 +182,9 @@ public:
     void setOffset(quint32 value) { m_uiOffset = value; }
 
     // ---- derived values ----
-    // The sum of the clips' durations, or the take's own duration without clips.
+    // The sum of the clips' durations, or the take's own duration without
+    // clips; 0 for an unusable take (5 or 6), whatever its metadata says.
+    // Sums stop at the largest value instead of wrapping.
     qint64 getTakeDuration() const;
     // The take's own size plus the sizes of all its clips.
     qint64 getTakeSize() const;

@@ -691,7 +691,10 @@ bool BLClipCtrl::getTakeNonRealMeta(DOTakeData& take, const QString& workFolder)
 
     if (take.getClipUmid().isEmpty())
         take.setUmid(meta.getTargetMaterial().getUmidRef());
-    take.setCurrentDuration(meta.getDuration().toLongLong());
+    const qint64 duration = BLCommon::toFrameCount(meta.getDuration());
+    if (duration < 0)
+        return false;
+    take.setCurrentDuration(duration);
     take.setUsAscii(meta.getTitle().getUsAscii());
     take.setAlias(meta.getTitle().getAlias().getValue());
     take.setDescription(meta.getDescription());
@@ -715,7 +718,7 @@ bool BLClipCtrl::getTakeNonRealMeta(DOTakeData& take, const QString& workFolder)
         take.setAudioCodec(audioCodec);
     take.setManufacturer(meta.getDevice().getManufacturer());
     take.setModelName(meta.getDevice().getModelName());
-    take.setKeyFrame(meta.getKeyFrame().getFrameCount().toLongLong());
+    take.setKeyFrame(std::max<qint64>(BLCommon::toFrameCount(meta.getKeyFrame().getFrameCount()), 0));
     take.setArrLtcChanges(meta.getLtcChangeTable().getLtcChangeArray());
     take.setMediaSpanning(false);
     return true;
@@ -728,7 +731,10 @@ bool BLClipCtrl::getClipNonRealMeta(DOClipData& clip, const QString& workFolder)
     DONonRealTimeMeta meta;
     if (!loadNonRealTimeMeta(workFolder, clip.getXMLUri(), meta))
         return false;
-    clip.setCurrentDuration(meta.getDuration().toLongLong());
+    const qint64 duration = BLCommon::toFrameCount(meta.getDuration());
+    if (duration < 0)
+        return false;
+    clip.setCurrentDuration(duration);
     const DOVideoFormat& video = meta.getVideoFormat();
     clip.setVideoCodec(video.getVideoFrame().getVideoCodec());
     clip.setFormatFps(video.getVideoFrame().getFormatFps());
@@ -747,11 +753,14 @@ bool BLClipCtrl::getTakeNonMetaData(DOTakeData& take, const QString& workFolder)
     DONonRealTimeMeta meta;
     if (!loadNonRealTimeMeta(workFolder, take.getXMLUri(), meta))
         return false;
-    take.setCurrentDuration(meta.getDuration().toLongLong());
+    const qint64 duration = BLCommon::toFrameCount(meta.getDuration());
+    if (duration < 0)
+        return false;
+    take.setCurrentDuration(duration);
     const DOLtcChangeTable& ltc = meta.getLtcChangeTable();
     take.setTcFps(ltc.getTcFps());
     take.setHalfStep(ltc.getHalfStep());
     take.setArrLtcChanges(ltc.getLtcChangeArray());
-    take.setKeyFrame(meta.getKeyFrame().getFrameCount().toLongLong());
+    take.setKeyFrame(std::max<qint64>(BLCommon::toFrameCount(meta.getKeyFrame().getFrameCount()), 0));
     return true;
 }

@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <algorithm>
 #include <thread>
 
@@ -179,6 +181,30 @@ TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
     multi.setClipData(clip("C3", 0, 24));
     EXPECT_EQ(multi.getTakeDuration(), 2400);
     EXPECT_EQ(multi.getTakeSize(), 2048 + 4294967296LL + 1000 + 24);
+
+    // Sums stop at the largest value; an unusable take lasts nothing.
+    constexpr qint64 kMax = std::numeric_limits<qint64>::max();
+    multi.setClipData(clip("C4", kMax - 100, kMax - 100));
+    EXPECT_EQ(multi.getTakeDuration(), kMax);
+    EXPECT_EQ(multi.getTakeSize(), kMax);
+    for (const int status : {5, 6}) {
+        multi.setTakeStatus(status);
+        single.setTakeStatus(status);
+        EXPECT_EQ(multi.getTakeDuration(), 0);
+        EXPECT_EQ(single.getTakeDuration(), 0);
+    }
+
+    // Frame counts from metadata: anything but a whole number a card can hold is refused.
+    for (const auto& [text, frames] :
+         std::initializer_list<std::pair<QString, qint64>>{{"", 0},
+                                                           {"1800", 1800},
+                                                           {"5184000", 5184000},
+                                                           {"5184001", -1},
+                                                           {"-1", -1},
+                                                           {"99999999999999999999", -1},
+                                                           {"12ab", -1},
+                                                           {"1.5", -1}})
+        EXPECT_EQ(BLCommon::toFrameCount(text), frames) << text.toStdString();
 }
 
 TEST(TakeDataTest, SearchSizeIsTheWholeTakeInKilobytes)
