@@ -6,7 +6,6 @@
 #include "core/common/BLCommon.h"
 #include "core/common/IMessagePresenter.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/metadata/BLMediaProfileAcss.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -103,20 +102,32 @@ int runScan(const QStringList& args)
     StderrPresenter presenter;
     BLHouseKeepingCtrl houseKeeping;
     const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(workFolder);
-    if (!BLCommon::isFiles(BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') +
-                           BLMediaProfileAcss::kFileName)) {
-        cliErr() << "clipwright-cli scan: " << workFolder
-                 << ": the folder has no media profile and none can be made" << Qt::endl;
-        return kExitFailed;
-    }
 
+    QJsonArray repairs;
+    for (const BLHouseKeepingCtrl::Repair& repair : houseKeeping.getRepairs()) {
+        QJsonObject entry{{"file", repair.file}, {"action", repair.action}, {"detail", repair.detail}};
+        cliErr() << "clipwright-cli scan: " << repair.file << " " << repair.action << ": " << repair.detail;
+        if (!repair.copy.isEmpty()) {
+            entry["copy"] = repair.copy;
+            cliErr() << " (the damaged file is kept at " << repair.copy << ")";
+        }
+        cliErr() << Qt::endl;
+        repairs.append(entry);
+    }
     QJsonArray all;
     for (const DOTakeData& take : takes)
         all.append(describe(take));
     if (json)
-        cliOut() << QJsonDocument(QJsonObject{{"workFolder", workFolder}, {"takes", all}})
+        cliOut() << QJsonDocument(
+                        QJsonObject{{"workFolder", workFolder}, {"takes", all}, {"repairs", repairs}})
                         .toJson(QJsonDocument::Indented);
     else
         printText(workFolder, all);
+    if (houseKeeping.isIndexUnreadable() && takes.isEmpty()) {
+        cliErr() << "clipwright-cli scan: " << workFolder
+                 << ": the folder's media profile could not be read or made, and no take was found"
+                 << Qt::endl;
+        return kExitFailed;
+    }
     return kExitOk;
 }

@@ -224,9 +224,15 @@ bool BLDomXmlParse::loadXml(const QString& path)
     return loadXmlData(file.read(kMaxFileSize + 1));
 }
 
-bool BLDomXmlParse::loadXmlData(const QByteArray& data)
+bool BLDomXmlParse::loadXmlData(const QByteArray& bytes)
 {
     reset();
+    // A power loss on a FAT card often leaves a file padded with NUL bytes
+    // after its last write: they are read as if they were not there.
+    QByteArrayView data(bytes);
+    while (!data.isEmpty() && data.back() == '\0')
+        data.chop(1);
+    m_bPadded = data.size() < bytes.size();
     // Card metadata is UTF-8 without a document type; refusing a DOCTYPE keeps
     // entity definitions (and their expansion) out altogether, and refusing NUL
     // bytes keeps out other encodings that could hide one.

@@ -14,6 +14,7 @@
 // namespace; a prefixed step ("lib:Alias") matches an element written with
 // that prefix; "@xml:lang" is the standard language attribute.
 //
+// Trailing NUL bytes (a power loss leaves them on FAT cards) are ignored.
 // Parsing never loads a DTD, substitutes entities or touches the network;
 // documents with a DOCTYPE, nested deeper than 256 levels (the parser's limit)
 // or larger than kMaxFileSize are refused.
@@ -63,6 +64,8 @@ public:
     static QString quoteLiteral(const QString& value);
 
     bool hasDocument() const { return m_document != nullptr; }
+    // The last file or data loaded ended in NUL bytes, which were left out.
+    bool wasPadded() const { return m_bPadded; }
     QString fileLocation() const { return m_fileLocation; }
     // The name of the current node ("" without one); for tests and diagnostics.
     QString currentNodeName() const;
@@ -97,4 +100,5 @@ private:
     xmlNodePtr m_currentNode = nullptr;
     QList<xmlNodePtr> m_selection;
     QString m_fileLocation;
+    bool m_bPadded = false;
 };

@@ -1,7 +1,9 @@
 #include "core/metadata/BLHouseKeepingCtrl.h"
 
 #include "core/app/BLLogCtrl.h"
+#include "core/common/BLAtomicFile.h"
 #include "core/common/BLCommon.h"
+#include "core/metadata/BLCueupInfoAcss.h"
 #include "core/metadata/BLMediaProfileAcss.h"
 #include "core/metadata/BLTakeInfoAcss.h"
 #include "core/model/BLDiskCtrl.h"
@@ -9,9 +11,14 @@
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLClipCtrl.h"
 
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -27,9 +34,9 @@ QString umidKey(const QString& umid)
     return umid.right(DOTakeInfo::kUmidLength).toLower();
 }
 
-void showMessage(const char* key)
+void showMessage(const char* key, const QStringList& args = {})
 {
-    BLCommon::sharedCtrl()->messageBox(QString::fromLatin1(key), QString(), 0, 0);
+    BLCommon::sharedCtrl()->messageBox(QString::fromLatin1(key), QString(), 0, 0, args);
 }
 
 } // namespace
@@ -50,6 +57,10 @@ QList<DOTakeData> BLHouseKeepingCtrl::doHouseKeeping(const QString& workFolder)
 bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>& takes)
 {
     m_arrClipData.clear();
+    m_repairs.clear();
+    m_bToldNotWritable = false;
+    m_bIndexUnreadable = false;
+    m_sDamagedCopy.clear();
     if (!BLCommon::isBPAVFolder(workFolder)) {
         log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : ") + workFolder);
         return false;
@@ -57,27 +68,31 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
     if (isCancelAt(1))
         return false;
 
+    // Nothing of the card is ever lost by looking at it: a file that cannot
+    // be written leaves the takes to be read from the folders, and a damaged
+    // index is copied aside before it is replaced.
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
     BLMediaProCtrl mediaProCtrl;
+    const bool hadCueUp = BLCommon::isFiles(bpav + QLatin1Char('/') + BLCueupInfoAcss::kFileName);
     if (!mediaProCtrl.isCueUp(workFolder)) {
         log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    CueUp.xml Create failed : ") + workFolder);
-        return false;
+        addRepair(BLCueupInfoAcss::kFileName, QStringLiteral("not-written"),
+                  QStringLiteral("missing, and the medium cannot be written"));
+        tellNotWritable();
+    } else if (!hadCueUp) {
+        addRepair(BLCueupInfoAcss::kFileName, QStringLiteral("created"), QStringLiteral("was missing"));
     }
     if (isCancelAt(2))
         return false;
 
-    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
     BLMediaProfileAcss mediaPro;
-    const int state = mediaProCtrl.isMediaPro(mediaPro, workFolder);
-    bool needsRepair = false;
-    if (state == 0) {
-        if (!mediaPro.loadForFolderPath(bpav)) {
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Read Error : ") +
-                workFolder);
-            return false;
-        }
+    const Source source = openMediaPro(workFolder, mediaPro);
+    bool needsRepair = source == Source::PaddedProfile;
+    if (source == Source::Profile || source == Source::PaddedProfile) {
         if (isCancelAt(3))
             return false;
-        needsRepair = mediaProCtrl.checkMediaProMeta(mediaPro, takes, workFolder, m_arrClipData, *this);
+        needsRepair =
+            mediaProCtrl.checkMediaProMeta(mediaPro, takes, workFolder, m_arrClipData, *this) || needsRepair;
         if (!isCancel()) {
             // The records of folders the profile did not list still lack
             // what a rewrite writes for them.
@@ -85,47 +100,137 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
                 mediaProCtrl.makeMediaPro(takes, workFolder, m_arrClipData);
             buildTakeData(takes, workFolder);
         }
-    } else if (state == 1) {
-        if (!isClipFolder(workFolder, takes))
-            return false;
-        if (isCancelAt(4))
-            return false;
-        // The fresh document isMediaPro has just written.
-        if (!mediaPro.loadForFolderPath(bpav)) {
-            log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
-                workFolder);
-            return false;
-        }
-        if (isCancelAt(5))
+    } else {
+        isClipFolder(workFolder, takes);
+        if (isCancelAt(4) || isCancelAt(5))
             return false;
         mediaProCtrl.makeMediaPro(takes, workFolder, m_arrClipData);
         buildTakeData(takes, workFolder);
         if (isCancelAt(6))
             return false;
-        rewriteMediaPro(takes, workFolder);
-    } else {
-        showMessage("MSG_732_3176");
-        return false;
+        if (source == Source::NewProfile && m_bIndexUnreadable)
+            rewriteMediaPro(takes, workFolder, QStringLiteral("rebuilt"),
+                            QStringLiteral("could not be read; made anew from the clip and take folders"));
+        else if (source == Source::NewProfile)
+            rewriteMediaPro(takes, workFolder, QStringLiteral("created"),
+                            QStringLiteral("was missing; made from the clip and take folders"));
     }
     if (isCancelAt(7))
         return false;
 
     if (needsRepair)
-        rewriteMediaPro(takes, workFolder);
+        rewriteMediaPro(takes, workFolder, QStringLiteral("rewritten"),
+                        source == Source::PaddedProfile
+                            ? QStringLiteral("ended in NUL bytes")
+                            : QStringLiteral("did not list every clip and take folder"));
     if (!BLCommon::checkTakeDuration(takes))
         showMessage("MSG_111_3225");
     return true;
 }
 
-void BLHouseKeepingCtrl::rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder)
+BLHouseKeepingCtrl::Source BLHouseKeepingCtrl::openMediaPro(const QString& workFolder,
+                                                            BLMediaProfileAcss& mediaPro)
+{
+    const QString bpav = BLCommon::getPathOfBPAV(workFolder);
+    const QString path = bpav + QLatin1Char('/') + BLMediaProfileAcss::kFileName;
+    BLMediaProCtrl mediaProCtrl;
+    if (!BLCommon::isFiles(path)) {
+        if (mediaProCtrl.isMediaPro(mediaPro, workFolder) == 1)
+            return Source::NewProfile;
+        log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
+            workFolder);
+        m_bIndexUnreadable = true;
+        addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
+                  QStringLiteral(
+                      "missing, and the medium cannot be written; the takes were read from the folders"));
+        tellNotWritable();
+        return Source::FoldersOnly;
+    }
+
+    const bool loaded = mediaPro.loadForFolderPath(bpav);
+    if (loaded && !mediaPro.wasPadded())
+        return Source::Profile;
+    if (!loaded) {
+        log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Read Error : ") + workFolder);
+        m_bIndexUnreadable = true;
+    }
+    // A damaged index is replaced (or, padded, written again) only once a
+    // copy of it is kept in the log folder.
+    const QString copy = keepDamagedCopy(workFolder, path);
+    if (copy.isEmpty()) {
+        showMessage("MSG_732_3301");
+        addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
+                  loaded ? QStringLiteral("ends in NUL bytes; left as it is, as no copy of it could be kept")
+                         : QStringLiteral("damaged; left as it is, as no copy of it could be kept; the takes "
+                                          "were read from the folders"));
+        return loaded ? Source::Profile : Source::FoldersOnly;
+    }
+    m_sDamagedCopy = copy;
+    if (loaded) {
+        showMessage("MSG_732_3300", {copy});
+        return Source::PaddedProfile;
+    }
+    if (!mediaProCtrl.createEmptyMediaPro(mediaPro, workFolder)) {
+        addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
+                  QStringLiteral(
+                      "damaged, and the medium cannot be written; the takes were read from the folders"));
+        tellNotWritable();
+        return Source::FoldersOnly;
+    }
+    showMessage("MSG_732_3300", {copy});
+    return Source::NewProfile;
+}
+
+QString BLHouseKeepingCtrl::keepDamagedCopy(const QString& workFolder, const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError)
+        return QString();
+    const QString folder = BLLogCtrl::sharedCtrl()->logFolderPath() + QStringLiteral("/damaged");
+    if (!QDir().mkpath(folder))
+        return QString();
+    // Named after the card's path and the time: "media_card_20260116-093015_MEDIAPRO.XML".
+    QString card = QDir::cleanPath(workFolder).mid(1).replace(QLatin1Char('/'), QLatin1Char('_'));
+    const QString stem = folder + QLatin1Char('/') + (card.isEmpty() ? QStringLiteral("root") : card) +
+                         QLatin1Char('_') +
+                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString copy = stem + QLatin1Char('_') + BLMediaProfileAcss::kFileName;
+    for (int n = 2; QFileInfo::exists(copy); ++n)
+        copy = stem + QStringLiteral("-%1_").arg(n) + BLMediaProfileAcss::kFileName;
+    return BLAtomicFile::writeFile(copy, bytes) ? copy : QString();
+}
+
+void BLHouseKeepingCtrl::rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder,
+                                         const QString& action, const QString& reason)
 {
     const QString path =
         BLCommon::getPathOfBPAV(workFolder) + QLatin1Char('/') + BLMediaProfileAcss::kFileName;
-    if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(path))
-        showMessage("MSG_732_3176");
-    else if (!BLMediaProCtrl().createMediaPro(takes, workFolder, m_arrClipData))
+    if (!BLDiskCtrl::sharedCtrl()->isWritableThisPath(path)) {
+        addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
+                  reason + QStringLiteral(", and the medium cannot be written"));
+        tellNotWritable();
+    } else if (BLMediaProCtrl().createMediaPro(takes, workFolder, m_arrClipData)) {
+        addRepair(BLMediaProfileAcss::kFileName, action, reason);
+    } else {
         log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
             workFolder);
+    }
+}
+
+void BLHouseKeepingCtrl::addRepair(const QString& file, const QString& action, const QString& detail)
+{
+    // The copy of a damaged media profile goes with what became of it.
+    m_repairs.append(
+        {file, action, detail, file == BLMediaProfileAcss::kFileName ? m_sDamagedCopy : QString()});
+}
+
+void BLHouseKeepingCtrl::tellNotWritable()
+{
+    if (!std::exchange(m_bToldNotWritable, true))
+        showMessage("MSG_732_3176");
 }
 
 void BLHouseKeepingCtrl::setCancel()
@@ -152,23 +257,21 @@ bool BLHouseKeepingCtrl::isCancelAt(int step) const
 
 // ---- scanning ----
 
-bool BLHouseKeepingCtrl::isClipFolder(const QString& workFolder, QList<DOTakeData>& takes)
+void BLHouseKeepingCtrl::isClipFolder(const QString& workFolder, QList<DOTakeData>& takes)
 {
-    if (!BLCommon::isCLPRFolder(workFolder)) {
+    // A folder that is missing and cannot be made holds nothing to read.
+    if (BLCommon::isCLPRFolder(workFolder))
+        checkCLPRFolder(workFolder);
+    else
         log(QStringLiteral(
                 "[BLHouseKeepingCtrl isClipFolder]    CLPR Folder create failed of isCLPRFolder : ") +
             workFolder);
-        return false;
-    }
-    checkCLPRFolder(workFolder);
-    if (!BLCommon::isTAKRFolder(workFolder)) {
+    if (BLCommon::isTAKRFolder(workFolder))
+        checkTAKRFolder(takes, workFolder);
+    else
         log(QStringLiteral(
                 "[BLHouseKeepingCtrl isClipFolder]    TAKR Folder create failed of isTAKRFolder : ") +
             workFolder);
-        return false;
-    }
-    checkTAKRFolder(takes, workFolder);
-    return true;
 }
 
 void BLHouseKeepingCtrl::checkCLPRFolder(const QString& workFolder)

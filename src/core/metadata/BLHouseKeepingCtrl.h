@@ -5,9 +5,12 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <mutex>
+
+class BLMediaProfileAcss;
 
 // Housekeeping: turns a work folder on disk into the takes a pane shows,
 // repairing the folder's index files on the way. It makes sure the cue-up info
@@ -22,6 +25,15 @@
 class BLHouseKeepingCtrl
 {
 public:
+    // What the last pass did to an index file, or could not do.
+    struct Repair
+    {
+        QString file;   // "MEDIAPRO.XML" or "CUEUP.XML"
+        QString action; // "created", "rebuilt", "rewritten" or "not-written"
+        QString detail; // why, in words
+        QString copy;   // where the damaged file was copied before, if it was
+    };
+
     // The takes of the work folder (possibly none); never fails as such.
     QList<DOTakeData> doHouseKeeping(const QString& workFolder);
 
@@ -43,11 +55,17 @@ public:
 
     // The clips found by the last pass.
     const QList<DOClipData>& getClipData() const { return m_arrClipData; }
+    // What the last pass repaired or could not write, in order.
+    const QList<Repair>& getRepairs() const { return m_repairs; }
+    // The last pass found no media profile it could read (damaged, or
+    // missing and not creatable): its takes come from the folders alone.
+    bool isIndexUnreadable() const { return m_bIndexUnreadable; }
 
     // ---- steps ----
     // Reads every CLPR entry into the clip list and every TAKR folder into
-    // the takes. No when CLPR or TAKR is missing and cannot be made.
-    bool isClipFolder(const QString& workFolder, QList<DOTakeData>& takes);
+    // the takes. CLPR and TAKR are made when missing; one that cannot be
+    // made (a medium that cannot be written) gives nothing.
+    void isClipFolder(const QString& workFolder, QList<DOTakeData>& takes);
     void checkCLPRFolder(const QString& workFolder);
     void checkTAKRFolder(QList<DOTakeData>& takes, const QString& workFolder);
     // Groups the clips into takes and reads the takes' metadata and take info.
@@ -64,15 +82,42 @@ private:
     // The pass proper; false when it ended early (the takes are then as far
     // as they got).
     bool passFolder(const QString& workFolder, QList<DOTakeData>& takes);
-    // Writes the media profile anew from the takes and clips found, or tells
-    // the user that the medium does not let it be written.
-    void rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder);
+    // Where the takes come from: the media profile as it is, the media
+    // profile read past trailing NUL bytes (to be written again), a new
+    // media profile to be filled from the folders, or the folders alone (the
+    // medium cannot be written).
+    enum class Source
+    {
+        Profile,
+        PaddedProfile,
+        NewProfile,
+        FoldersOnly
+    };
+    // Decides the source, leaving a readable media profile loaded in the
+    // accessor: makes a missing one, and replaces a damaged one once a copy
+    // of it is kept (keepDamagedCopy). Tells the user.
+    Source openMediaPro(const QString& workFolder, BLMediaProfileAcss& mediaPro);
+    // Copies the file into the log folder's "damaged" folder, named after the
+    // card's path and the time; the copy's path, or "" when it failed.
+    QString keepDamagedCopy(const QString& workFolder, const QString& path);
+    // Writes the media profile anew from the takes and clips found and
+    // records the repair, or tells the user that the medium does not let it
+    // be written.
+    void rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder, const QString& action,
+                         const QString& reason);
+    void addRepair(const QString& file, const QString& action, const QString& detail);
+    // "MSG_732_3176", once a pass.
+    void tellNotWritable();
     // Logs the cancel step when the flag is set.
     bool isCancelAt(int step) const;
 
     std::function<void(int)> m_cancelPointHook;
 
     QList<DOClipData> m_arrClipData;
+    QList<Repair> m_repairs;
+    QString m_sDamagedCopy;
+    bool m_bToldNotWritable = false;
+    bool m_bIndexUnreadable = false;
     mutable std::mutex m_cancelLock;
     bool m_bCancel = false;
     int m_CLPRMateCount = 0;

@@ -91,7 +91,8 @@ template <class Record> bool anyWithoutUri(const QList<Record>& records)
 bool BLMediaProfileAcss::loadForFolderPath(const QString& folderPath)
 {
     m_sFilePath = BLCommon::standardizePath(folderPath + QLatin1Char('/') + kFileName);
-    m_bLoaded = m_xml.loadXml(m_sFilePath);
+    // A well-formed file of another kind is no media profile either.
+    m_bLoaded = m_xml.loadXml(m_sFilePath) && m_xml.selectNodeArray(kRootPath) == 1;
     return m_bLoaded;
 }
 

@@ -25,9 +25,11 @@
 class BLMediaProfileAcss
 {
 public:
-    // The default namespace of a media profile this program creates. A loaded
-    // file keeps its own.
-    static inline const QString kNameSpace = QStringLiteral("urn:clipwright:mediaProfile:ver.1.0");
+    // The default namespace of a media profile this program creates (the one
+    // cameras write, so that a rebuilt index still reads in the camera). A
+    // loaded file keeps its own.
+    static inline const QString kNameSpace =
+        QStringLiteral("urn:schemas-professionalDisc:mediaProfile:ver.1.00");
     static inline const QString kFileName = QStringLiteral("MEDIAPRO.XML");
     static inline const QString kSystemKind = QStringLiteral("ORX Clipwright ver.1.000");
 
@@ -40,6 +42,8 @@ public:
     bool updateAttachedData();
 
     bool isLoaded() const { return m_bLoaded; }
+    // The file loaded ended in NUL bytes (read as if they were not there).
+    bool wasPadded() const { return m_xml.wasPadded(); }
     QString filePath() const { return m_sFilePath; }
 
     // ---- reads ----

@@ -431,15 +431,20 @@ int BLMediaProCtrl::isMediaPro(BLMediaProfileAcss& mediaPro, const QString& work
     const QString bpav = BLCommon::getPathOfBPAV(workFolder);
     if (BLCommon::isFiles(bpav + QLatin1Char('/') + BLMediaProfileAcss::kFileName))
         return 0;
-    if (!mediaPro.createForFolderPath(bpav))
-        return 2;
+    return createEmptyMediaPro(mediaPro, workFolder) ? 1 : 2;
+}
+
+bool BLMediaProCtrl::createEmptyMediaPro(BLMediaProfileAcss& mediaPro, const QString& workFolder)
+{
+    if (!mediaPro.createForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        return false;
     DOAttached attached;
     const int sequentialNo = BLCommon::nextSequentialNo();
     attached.setMediaId(BLCommon::createMediaID(sequentialNo));
     if (mediaPro.setAttachedData(attached) != 0 || !mediaPro.save(attached.getMediaId()))
-        return 2;
+        return false;
     BLPlistCtrl::sharedCtrl()->setSequentialNo(sequentialNo);
-    return 1;
+    return true;
 }
 
 bool BLMediaProCtrl::isCueUp(const QString& workFolder)

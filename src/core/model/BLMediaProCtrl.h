@@ -84,6 +84,8 @@ public:
     // 0 the media profile exists; 1 it did not and an empty one with a new
     // media id was written; 2 it did not and could not be written.
     int isMediaPro(BLMediaProfileAcss& mediaPro, const QString& workFolder);
+    // Writes an empty media profile with a new media id over whatever is there.
+    bool createEmptyMediaPro(BLMediaProfileAcss& mediaPro, const QString& workFolder);
     // "CUEUP.XML" exists, or an empty one has just been written.
     bool isCueUp(const QString& workFolder);
     // Rewrites the media profile from the takes: a take without clips stands

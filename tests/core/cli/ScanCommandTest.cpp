@@ -156,7 +156,7 @@ TEST_F(ScanCommandTest, AFolderThatIsNotUsableFails)
     ASSERT_TRUE(QDir().mkpath(dir.filePath("BPAV/MEDIAPRO.XML")));
     r = cli({"scan", "--json", dir.path()});
     EXPECT_EQ(r.status, 1);
-    EXPECT_TRUE(r.err.contains("no media profile")) << r.err.constData();
+    EXPECT_TRUE(r.err.contains("media profile could not be read or made")) << r.err.constData();
 
     EXPECT_EQ(cli({"scan"}).status, 2);
     EXPECT_EQ(cli({"scan", "a", "b"}).status, 2);

@@ -365,7 +365,8 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
     EXPECT_EQ(takes.size(), 2) << "the takes are still shown";
     EXPECT_EQ(readFile(bpav + "/MEDIAPRO.XML"), profile);
 
-    // A folder whose media profile cannot be made at all: only the message.
+    // A folder whose media profile cannot be made at all: its takes are read
+    // from the folders, nothing is written, and the message is shown once.
     QTemporaryDir dir;
     QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
     const QString locked = dir.filePath("locked");
@@ -376,10 +377,15 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
     messages.clear();
     {
         cwtest::AsOrdinaryUser nobody;
-        EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(locked).isEmpty());
+        const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(locked);
+        ASSERT_EQ(read.size(), 1);
+        EXPECT_EQ(read[0].getTakeID(), "ABC0002");
+        EXPECT_EQ(read[0].getTakeStatus(), 0);
     }
     QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x7777));
     EXPECT_EQ(messages.keys(), QStringList{"MSG_732_3176"});
+    EXPECT_EQ(QDir(locked + "/BPAV").entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+              QStringList({"CLPR", "CUEUP.XML"}));
 
     // No BPAV folder: nothing, and a log line.
     EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(dir.path()).isEmpty());

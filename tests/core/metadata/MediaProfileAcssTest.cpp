@@ -483,7 +483,7 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     ASSERT_EQ(outline.size(), 3) << outline.join('\n').toStdString();
     EXPECT_TRUE(
         QRegularExpression(
-            R"re(^MediaProfile xmlns="urn:clipwright:mediaProfile:ver.1.0" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
+            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
             .match(outline.at(0))
             .hasMatch())
         << outline.at(0).toStdString();
