@@ -1,15 +1,13 @@
-// clipwright-cli ppn: writes the picture pointer table of an MP4 file. The
-// table is written to a new file beside the target and renamed over it, so a
-// failure never leaves a partial table behind.
+// clipwright-cli ppn: writes the picture pointer table of an MP4 file through
+// the program's atomic file writer, so a failure never leaves a partial table
+// behind and an existing one stays as it was.
 #include "CliCommand.h"
 
+#include "core/common/BLAtomicFile.h"
 #include "core/mp4/CCreatePPT.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-
-#include <cstdio>
 
 int runPpn(const QStringList& args)
 {
@@ -22,21 +20,15 @@ int runPpn(const QStringList& args)
         err << "clipwright-cli ppn: " << ppn << " is a folder\n";
         return kExitFailed;
     }
-    const QString temporary = ppn + ".tmp-" + QString::number(QCoreApplication::applicationPid());
-    QFile created(temporary);
-    if (!created.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-        err << "clipwright-cli ppn: cannot create " << temporary << ": " << created.errorString() << "\n";
-        return kExitFailed;
-    }
-    created.close();
-
     CCreatePPT ppt;
-    const bool written = ppt.StartConvert(QFile::encodeName(mp4).constData(), QFile::encodeName(temporary).constData());
-    if (!written || std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(ppn).constData()) != 0) {
-        QFile::remove(temporary);
+    const bool written = BLAtomicFile::writeWith(ppn, [&](const QString& temporary) {
+        return ppt.StartConvert(QFile::encodeName(mp4).constData(),
+                                QFile::encodeName(temporary).constData()) == 1;
+    });
+    if (!written) {
+        const char* reason = ppt.getErrorText();
         err << "clipwright-cli ppn: " << mp4 << ": "
-            << (written ? QStringLiteral("cannot replace ") + ppn : QString::fromUtf8(ppt.getErrorText()).trimmed())
-            << "\n";
+            << (reason ? QString::fromUtf8(reason).trimmed() : QStringLiteral("cannot write ") + ppn) << "\n";
         return kExitFailed;
     }
     const qint64 size = QFileInfo(ppn).size();

@@ -46,6 +46,17 @@ void BLAtomicFile::setRenameHookForTesting(RenameHook hook)
 
 bool BLAtomicFile::writeFile(const QString& path, const QByteArray& data)
 {
+    return writeWith(path, [&](const QString& temporaryPath) {
+        const int fd = ::open(QFile::encodeName(temporaryPath).constData(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        const bool written = writeAll(fd, data.constData(), data.size());
+        return ::close(fd) == 0 && written;
+    });
+}
+
+bool BLAtomicFile::writeWith(const QString& path, const Writer& writer)
+{
     const QFileInfo target(path);
     const QByteArray folder = QFile::encodeName(target.absolutePath());
     const QByteArray finalName = QFile::encodeName(target.absoluteFilePath());
@@ -59,11 +70,16 @@ bool BLAtomicFile::writeFile(const QString& path, const QByteArray& data)
     }
 
     QByteArray tempName = folder + "/." + QFile::encodeName(target.fileName()) + ".XXXXXX";
-    const int fd = ::mkstemp(tempName.data());
+    int fd = ::mkstemp(tempName.data());
     if (fd < 0)
         return false;
-    bool ok = writeAll(fd, data.constData(), data.size()) && ::fchmod(fd, mode) == 0 && ::fsync(fd) == 0;
-    ok = (::close(fd) == 0) && ok;
+    ::close(fd);
+    bool ok = writer(QFile::decodeName(tempName));
+    // Flushed to disk before it takes the target's place.
+    fd = ok ? ::open(tempName.constData(), O_RDONLY | O_CLOEXEC) : -1;
+    ok = fd >= 0 && ::fchmod(fd, mode) == 0 && ::fsync(fd) == 0;
+    if (fd >= 0)
+        ok = (::close(fd) == 0) && ok;
     if (ok) {
         RenameHook hook;
         {

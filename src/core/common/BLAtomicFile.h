@@ -13,6 +13,10 @@ class BLAtomicFile
 {
 public:
     static bool writeFile(const QString& path, const QByteArray& data);
+    // The same for a file another writer makes: it gets the path of the
+    // temporary file (created empty) and answers whether it wrote it whole.
+    using Writer = std::function<bool(const QString& temporaryPath)>;
+    static bool writeWith(const QString& path, const Writer& writer);
 
     // Fault injection for tests: replaces the final rename (answer false to fail it).
     using RenameHook = std::function<bool(const QString& from, const QString& to)>;
