@@ -72,6 +72,36 @@ void markUnusable(DOClipData& clip)
     clip.setCurrentDuration(0);
 }
 
+// Fills a clip from its non-real-time metadata (read through a take that
+// carries the clip's references); a clip whose metadata cannot be read, or
+// that is unusable, keeps no duration or size. A loose MP4 file has none.
+void fillClip(BLClipCtrl& clipCtrl, DOClipData& clip, const QString& workFolder)
+{
+    if (clip.getClipStatus() == 4 || clip.getXMLUri().isEmpty())
+        return;
+    DOTakeData metadata;
+    metadata.setXMLUri(dotted(clip.getXMLUri()));
+    metadata.setSMIUri(dotted(clip.getSMIUri()));
+    metadata.setBIMUri(dotted(clip.getBIMUri()));
+    metadata.setPPNUri(dotted(clip.getPPNUri()));
+    metadata.setMP4Uri(dotted(clip.getMP4Uri()));
+    if (clipCtrl.getNonRealData(metadata, workFolder)) {
+        clip.setUmid(metadata.getUmid());
+        clip.setVideoCodec(metadata.getVideoCodec());
+        clip.setAudioCodec(metadata.getAudioCodec());
+        clip.setFormatFps(metadata.getFormatFps());
+        clip.setNumOfChannel(metadata.getNumOfChannel());
+        clip.setARatio(metadata.getARatio());
+        clip.setCurrentDuration(metadata.getCurrentDuration());
+        clip.setRealFlag(true);
+        clip.setSize(BLCardPath::getFolderSize(BLCommon::getFolderName(clip), workFolder));
+    } else {
+        clip.setClipStatus(5);
+    }
+    if (clip.getClipStatus() == 5)
+        markUnusable(clip);
+}
+
 // The clip a take without clips stands for in the media profile.
 DOClipData clipOfTake(const DOTakeData& take)
 {
@@ -326,8 +356,11 @@ bool BLMediaProCtrl::checkMediaProFiles(QList<DOTakeData>& takes, const QString&
         DOClipData clip = clipCtrl.checkCLPRFiles(workFolder, name);
         if (clip.getClipStatus() < 4 && !isReadableMP4(BLCardPath::resolveReference(bpav, clip.getMP4Uri())))
             markUnusable(clip);
-        // An unusable folder is shown but gives the profile nothing to list,
-        // so it alone does not call for a rewrite.
+        // An unusable folder is shown (under its UMID, where its metadata
+        // gives one) but gives the profile nothing to list, so it alone does
+        // not call for a rewrite.
+        if (clip.getClipStatus() == 5)
+            fillClip(clipCtrl, clip, workFolder);
         clips.append(clip);
         added = added || clip.getClipStatus() != 5;
     }
@@ -353,32 +386,8 @@ void BLMediaProCtrl::makeMediaPro(QList<DOTakeData>& takes, const QString& workF
         if (!clipCtrl.getNonRealData(take, workFolder))
             take.setTakeStatus(5);
     }
-    for (DOClipData& clip : clips) {
-        // A loose MP4 file has no metadata yet.
-        if (clip.getClipStatus() == 4 || clip.getXMLUri().isEmpty())
-            continue;
-        DOTakeData metadata;
-        metadata.setXMLUri(dotted(clip.getXMLUri()));
-        metadata.setSMIUri(dotted(clip.getSMIUri()));
-        metadata.setBIMUri(dotted(clip.getBIMUri()));
-        metadata.setPPNUri(dotted(clip.getPPNUri()));
-        metadata.setMP4Uri(dotted(clip.getMP4Uri()));
-        if (clipCtrl.getNonRealData(metadata, workFolder)) {
-            clip.setUmid(metadata.getUmid());
-            clip.setVideoCodec(metadata.getVideoCodec());
-            clip.setAudioCodec(metadata.getAudioCodec());
-            clip.setFormatFps(metadata.getFormatFps());
-            clip.setNumOfChannel(metadata.getNumOfChannel());
-            clip.setARatio(metadata.getARatio());
-            clip.setCurrentDuration(metadata.getCurrentDuration());
-            clip.setRealFlag(true);
-            clip.setSize(BLCardPath::getFolderSize(BLCommon::getFolderName(clip), workFolder));
-        } else {
-            clip.setClipStatus(5);
-        }
-        if (clip.getClipStatus() == 5)
-            markUnusable(clip);
-    }
+    for (DOClipData& clip : clips)
+        fillClip(clipCtrl, clip, workFolder);
 }
 
 bool BLMediaProCtrl::isReadableMP4(const QString& path)

@@ -144,6 +144,40 @@ TEST_F(ScanCommandTest, PrintsTheTakesTheManifestDescribes)
     }
 }
 
+TEST_F(ScanCommandTest, RepairsAreReportedAndAnIndexNothingCouldReplaceFails)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString index = card.bpav() + "/MEDIAPRO.XML";
+    ASSERT_TRUE(QFile::resize(index, QFileInfo(index).size() / 2));
+
+    const CliRun json = cli({"scan", "--json", card.workFolder()});
+    ASSERT_EQ(json.status, 0) << json.err.constData();
+    const QJsonObject result = QJsonDocument::fromJson(json.out).object();
+    EXPECT_EQ(result["takes"].toArray().size(), 2);
+    const QJsonArray repairs = result["repairs"].toArray();
+    ASSERT_EQ(repairs.size(), 1);
+    EXPECT_EQ(repairs[0]["file"].toString(), "MEDIAPRO.XML");
+    EXPECT_EQ(repairs[0]["action"].toString(), "rebuilt");
+    EXPECT_TRUE(QFileInfo::exists(repairs[0]["copy"].toString()));
+    EXPECT_TRUE(json.err.contains("MEDIAPRO.XML rebuilt: ")) << json.err.constData();
+
+    // Repaired, the card scans without a word on stderr.
+    const CliRun again = cli({"scan", "--json", card.workFolder()});
+    EXPECT_EQ(again.status, 0);
+    EXPECT_TRUE(QJsonDocument::fromJson(again.out)["repairs"].toArray().isEmpty());
+    EXPECT_TRUE(again.err.isEmpty()) << again.err.constData();
+
+    // A damaged index on a card with no clip left: nothing to rebuild it from.
+    for (const QString& folder : {"CLPR", "TAKR"})
+        ASSERT_TRUE(QDir(card.bpav() + "/" + folder).removeRecursively());
+    ASSERT_TRUE(QFile::resize(index, 10));
+    const CliRun empty = cli({"scan", card.workFolder()});
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_TRUE(empty.err.contains("could not be read or made, and no take was found"))
+        << empty.err.constData();
+}
+
 TEST_F(ScanCommandTest, AFolderThatIsNotUsableFails)
 {
     QTemporaryDir dir;
