@@ -715,16 +715,19 @@ void BLThumbViewCtrl::cacheImageDidGetNotification(const SCNotification& notific
     const QVariantMap& info = notification.userInfo;
     if (!isSelectFolder(info.value(SC::SCCacheGSelectFolderKey).toString()))
         return;
-    const int row = rowOfUmid(info.value(SC::SCCacheGUmidKey).toString());
-    if (row < 0)
-        return;
-    const DOTakeData take = m_mediaInfoCtrl.getTakeData(m_thumbArray[row].getIndexTakeData());
-    // A picture of an older key frame or status is stale.
-    if (take.getKeyFrame() != info.value(SC::SCCacheGFrameNoKey).toLongLong() ||
-        take.getTakeStatus() != info.value(SC::SCCacheGTakeStatusKey).toInt())
-        return;
-    m_thumbArray[row].setImage(info.value(SC::SCCacheGImageKey).value<QImage>());
-    emitRowChanged(row);
+    // Every take of that UMID: a clip folder duplicated by hand shows twice.
+    const QString umid = info.value(SC::SCCacheGUmidKey).toString();
+    for (int row = 0; row < m_thumbArray.size(); ++row) {
+        if (m_thumbArray[row].getUmid().compare(umid, Qt::CaseInsensitive) != 0)
+            continue;
+        const DOTakeData take = m_mediaInfoCtrl.getTakeData(m_thumbArray[row].getIndexTakeData());
+        // A picture of an older key frame or status is stale.
+        if (take.getKeyFrame() != info.value(SC::SCCacheGFrameNoKey).toLongLong() ||
+            take.getTakeStatus() != info.value(SC::SCCacheGTakeStatusKey).toInt())
+            continue;
+        m_thumbArray[row].setImage(info.value(SC::SCCacheGImageKey).value<QImage>());
+        emitRowChanged(row);
+    }
 }
 
 void BLThumbViewCtrl::movieThumbDidChangeNotification(const SCNotification& notification)
