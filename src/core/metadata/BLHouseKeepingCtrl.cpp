@@ -217,6 +217,8 @@ void BLHouseKeepingCtrl::rewriteMediaPro(const QList<DOTakeData>& takes, const Q
     } else {
         log(QStringLiteral("[BLHouseKeepingCtrl doHouseKeeping]    MediaPro.xml Create Error : ") +
             workFolder);
+        addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
+                  reason + QStringLiteral(", and writing it failed"));
     }
 }
 
