@@ -213,14 +213,17 @@ SCMediaInfoView* SCMainWindow::activeMediaInfoView() const
 
 void SCMainWindow::focusChanged(QWidget* now)
 {
-    // Focus leaving the window (to a dialog, or with the window deactivated)
-    // leaves the menus on the pane they were on.
-    if (!now || now->window() != this)
-        return;
-    m_activePane = nullptr;
+    // The menus stay on the pane they were on until the focus goes into the
+    // other pane: focus leaving the window (to a dialog, or with the window
+    // deactivated) or going to the menu bar (a menu opened or closed from the
+    // keyboard) or the preview changes nothing.
+    SCMediaInfoView* pane = nullptr;
     for (SCMediaInfoView* view : m_paneViews)
-        if (view && view->isAncestorOf(now))
-            m_activePane = view;
+        if (view && now && view->isAncestorOf(now))
+            pane = view;
+    if (!pane)
+        return;
+    m_activePane = pane;
     if (m_ctrl)
         m_ctrl->setFocusMediaInfoCtrl(m_activePane ? m_activePane->ctrl() : nullptr,
                                       m_activePane && m_activePane->treeView() == now);

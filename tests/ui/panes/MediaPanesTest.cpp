@@ -9,6 +9,7 @@
 #include "support/CardFolder.h"
 #include "support/FrameCounter.h"
 #include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 #include "ui/app/SCMainWindow.h"
 #include "ui/panes/SCMediaInfoView.h"
@@ -24,10 +25,12 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QSplitter>
+#include <QTest>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -382,6 +385,42 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
         EXPECT_EQ(pane(0)->toolButton(tag)->isEnabled(), enable) << tag;
     }
     EXPECT_TRUE(pane(0)->toolButton(MENU_ITEM_ID_NEW_FOLDER)->isEnabled());
+}
+
+// However a menu closes (here with Escape, opened from the keyboard), the
+// menus and their shortcuts stay with the pane that had the focus.
+TEST_F(MediaPanesTest, MenusClosedWithEscapeKeepTheirCommands)
+{
+    focusPane(0);
+    grid(0)->selectionModel()->select(grid(0)->index(1), QItemSelectionModel::ClearAndSelect);
+    const QList<QMenu*> menus{window->fileMenu(), window->editMenu(),   window->viewMenu(),
+                              window->clipMenu(), window->folderMenu(), window->previewMenu()};
+    auto enabledCommands = [&] {
+        window->validateMenuItems();
+        QStringList enabled;
+        for (QMenu* menu : menus)
+            for (QAction* action : menu->actions())
+                if (!action->isSeparator() && action->isEnabled())
+                    enabled << action->text();
+        return enabled;
+    };
+    for (QMenu* menu : menus) {
+        SCOPED_TRACE(menu->title().toStdString());
+        const QStringList before = enabledCommands();
+        ASSERT_TRUE(before.contains("&Play"));
+        const QChar mnemonic = menu->title().at(menu->title().indexOf('&') + 1);
+        QTest::keyClick(QApplication::focusWidget(), mnemonic.toLatin1(), Qt::AltModifier);
+        ASSERT_TRUE(waitFor([&] { return menu->isVisible(); }));
+        QTest::keyClick(menu, Qt::Key_Escape);
+        ASSERT_TRUE(waitFor([&] { return !menu->isVisible(); }));
+        EXPECT_EQ(window->activeMediaInfoView(), pane(0));
+        EXPECT_EQ(enabledCommands(), before);
+        // Space plays the selected take.
+        NotificationCounter plays(SC::SCMoviePlayNotification);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        EXPECT_TRUE(waitFor([&] { return plays.count == 1; }, 2000));
+        focusPane(0);
+    }
 }
 
 TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
