@@ -126,32 +126,45 @@ void SCMainWindow::createMenus()
     addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE);
     addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER);
 
+    // The keys of the transport commands belong to the preview picture (Space
+    // plays the grid's take elsewhere): the menu shows them without binding
+    // them. Full screen and the thumbnail have window-wide shortcuts.
     m_previewMenu = bar->addMenu(QStringLiteral("P&review"));
     const struct
     {
         int tag;
         const char* title;
-    } previewItems[] = {{MENU_ITEM_ID_PREVIEW_PLAY, "&Play"},
-                        {MENU_ITEM_ID_PREVIEW_PAUSE, "P&ause"},
-                        {MENU_ITEM_ID_PREVIEW_FF, "&Fast Forward"},
-                        {MENU_ITEM_ID_PREVIEW_RW, "&Rewind"},
-                        {0, nullptr},
-                        {MENU_ITEM_ID_PREVIEW_TOP_FRAME, "F&irst Frame"},
-                        {MENU_ITEM_ID_PREVIEW_LAST_FRAME, "&Last Frame"},
-                        {MENU_ITEM_ID_PREVIEW_PLUS_FRAME, "&Next Frame"},
-                        {MENU_ITEM_ID_PREVIEW_MINUS_FRAME, "Pre&vious Frame"},
-                        {0, nullptr},
-                        {MENU_ITEM_ID_PREVIEW_FULL_SCREEN, "F&ull Screen"},
-                        {MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, "Use Frame as &Thumbnail"}};
+        const char* pictureKey;
+        QKeySequence shortcut;
+    } previewItems[] = {
+        {MENU_ITEM_ID_PREVIEW_PLAY, "&Play", "Space", {}},
+        {MENU_ITEM_ID_PREVIEW_PAUSE, "P&ause", "Space", {}},
+        {MENU_ITEM_ID_PREVIEW_FF, "&Fast Forward", "F", {}},
+        {MENU_ITEM_ID_PREVIEW_RW, "&Rewind", "R", {}},
+        {0, nullptr, nullptr, {}},
+        {MENU_ITEM_ID_PREVIEW_TOP_FRAME, "F&irst Frame", "Up", {}},
+        {MENU_ITEM_ID_PREVIEW_LAST_FRAME, "&Last Frame", "Down", {}},
+        {MENU_ITEM_ID_PREVIEW_PLUS_FRAME, "&Next Frame", "Right", {}},
+        {MENU_ITEM_ID_PREVIEW_MINUS_FRAME, "Pre&vious Frame", "Left", {}},
+        {0, nullptr, nullptr, {}},
+        {MENU_ITEM_ID_PREVIEW_FULL_SCREEN, "F&ull Screen", nullptr, QKeySequence(Qt::Key_F11)},
+        {MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, "Use Frame as &Thumbnail", nullptr,
+         QKeySequence(QStringLiteral("Ctrl+T"))}};
     for (const auto& item : previewItems) {
         if (!item.title) {
             m_previewMenu->addSeparator();
             continue;
         }
-        QAction* action = m_previewMenu->addAction(QString::fromLatin1(item.title));
+        QString title = QString::fromLatin1(item.title);
+        if (item.pictureKey)
+            title += QLatin1Char('\t') + QString::fromLatin1(item.pictureKey);
+        QAction* action = m_previewMenu->addAction(title);
         action->setData(item.tag);
+        action->setShortcut(item.shortcut);
         connect(action, &QAction::triggered, this, [this, tag = item.tag] {
-            if (m_ctrl)
+            // A shortcut of a command not available now does nothing.
+            bool enable = false;
+            if (m_ctrl && m_ctrl->isSupportMenuItem(tag, &enable) && enable)
                 m_ctrl->selectMenuItem(tag);
         });
     }

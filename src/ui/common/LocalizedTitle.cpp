@@ -50,7 +50,11 @@ public:
 private:
     void action(QAction* action)
     {
-        localize([&] { return action->text(); }, [&](const QString& t) { action->setText(t); });
+        // A menu item's text may end in a tab and the keys shown beside it.
+        const QString keys = action->text().section(QLatin1Char('\t'), 1);
+        localize(
+            [&] { return action->text().section(QLatin1Char('\t'), 0, 0); },
+            [&](const QString& t) { action->setText(keys.isEmpty() ? t : t + QLatin1Char('\t') + keys); });
         if (QMenu* menu = action->menu())
             object(menu);
     }

@@ -60,7 +60,7 @@ void collectTitles(QWidget* widget, QStringList& titles)
     if (auto* group = qobject_cast<QGroupBox*>(widget))
         titles << group->title();
     for (QAction* action : widget->actions()) {
-        titles << action->text();
+        titles << action->text().section('\t', 0, 0); // without the keys shown beside it
         if (action->menu())
             collectTitles(action->menu(), titles);
     }

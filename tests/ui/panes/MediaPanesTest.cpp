@@ -385,6 +385,11 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
         EXPECT_EQ(pane(0)->toolButton(tag)->isEnabled(), enable) << tag;
     }
     EXPECT_TRUE(pane(0)->toolButton(MENU_ITEM_ID_NEW_FOLDER)->isEnabled());
+
+    // Every preview command shows its keys.
+    for (QAction* action : window->previewMenu()->actions())
+        EXPECT_TRUE(action->isSeparator() || action->text().contains('\t') || !action->shortcut().isEmpty())
+            << action->text().toStdString();
 }
 
 // However a menu closes (here with Escape, opened from the keyboard), the
