@@ -1,5 +1,6 @@
 #include "ui/panes/SCTreeView.h"
 
+#include "core/common/BLCommon.h"
 #include "core/model/BLTreeViewCtrl.h"
 #include "ui/common/LocalizedTitle.h"
 
@@ -9,6 +10,8 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QStyledItemDelegate>
 #include <QUrl>
 
@@ -64,8 +67,37 @@ SCTreeView::SCTreeView(BLTreeViewCtrl* ctrl, QWidget* parent) : QListView(parent
     setItemDelegate(new TreeRowDelegate(this));
 
     connect(this, &QAbstractItemView::doubleClicked, ctrl, [ctrl] { ctrl->doubleClickSelecttion(); });
-    connect(ctrl, &BLTreeViewCtrl::openInFileManagerRequested, this,
-            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    connect(ctrl, &BLTreeViewCtrl::openInFileManagerRequested, this, &SCTreeView::openInFileManager);
+}
+
+void SCTreeView::openInFileManager(const QString& folder)
+{
+    auto fail = [folder] {
+        BLCommon::sharedCtrl()->messageBox(QStringLiteral("MSG_632_3302"), QString(), 0, 0,
+                                           {BLCommon::getDisplayName(folder)});
+    };
+    // The desktop's opener says whether it found a program for folders; the
+    // toolkit's own call only says whether it could start it.
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (opener.isEmpty()) {
+        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+            fail();
+        return;
+    }
+    auto* process = new QProcess(this);
+    process->setProcessChannelMode(QProcess::ForwardedChannels);
+    connect(process, &QProcess::finished, this, [process, fail](int code, QProcess::ExitStatus status) {
+        if (status != QProcess::NormalExit || code != 0)
+            fail();
+        process->deleteLater();
+    });
+    connect(process, &QProcess::errorOccurred, this, [process, fail](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            fail();
+            process->deleteLater();
+        }
+    });
+    process->start(opener, {folder});
 }
 
 QMenu* SCTreeView::makeContextMenu()

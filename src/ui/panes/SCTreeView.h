@@ -19,6 +19,9 @@ public:
     // its data the command's tag and enabled as the controller answers.
     // Choosing an action runs the command. The caller owns the menu.
     QMenu* makeContextMenu();
+    // Opens the folder in the desktop's file manager; when the desktop has
+    // none for folders, says so in a message box.
+    void openInFileManager(const QString& folder);
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;

@@ -1,37 +1,28 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "support/FakeTreePane.h"
+#include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 #include "ui/panes/SCTreeView.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDesktopServices>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
-#include <QUrl>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
 namespace {
-
-// Receives the URLs the program asks the desktop to open.
-class UrlRecorder : public QObject
-{
-    Q_OBJECT
-public:
-    QList<QUrl> urls;
-
-public slots:
-    void open(const QUrl& url) { urls << url; }
-};
 
 void mouse(QWidget* target, QEvent::Type type, const QPoint& at, Qt::MouseButton button)
 {
@@ -130,14 +121,37 @@ TEST_F(TreeViewTest, TheContextMenuCarriesTheCommandsWithTheirTags)
             action->trigger();
     EXPECT_EQ(m_pane.commands, QList<int>{MENU_ITEM_ID_CHANGE_FOLDER_NAME});
 
-    // "Open in File Manager" hands the folder to the desktop.
-    UrlRecorder recorder;
-    QDesktopServices::setUrlHandler("file", &recorder, "open");
-    for (QAction* action : menu->actions())
-        if (action->data().toInt() == MENU_ITEM_ID_OPEN_IN_FINDER)
-            action->trigger();
-    QDesktopServices::unsetUrlHandler("file");
-    EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl::fromLocalFile(m_work + "/a")});
+    // "Open in File Manager" hands the folder to the desktop's opener; when
+    // the opener finds no program for folders, a message says so.
+    QTemporaryDir bin;
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", bin.path().toUtf8());
+    auto openWith = [&](const QByteArray& script) {
+        QFile opener(bin.filePath("xdg-open"));
+        opener.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        opener.write("#!/bin/sh\necho \"$1\" > \"" + bin.filePath("opened").toUtf8() + "\"\n" + script);
+        opener.close();
+        opener.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        for (QAction* action : menu->actions())
+            if (action->data().toInt() == MENU_ITEM_ID_OPEN_IN_FINDER)
+                action->trigger();
+        QElapsedTimer timer;
+        timer.start();
+        while (!QFile::exists(bin.filePath("opened")) && timer.elapsed() < 5000)
+            QApplication::processEvents(QEventLoop::AllEvents, 10);
+        QTest::qWait(200); // the opener's answer
+        QFile opened(bin.filePath("opened"));
+        opened.open(QIODevice::ReadOnly);
+        const QByteArray argument = opened.readAll().trimmed();
+        opened.remove();
+        return argument;
+    };
+    cwtest::MessageRecorder messages;
+    EXPECT_EQ(openWith("exit 0\n"), (m_work + "/a").toUtf8());
+    EXPECT_TRUE(messages.keys().isEmpty());
+    EXPECT_EQ(openWith("exit 3\n"), (m_work + "/a").toUtf8());
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_632_3302"});
+    qputenv("PATH", path);
 }
 
 TEST_F(TreeViewTest, TheDeleteKeyDeletesTheSelectedFolderWhenAllowed)
@@ -189,5 +203,3 @@ TEST_F(TreeViewTest, ARightClickFocusesTheListAndSelectsTheRowBeforeTheMenu)
 }
 
 } // namespace
-
-#include "TreeViewTest.moc"
