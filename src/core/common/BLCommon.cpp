@@ -634,6 +634,11 @@ QString BLCommon::getSystemLanguage()
 
 // ---- sizes ----
 
+QString BLCommon::sizeText(qint64 size)
+{
+    return convertSizeStr(size, QStringLiteral("#,##0.0"), size < (qint64(1) << 30) ? 2 : 3);
+}
+
 QString BLCommon::convertSizeStr(qint64 size, const QString& format, int mode)
 {
     static const char* const kUnits[] = {nullptr, "LOCALIZED_TYPE_KB", "LOCALIZED_TYPE_MB",

@@ -98,6 +98,8 @@ public:
     // Byte count as text: mode 0 bytes, 1 KB, 2 MB, 3 GB, 4 TB; pattern "#,##0"
     // or "#,##0.0" (decimals after the "."); rounded down, unit appended.
     static QString convertSizeStr(qint64 size, const QString& format, int mode);
+    // A size for people: in MB with one decimal below 1 GB, else in GB.
+    static QString sizeText(qint64 size);
 
     // ---- UMID ----
     // A new 64-digit UMID; advances the serial number 1..63.

@@ -65,13 +65,19 @@ bool BLDeleteFolderCtrl::deleteProcessOfFolder(const QString& path)
     const QString folder = QDir::cleanPath(path);
     m_folderNotFound = false;
 
+    // Asked only once the folder may go, saying what goes with it.
     Q_ASSERT(m_view);
-    const QString question = BLCommon::getFileList(folder).isEmpty() ? QStringLiteral("MSG_655_3164")
-                                                                     : QStringLiteral("MSG_655_3143");
     bool deleted = false;
-    if (m_view->confirmDelete(BLLocalizedString(question), BLCommon::getDisplayName(folder)) &&
-        checkDeletable(folder))
-        deleted = removeFolder(folder);
+    if (checkDeletable(folder)) {
+        const QString question =
+            BLCommon::getFileList(folder).isEmpty()
+                ? BLLocalizedString(QStringLiteral("MSG_655_3164"))
+                : BLLocalizedString(QStringLiteral("MSG_655_3143"))
+                      .arg(BLCommon::getFolderCountInCLPR(folder) + BLCommon::getFolderCountInTAKR(folder))
+                      .arg(BLCommon::sizeText(BLDiskCtrl::sharedCtrl()->getClipSize(folder)));
+        if (m_view->confirmDelete(question, BLCommon::getDisplayName(folder)))
+            deleted = removeFolder(folder);
+    }
 
     log(kLogPrefix + QStringLiteral(" End"));
     return deleted;
