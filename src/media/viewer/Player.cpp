@@ -178,8 +178,8 @@ void Player::handle(Command& command)
             break;
         if (!shown)
             startPlaying(m_startOffset);
-        else if (m_state == VM_PAUSING)
-            startPlaying(std::min(m_current + 1, lastFrame()));
+        else if (m_state == VM_PAUSING) // from the end, again from the start
+            startPlaying(m_current >= lastFrame() ? m_startOffset : m_current + 1);
         else
             startPlaying(m_current);
         break;
@@ -307,8 +307,22 @@ void Player::positionAt(int64_t frame)
     endOfJob();
 }
 
+// At the end of the take the last frame stays shown, paused, as players do;
+// only a take of which nothing could be shown stops.
 void Player::endOfTake()
 {
+    if (m_picture && m_current >= 0) {
+        if (m_current != lastFrame()) {
+            positionAt(lastFrame());
+            return;
+        }
+        stopMoving();
+        setState(VM_PAUSING);
+        if (m_current != m_lastReported)
+            reportFrame(m_current);
+        endOfJob();
+        return;
+    }
     stopMoving();
     setState(VM_STOPPED);
     m_current = -1;

@@ -45,17 +45,20 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_EQ(ctrl->getUmid(), take.getUmid());
     EXPECT_EQ(ctrl->getAVInfo().total_frames, 30);
     EXPECT_TRUE(view.sliderEnabled);
-    // Played to the end: the last picture is the second clip's last frame.
-    ASSERT_TRUE(waitForState(VM_STOPPED));
+    // Played to the end it pauses on the second clip's last frame, the take
+    // still loaded; Play starts it again from the start.
+    ASSERT_TRUE(waitForState(VM_PAUSING));
+    ASSERT_TRUE(waitForFrame(29));
     EXPECT_EQ(view.pictures().back().counter, counterOf(manifestTake, 29));
-    EXPECT_EQ(view.title, "");
-    EXPECT_FALSE(view.sliderEnabled);
-    EXPECT_EQ(view.sliderValue, 0);
-    EXPECT_TRUE(ctrl->getUmid().isEmpty());
-
-    // Played again and paused, then stepped through by the buttons.
-    play(card, take);
+    EXPECT_EQ(view.title, take.getAlias());
+    EXPECT_TRUE(view.sliderEnabled);
+    EXPECT_EQ(view.sliderValue, 1000);
+    EXPECT_EQ(ctrl->getUmid(), take.getUmid());
+    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPlay());
     ASSERT_TRUE(waitForState(VM_PLAYED));
+    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() < 29; }));
+
+    // Paused, then stepped through by the buttons.
     post(SC::SCMoviePauseNotification);
     ASSERT_TRUE(waitForState(VM_PAUSING));
     BLPreviewButtonCtrl& buttons = ctrl->getPreviewButtonCtrl();
@@ -323,9 +326,10 @@ TEST_F(PreviewCtrlTest, KeysAndMenuItemsDriveTheTransport)
     ASSERT_TRUE(waitForState(VM_PAUSING)); // rewinding ends paused at the first frame
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_F));
     ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_FASTFORWARDED"); }));
-    ASSERT_TRUE(waitForState(VM_STOPPED)); // fast forward ends at the end of the take
-    EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space));
-    EXPECT_TRUE(logged("0000:[BLPreviewButtonCtrl onPlay] now VM_STOPPED"));
+    ASSERT_TRUE(waitForState(VM_PAUSING)); // fast forward ends paused on the last frame
+    ASSERT_TRUE(waitForFrame(89));
+    EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space)); // and plays again from the start
+    ASSERT_TRUE(waitForState(VM_PLAYED));
 }
 
 TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWhileShowing)

@@ -49,7 +49,7 @@ bool hasState(const std::vector<Message>& messages, int id, size_t from = 0)
 
 } // namespace
 
-TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
+TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndPausesOnTheLastFrame)
 {
     const cwtest::CardFolder card(tinyTake(2, 30));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -74,9 +74,10 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const std::vector<Message> messages = viewer.messages();
 
-    EXPECT_EQ(states(messages), (std::vector<int>{VM_PLAYED, VM_STOPPED}));
+    // The end of the take pauses on its last frame.
+    EXPECT_EQ(states(messages), (std::vector<int>{VM_PLAYED, VM_PAUSING}));
     ASSERT_EQ(messages.front().id, VM_PLAYED);
-    ASSERT_EQ(messages[messages.size() - 2].id, VM_STOPPED);
+    ASSERT_EQ(messages[messages.size() - 2].id, VM_PAUSING);
     ASSERT_EQ(messages.back().id, kEndOfJob);
     std::vector<int64_t> expected(60);
     for (int64_t i = 0; i < 60; ++i)
@@ -103,7 +104,7 @@ TEST(ViewerPlayback, PlaysEveryFrameOnceInOrderAndStopsAtTheEnd)
     EXPECT_NEAR(shown, 59 * 1001 / 30000.0, 0.1);
     EXPECT_GT(seconds, 1.9);
 
-    // Playing again starts at the take's start offset.
+    // Playing again from the end starts at the take's start offset.
     viewer.clear();
     vv_take_info_t offset{0, 50, 0};
     ASSERT_EQ(vv_set_take_info(&offset), VV_OK);
@@ -124,8 +125,7 @@ TEST(ViewerPlayback, ShowingAFrameDuringPlaybackResumesFromIt)
     const size_t before = viewer.messageCount();
     ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(80, 0); }));
     const std::vector<Message> messages = viewer.messages();
-    EXPECT_FALSE(hasState(messages, VM_PAUSING));
-    EXPECT_EQ(states(messages), (std::vector<int>{VM_PLAYED, VM_STOPPED}));
+    EXPECT_EQ(states(messages), (std::vector<int>{VM_PLAYED, VM_PAUSING}));
 
     // Frames already on their way may still come; from 80 on every frame follows.
     std::vector<int64_t> after = reportedFrames(messages, before);
@@ -141,7 +141,7 @@ TEST(ViewerPlayback, ShowingAFrameDuringPlaybackResumesFromIt)
     // With play 1 a paused viewer plays on from the frame.
     viewer.clear();
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(100, 0); }));
-    EXPECT_EQ(states(viewer.messages()), (std::vector<int>{VM_PAUSING}));
+    EXPECT_TRUE(states(viewer.messages()).empty()) << "paused at the end, it stays paused";
     EXPECT_EQ(reportedFrames(viewer.messages()), (std::vector<int64_t>{100}));
     ASSERT_TRUE(viewer.runUntil([] { return vv_show_frame(110, 1); }));
     EXPECT_EQ(reportedFrames(viewer.messages()),
@@ -235,9 +235,14 @@ TEST(ViewerPlayback, LowResolutionScalesThePictures)
         EXPECT_EQ(p.width, 80);
         EXPECT_EQ(p.height, 45);
     }
+    // The last frame, shown still at the end, is drawn again at full size.
     InitParam full;
     full.set(InitParam::kLowResolution, "0");
+    viewer.clear();
     ASSERT_EQ(vv_change_init_param(1, 0, full.get()), VV_OK);
+    ASSERT_TRUE(viewer.waitForPictures([](const std::vector<Picture>& p) { return !p.empty(); }));
+    EXPECT_EQ(viewer.pictures().back().width, 320);
+    EXPECT_EQ(viewer.pictures().back().frame, pictures.back().frame);
     viewer.clear();
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(3, 0); }));
     ASSERT_EQ(viewer.pictures().size(), 1u);
@@ -273,15 +278,18 @@ TEST(ViewerPlayback, PauseFastForwardRewindAndStop)
     EXPECT_EQ(resumed[0], paused + 1);
     EXPECT_EQ(resumed[1], paused + 2);
 
-    // Fast forward shows key frames forwards and stops at the end of the take.
+    // Fast forward shows key frames forwards and pauses on the take's last frame.
     viewer.clear();
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(3, 0); }));
     viewer.clear();
     ASSERT_TRUE(viewer.runUntil(vv_ff));
     messages = viewer.messages();
-    EXPECT_EQ(states(messages), (std::vector<int>{VM_FASTFORWARDED, VM_STOPPED}));
+    EXPECT_EQ(states(messages), (std::vector<int>{VM_FASTFORWARDED, VM_PAUSING}));
     std::vector<Picture> pictures = viewer.pictures();
     ASSERT_GE(pictures.size(), 3u);
+    EXPECT_EQ(pictures.back().frame, 89);
+    EXPECT_EQ(pictures.back().counter, counterOf(take, 89));
+    pictures.pop_back();
     for (size_t i = 0; i < pictures.size(); ++i) {
         // Intra pictures are shown third in their GOP: 2, 17, 32 in each clip.
         EXPECT_EQ((pictures[i].frame % 45) % 15, 2) << pictures[i].frame;

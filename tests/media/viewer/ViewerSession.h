@@ -103,8 +103,9 @@ public:
     // Waits for a message of this id among those recorded since the last clear().
     bool waitForMessage(int id, std::chrono::milliseconds timeout = std::chrono::seconds(20));
     // Runs a request and waits for a state that ends a job and for the
-    // end-of-job call after it: by default the end of the take (VM_STOPPED).
-    bool runUntil(const std::function<int()>& request, int state = VM_STOPPED);
+    // end-of-job call after it: by default the end of the take (paused on its
+    // last frame).
+    bool runUntil(const std::function<int()>& request, int state = VM_PAUSING);
     // Runs a request and waits for the end-of-job call it leads to.
     bool job(const std::function<int()>& request);
 
