@@ -185,7 +185,7 @@ TEST_F(TransportControlsTest, ButtonsShowTheStateAndIgnoreWhatWouldChangeNothing
     ASSERT_TRUE(buttons.onFF());
     ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kFF].first == "macbtn_ff_a"; }));
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause].first, "macbtn_stop_n");
-    ASSERT_TRUE(waitForState(VM_STOPPED)); // the end of the take
+    ASSERT_TRUE(waitForState(VM_PAUSING)); // paused at the end of the take
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kFF].first, "macbtn_ff_n");
 }
 
@@ -270,7 +270,7 @@ TEST_F(TransportControlsTest, TheAudioChannelChoiceReachesTheLibrary)
         device.clear();
         play(card, take);
         EXPECT_TRUE(waitForState(VM_PLAYED));
-        EXPECT_TRUE(waitForState(VM_STOPPED));
+        EXPECT_TRUE(waitForState(VM_PAUSING)); // at the end of the take
         return device.samples();
     };
     std::vector<int16_t> sound = playWhole();
