@@ -38,20 +38,13 @@ QString kindOf(const DOTakeData& take)
     return take.getSingleClipFlag() ? QStringLiteral("single") : QStringLiteral("multi");
 }
 
-// The take ID; an unusable take has none and is named by its folder.
-QString nameOf(const DOTakeData& take)
-{
-    const QString id = take.getTakeID();
-    return id.isEmpty() ? BLCommon::getFolderName(take).section(QLatin1Char('/'), -1) : id;
-}
-
 QJsonObject describe(const DOTakeData& take)
 {
     QJsonArray clipUmids;
     for (const DOClipData& clip : take.getClipData())
         clipUmids.append(clip.getUmid());
     return QJsonObject{
-        {"takeId", nameOf(take)},
+        {"takeId", take.getShownTakeID()},
         {"umid", take.getUmid()},
         {"status", take.getTakeStatus()},
         {"kind", kindOf(take)},

@@ -307,6 +307,12 @@ void BLHouseKeepingCtrl::buildTakeData(QList<DOTakeData>& takes, const QString& 
     const QString bpav = BLCommon::getPathOfBPAV(workFolder);
     BLClipCtrl clipCtrl;
     for (DOTakeData& take : takes) {
+        if (take.getTakeStatus() == 5) {
+            // Whatever of its metadata can be read (title, date) tells the
+            // user which take is broken; it stays unusable.
+            clipCtrl.getNonRealData(take, workFolder);
+            continue;
+        }
         if (take.getTakeStatus() >= 4)
             continue;
         if (!clipCtrl.getNonRealData(take, workFolder))

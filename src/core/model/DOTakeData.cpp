@@ -208,6 +208,12 @@ QString DOTakeData::getTakeID() const
     return QString();
 }
 
+QString DOTakeData::getShownTakeID() const
+{
+    const QString id = getTakeID();
+    return id.isEmpty() ? BLCommon::getFolderName(*this).section(QLatin1Char('/'), -1) : id;
+}
+
 QString DOTakeData::getSingleLineAlias() const
 {
     QString line = m_sAlias;

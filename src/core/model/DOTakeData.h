@@ -195,6 +195,9 @@ public:
     // non-real-time metadata, otherwise "".
     QString getTakeID() const;
     // The title with every carriage return and line feed replaced by a blank.
+    // The name shown for the take: its take ID, or for an unusable take
+    // (which has none) the name of the folder that holds its files.
+    QString getShownTakeID() const;
     QString getSingleLineAlias() const;
     // "<pixels> X <lines>", or "" when either is empty.
     QString getResolution() const;

@@ -386,19 +386,25 @@ void BLThumbViewCtrl::sendPlayMovieNotification(const DOTakeData& take)
     common->sendNotificationNow(this, SC::SCMovieStopNotification);
     const QString folder = m_mediaInfoCtrl.getSelectFolder();
     const QString bpav = BLCommon::getPathOfBPAV(folder);
+    // The essence of the take, or of each of its clips; one without a
+    // reference is looked for where the camera puts it ("CLPR/X/X.MP4").
     QStringList essence;
-    if (!take.getMP4Uri().isEmpty()) {
-        essence << take.getMP4Uri();
-    } else {
-        for (const DOClipData& clip : take.getClipData())
-            essence << clip.getMP4Uri();
-    }
-    const bool present =
-        !essence.isEmpty() && std::all_of(essence.begin(), essence.end(), [&](const QString& mp4) {
-            return !mp4.isEmpty() && BLCommon::isFiles(BLCommon::makeFilePath(bpav, {mp4}));
-        });
-    if (!present) {
-        common->messageBox(QStringLiteral("MSG_633_3191"), QString(), 0, 0);
+    const auto add = [&](const QString& mp4, const QString& folder) {
+        essence << (mp4.isEmpty() && !folder.isEmpty()
+                        ? folder + QLatin1Char('/') + folder.section(QLatin1Char('/'), -1) +
+                              QStringLiteral(".MP4")
+                        : mp4);
+    };
+    if (!take.getMP4Uri().isEmpty() || take.getClipData().isEmpty())
+        add(take.getMP4Uri(), BLCommon::getFolderName(take));
+    for (const DOClipData& clip : take.getClipData())
+        add(clip.getMP4Uri(), BLCommon::getFolderName(clip));
+    const auto missing = std::find_if(essence.begin(), essence.end(), [&](const QString& mp4) {
+        return mp4.isEmpty() || !BLCommon::isFiles(BLCommon::makeFilePath(bpav, {mp4}));
+    });
+    if (missing != essence.end()) {
+        const QString file = missing->startsWith(QLatin1String("./")) ? missing->mid(2) : *missing;
+        common->messageBox(QStringLiteral("MSG_633_3191"), QString(), 0, 0, {take.getShownTakeID(), file});
         return;
     }
     common->sendNotification(

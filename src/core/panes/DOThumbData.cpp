@@ -23,7 +23,7 @@ void DOThumbData::setTakeData(const DOTakeData& take)
     m_duration = BLCommon::convertOfDurationByTakeData(take);
     m_durationFrames = take.getTakeDuration();
     m_date = BLCommon::makeCalendarDateFromString(take.getClipCreationDate());
-    m_takeID = take.getTakeID();
+    m_takeID = take.getShownTakeID();
     m_umid = take.getUmid();
     m_takeStatus = take.getTakeStatus();
     updateDateText();
