@@ -8,8 +8,8 @@
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/panes/BLMediaInfoCtrl.h"
-#include "core/preview/BLPreviewCtrl.h"
 #include "core/preview/BLCacheImageCtrl.h"
+#include "core/preview/BLPreviewCtrl.h"
 
 #include <algorithm>
 
@@ -81,9 +81,9 @@ void BLMainWindowCtrl::writeData()
 
 void BLMainWindowCtrl::resetWindowSize()
 {
-    m_view.setSplitUpperSideToMinimum();
     setWindowFrame(BLPlistCtrl::getDefaultMainWindowWidth(), BLPlistCtrl::getDefaultMainWindowHeight(), false,
                    0, 0);
+    m_view.setSplitToDefault();
 }
 
 void BLMainWindowCtrl::setWindowFrame(double width, double height, bool setOrigin, double x, double y)
@@ -94,7 +94,7 @@ void BLMainWindowCtrl::setWindowFrame(double width, double height, bool setOrigi
         frame.moveLeft(screen.x() + static_cast<int>((screen.width() - width) * 0.5));
         frame.moveTop(screen.y() + static_cast<int>((screen.height() - height) * 0.5));
     }
-    // Locked dividers keep the pane area's height while the window changes.
+    // Locked dividers keep the preview's height while the window changes.
     setDividersLocked(true);
     m_view.setWindowFrame(frame);
     setDividersLocked(false);
@@ -213,8 +213,8 @@ bool BLMainWindowCtrl::windowShouldZoom(const QRectF& newFrame)
     const QSizeF minimum = m_view.minimumWindowSize();
     if (newFrame.width() < minimum.width() || newFrame.height() < minimum.height())
         return false;
+    // The panes get the room a zoom gains, the preview keeps its height.
     m_isZoom = true;
-    m_view.setSplitUpperSideToMinimum();
     setDividersLocked(true);
     return true;
 }

@@ -1,5 +1,7 @@
 #include "core/app/BLPlistCtrl.h"
 
+#include <algorithm>
+
 #include "core/common/BLCommon.h"
 
 #include <QDir>
@@ -272,8 +274,10 @@ QVariantMap BLPlistCtrl::newFileDictionary() const
     d.insert(QStringLiteral("CACHE_LIFE_TIME"), qint64(30));
     for (const TextDefault& t : kTuningDefaults)
         d.insert(QString::fromLatin1(t.key), QString::fromLatin1(t.value));
-    d.insert(QStringLiteral("VIEWER_LOG_FILE_PATH"), QDir(logsAppFolder()).filePath(QStringLiteral("Viewer.log")));
-    d.insert(QStringLiteral("MPEG2TS_LOG_FILE_PATH"), QDir(logsAppFolder()).filePath(QStringLiteral("Export.log")));
+    d.insert(QStringLiteral("VIEWER_LOG_FILE_PATH"),
+             QDir(logsAppFolder()).filePath(QStringLiteral("Viewer.log")));
+    d.insert(QStringLiteral("MPEG2TS_LOG_FILE_PATH"),
+             QDir(logsAppFolder()).filePath(QStringLiteral("Export.log")));
     return d;
 }
 
@@ -349,12 +353,27 @@ QString BLPlistCtrl::stringValue(const QString& key, const QString& missing) con
     return string(key).value_or(missing);
 }
 
-QString BLPlistCtrl::getLogFlag() const { return stringValue(QStringLiteral("LOG_FLAG"), QStringLiteral("OFF")); }
+QString BLPlistCtrl::getLogFlag() const
+{
+    return stringValue(QStringLiteral("LOG_FLAG"), QStringLiteral("OFF"));
+}
 
-double BLPlistCtrl::getMainWindowWidth() const { return floatValue(QStringLiteral("MAIN_WIN_WIDTH"), 1024.0); }
-void BLPlistCtrl::setMainWindowWidth(double value) { setFloatObject(value, QStringLiteral("MAIN_WIN_WIDTH")); }
-double BLPlistCtrl::getMainWindowHeight() const { return floatValue(QStringLiteral("MAIN_WIN_HEIGHT"), 768.0); }
-void BLPlistCtrl::setMainWindowHeight(double value) { setFloatObject(value, QStringLiteral("MAIN_WIN_HEIGHT")); }
+double BLPlistCtrl::getMainWindowWidth() const
+{
+    return floatValue(QStringLiteral("MAIN_WIN_WIDTH"), 1024.0);
+}
+void BLPlistCtrl::setMainWindowWidth(double value)
+{
+    setFloatObject(value, QStringLiteral("MAIN_WIN_WIDTH"));
+}
+double BLPlistCtrl::getMainWindowHeight() const
+{
+    return floatValue(QStringLiteral("MAIN_WIN_HEIGHT"), 768.0);
+}
+void BLPlistCtrl::setMainWindowHeight(double value)
+{
+    setFloatObject(value, QStringLiteral("MAIN_WIN_HEIGHT"));
+}
 
 bool BLPlistCtrl::getMainWindowX(double* x) const
 {
@@ -363,7 +382,10 @@ bool BLPlistCtrl::getMainWindowX(double* x) const
         *x = *v;
     return v.has_value();
 }
-void BLPlistCtrl::setMainWindowX(double value) { setFloatObject(value, QStringLiteral("MAIN_WIN_X")); }
+void BLPlistCtrl::setMainWindowX(double value)
+{
+    setFloatObject(value, QStringLiteral("MAIN_WIN_X"));
+}
 
 bool BLPlistCtrl::getMainWindowY(double* y) const
 {
@@ -372,14 +394,20 @@ bool BLPlistCtrl::getMainWindowY(double* y) const
         *y = *v;
     return v.has_value();
 }
-void BLPlistCtrl::setMainWindowY(double value) { setFloatObject(value, QStringLiteral("MAIN_WIN_Y")); }
+void BLPlistCtrl::setMainWindowY(double value)
+{
+    setFloatObject(value, QStringLiteral("MAIN_WIN_Y"));
+}
 
 QString BLPlistCtrl::getWorkFolderPathByMain() const
 {
     const std::optional<QString> v = string(QStringLiteral("WORK_FOLDER"));
     return v ? *v : moviesFolder();
 }
-void BLPlistCtrl::setWorkFolderPathByMain(const QString& path) { setStringObject(path, QStringLiteral("WORK_FOLDER")); }
+void BLPlistCtrl::setWorkFolderPathByMain(const QString& path)
+{
+    setStringObject(path, QStringLiteral("WORK_FOLDER"));
+}
 QString BLPlistCtrl::getWorkFolderPathBySub1() const
 {
     const std::optional<QString> v = string(QStringLiteral("WORK_FOLDER_SUB1"));
@@ -405,37 +433,105 @@ void BLPlistCtrl::setSelectFolderPathBySub1(const QString& path)
 {
     setStringObject(path, QStringLiteral("SELECT_FOLDER_SUB1"));
 }
-QString BLPlistCtrl::getCopyFolder() const { return stringValue(QStringLiteral("COPY_FOLDER"), QString()); }
-void BLPlistCtrl::setCopyFolderPath(const QString& path) { setStringObject(path, QStringLiteral("COPY_FOLDER")); }
+QString BLPlistCtrl::getCopyFolder() const
+{
+    return stringValue(QStringLiteral("COPY_FOLDER"), QString());
+}
+void BLPlistCtrl::setCopyFolderPath(const QString& path)
+{
+    setStringObject(path, QStringLiteral("COPY_FOLDER"));
+}
 QString BLPlistCtrl::getExportFolder() const
 {
     const std::optional<QString> v = string(QStringLiteral("EXPORT_FOLDER"));
     return v ? *v : moviesFolder();
 }
-void BLPlistCtrl::setExportFolderPath(const QString& path) { setStringObject(path, QStringLiteral("EXPORT_FOLDER")); }
+void BLPlistCtrl::setExportFolderPath(const QString& path)
+{
+    setStringObject(path, QStringLiteral("EXPORT_FOLDER"));
+}
 
-int BLPlistCtrl::getDateFormat() const { return intValue(QStringLiteral("DATE_FORMAT"), 0); }
-void BLPlistCtrl::setDateFormat(int value) { setIntegerObject(value, QStringLiteral("DATE_FORMAT")); }
+int BLPlistCtrl::getDateFormat() const
+{
+    return intValue(QStringLiteral("DATE_FORMAT"), 0);
+}
+void BLPlistCtrl::setDateFormat(int value)
+{
+    setIntegerObject(value, QStringLiteral("DATE_FORMAT"));
+}
 QString BLPlistCtrl::getDatePauseChar() const
 {
     return stringValue(QStringLiteral("DATE_PAUSE_CHAR"), QStringLiteral("/"));
 }
-void BLPlistCtrl::setDatePauseChar(const QString& value) { setStringObject(value, QStringLiteral("DATE_PAUSE_CHAR")); }
-int BLPlistCtrl::getLowResolution() const { return intValue(QStringLiteral("LOW_RESOLUTION"), 0); }
-void BLPlistCtrl::setLowResolution(int value) { setIntegerObject(value, QStringLiteral("LOW_RESOLUTION")); }
+void BLPlistCtrl::setDatePauseChar(const QString& value)
+{
+    setStringObject(value, QStringLiteral("DATE_PAUSE_CHAR"));
+}
+int BLPlistCtrl::getLowResolution() const
+{
+    return intValue(QStringLiteral("LOW_RESOLUTION"), 0);
+}
+void BLPlistCtrl::setLowResolution(int value)
+{
+    setIntegerObject(value, QStringLiteral("LOW_RESOLUTION"));
+}
 
-int BLPlistCtrl::getSystemDiskMax() const { return intValue(QStringLiteral("SYSTEM_DISK_MAX"), 0); }
-int BLPlistCtrl::getLocalDiskMax() const { return intValue(QStringLiteral("LOCAL_DISK_MAX"), 0); }
-double BLPlistCtrl::getFolderCapacity() const { return floatValue(QStringLiteral("FOLDER_CAPACITY"), 4200.0); }
-int BLPlistCtrl::getCacheLifeTime() const { return intValue(QStringLiteral("CACHE_LIFE_TIME"), 30); }
-int BLPlistCtrl::getSequentialNo() const { return intValue(QStringLiteral("SEQUENTIAL_NO"), 0); }
+int BLPlistCtrl::getSortMode(int pane) const
+{
+    return std::clamp(intValue(pane == 0 ? QStringLiteral("SORT_MODE") : QStringLiteral("SORT_MODE_SUB1"), 0),
+                      0, 3);
+}
+void BLPlistCtrl::setSortMode(int pane, int mode)
+{
+    setIntegerObject(mode, pane == 0 ? QStringLiteral("SORT_MODE") : QStringLiteral("SORT_MODE_SUB1"));
+}
+QByteArray BLPlistCtrl::getLayoutState(const QString& name) const
+{
+    return QByteArray::fromBase64(stringValue(QStringLiteral("LAYOUT_") + name, QString()).toLatin1());
+}
+void BLPlistCtrl::setLayoutState(const QString& name, const QByteArray& state)
+{
+    setStringObject(QString::fromLatin1(state.toBase64()), QStringLiteral("LAYOUT_") + name);
+}
+bool BLPlistCtrl::getShowPreview() const
+{
+    return intValue(QStringLiteral("SHOW_PREVIEW"), 1) != 0;
+}
+void BLPlistCtrl::setShowPreview(bool show)
+{
+    setIntegerObject(show ? 1 : 0, QStringLiteral("SHOW_PREVIEW"));
+}
+
+int BLPlistCtrl::getSystemDiskMax() const
+{
+    return intValue(QStringLiteral("SYSTEM_DISK_MAX"), 0);
+}
+int BLPlistCtrl::getLocalDiskMax() const
+{
+    return intValue(QStringLiteral("LOCAL_DISK_MAX"), 0);
+}
+double BLPlistCtrl::getFolderCapacity() const
+{
+    return floatValue(QStringLiteral("FOLDER_CAPACITY"), 4200.0);
+}
+int BLPlistCtrl::getCacheLifeTime() const
+{
+    return intValue(QStringLiteral("CACHE_LIFE_TIME"), 30);
+}
+int BLPlistCtrl::getSequentialNo() const
+{
+    return intValue(QStringLiteral("SEQUENTIAL_NO"), 0);
+}
 void BLPlistCtrl::setSequentialNo(int value)
 {
     setIntegerObject(value == 9999 ? 0 : value, QStringLiteral("SEQUENTIAL_NO"));
 }
 
-#define CW_TUNING_GETTER(fn, key) \
-    QString BLPlistCtrl::fn() const { return stringValue(QStringLiteral(key), tuningDefault(key)); }
+#define CW_TUNING_GETTER(fn, key)                                                                            \
+    QString BLPlistCtrl::fn() const                                                                          \
+    {                                                                                                        \
+        return stringValue(QStringLiteral(key), tuningDefault(key));                                         \
+    }
 
 CW_TUNING_GETTER(getViewerLogLevel, "VIEWER_LOG_LEVEL")
 CW_TUNING_GETTER(getViewerLogFileSize, "VIEWER_LOG_FILE_SIZE")

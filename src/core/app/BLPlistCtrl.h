@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
@@ -53,6 +54,16 @@ public:
     void setDatePauseChar(const QString& value);
     int getLowResolution() const;
     void setLowResolution(int value);
+
+    // The window's layout: each pane's sort order (pane 0 Main, 1 Sub1), a
+    // splitter's saved state by name (empty when none is kept), and whether
+    // the preview is shown.
+    int getSortMode(int pane) const;
+    void setSortMode(int pane, int mode);
+    QByteArray getLayoutState(const QString& name) const;
+    void setLayoutState(const QString& name, const QByteArray& state);
+    bool getShowPreview() const;
+    void setShowPreview(bool show);
 
     int getSystemDiskMax() const;
     int getLocalDiskMax() const;

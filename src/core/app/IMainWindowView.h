@@ -23,10 +23,11 @@ public:
     // a modal dialog, is in front of it).
     virtual bool isKeyWindow() const = 0;
 
-    // The split between the pane area (upper side) and the preview area.
-    virtual void setSplitUpperSideToMinimum() = 0;
-    // While locked, a change of the window size keeps the upper side's height
-    // and the dividers cannot be dragged.
+    // The split between the pane area (upper side) and the preview area:
+    // by default the panes have two thirds of it, for browsing.
+    virtual void setSplitToDefault() = 0;
+    // While locked, a change of the window size keeps the preview's height
+    // (the panes get what is gained or lost) and the dividers cannot be dragged.
     virtual void setDividersLocked(bool locked) = 0;
 
     // The view in the preview container that the preview controller drives;

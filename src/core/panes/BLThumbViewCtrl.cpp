@@ -1,5 +1,7 @@
 #include "core/panes/BLThumbViewCtrl.h"
 
+#include "core/app/BLPlistCtrl.h"
+
 #include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
@@ -115,7 +117,8 @@ const QList<BLThumbViewCtrl::MenuItem>& BLThumbViewCtrl::menuItems()
 
 BLThumbViewCtrl::BLThumbViewCtrl(BLMediaInfoCtrl& mediaInfoCtrl, QObject* parent)
     : QAbstractListModel(parent), m_mediaInfoCtrl(mediaInfoCtrl),
-      m_selectionModel(new QItemSelectionModel(this, this))
+      m_selectionModel(new QItemSelectionModel(this, this)),
+      m_sortMode(BLPlistCtrl::sharedCtrl()->getSortMode(mediaInfoCtrl.getMediaInfoType()))
 {
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     const auto observe = [this, center](const QString& name,
@@ -288,6 +291,8 @@ void BLThumbViewCtrl::sortItem(int mode, bool needRefresh)
     }
     if (mode == m_sortMode && !needRefresh)
         return;
+    if (mode != m_sortMode)
+        BLPlistCtrl::sharedCtrl()->setSortMode(m_mediaInfoCtrl.getMediaInfoType(), mode);
     m_sortMode = mode;
     BLLogCtrl::debug(kSortProcessId, QStringLiteral("[BLThumbViewCtrl sortItem](%1) sort mode:%2")
                                          .arg(m_mediaInfoCtrl.getMediaInfoTypeString(),

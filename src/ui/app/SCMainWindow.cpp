@@ -2,6 +2,9 @@
 
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLMainWindowCtrl.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/common/BLCommon.h"
+#include "core/common/SCNotificationNames.h"
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
@@ -28,27 +31,28 @@ SCMainWindow::SCMainWindow(QWidget* parent)
       m_mediaInfoFrame2(new SCFrameView), m_mediaInfoView1(m_mediaInfoFrame1->contentView()),
       m_mediaInfoView2(m_mediaInfoFrame2->contentView()), m_previewFrame(new SCFrameView),
       m_previewView(m_previewFrame->contentView()), m_preview(new SCPreviewView(m_previewView)),
-      m_splitView(new QSplitter(Qt::Vertical))
+      m_splitView(new QSplitter(Qt::Vertical)), m_paneSplitView(new QSplitter(Qt::Horizontal))
 {
     setWindowTitle(QStringLiteral("Clipwright"));
     setMinimumSize(kMinimumWidth, kMinimumHeight);
 
-    auto* paneArea = new QWidget;
-    auto* paneLayout = new QHBoxLayout(paneArea);
-    paneLayout->setContentsMargins(0, 0, 0, 0);
-    paneLayout->setSpacing(4);
-    paneLayout->addWidget(m_mediaInfoFrame1);
-    paneLayout->addWidget(m_mediaInfoFrame2);
-    paneArea->setMinimumHeight(kPaneAreaMinimumHeight);
+    m_paneSplitView->addWidget(m_mediaInfoFrame1);
+    m_paneSplitView->addWidget(m_mediaInfoFrame2);
+    m_paneSplitView->setChildrenCollapsible(false);
+    m_paneSplitView->setMinimumHeight(kPaneAreaMinimumHeight);
     m_previewFrame->setMinimumHeight(kPreviewMinimumHeight);
     auto* previewLayout = new QHBoxLayout(m_previewView);
     previewLayout->setContentsMargins(0, 0, 0, 0);
     previewLayout->addWidget(m_preview);
 
-    m_splitView->addWidget(paneArea);
+    // Made for browsing: a change of the window's height goes to the panes.
+    m_splitView->addWidget(m_paneSplitView);
     m_splitView->addWidget(m_previewFrame);
     m_splitView->setChildrenCollapsible(false);
-    m_splitView->setSizes({3, 2});
+    m_splitView->setStretchFactor(0, 1);
+    m_splitView->setStretchFactor(1, 0);
+    setSplitToDefault();
+    connect(m_splitView, &QSplitter::splitterMoved, this, [this] { m_splitToDefault = false; });
     auto* central = new QWidget;
     auto* centralLayout = new QHBoxLayout(central);
     centralLayout->setContentsMargins(4, 2, 4, 4);
@@ -101,6 +105,11 @@ void SCMainWindow::createMenus()
                                      std::pair{"Sort by D&ate", MENU_ITEM_ID_SORT_DATE}})
         addPaneAction(m_viewMenu, title, tag)->setCheckable(true);
     m_viewMenu->addSeparator();
+    m_showPreviewAction = m_viewMenu->addAction(QStringLiteral("Show &Preview"));
+    m_showPreviewAction->setCheckable(true);
+    m_showPreviewAction->setChecked(BLPlistCtrl::sharedCtrl()->getShowPreview());
+    m_previewFrame->setVisible(m_showPreviewAction->isChecked());
+    connect(m_showPreviewAction, &QAction::toggled, this, &SCMainWindow::showPreview);
     m_resetWindowSizeAction = m_viewMenu->addAction(QStringLiteral("&Reset Window Size"));
     m_resetWindowSizeAction->setData(MENU_ITEM_ID_RESET_WINDOW_SIZE);
     connect(m_resetWindowSizeAction, &QAction::triggered, this, [this] {
@@ -209,9 +218,47 @@ void SCMainWindow::installPaneViews()
         m_paneViews[index] = new SCMediaInfoView(pane, container);
         layout->addWidget(m_paneViews[index]);
     }
+    restoreLayout();
     // The menus start on the Main pane's grid.
     if (m_paneViews[0])
         m_paneViews[0]->thumbView()->setFocus(Qt::OtherFocusReason);
+}
+
+QList<std::pair<QString, QSplitter*>> SCMainWindow::layoutSplitters() const
+{
+    QList<std::pair<QString, QSplitter*>> splitters{{QStringLiteral("SPLIT"), m_splitView},
+                                                    {QStringLiteral("PANES"), m_paneSplitView}};
+    for (int index : {0, 1})
+        if (m_paneViews[index])
+            splitters.append({index == 0 ? QStringLiteral("PANE_MAIN") : QStringLiteral("PANE_SUB1"),
+                              m_paneViews[index]->splitView()});
+    return splitters;
+}
+
+void SCMainWindow::restoreLayout()
+{
+    for (const auto& [name, splitter] : layoutSplitters()) {
+        const QByteArray state = BLPlistCtrl::sharedCtrl()->getLayoutState(name);
+        if (!state.isEmpty() && splitter->restoreState(state) && splitter == m_splitView)
+            m_splitToDefault = false;
+    }
+    // The preview's visibility is its own setting, not the splitter's.
+    m_previewFrame->setVisible(m_showPreviewAction->isChecked());
+}
+
+void SCMainWindow::saveLayout() const
+{
+    for (const auto& [name, splitter] : layoutSplitters())
+        BLPlistCtrl::sharedCtrl()->setLayoutState(name, splitter->saveState());
+}
+
+void SCMainWindow::showPreview(bool show)
+{
+    // A hidden preview plays nothing.
+    if (!show)
+        BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCMovieStopNotification);
+    m_previewFrame->setVisible(show);
+    BLPlistCtrl::sharedCtrl()->setShowPreview(show);
 }
 
 SCMediaInfoView* SCMainWindow::mediaInfoView(int index) const
@@ -318,19 +365,37 @@ bool SCMainWindow::isKeyWindow() const
     return QApplication::activeWindow() == this;
 }
 
-void SCMainWindow::setSplitUpperSideToMinimum()
+void SCMainWindow::setSplitToDefault()
+{
+    // A window being shown or resized gets its size later: the split is made
+    // once the splitter has been laid out to its height.
+    m_splitToDefault = true;
+    applyDefaultSplit();
+}
+
+void SCMainWindow::applyDefaultSplit()
 {
     const QList<int> sizes = m_splitView->sizes();
     const int total = sizes.value(0) + sizes.value(1);
-    const int upper = m_splitView->widget(0)->minimumHeight();
-    m_splitView->setSizes({upper, std::max(total - upper, kPreviewMinimumHeight)});
+    const bool laidOut =
+        isVisible() && total > 0 && total + m_splitView->handleWidth() == m_splitView->height();
+    if (!m_splitToDefault || !laidOut)
+        return;
+    m_splitToDefault = false;
+    m_splitView->setSizes({total * 2 / 3, total - total * 2 / 3});
+}
+
+void SCMainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    applyDefaultSplit();
 }
 
 void SCMainWindow::setDividersLocked(bool locked)
 {
     m_dividersLocked = locked;
     if (locked)
-        m_lockedUpperHeight = m_splitView->sizes().value(0);
+        m_lockedLowerHeight = m_splitView->sizes().value(1);
     m_splitView->handle(1)->setEnabled(!locked);
 }
 
@@ -361,6 +426,7 @@ void SCMainWindow::closeEvent(QCloseEvent* event)
         return;
     m_closed = true;
     BLLogCtrl::debug(0, QStringLiteral("[SCMainWindow windowShouldClose] return:TRUE"));
+    saveLayout();
     if (m_ctrl)
         m_ctrl->windowWillCloseNotification();
     emit windowClosed();
@@ -369,11 +435,13 @@ void SCMainWindow::closeEvent(QCloseEvent* event)
 void SCMainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
-    if (m_dividersLocked) {
+    if (m_splitToDefault) {
+        applyDefaultSplit();
+    } else if (m_dividersLocked && m_previewFrame->isVisible()) {
         // The layout has already given the split view its new height.
         const QList<int> sizes = m_splitView->sizes();
         const int total = sizes.value(0) + sizes.value(1);
-        m_splitView->setSizes({m_lockedUpperHeight, total - m_lockedUpperHeight});
+        m_splitView->setSizes({total - m_lockedLowerHeight, m_lockedLowerHeight});
     }
     if (!m_ctrl)
         return;

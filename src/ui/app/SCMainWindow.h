@@ -14,9 +14,11 @@ class SCMediaInfoView;
 class SCPreviewView;
 
 // The main window: a vertical split between the pane area (the "Main" and
-// "Sub1" pane containers side by side) and the preview container, each in a
-// decorated frame; the housekeeping sheet; and the menu bar. It reports its
-// window events to its controller and does what the controller asks.
+// "Sub1" pane containers side by side in a split of their own) and the
+// preview container, each in a decorated frame; the housekeeping sheet; and
+// the menu bar. The splitters' positions and whether the preview is shown are
+// kept in the settings. It reports its window events to its controller and
+// does what the controller asks.
 class SCMainWindow : public QMainWindow, public IMainWindowView
 {
     Q_OBJECT
@@ -45,6 +47,8 @@ public:
     // The preview area inside the preview container.
     SCPreviewView* previewWidget() const { return m_preview; }
     QSplitter* splitView() const { return m_splitView; }
+    // The split between the Main and the Sub1 pane.
+    QSplitter* paneSplitView() const { return m_paneSplitView; }
     HouseKeepingSheet* houseKeepingSheet() const { return m_hkWindow; }
     bool dividersLocked() const { return m_dividersLocked; }
 
@@ -58,6 +62,7 @@ public:
     QAction* quitAction() const { return m_quitAction; }
     QAction* preferencesAction() const { return m_preferencesAction; }
     QAction* resetWindowSizeAction() const { return m_resetWindowSizeAction; }
+    QAction* showPreviewAction() const { return m_showPreviewAction; }
     QAction* aboutAction() const { return m_aboutAction; }
     // Enables the menu items that are available now (run before a menu opens).
     void validateMenuItems();
@@ -72,7 +77,7 @@ public:
     QSizeF minimumWindowSize() const override;
     bool isWindowVisible() const override;
     bool isKeyWindow() const override;
-    void setSplitUpperSideToMinimum() override;
+    void setSplitToDefault() override;
     void setDividersLocked(bool locked) override;
     IPreviewView* previewView() override;
     bool isHouseKeepingSheetVisible() const override;
@@ -86,6 +91,7 @@ signals:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -99,6 +105,14 @@ private:
     // starts (its child widgets change the focus as they go).
     QMetaObject::Connection m_focusConnection;
     void zoomStateChanged(Qt::WindowStates oldState);
+    // The splitters whose positions the settings keep, by name.
+    QList<std::pair<QString, QSplitter*>> layoutSplitters() const;
+    void restoreLayout();
+    // Gives the panes two thirds of the split once the splitter is laid out.
+    void applyDefaultSplit();
+    void saveLayout() const;
+    // View > Show Preview; hiding it stops what it plays.
+    void showPreview(bool show);
     QRectF maximizedFrame() const;
 
     BLMainWindowCtrl* m_ctrl = nullptr;
@@ -111,6 +125,7 @@ private:
     QWidget* m_previewView;
     SCPreviewView* m_preview;
     QSplitter* m_splitView;
+    QSplitter* m_paneSplitView;
 
     QMenu* m_fileMenu = nullptr;
     QMenu* m_editMenu = nullptr;
@@ -125,10 +140,12 @@ private:
     QAction* m_quitAction = nullptr;
     QAction* m_preferencesAction = nullptr;
     QAction* m_resetWindowSizeAction = nullptr;
+    QAction* m_showPreviewAction = nullptr;
     QAction* m_aboutAction = nullptr;
 
     bool m_dividersLocked = false;
-    int m_lockedUpperHeight = 0;
+    int m_lockedLowerHeight = 0;
+    bool m_splitToDefault = false; // the default split waits for the splitter's layout
     bool m_settingFrame = false;
     bool m_revertingZoom = false;
     bool m_closed = false;

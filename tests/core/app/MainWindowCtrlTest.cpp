@@ -49,7 +49,7 @@ public:
     QSizeF minimumWindowSize() const override { return minimum; }
     bool isWindowVisible() const override { return visible; }
     bool isKeyWindow() const override { return key; }
-    void setSplitUpperSideToMinimum() override { journal << "split minimum"; }
+    void setSplitToDefault() override { journal << "split default"; }
     void setDividersLocked(bool l) override { locked = l; }
     bool isHouseKeepingSheetVisible() const override { return sheetVisible; }
     void showHouseKeepingSheet() override
@@ -167,17 +167,18 @@ TEST_F(MainWindowCtrlTest, ClosingRemovesThumbnailsOlderThanTheCacheLifeTime)
 
     // The cache serves requests until the window closes, then no more.
     int delivered = 0;
-    SCNotificationCenter::defaultCenter()->addObserver(
-        this, SC::SCCacheImageDidGetNotification, [&](const SCNotification&) { ++delivered; });
+    SCNotificationCenter::defaultCenter()->addObserver(this, SC::SCCacheImageDidGetNotification,
+                                                       [&](const SCNotification&) { ++delivered; });
     const auto requestPicture = [](qint64 keyFrame) {
         DOTakeData unusable; // no essence: answered with the error picture
         unusable.setUmid(QString(64, 'A'));
         unusable.setTakeStatus(5);
         unusable.setKeyFrame(keyFrame);
-        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCCacheImageRequestNotification,
-                                                    {{SC::SCCacheRMediaInfoKey, 0},
-                                                     {SC::SCCacheRSelectFolderKey, QString("/nowhere")},
-                                                     {SC::SCCacheRTakeDataKey, QVariant::fromValue(unusable)}});
+        BLCommon::sharedCtrl()->sendNotificationNow(
+            nullptr, SC::SCCacheImageRequestNotification,
+            {{SC::SCCacheRMediaInfoKey, 0},
+             {SC::SCCacheRSelectFolderKey, QString("/nowhere")},
+             {SC::SCCacheRTakeDataKey, QVariant::fromValue(unusable)}});
     };
     requestPicture(1);
     QElapsedTimer clock;
@@ -218,7 +219,7 @@ TEST_F(MainWindowCtrlTest, ResetWindowSizeIsOfferedOnlyToTheVisibleKeyWindow)
     EXPECT_FALSE(enable);
 }
 
-TEST_F(MainWindowCtrlTest, ResetWindowSizeLogsAndCentresTheDefaultSizeWithTheUpperSideAtItsMinimum)
+TEST_F(MainWindowCtrlTest, ResetWindowSizeLogsAndCentresTheDefaultSizeWithTheDefaultSplit)
 {
     cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
                                                 {"MAIN_WIN_WIDTH", 1500.0},
@@ -230,7 +231,7 @@ TEST_F(MainWindowCtrlTest, ResetWindowSizeLogsAndCentresTheDefaultSizeWithTheUpp
     view.journal.clear();
 
     ctrl.selectMenuItem(MENU_ITEM_ID_RESET_WINDOW_SIZE);
-    EXPECT_EQ(view.journal, QStringList({"split minimum", "frame 448,156 1024x768 locked"}));
+    EXPECT_EQ(view.journal, QStringList({"frame 448,156 1024x768 locked", "split default"}));
     EXPECT_FALSE(view.locked);
     EXPECT_TRUE(logMessages(home()).contains(
         "0631:[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
@@ -260,11 +261,11 @@ TEST_F(MainWindowCtrlTest, ResizeAndZoomKeepTheMinimumSize)
     EXPECT_TRUE(view.locked);
     view.locked = false;
 
-    // Accepted: upper side to its minimum, dividers locked until the resize.
+    // Accepted: dividers locked until the resize (the preview keeps its height).
     EXPECT_TRUE(ctrl.windowShouldZoom(QRectF(0, 0, 800, 600)));
     EXPECT_TRUE(ctrl.isZoom());
     EXPECT_TRUE(view.locked);
-    EXPECT_EQ(view.journal, QStringList({"split minimum"}));
+    EXPECT_TRUE(view.journal.isEmpty());
     ctrl.windowDidResize();
     EXPECT_FALSE(ctrl.isZoom());
     EXPECT_FALSE(view.locked);

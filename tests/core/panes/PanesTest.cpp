@@ -70,7 +70,7 @@ public:
     QSizeF minimumWindowSize() const override { return {800, 600}; }
     bool isWindowVisible() const override { return true; }
     bool isKeyWindow() const override { return true; }
-    void setSplitUpperSideToMinimum() override {}
+    void setSplitToDefault() override {}
     void setDividersLocked(bool) override {}
     bool isHouseKeepingSheetVisible() const override { return false; }
     void showHouseKeepingSheet() override {}

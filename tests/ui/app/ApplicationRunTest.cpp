@@ -88,7 +88,8 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         environment.insert("XDG_DATA_HOME", home.filePath(".local/share"));
         const QString runtime = home.filePath(".runtime");
         QDir().mkpath(runtime);
-        QFile::setPermissions(runtime, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QFile::setPermissions(runtime,
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         environment.insert("XDG_RUNTIME_DIR", runtime);
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         QProcess process;
@@ -114,14 +115,16 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         EXPECT_GT(log.indexOf("0000:[BLApplication applicationWillTerminate]"),
                   log.indexOf("0000:[BLMainWindowCtrl windowWillCloseNotification]"));
 
-        // The frame is saved once: one save per frame key, besides the one
-        // save of each pane's first selected folder at start.
+        // The frame and the layout are saved once: one save per frame key
+        // and per splitter, besides the one save of each pane's first
+        // selected folder at start.
         const auto settings = BLPlistCtrl::readPlistFile(config + "/Clipwright/Clipwright.plist");
         ASSERT_TRUE(settings.has_value());
         EXPECT_TRUE(settings->contains("MAIN_WIN_X"));
         EXPECT_TRUE(settings->contains("MAIN_WIN_Y"));
         EXPECT_EQ(settings->value("MAIN_WIN_WIDTH").toDouble(), 1024.0);
         EXPECT_EQ(settings->value("MAIN_WIN_HEIGHT").toDouble(), 768.0);
-        EXPECT_EQ(saves.count(), 4 + 2);
+        EXPECT_TRUE(settings->contains("LAYOUT_SPLIT"));
+        EXPECT_EQ(saves.count(), 4 + 4 + 2);
     }
 }

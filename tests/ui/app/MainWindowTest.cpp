@@ -144,7 +144,7 @@ TEST_F(MainWindowTest, ResetWindowSizeIsDisabledWhileAModalDialogIsInFront)
     EXPECT_TRUE(window->aboutAction()->isEnabled());
 }
 
-TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeWithTheUpperSideAtItsMinimum)
+TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeAndSplit)
 {
     cwtest::writeSettings(
         home().configHome(),
@@ -159,7 +159,8 @@ TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeWithTheUpperSideAtIt
     // its frame margins, so x is allowed that much.
     EXPECT_NEAR(window->pos().x(), screen().x() + (screen().width() - 1024) / 2, 4);
     EXPECT_EQ(window->pos().y(), screen().y() + (screen().height() - 768) / 2);
-    EXPECT_EQ(upperSide(), SCMainWindow::kPaneAreaMinimumHeight);
+    // The panes have two thirds of the split.
+    EXPECT_NEAR(upperSide(), 2 * window->splitView()->sizes().value(1), 3);
     EXPECT_FALSE(window->dividersLocked());
     EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
 }
@@ -168,12 +169,15 @@ TEST_F(MainWindowTest, AnAcceptedZoomEndsWithUnlockedDividers)
 {
     start();
     window->setMinimumSize(400, 400);
+    const QList<int> before = window->splitView()->sizes();
     window->showMaximized();
     ASSERT_TRUE(waitFor([&] { return window->isMaximized() && !ctrl->isZoom(); }));
     settle();
     EXPECT_FALSE(window->dividersLocked());
     EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
-    EXPECT_EQ(upperSide(), SCMainWindow::kPaneAreaMinimumHeight);
+    // The room gained goes to the panes; the preview keeps its height.
+    EXPECT_EQ(window->splitView()->sizes().value(1), before.value(1));
+    EXPECT_GT(upperSide(), before.value(0));
 
     window->showNormal(); // zooming back is a zoom as well
     ASSERT_TRUE(waitFor([&] { return !window->isMaximized() && !ctrl->isZoom(); }));

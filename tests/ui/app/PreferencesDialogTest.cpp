@@ -38,9 +38,9 @@ protected:
     void SetUp() override
     {
         HomeTest::SetUp();
-        cwtest::writeSettings(home().configHome(), {{"DATE_FORMAT", qint64(2)},
-                                                    {"DATE_PAUSE_CHAR", "-"},
-                                                    {"LOW_RESOLUTION", qint64(2)}});
+        cwtest::writeSettings(
+            home().configHome(),
+            {{"DATE_FORMAT", qint64(2)}, {"DATE_PAUSE_CHAR", "-"}, {"LOW_RESOLUTION", qint64(2)}});
         dialog = std::make_unique<PreferencesDialog>();
         ctrl = std::make_unique<BLPreferencesCtrl>(*dialog);
         dialog->setController(ctrl.get());

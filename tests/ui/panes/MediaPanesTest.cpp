@@ -131,6 +131,13 @@ protected:
                                                     {"MAIN_WIN_WIDTH", 1280.0},
                                                     {"MAIN_WIN_HEIGHT", 820.0},
                                                     {"LOG_FLAG", "DEBUG"}});
+        open();
+        EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
+    }
+
+    // The main window as the application opens it, both grids loaded.
+    void open()
+    {
         window = std::make_unique<SCMainWindow>();
         ctrl = std::make_unique<BLMainWindowCtrl>(*window);
         window->setController(ctrl.get());
@@ -142,7 +149,15 @@ protected:
         ctrl->initializeCtrl();
         ASSERT_TRUE(
             waitFor([&] { return grid(0)->rowCount() == kMainClips && grid(1)->rowCount() == kSub1Clips; }));
-        EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
+    }
+    // Closes the window and opens it again on the settings it saved.
+    void restart()
+    {
+        window->close();
+        window.reset();
+        ctrl.reset();
+        cwtest::releaseSingletons();
+        open();
     }
 
     void TearDown() override
@@ -312,7 +327,8 @@ TEST_F(MediaPanesTest, MenusContextMenuAndToolButtonsFollowTheControllers)
             for (QAction* action : menu->actions()) {
                 const int tag = action->data().toInt();
                 if (action->isSeparator() || tag == MENU_ITEM_ID_RESET_WINDOW_SIZE ||
-                    action == window->quitAction() || action == window->preferencesAction())
+                    action == window->quitAction() || action == window->preferencesAction() ||
+                    action == window->showPreviewAction())
                     continue;
                 bool enable = false;
                 mainPane->isSupportMenuItemToThumbView(tag, &enable, nullptr);
@@ -426,6 +442,43 @@ TEST_F(MediaPanesTest, MenusClosedWithEscapeKeepTheirCommands)
         EXPECT_TRUE(waitFor([&] { return plays.count == 1; }, 2000));
         focusPane(0);
     }
+}
+
+// Made for browsing: the panes have two thirds of the height at first; the
+// splitters, each pane's sort order and a hidden preview survive a restart.
+TEST_F(MediaPanesTest, TheLayoutIsMadeForBrowsingAndKeptAcrossARestart)
+{
+    const QList<int> first = window->splitView()->sizes();
+    EXPECT_NEAR(first.value(0), 2 * first.value(1), 3);
+    EXPECT_TRUE(window->previewContainer()->isVisibleTo(window.get()));
+    EXPECT_TRUE(window->showPreviewAction()->isChecked());
+
+    window->splitView()->setSizes({first.value(0) - 60, first.value(1) + 60});
+    window->paneSplitView()->setSizes({500, 700});
+    pane(0)->splitView()->setSizes({150, 300});
+    const QList<int> split = window->splitView()->sizes();
+    const QList<int> panes = window->paneSplitView()->sizes();
+    const QList<int> list = pane(0)->splitView()->sizes();
+    focusPane(1);
+    actionOf(window->viewMenu(), MENU_ITEM_ID_SORT_DURATION)->trigger();
+    ASSERT_EQ(grid(1)->getSortMode(), BLThumbViewCtrl::kSortDuration);
+
+    restart();
+    EXPECT_EQ(window->splitView()->sizes(), split);
+    EXPECT_EQ(window->paneSplitView()->sizes(), panes);
+    EXPECT_EQ(pane(0)->splitView()->sizes(), list);
+    EXPECT_EQ(grid(0)->getSortMode(), BLThumbViewCtrl::kSortTitle);
+    EXPECT_EQ(grid(1)->getSortMode(), BLThumbViewCtrl::kSortDuration);
+
+    // Hidden, the preview stops and stays hidden at the next start.
+    NotificationCounter stops(SC::SCMovieStopNotification);
+    window->showPreviewAction()->trigger();
+    EXPECT_FALSE(window->previewContainer()->isVisibleTo(window.get()));
+    EXPECT_EQ(stops.count, 1);
+    restart();
+    EXPECT_FALSE(window->showPreviewAction()->isChecked());
+    EXPECT_FALSE(window->previewContainer()->isVisibleTo(window.get()));
+    EXPECT_EQ(window->paneSplitView()->sizes(), panes);
 }
 
 TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
