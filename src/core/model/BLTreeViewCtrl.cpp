@@ -121,6 +121,11 @@ BLTreeViewCtrl::BLTreeViewCtrl(const MediaInfo& mediaInfo, const void* paneSende
     observe(SC::SCFolderNameDidChangeNotification, &BLTreeViewCtrl::folderNameDidChangeNotification);
     observe(SC::SCFolderDidDeleteNotification, &BLTreeViewCtrl::folderDidDeleteNotification);
     BLVolumeWatcher::sharedWatcher(); // the source of the mount and unmount notifications
+
+    m_diskChange.setSingleShot(true);
+    m_diskChange.setInterval(200);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_diskChange, qOverload<>(&QTimer::start));
+    connect(&m_diskChange, &QTimer::timeout, this, &BLTreeViewCtrl::workFolderDidChangeOnDisk);
 }
 
 BLTreeViewCtrl::~BLTreeViewCtrl()
@@ -208,7 +213,24 @@ void BLTreeViewCtrl::updateData(bool keepSelect)
     m_doTreeViewNotification = true;
     if (selected < 0)
         selectTreeIndex(0);
+
+    const QString workFolder = m_mediaInfoCtrl.getWorkFolder();
+    if (!m_watcher.directories().isEmpty())
+        m_watcher.removePaths(m_watcher.directories());
+    if (!workFolder.isEmpty() && BLCommon::isFolder(workFolder))
+        m_watcher.addPath(workFolder);
     BLLogCtrl::debug(kProcessId, QStringLiteral("[BLTreeViewCtrl updateData](%1) End").arg(pane));
+}
+
+void BLTreeViewCtrl::workFolderDidChangeOnDisk()
+{
+    const QString workFolder = m_mediaInfoCtrl.getWorkFolder();
+    if (workFolder.isEmpty())
+        return;
+    if (!BLCommon::isFolder(workFolder))
+        emit workFolderMoveUpRequested();
+    else
+        updateData(true);
 }
 
 void BLTreeViewCtrl::makeTreeView()

@@ -3,7 +3,9 @@
 #include "core/model/DOTreeData.h"
 
 #include <QAbstractListModel>
+#include <QFileSystemWatcher>
 #include <QList>
+#include <QTimer>
 
 class DOTakeData;
 class QItemSelectionModel;
@@ -28,6 +30,7 @@ inline constexpr int MENU_ITEM_ID_SORT_DURATION = 44025;
 inline constexpr int MENU_ITEM_ID_SORT_DATE = 44026;
 inline constexpr int MENU_ITEM_ID_CLIP_SEARCH = 44027;
 inline constexpr int MENU_ITEM_ID_MEDIA_NAME_CHANGE = 44052;
+inline constexpr int MENU_ITEM_ID_REFRESH = 44060;
 
 // The one-level folder list on the left of a pane, as an item model: row 0 is
 // the pane's work folder itself, the other rows its sub-folders (never the
@@ -95,6 +98,8 @@ public:
 
     // Rebuilds the rows from disk; with keepSelect the pane's selected folder
     // stays selected when it is still listed, otherwise row 0 is selected.
+    // The work folder is watched from then on: a folder made, removed or
+    // renamed in it by another program rebuilds the rows the same way.
     void updateData(bool keepSelect);
     // Selects a row (out of range: none); selecting the selected row again
     // hands it to the pane again.
@@ -146,9 +151,14 @@ private:
 
     bool workFonderIsVolumeList() const;
     bool isEnabled(int tag) const;
+    // The work folder changed on disk: the rows follow it, or the pane moves
+    // up when the work folder itself has gone.
+    void workFolderDidChangeOnDisk();
 
     const MediaInfo& m_mediaInfoCtrl;
     QItemSelectionModel* m_selectionModel;
     QList<DOTreeData> m_datas;
     bool m_doTreeViewNotification = true;
+    QFileSystemWatcher m_watcher;
+    QTimer m_diskChange; // a burst of changes (a card being copied in) rebuilds once
 };

@@ -180,7 +180,29 @@ bool BLMediaInfoCtrl::isEnableAllCopyMenuItem() const
 
 bool BLMediaInfoCtrl::isSupportMenuItemToThumbView(int tag, bool* isEnable, bool* isCheck) const
 {
-    return m_thumbViewCtrl->isSupportMenuItem(tag, isEnable, isCheck);
+    return isRefresh(tag, isEnable, isCheck) || m_thumbViewCtrl->isSupportMenuItem(tag, isEnable, isCheck);
+}
+
+bool BLMediaInfoCtrl::isRefresh(int tag, bool* isEnable, bool* isCheck) const
+{
+    if (tag != MENU_ITEM_ID_REFRESH)
+        return false;
+    if (isEnable)
+        *isEnable = !m_selectFolder.isEmpty() || !workFonderIsVolumeList();
+    if (isCheck)
+        *isCheck = false;
+    return true;
+}
+
+void BLMediaInfoCtrl::refresh()
+{
+    BLLogCtrl::debug(kProcessId,
+                     QStringLiteral("[BLMediaInfoCtrl refresh](%1)").arg(getMediaInfoTypeString()));
+    m_treeViewCtrl->updateData(true);
+    // Every pane showing the folder reads it again through housekeeping.
+    if (!m_selectFolder.isEmpty())
+        BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCSelectFolderDataDidUpdateNotification,
+                                                    {{SC::SCDUpdateSelectFolderKey, m_selectFolder}});
 }
 
 // ---- folders ----
@@ -579,6 +601,8 @@ void BLMediaInfoCtrl::showDeletFolder()
 
 bool BLMediaInfoCtrl::isSupportMenuItemToTreeView(int tag, bool* isEnable, bool* isCheck) const
 {
+    if (isRefresh(tag, isEnable, isCheck))
+        return true;
     if (!m_treeViewCtrl->isSupportMenuItem(tag, isEnable, isCheck))
         return false;
     if (isEnable && !isTreeCommandAvailable(tag))
@@ -589,13 +613,20 @@ bool BLMediaInfoCtrl::isSupportMenuItemToTreeView(int tag, bool* isEnable, bool*
 void BLMediaInfoCtrl::selectMenuItemToTreeView(int tag)
 {
     bool enable = false;
-    if (isSupportMenuItemToTreeView(tag, &enable, nullptr) && enable)
+    if (!isSupportMenuItemToTreeView(tag, &enable, nullptr) || !enable)
+        return;
+    if (tag == MENU_ITEM_ID_REFRESH)
+        refresh();
+    else
         m_treeViewCtrl->selectMenuItem(tag);
 }
 
 void BLMediaInfoCtrl::selectMenuItemToThumbView(int tag)
 {
-    m_thumbViewCtrl->selectMenuItem(tag);
+    if (tag == MENU_ITEM_ID_REFRESH)
+        refresh();
+    else
+        m_thumbViewCtrl->selectMenuItem(tag);
 }
 
 void BLMediaInfoCtrl::runTreeCommand(int tag)

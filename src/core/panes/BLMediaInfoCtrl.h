@@ -116,6 +116,9 @@ public:
     void showNewFolder();
     void showChangeFolderName();
     void showDeletFolder();
+    // View > Refresh: the folder list read again, and the selected folder
+    // through housekeeping in every pane that shows it.
+    void refresh();
 
     // ---- menu routing ----
     // The folder list's answer, with commands whose dialog is not available
@@ -125,6 +128,8 @@ public:
     void selectMenuItemToThumbView(int tag);
 
 private:
+    // Refresh is a command of both the folder list and the grid.
+    bool isRefresh(int tag, bool* isEnable, bool* isCheck) const;
     BLMediaInfoCtrl* anotherMediaInfoCtrl() const;
     void storeSelectFolder(const QString& path);
     // A folder command chosen in the folder list.

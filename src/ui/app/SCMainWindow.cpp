@@ -105,6 +105,7 @@ void SCMainWindow::createMenus()
                                      std::pair{"Sort by D&ate", MENU_ITEM_ID_SORT_DATE}})
         addPaneAction(m_viewMenu, title, tag)->setCheckable(true);
     m_viewMenu->addSeparator();
+    addPaneAction(m_viewMenu, "Re&fresh", MENU_ITEM_ID_REFRESH, QKeySequence::Refresh);
     m_showPreviewAction = m_viewMenu->addAction(QStringLiteral("Show &Preview"));
     m_showPreviewAction->setCheckable(true);
     m_showPreviewAction->setChecked(BLPlistCtrl::sharedCtrl()->getShowPreview());

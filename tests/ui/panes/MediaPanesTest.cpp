@@ -1,4 +1,5 @@
 #include "core/app/BLMainWindowCtrl.h"
+#include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/model/BLTreeViewCtrl.h"
@@ -21,6 +22,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
@@ -479,6 +481,36 @@ TEST_F(MediaPanesTest, TheLayoutIsMadeForBrowsingAndKeptAcrossARestart)
     EXPECT_FALSE(window->showPreviewAction()->isChecked());
     EXPECT_FALSE(window->previewContainer()->isVisibleTo(window.get()));
     EXPECT_EQ(window->paneSplitView()->sizes(), panes);
+}
+
+// Folders made and removed by another program appear and go in both panes
+// showing their parent; F5 reads the selected folder again.
+TEST_F(MediaPanesTest, FolderListsFollowTheDiskAndRefreshReloadsTheGrid)
+{
+    const QString parent = QFileInfo(m_main.workFolder()).path();
+    for (int index : {0, 1})
+        pane(index)->ctrl()->setWorkFolder(parent, false);
+    auto listed = [&](int index, const QString& name) {
+        const BLTreeViewCtrl* list = pane(index)->ctrl()->treeViewCtrl();
+        return list->searchIndexByFolderPath(parent + "/" + name) >= 0;
+    };
+    ASSERT_TRUE(listed(0, "card") && listed(1, "card"));
+
+    QElapsedTimer timer;
+    timer.start();
+    ASSERT_TRUE(QDir(parent).mkdir("Day 2"));
+    ASSERT_TRUE(waitFor([&] { return listed(0, "Day 2") && listed(1, "Day 2"); }, 1000));
+    ASSERT_TRUE(QDir(parent).rmdir("Day 2"));
+    ASSERT_TRUE(waitFor([&] { return !listed(0, "Day 2") && !listed(1, "Day 2"); }, 1000));
+    EXPECT_LT(timer.elapsed(), 2000);
+
+    // The card selected again: a clip folder copied in by hand shows on F5.
+    pane(0)->ctrl()->setWorkFolder(m_main.workFolder(), false);
+    ASSERT_TRUE(waitFor([&] { return grid(0)->rowCount() == kMainClips; }));
+    ASSERT_TRUE(BLCommon::copyFile(m_main.bpav() + "/CLPR/MAI0001", m_main.bpav() + "/CLPR/MAI0001 copy"));
+    focusPane(0);
+    QTest::keyClick(thumbView(0), Qt::Key_F5);
+    ASSERT_TRUE(waitFor([&] { return grid(0)->rowCount() == kMainClips + 1; }));
 }
 
 TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
