@@ -4,6 +4,7 @@
 #include "core/app/BLMainWindowCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLDiskCtrl.h"
@@ -428,10 +429,24 @@ void BLMediaInfoCtrl::updateFolderSize()
         m_baseView->setFolderSize(QString());
         return;
     }
+    // The takes shown, and those selected, with their size.
     qint64 total = 0;
     for (const DOTakeData& take : m_arrTakeData)
         total += take.getTakeSize();
-    m_baseView->setFolderSize(BLCommon::convertSizeStr(total, QStringLiteral("#,##0.0"), 3));
+    const int selected = m_thumbViewCtrl->getSelectCount();
+    if (selected == 0) {
+        m_baseView->setFolderSize(BLLocalizedString(QStringLiteral("LOCALIZED_PANE_TAKES"))
+                                      .arg(m_arrTakeData.size())
+                                      .arg(BLCommon::sizeText(total)));
+        return;
+    }
+    qint64 selectedSize = 0;
+    for (const DOTakeData& take : getSelectAllTakeData())
+        selectedSize += take.getTakeSize();
+    m_baseView->setFolderSize(BLLocalizedString(QStringLiteral("LOCALIZED_PANE_TAKES_SELECTED"))
+                                  .arg(selected)
+                                  .arg(m_arrTakeData.size())
+                                  .arg(BLCommon::sizeText(selectedSize)));
 }
 
 void BLMediaInfoCtrl::updateVolumeSize()
@@ -444,10 +459,9 @@ void BLMediaInfoCtrl::updateVolumeSize()
         return;
     }
     const BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
-    const QString format = QStringLiteral("#,##0.0");
     m_baseView->setVolumeSize(
-        QStringLiteral("%1 / %2").arg(BLCommon::convertSizeStr(disk->getUsedSize(path), format, 3),
-                                      BLCommon::convertSizeStr(disk->getDiskSize(path), format, 3)));
+        BLLocalizedString(QStringLiteral("LOCALIZED_PANE_DISK_USE"))
+            .arg(BLCommon::sizeText(disk->getUsedSize(path)), BLCommon::sizeText(disk->getDiskSize(path))));
 }
 
 void BLMediaInfoCtrl::updateSize(const QString& path)

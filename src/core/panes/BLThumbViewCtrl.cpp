@@ -8,6 +8,7 @@
 #include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/model/BLTreeViewCtrl.h"
 #include "core/model/DOTakeData.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
@@ -127,6 +128,8 @@ BLThumbViewCtrl::BLThumbViewCtrl(BLMediaInfoCtrl& mediaInfoCtrl, QObject* parent
             (this->*handler)(notification);
         });
     };
+    connect(m_selectionModel, &QItemSelectionModel::selectionChanged, this,
+            [this] { m_mediaInfoCtrl.updateFolderSize(); });
     observe(SC::SCMainSelectFolderDidChangeNotification, &BLThumbViewCtrl::selectFolderDidChangeNotification);
     observe(SC::SCSub1SelectFolderDidChangeNotification, &BLThumbViewCtrl::selectFolderDidChangeNotification);
     observe(SC::SCSelectFolderDataDidUpdateNotification,
@@ -256,6 +259,20 @@ void BLThumbViewCtrl::selectAllThumbData()
         return;
     m_selectionModel->select(QItemSelection(index(0), index(int(m_thumbArray.size()) - 1)),
                              QItemSelectionModel::ClearAndSelect);
+}
+
+BLThumbViewCtrl::EmptyReason BLThumbViewCtrl::emptyReason() const
+{
+    if (!m_thumbArray.isEmpty() || m_loading)
+        return EmptyReason::NotEmpty;
+    const QString folder = m_mediaInfoCtrl.getSelectFolder();
+    if (folder.isEmpty())
+        return EmptyReason::NoFolder;
+    if (BLCommon::isBPAVFolder(folder))
+        return EmptyReason::NoTakes;
+    // Row 0 is the work folder itself; more rows are folders to look in.
+    return m_mediaInfoCtrl.treeViewCtrl()->rowCount() > 1 ? EmptyReason::NoCard
+                                                          : EmptyReason::NoCardNoFolders;
 }
 
 int BLThumbViewCtrl::getSelectCount() const

@@ -67,6 +67,17 @@ public:
     const QList<DOThumbData>& thumbArray() const { return m_thumbArray; }
     int getSortMode() const { return m_sortMode; }
 
+    // Why the grid shows nothing, for the text it shows instead.
+    enum class EmptyReason
+    {
+        NotEmpty,        // it shows takes, or is loading
+        NoFolder,        // no folder is selected (the list of disks)
+        NoCard,          // the folder holds no card, but folders to look in
+        NoCardNoFolders, // the folder holds neither a card nor folders
+        NoTakes,         // a card without takes
+    };
+    EmptyReason emptyReason() const;
+
     // ---- menus ----
     // Whether the tag is a command of the grid or of the folder list (passed
     // on to it); *isEnable and *isCheck (either may be null) receive its

@@ -1,5 +1,6 @@
 #include "ui/panes/SCThumbView.h"
 
+#include "core/common/BLLocalizedStrings.h"
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
 #include "ui/common/LocalizedTitle.h"
@@ -8,6 +9,7 @@
 #include <QDrag>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
@@ -267,6 +269,37 @@ QMenu* SCThumbView::makeContextMenu()
             [ctrl = m_ctrl](QAction* action) { ctrl->selectMenuItem(action->data().toInt()); });
     localizedTitleByObject(menu);
     return menu;
+}
+
+QString SCThumbView::emptyText() const
+{
+    const QString shortcut = QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText);
+    switch (m_ctrl->emptyReason()) {
+    case BLThumbViewCtrl::EmptyReason::NoFolder:
+        return BLLocalizedString(QStringLiteral("LOCALIZED_GRID_EMPTY_NO_FOLDER")).arg(shortcut);
+    case BLThumbViewCtrl::EmptyReason::NoCard:
+        return BLLocalizedString(QStringLiteral("LOCALIZED_GRID_EMPTY_NO_CARD")).arg(shortcut);
+    case BLThumbViewCtrl::EmptyReason::NoCardNoFolders:
+        return BLLocalizedString(QStringLiteral("LOCALIZED_GRID_EMPTY_NO_CARD_NO_FOLDERS")).arg(shortcut);
+    case BLThumbViewCtrl::EmptyReason::NoTakes:
+        return BLLocalizedString(QStringLiteral("LOCALIZED_GRID_EMPTY_NO_TAKES"));
+    case BLThumbViewCtrl::EmptyReason::NotEmpty:
+        break;
+    }
+    return QString();
+}
+
+void SCThumbView::paintEvent(QPaintEvent* event)
+{
+    QListView::paintEvent(event);
+    if (model()->rowCount() > 0)
+        return;
+    const QString text = emptyText();
+    if (text.isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
+    painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, text);
 }
 
 void SCThumbView::contextMenuEvent(QContextMenuEvent* event)

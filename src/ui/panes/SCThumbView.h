@@ -23,8 +23,12 @@ public:
     // its data the command's tag, enabled as the controller answers. Choosing
     // an action runs the command. The caller owns the menu.
     QMenu* makeContextMenu();
+    // What the grid says while it shows nothing: why, and what to do ("" while
+    // it shows takes or loads).
+    QString emptyText() const;
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void startDrag(Qt::DropActions supportedActions) override;

@@ -189,8 +189,15 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
     EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
     EXPECT_EQ(show.notes.size(), 1);
     EXPECT_EQ(close.notes.size(), 1);
-    EXPECT_FALSE(m_view.folderSize.isEmpty());
-    EXPECT_TRUE(m_view.volumeSize.contains(" / "));
+    // The status says what it counts and measures: a small card in MB.
+    EXPECT_TRUE(m_view.folderSize.startsWith("3 takes, ")) << m_view.folderSize.toStdString();
+    EXPECT_TRUE(m_view.folderSize.endsWith(" MB")) << m_view.folderSize.toStdString();
+    EXPECT_TRUE(m_view.volumeSize.startsWith("Disk: ") && m_view.volumeSize.contains(" used of "))
+        << m_view.volumeSize.toStdString();
+    grid.selectionModel()->select(grid.index(0), QItemSelectionModel::Select);
+    grid.selectionModel()->select(grid.index(2), QItemSelectionModel::Select);
+    EXPECT_TRUE(m_view.folderSize.startsWith("2 of 3 takes selected, ")) << m_view.folderSize.toStdString();
+    grid.selectionModel()->clear();
     EXPECT_EQ(m_view.folderName, "card");
 
     // Selecting the same folder again.

@@ -16,6 +16,8 @@
 #include "ui/panes/SCMediaInfoView.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
+#include "ui/preview/SCOpenGLView.h"
+#include "ui/preview/SCPreviewView.h"
 
 #include <QAction>
 #include <QApplication>
@@ -25,6 +27,7 @@
 #include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -33,6 +36,7 @@
 #include <QScrollBar>
 #include <QSplitter>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -75,6 +79,13 @@ void key(QWidget* target, int code, Qt::KeyboardModifiers modifiers = Qt::NoModi
     QApplication::sendEvent(target, &press);
     QKeyEvent release(QEvent::KeyRelease, code, modifiers);
     QApplication::sendEvent(target, &release);
+}
+
+void writeNote(const QString& path)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("x");
 }
 
 cardgen::Options card(int clips, const QString& prefix)
@@ -192,6 +203,10 @@ protected:
     void focusPane(int index)
     {
         window->activateWindow();
+        // The offscreen platform does not always hand the activation back
+        // once a sheet has been shown and hidden.
+        if (!waitFor([&] { return QApplication::activeWindow() == window.get(); }, 500))
+            QApplication::setActiveWindow(window.get());
         ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window.get(); }));
         thumbView(index)->setFocus(Qt::MouseFocusReason);
         QApplication::processEvents();
@@ -495,6 +510,11 @@ TEST_F(MediaPanesTest, FolderListsFollowTheDiskAndRefreshReloadsTheGrid)
         return list->searchIndexByFolderPath(parent + "/" + name) >= 0;
     };
     ASSERT_TRUE(listed(0, "card") && listed(1, "card"));
+    // The parent holds no card: the grid says so and how to choose another folder.
+    ASSERT_TRUE(waitFor([&] { return !thumbView(0)->emptyText().isEmpty(); }));
+    const QString hint = thumbView(0)->emptyText();
+    EXPECT_TRUE(hint.startsWith("No camera card in this folder.")) << hint.toStdString();
+    EXPECT_TRUE(hint.contains(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
 
     QElapsedTimer timer;
     timer.start();
@@ -511,6 +531,94 @@ TEST_F(MediaPanesTest, FolderListsFollowTheDiskAndRefreshReloadsTheGrid)
     focusPane(0);
     QTest::keyClick(thumbView(0), Qt::Key_F5);
     ASSERT_TRUE(waitFor([&] { return grid(0)->rowCount() == kMainClips + 1; }));
+}
+
+// A take played to its end stays on its last frame; Space plays it again
+// from the start.
+TEST_F(MediaPanesTest, ATakePlayedToItsEndStaysOnItsLastFrame)
+{
+    QWidget* viewport = thumbView(0)->viewport();
+    click(viewport, centerOf(0, 0));
+    mouse(viewport, QEvent::MouseButtonDblClick, centerOf(0, 0));
+    mouse(viewport, QEvent::MouseButtonRelease, centerOf(0, 0));
+    BLPreviewCtrl* preview = ctrl->getPreviewCtrl();
+    const qint64 last = grid(0)->thumbArray().at(0).getDurationFrames() - 1;
+    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PLAYED; }));
+    ASSERT_TRUE(waitFor([&] {
+        return preview->getViewerState() == VM_PAUSING && preview->getTimeSliderCtrl().getFrameNo() == last;
+    }));
+    EXPECT_FALSE(window->previewWidget()->titleField()->text().isEmpty()) << "the take stays loaded";
+    // The picture is the last frame's, inside its black bars.
+    const QImage shown = window->previewWidget()->openGLView()->grab().toImage();
+    QRect inside;
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x)
+            if (qGray(shown.pixel(x, y)) > 40)
+                inside |= QRect(x, y, 1, 1);
+    const auto counter = cwtest::readFrameCounter(shown.copy(inside));
+    ASSERT_TRUE(counter.has_value());
+    EXPECT_EQ(counter->frame, last);
+
+    QWidget* picture = window->previewWidget()->openGLView();
+    picture->setFocus(Qt::MouseFocusReason);
+    QTest::keyClick(picture, Qt::Key_Space);
+    EXPECT_TRUE(waitFor([&] { return preview->getTimeSliderCtrl().getFrameNo() < last; }, 2000))
+        << "played again from the start";
+}
+
+// A take whose essence is gone still shows its name, and playing it names
+// the file that is missing.
+TEST_F(MediaPanesTest, ABrokenTakeShowsItsNameAndSaysWhatIsMissing)
+{
+    ASSERT_TRUE(QFile::remove(m_main.bpav() + "/CLPR/MAI0002/MAI0002.MP4"));
+    focusPane(0);
+    QTest::keyClick(thumbView(0), Qt::Key_F5);
+    int row = -1;
+    ASSERT_TRUE(waitFor([&] {
+        for (int r = 0; r < grid(0)->rowCount(); ++r)
+            if (grid(0)->index(r).data(BLThumbViewCtrl::TakeIdRole).toString() == "MAI0002")
+                row = r;
+        return row >= 0 && grid(0)->thumbArray().at(row).getTakeStatus() == 5;
+    }));
+    EXPECT_FALSE(grid(0)->index(row).data(BLThumbViewCtrl::DateRole).toString().isEmpty());
+
+    grid(0)->selectionModel()->select(grid(0)->index(row), QItemSelectionModel::ClearAndSelect);
+    key(thumbView(0), Qt::Key_Return);
+    ASSERT_EQ(m_messages.keys(), QStringList{"MSG_633_3191"});
+    const QString message = m_messages.alerts()[0].message;
+    EXPECT_TRUE(message.contains("MAI0002") && message.contains("CLPR/MAI0002/MAI0002.MP4"))
+        << message.toStdString();
+}
+
+// Deleting a folder that may not go says why at once, without asking first.
+TEST_F(MediaPanesTest, AFolderThatMayNotBeDeletedIsRefusedBeforeTheQuestion)
+{
+    writeNote(m_main.workFolder() + "/notes.txt");
+    pane(0)->ctrl()->setWorkFolder(QFileInfo(m_main.workFolder()).path(), false);
+    BLTreeViewCtrl* list = pane(0)->ctrl()->treeViewCtrl();
+    list->selectTreeIndex(list->searchIndexByFolderPath(m_main.workFolder()));
+    ASSERT_TRUE(
+        waitFor([&] { return !window->isHouseKeepingSheetVisible() && grid(0)->rowCount() == kMainClips; }));
+    focusPane(0);
+    pane(0)->treeView()->setFocus(Qt::MouseFocusReason);
+    QApplication::processEvents();
+    window->validateMenuItems();
+    QAction* remove = actionOf(window->editMenu(), MENU_ITEM_ID_DELETE);
+
+    ASSERT_TRUE(remove->isEnabled());
+    // A question would be a modal dialog: it is answered No here and noted.
+    bool asked = false;
+    QTimer::singleShot(200, [&] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            asked = true;
+            dialog->close();
+        }
+    });
+    remove->trigger();
+    EXPECT_EQ(m_messages.keys(), QStringList{"MSG_655_3142"});
+    QTest::qWait(300);
+    EXPECT_FALSE(asked) << "no question before the refusal";
+    EXPECT_TRUE(QFileInfo::exists(m_main.bpav() + "/MEDIAPRO.XML"));
 }
 
 TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
