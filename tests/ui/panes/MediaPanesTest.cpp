@@ -142,7 +142,7 @@ protected:
                                                     {"WORK_FOLDER_SUB1", m_sub1.workFolder()},
                                                     {"SELECT_FOLDER_SUB1", m_sub1.workFolder()},
                                                     {"MAIN_WIN_WIDTH", 1280.0},
-                                                    {"MAIN_WIN_HEIGHT", 820.0},
+                                                    {"MAIN_WIN_HEIGHT", 800.0},
                                                     {"LOG_FLAG", "DEBUG"}});
         open();
         EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
