@@ -278,6 +278,11 @@ void BLMediaInfoCtrl::changeWorkFolder()
     }
     BLLogCtrl::debug(kWorkFolderProcessId,
                      QStringLiteral("[BLMediaInfoCtrl changeWorkFolder] workFolder:") + chosen);
+    // The same folder chosen again is read again, as a user expects.
+    if (QDir::cleanPath(chosen) == QDir::cleanPath(getWorkFolder())) {
+        refresh();
+        return;
+    }
     setWorkFolder(chosen, false);
     m_treeViewCtrl->selectTreeIndex(0);
 }

@@ -46,7 +46,8 @@ public:
     void setVolumeSize(const QString& text) override { volumeSize = text; }
     void setToolButtonEnabled(int tag, bool enabled) override { buttons[tag] = enabled; }
     void setDividerLocked(bool) override {}
-    QString chooseFolder(const QString&) override { return {}; }
+    QString chooseFolder(const QString&) override { return chosenFolder; }
+    QString chosenFolder; // what Change Work Folder answers ("" for Cancel)
     IFolderNameView& folderNameView() override { return *this; }
     IDeleteFolderView& deleteFolderView() override { return *this; }
 
@@ -217,6 +218,12 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
                                              {{SC::SCDUpdateSelectFolderKey, card.workFolder().toUpper()}});
     EXPECT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
     EXPECT_EQ(grid.rowCount(), 3);
+
+    // The same work folder chosen again is read again.
+    ASSERT_TRUE(BLCommon::copyFile(card.bpav() + "/CLPR/ABC0001", card.bpav() + "/CLPR/ABC0001 copy"));
+    m_view.chosenFolder = card.workFolder();
+    pane->changeWorkFolder();
+    EXPECT_TRUE(pump([&] { return grid.rowCount() == 4; }));
     EXPECT_TRUE(m_messages.keys().isEmpty());
 }
 
