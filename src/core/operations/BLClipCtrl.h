@@ -120,4 +120,71 @@ public:
     bool getTakeNonRealMeta(DOTakeData& take, const QString& workFolder);
     bool getClipNonRealMeta(DOClipData& clip, const QString& workFolder);
     bool getTakeNonMetaData(DOTakeData& take, const QString& workFolder);
+
+    // ---- re-joining multi-clip takes in a destination ----
+    // After an operation has put the files of its takes into the destination,
+    // a take that arrived in parts (some clips now, others by an earlier
+    // operation) becomes one take again. Copy, move, division and combine
+    // call updateTakeInfo, then rebuildTakeData, then write the destination's
+    // media profile from the record's destination takes. Folders are removed
+    // only where they are take folders in the destination's TAKR folder.
+    //
+    // Adds each operated take (the new forms when the change flag is set) to
+    // the destination takes, joining it with a destination take it belongs
+    // to. False when a joined take's take info could not be written.
+    bool updateTakeInfo(DOClipCtrl& clipCtrl);
+    // Adds the target take to a non-empty list of destination takes, joining
+    // it with every destination take whose take info names it or that its
+    // own take info names.
+    bool createTakeData(DOClipCtrl& clipCtrl);
+    // The base with the added take's clips and take-info entries taken in
+    // (the entries in place of the reference one part holds to the other) and
+    // the components of both.
+    DOTakeData margeTake(const DOTakeData& base, const DOTakeData& added);
+    // Writes the joined take's take info and puts it in place of the
+    // destination take at the index; a take-info source it lacks the clip of
+    // makes it media spanning.
+    bool createNewTakeData(DOClipCtrl& clipCtrl, DOTakeData& take, int index);
+    // Tidies the destination takes: drops entries a larger one supersedes,
+    // joins parts whose components show they follow each other, completes
+    // takes from fragments, and rewrites clip order, status and non-real-time
+    // metadata (duration, time-code changes) of every multi-clip take.
+    void rebuildTakeData(DOClipCtrl& clipCtrl);
+    // 1 when another entry of the take's UMID, or a take sharing one of its
+    // clips, holds more clips; else 0.
+    int checkClipData(const DOTakeData& take, const QList<DOTakeData>& takes);
+    // The index of the multi-clip take of the list whose UMID the component
+    // before the take's first clip component (not its first component) carries;
+    // -1 when there is none.
+    int checkComponent(const DOTakeData& take, const QList<DOTakeData>& takes);
+    // Completes takes from fragments until none can be; when any was, the
+    // record's destination and added takes become the new list and every
+    // UMID concerned is to leave the media profile first.
+    void rebuildTakeData(DOClipCtrl& clipCtrl, QList<DOTakeData>& newTakes, const QString& path);
+    // Moves into the take the clips its take info names from the other takes
+    // of the list; a take that gave one leaves the list and loses its folder.
+    void removeTakeData(DOTakeData& take, QList<DOTakeData>& takeDatas, const QString& path);
+    // Whether fragments of the list (takes holding another number of clips
+    // than their take info names) hold every clip the take's take info names,
+    // some of them not the take's own.
+    bool checkTakeInfo(const DOTakeData& take, const QList<DOTakeData>& takeDatas);
+    // The take's clip of that UMID, or null.
+    static const DOClipData* checkTakeInfo(const DOTakeData& take, const QString& takeInfoUmid);
+    // Lists the clips in take-info order; a complete take is read again from
+    // its metadata in the work folder and loses its spanning state and its
+    // components.
+    void sortDOClipData(DOTakeData& take, const QString& path);
+    // By clip creation date, the order alike left as it is.
+    QList<DOClipData> sortArrayClipData(const QList<DOClipData>& clips);
+    // The take's LTC change points for its duration as the sum of its clips:
+    // its metadata's own when they already end the whole take, rebuilt to end
+    // with its last clip's end when the duration changes (the take's duration
+    // is then set), none when nothing changes. Sets the take's time-code rate
+    // and half-step texts from its metadata.
+    QList<DOLtcChange> rebuildLtdChange(const QList<DOTakeData>& takes, DOTakeData& target,
+                                        const QString& workFolder);
+    // Writes the take's UMID, duration and (when given) LTC change points into
+    // its non-real-time metadata.
+    bool reMakeNonMeta(const DOTakeData& take, const QString& workFolder,
+                       const QList<DOLtcChange>& ltcChanges);
 };
