@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git ccache
   qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libqt6opengl6-dev libgl-dev
   qt6-qpa-plugins qt6-svg-dev
-  libxml2-dev
+  libxml2-dev libxxhash-dev xxhash
   libavformat-dev libavcodec-dev libswscale-dev libswresample-dev libavutil-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth x11-utils imagemagick

@@ -475,6 +475,14 @@ void BLPlistCtrl::setLowResolution(int value)
 {
     setIntegerObject(value, QStringLiteral("LOW_RESOLUTION"));
 }
+bool BLPlistCtrl::getVerifyCopy() const
+{
+    return intValue(QStringLiteral("VERIFY_COPY"), 1) != 0;
+}
+void BLPlistCtrl::setVerifyCopy(bool verify)
+{
+    setIntegerObject(verify ? 1 : 0, QStringLiteral("VERIFY_COPY"));
+}
 
 int BLPlistCtrl::getSortMode(int pane) const
 {

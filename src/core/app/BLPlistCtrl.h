@@ -54,6 +54,10 @@ public:
     void setDatePauseChar(const QString& value);
     int getLowResolution() const;
     void setLowResolution(int value);
+    // Whether copied files are read back and compared with the source (on
+    // when the key is missing).
+    bool getVerifyCopy() const;
+    void setVerifyCopy(bool verify);
 
     // The window's layout: each pane's sort order (pane 0 Main, 1 Sub1), a
     // splitter's saved state by name (empty when none is kept), and whether

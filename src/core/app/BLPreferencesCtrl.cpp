@@ -73,6 +73,7 @@ void BLPreferencesCtrl::readData()
     m_view.setDateOrderRow(dateOrderRowOrFormat(format));
     m_view.selectSeparator(pause);
     m_view.setResolutionRow(plist->getLowResolution());
+    m_view.setVerifyCopy(plist->getVerifyCopy());
     log(QStringLiteral("[BLPreferencesCtrl readData]    orderDate:") + orderName(format));
     log(QStringLiteral("[BLPreferencesCtrl readData]    pauseChar:") + pause);
     log(QStringLiteral("[BLPreferencesCtrl readData] End"));
@@ -87,6 +88,7 @@ void BLPreferencesCtrl::writeData()
     plist->setDateFormat(format);
     plist->setDatePauseChar(pause);
     plist->setLowResolution(m_view.resolutionRow());
+    plist->setVerifyCopy(m_view.verifyCopy());
     log(QStringLiteral("[BLPreferencesCtrl writeData]    orderDate:") + orderName(format));
     log(QStringLiteral("[BLPreferencesCtrl writeData]    pauseChar:") + pause);
     BLCommon* common = BLCommon::sharedCtrl();

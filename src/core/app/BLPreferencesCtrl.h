@@ -2,10 +2,10 @@
 
 class IPreferencesView;
 
-// Controller of the Preferences dialog: date order, date separator and preview
-// resolution. Nothing is stored until OK; OK stores the three settings and
-// then posts SCDateFormatDidChangeNotification and
-// SCResolutionDidChangeNotification.
+// Controller of the Preferences dialog: date order, date separator, preview
+// resolution and whether copies are verified. Nothing is stored until OK; OK
+// stores the four settings and then posts SCDateFormatDidChangeNotification
+// and SCResolutionDidChangeNotification.
 class BLPreferencesCtrl
 {
 public:

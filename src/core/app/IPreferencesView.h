@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// The Preferences dialog as its controller sees it: three choices, a sample
+// The Preferences dialog as its controller sees it: four choices, a sample
 // text and the modal run.
 class IPreferencesView
 {
@@ -19,6 +19,9 @@ public:
     // Preview resolution: row 0 full, row 1 half, row 2 quarter.
     virtual int resolutionRow() const = 0;
     virtual void setResolutionRow(int row) = 0;
+    // Whether copied files are read back and compared with their source.
+    virtual bool verifyCopy() const = 0;
+    virtual void setVerifyCopy(bool verify) = 0;
     virtual void setSampleText(const QString& text) = 0;
 
     // Shows the dialog and returns the code it was ended with.

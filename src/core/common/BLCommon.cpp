@@ -28,6 +28,7 @@
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <xxhash.h>
 
 #include <algorithm>
 #include <atomic>
@@ -204,13 +205,37 @@ bool moveOnce(const QString& source, const QString& destination)
     return BLCommon::removeFile(source);
 }
 
+// Bytes moved through the program at a time: small enough to stay in the
+// processor's cache from the read through the hash to the write.
+constexpr qint64 kBufferPiece = 2097152;
+// Chunks the disk is asked for ahead of the one being read back.
+constexpr qint64 kReadAheadChunks = 4;
+
+struct HashStateFree
+{
+    void operator()(XXH64_state_t* state) const { XXH64_freeState(state); }
+};
+using HashState = std::unique_ptr<XXH64_state_t, HashStateFree>;
+
+HashState newHashState()
+{
+    HashState state(XXH64_createState());
+    if (state)
+        XXH64_reset(state.get(), 0);
+    return state;
+}
+
 // Moves the source's next bytes to the destination, at both files' current
 // offsets: inside the kernel where the two file systems allow it, else
-// through a buffer.
+// through a buffer. With a hash state every byte goes through the buffer and
+// is hashed on its way.
 class ChunkCopier
 {
 public:
-    ChunkCopier(int in, int out, bool kernelCopy) : m_in(in), m_out(out), m_kernelCopy(kernelCopy) {}
+    ChunkCopier(int in, int out, bool kernelCopy, XXH64_state_t* hash)
+        : m_in(in), m_out(out), m_kernelCopy(kernelCopy && !hash), m_hash(hash)
+    {
+    }
 
     // Copies up to length bytes; answers how many (0 at the end of the
     // source) or -1 on a read or write error.
@@ -252,14 +277,16 @@ private:
     qint64 copyThroughBuffer(qint64 length)
     {
         if (!m_buffer)
-            m_buffer.reset(new char[BLCommon::kCopyChunkSize]);
-        length = qMin(length, BLCommon::kCopyChunkSize);
+            m_buffer.reset(new char[kBufferPiece]);
+        length = qMin(length, kBufferPiece);
         ssize_t n;
         do {
             n = ::read(m_in, m_buffer.get(), size_t(length));
         } while (n < 0 && errno == EINTR);
         if (n <= 0)
             return n;
+        if (m_hash)
+            XXH64_update(m_hash, m_buffer.get(), size_t(n));
         for (ssize_t written = 0; written < n;) {
             const ssize_t w = ::write(m_out, m_buffer.get() + written, size_t(n - written));
             if (w < 0 && errno == EINTR)
@@ -274,9 +301,69 @@ private:
     int m_in;
     int m_out;
     bool m_kernelCopy;
+    XXH64_state_t* m_hash;
     bool m_kernelCopied = false;
     std::unique_ptr<char[]> m_buffer;
 };
+
+enum class ReadBack
+{
+    Matches,
+    Differs,
+    Cancelled
+};
+
+// Reads an open file from its start, hashing, after dropping its pages from
+// the cache so that the disk's copy is read and not what was just written.
+// Cancel is tested between chunks, never after the last.
+ReadBack readBack(int fd, quint64 expected, BLProgressThread* thread)
+{
+    struct stat st
+    {
+    };
+    HashState state = newHashState();
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !state)
+        return ReadBack::Differs;
+    posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+    posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+    // The disk keeps a few chunks ahead of the hashing, so it never waits for
+    // the program; each chunk leaves the cache once hashed.
+    const qint64 chunk = BLCommon::kCopyChunkSize;
+    posix_fadvise(fd, 0, chunk * kReadAheadChunks, POSIX_FADV_WILLNEED);
+    const std::unique_ptr<char[]> buffer(new char[kBufferPiece]);
+    for (qint64 offset = 0;;) {
+        qint64 length = 0;
+        while (length < chunk) {
+            const ssize_t n =
+                ::pread(fd, buffer.get(), size_t(qMin(kBufferPiece, chunk - length)), offset + length);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0) {
+                posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+                return ReadBack::Differs;
+            }
+            if (n == 0)
+                break;
+            XXH64_update(state.get(), buffer.get(), size_t(n));
+            length += n;
+        }
+        if (length == 0)
+            break;
+        posix_fadvise(fd, offset, length, POSIX_FADV_DONTNEED);
+        posix_fadvise(fd, offset + chunk * kReadAheadChunks, chunk, POSIX_FADV_WILLNEED);
+        offset += length;
+        if (offset < st.st_size && thread && thread->isCancel()) {
+            posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED); // the chunks asked for ahead
+            return ReadBack::Cancelled;
+        }
+    }
+    return XXH64_digest(state.get()) == expected ? ReadBack::Matches : ReadBack::Differs;
+}
+
+QString hashText(quint64 hash)
+{
+    return QStringLiteral("%1").arg(hash, 16, 16, QLatin1Char('0'));
+}
 
 // Whole-file flush: data and the size, through the disk's own cache.
 bool flushToDisk(int fd)
@@ -1103,6 +1190,13 @@ bool BLCommon::removeFileWithProgress(const QStringList& paths, BLProgressThread
 int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
                                    qint64* fromSize, qint64 maxSize)
 {
+    return copyFileWithProgress(source, toFile, thread, fromSize, maxSize,
+                                BLPlistCtrl::sharedCtrl()->getVerifyCopy());
+}
+
+int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                   qint64* fromSize, qint64 maxSize, bool verify, quint64* hash)
+{
     constexpr qint64 kMiB = 1048576;
     const int in = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
     if (in < 0)
@@ -1114,19 +1208,29 @@ int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile,
         ::close(in);
         return 2;
     }
-    // Never replaces an existing file: that one may be another clip's.
-    const int out =
-        ::open(QFile::encodeName(toFile).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    // Never replaces an existing file: that one may be another clip's. A copy
+    // to be verified is read back through the same descriptor.
+    const int out = ::open(QFile::encodeName(toFile).constData(),
+                           (verify ? O_RDWR : O_WRONLY) | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (out < 0) {
         ::close(in);
         return 2;
     }
     posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+    HashState sourceHash;
+    if (verify || hash) {
+        sourceHash = newHashState();
+        if (!sourceHash) {
+            ::close(in);
+            ::close(out);
+            return 2;
+        }
+    }
 
     // A chunk counts once it is on the disk. While the disk takes one chunk the
     // next is already copied, so the disk never waits for the program; the
     // last chunk is confirmed by flushing the whole file.
-    ChunkCopier copier(in, out, S_ISREG(st.st_mode));
+    ChunkCopier copier(in, out, S_ISREG(st.st_mode), sourceHash.get());
     qint64 done = fromSize ? *fromSize : 0;
     qint64 offset = 0;
     qint64 pendingOffset = 0;
@@ -1168,9 +1272,56 @@ int BLCommon::copyFileWithProgress(const QString& source, const QString& toFile,
         offset += length;
     }
     ::close(in);
+    if (result == 0 && sourceHash) {
+        const quint64 digest = XXH64_digest(sourceHash.get());
+        if (hash)
+            *hash = digest;
+        QString outcome = QStringLiteral("copied");
+        if (verify) {
+            switch (readBack(out, digest, thread)) {
+            case ReadBack::Matches:
+                outcome = QStringLiteral("verified");
+                break;
+            case ReadBack::Differs:
+                outcome = QStringLiteral("not verified");
+                result = kCopyNotVerified;
+                break;
+            case ReadBack::Cancelled:
+                outcome = QStringLiteral("verification cancelled");
+                result = 3;
+                break;
+            }
+        }
+        BLLogCtrl::debug(kCommonLogId, QStringLiteral("[BLCommon copyFileWithProgress] %1 xxh64:%2 %3")
+                                           .arg(toFile, hashText(digest), outcome));
+    } else if (result == 0) {
+        BLLogCtrl::debug(kCommonLogId,
+                         QStringLiteral("[BLCommon copyFileWithProgress] %1 copied").arg(toFile));
+    }
     if (::close(out) != 0 && result == 0)
         result = 2;
     return result;
+}
+
+bool BLCommon::verifyCopiedFile(const QString& path, quint64 expected, BLProgressThread* thread,
+                                bool* cancelled)
+{
+    if (cancelled)
+        *cancelled = false;
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const ReadBack result = readBack(fd, expected, thread);
+    ::close(fd);
+    if (cancelled)
+        *cancelled = result == ReadBack::Cancelled;
+    if (result != ReadBack::Cancelled)
+        BLLogCtrl::debug(kCommonLogId,
+                         QStringLiteral("[BLCommon verifyCopiedFile] %1 xxh64:%2 %3")
+                             .arg(path, hashText(expected),
+                                  result == ReadBack::Matches ? QStringLiteral("verified")
+                                                              : QStringLiteral("not verified")));
+    return result == ReadBack::Matches;
 }
 
 // ---- names ----

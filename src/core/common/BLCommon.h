@@ -199,10 +199,28 @@ public:
                                        int max);
     // Copies a file in 10 MiB chunks, each flushed to disk, adding each chunk's
     // whole MiB to fromSize and showing it against maxSize. 0 done, 2 a read or
-    // write error (or an existing destination), 3 cancelled between chunks; a
-    // partial destination stays for the caller.
+    // write error (or an existing destination), 3 cancelled between chunks, 4
+    // the copy did not read back as the source; a partial or unverified
+    // destination stays for the caller. Verifies when the setting VERIFY_COPY
+    // says so.
     static int copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
                                     qint64* fromSize, qint64 maxSize);
+    // Result of copyFileWithProgress: the copy did not read back as the bytes read.
+    static constexpr int kCopyNotVerified = 4;
+    // verify: hash the bytes read with XXH64 while copying; after the last chunk
+    // and its flush, drop the destination's pages from the cache and read it
+    // back, hashing; a mismatch or a read error answers kCopyNotVerified. hash
+    // (may be null) receives the source's XXH64 once the copy is complete
+    // (with verify off too, the bytes then pass through a buffer). Cancel is
+    // tested between the chunks of the read-back too (3).
+    static int copyFileWithProgress(const QString& source, const QString& toFile, BLProgressThread* thread,
+                                    qint64* fromSize, qint64 maxSize, bool verify, quint64* hash = nullptr);
+    // The read-back step on its own: whether the file's XXH64 is expected (false
+    // when it cannot be read or the thread was cancelled between chunks;
+    // cancelled, when given, tells which). The file's pages are dropped from
+    // the cache first, so the disk's copy is what is read.
+    static bool verifyCopiedFile(const QString& path, quint64 expected, BLProgressThread* thread,
+                                 bool* cancelled);
     static constexpr qint64 kCopyChunkSize = 10485760;
 
     // ---- names ----

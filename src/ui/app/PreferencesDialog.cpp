@@ -5,6 +5,7 @@
 #include "ui/common/LocalizedTitle.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -32,7 +33,8 @@ QGroupBox* radioRows(const QString& title, const QStringList& rows, QButtonGroup
 
 PreferencesDialog::PreferencesDialog(QWidget* parent)
     : QDialog(parent), m_orderDate(new QButtonGroup(this)), m_orderResolution(new QButtonGroup(this)),
-      m_pauseChar(new QComboBox(this)), m_sampleText(new QLineEdit(this))
+      m_pauseChar(new QComboBox(this)), m_sampleText(new QLineEdit(this)),
+      m_verifyCopy(new QCheckBox(QStringLiteral("Verify copied files"), this))
 {
     setWindowTitle(QStringLiteral("Preferences"));
     auto* layout = new QVBoxLayout(this);
@@ -51,6 +53,7 @@ PreferencesDialog::PreferencesDialog(QWidget* parent)
     layout->addWidget(radioRows(QStringLiteral("Preview resolution"),
                                 {QStringLiteral("Full"), QStringLiteral("Half"), QStringLiteral("Quarter")},
                                 m_orderResolution, this));
+    layout->addWidget(m_verifyCopy);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Ok)->setText(BLLocalizedString(QStringLiteral("BTN_STYLE_OK")));
@@ -103,6 +106,16 @@ void PreferencesDialog::setResolutionRow(int row)
 {
     if (QAbstractButton* button = m_orderResolution->button(row))
         button->setChecked(true);
+}
+
+bool PreferencesDialog::verifyCopy() const
+{
+    return m_verifyCopy->isChecked();
+}
+
+void PreferencesDialog::setVerifyCopy(bool verify)
+{
+    m_verifyCopy->setChecked(verify);
 }
 
 void PreferencesDialog::setSampleText(const QString& text)

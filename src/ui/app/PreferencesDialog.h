@@ -6,11 +6,12 @@
 
 class BLPreferencesCtrl;
 class QButtonGroup;
+class QCheckBox;
 class QComboBox;
 class QLineEdit;
 
-// The Preferences dialog: date order, date separator, preview resolution and
-// a sample of the date as it will be shown. OK and Cancel go through the
+// The Preferences dialog: date order, date separator, preview resolution, a
+// sample of the date as it will be shown, and whether copies are verified. OK and Cancel go through the
 // controller, which ends the dialog.
 class PreferencesDialog : public QDialog, public IPreferencesView
 {
@@ -23,6 +24,7 @@ public:
     QButtonGroup* orderResolutionGroup() const { return m_orderResolution; }
     QComboBox* pauseCharPopUp() const { return m_pauseChar; }
     QLineEdit* sampleField() const { return m_sampleText; }
+    QCheckBox* verifyCopyBox() const { return m_verifyCopy; }
 
     // IPreferencesView
     int dateOrderRow() const override;
@@ -31,6 +33,8 @@ public:
     QString selectedSeparator() const override;
     int resolutionRow() const override;
     void setResolutionRow(int row) override;
+    bool verifyCopy() const override;
+    void setVerifyCopy(bool verify) override;
     void setSampleText(const QString& text) override;
     int runModal() override;
     void endModal(int code) override;
@@ -46,4 +50,5 @@ private:
     QButtonGroup* m_orderResolution;
     QComboBox* m_pauseChar;
     QLineEdit* m_sampleText;
+    QCheckBox* m_verifyCopy;
 };

@@ -57,6 +57,7 @@ TEST_F(PlistTest, FirstStartWritesExactlyTheNewFileKeys)
     EXPECT_EQ(plist->getDatePauseChar(), "/");
     EXPECT_EQ(plist->getCopyFolder(), "");
     EXPECT_EQ(plist->getSequentialNo(), 0);
+    EXPECT_TRUE(plist->getVerifyCopy());
     EXPECT_EQ(plist->getMainWindowWidth(), 1024.0);
     EXPECT_EQ(plist->getMainWindowHeight(), 768.0);
 

@@ -1,3 +1,4 @@
+#include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/BLProgressThread.h"
 #include "support/AsOrdinaryUser.h"
@@ -13,7 +14,9 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <xxhash.h>
 
 namespace {
 
@@ -166,10 +169,12 @@ TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
     // The partial copy stays for the caller to remove; what counted is intact.
     EXPECT_EQ(readBytes(dst()).left(20 * kMiB), m_data.left(20 * kMiB));
 
-    // A cancel during the last chunk comes too late: the file is whole.
+    // Without verification a cancel during the last chunk comes too late: the
+    // file is whole. (A verified copy still has its read-back to go.)
     RecordingWorker late;
     late.cancelAtWait = 3;
-    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/late.MP4"), &late, nullptr, 25), 0);
+    EXPECT_EQ(
+        BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/late.MP4"), &late, nullptr, 25, false), 0);
     EXPECT_EQ(readBytes(m_dir.filePath("out/late.MP4")), m_data);
 
     // A file of exactly two chunks has no chunk after its second.
@@ -177,8 +182,101 @@ TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
     RecordingWorker exact;
     exact.cancelAtWait = 2;
     EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("two.MP4"), m_dir.filePath("out/two.MP4"), &exact,
-                                             nullptr, 20),
+                                             nullptr, 20, false),
               0);
+}
+
+TEST_F(CopyWithProgressTest, AVerifiedCopyHashesTheSourceAndReadsTheCopyBack)
+{
+    cwtest::ScopedHome home;
+    cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "ALL"}});
+    QDir().mkpath(m_dir.filePath("out"));
+    RecordingWorker worker;
+    quint64 hash = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, nullptr, 25, true, &hash), 0);
+    const quint64 expected = XXH64(m_data.constData(), size_t(m_data.size()), 0);
+    EXPECT_EQ(hash, expected);
+    EXPECT_EQ(worker.shown, QList<double>({10, 20, 25})); // the read-back adds no progress
+    EXPECT_EQ(readBytes(dst()), m_data);
+
+    // The short form follows the setting, on unless switched off.
+    const QString other = m_dir.filePath("out/other.MP4");
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), other, nullptr, nullptr, 25), 0);
+    BLPlistCtrl::sharedCtrl()->setVerifyCopy(false);
+    const QString plain = m_dir.filePath("out/plain.MP4");
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), plain, nullptr, nullptr, 25), 0);
+    EXPECT_EQ(readBytes(plain), m_data);
+    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(log.readAll());
+    const QString hex = QString::asprintf("%016llx", qulonglong(expected));
+    for (const QString& path : {dst(), other})
+        EXPECT_TRUE(text.contains(
+            QStringLiteral("0601:[BLCommon copyFileWithProgress] %1 xxh64:%2 verified\r\n").arg(path, hex)))
+            << text.toStdString();
+    EXPECT_TRUE(
+        text.contains(QStringLiteral("0601:[BLCommon copyFileWithProgress] %1 copied\r\n").arg(plain)));
+
+    // The read-back refuses a file one byte off, or one it cannot read.
+    QByteArray changed = m_data;
+    changed[15 * kMiB + 3] = char(changed[15 * kMiB + 3] ^ 0x01);
+    writeBytes(m_dir.filePath("changed.MP4"), changed);
+    const struct
+    {
+        QString path;
+        bool verified;
+    } cases[] = {{dst(), true},
+                 {m_dir.filePath("changed.MP4"), false},
+                 {m_dir.filePath("missing"), false},
+                 {m_dir.filePath("out"), false}};
+    for (const auto& c : cases) {
+        bool cancelled = true;
+        EXPECT_EQ(BLCommon::verifyCopiedFile(c.path, expected, nullptr, &cancelled), c.verified)
+            << c.path.toStdString();
+        EXPECT_FALSE(cancelled);
+    }
+}
+
+TEST_F(CopyWithProgressTest, CancelDuringTheReadBackAnswersThree)
+{
+    // Asked for while the last chunk is written: the read-back stops after its first chunk.
+    QDir().mkpath(m_dir.filePath("out"));
+    RecordingWorker worker;
+    worker.cancelAtWait = 3;
+    qint64 done = 0;
+    EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, &done, 25, true), 3);
+    EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
+    EXPECT_EQ(readBytes(dst()), m_data); // copied whole; only the check was cut short
+
+    bool cancelled = false;
+    const quint64 expected = XXH64(m_data.constData(), size_t(m_data.size()), 0);
+    EXPECT_FALSE(BLCommon::verifyCopiedFile(dst(), expected, &worker, &cancelled));
+    EXPECT_TRUE(cancelled);
+    // A file of one chunk has nothing after it to cancel.
+    writeBytes(m_dir.filePath("one.XML"), "<xml/>");
+    EXPECT_TRUE(
+        BLCommon::verifyCopiedFile(m_dir.filePath("one.XML"), XXH64("<xml/>", 6, 0), &worker, &cancelled));
+    EXPECT_FALSE(cancelled);
+}
+
+TEST_F(CopyWithProgressTest, AWriteFailureHalfWayAnswersTwoAndLeavesTheSource)
+{
+    // In a child whose writes end at 15 MiB, as on a full volume.
+    QDir().mkpath(m_dir.filePath("out"));
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGXFSZ, SIG_IGN); // a failed write (EFBIG), not a killed process
+        const rlimit limit{15 * kMiB, 15 * kMiB};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        _exit(BLCommon::copyFileWithProgress(src(), dst(), nullptr, nullptr, 25, true));
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_EQ(QFileInfo(dst()).size(), 15 * kMiB); // the partial file stays for the caller
+    EXPECT_EQ(readBytes(src()), m_data);
 }
 
 TEST_F(CopyWithProgressTest, ReadAndWriteErrorsAnswerTwo)

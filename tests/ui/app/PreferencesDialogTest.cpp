@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDate>
 #include <QDialogButtonBox>
@@ -38,9 +39,10 @@ protected:
     void SetUp() override
     {
         HomeTest::SetUp();
-        cwtest::writeSettings(
-            home().configHome(),
-            {{"DATE_FORMAT", qint64(2)}, {"DATE_PAUSE_CHAR", "-"}, {"LOW_RESOLUTION", qint64(2)}});
+        cwtest::writeSettings(home().configHome(), {{"DATE_FORMAT", qint64(2)},
+                                                    {"DATE_PAUSE_CHAR", "-"},
+                                                    {"LOW_RESOLUTION", qint64(2)},
+                                                    {"VERIFY_COPY", qint64(0)}});
         dialog = std::make_unique<PreferencesDialog>();
         ctrl = std::make_unique<BLPreferencesCtrl>(*dialog);
         dialog->setController(ctrl.get());
@@ -87,6 +89,7 @@ TEST_F(PreferencesDialogTest, ShowsTheStoredChoicesAndASampleThatFollowsThem)
     EXPECT_EQ(dialog->orderDateGroup()->checkedId(), 1); // stored 2: day-month-year
     EXPECT_EQ(dialog->pauseCharPopUp()->currentText(), "-");
     EXPECT_EQ(dialog->orderResolutionGroup()->checkedId(), 2);
+    EXPECT_FALSE(dialog->verifyCopyBox()->isChecked());
     EXPECT_EQ(dialog->sampleField()->text(), today("dd-MM-yyyy"));
 
     choose(dialog->orderDateGroup(), 2);
@@ -109,6 +112,7 @@ TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
         choose(dialog->orderDateGroup(), 0);
         dialog->pauseCharPopUp()->setCurrentText(".");
         choose(dialog->orderResolutionGroup(), 0);
+        dialog->verifyCopyBox()->click();
         button(QDialogButtonBox::Cancel)->click();
     });
     runAsUser([&] { // Escape is a cancel too
@@ -120,22 +124,27 @@ TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
     EXPECT_TRUE(posted.isEmpty());
     EXPECT_EQ(fileBytes(path), before);
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getLowResolution(), 2);
+    EXPECT_FALSE(BLPlistCtrl::sharedCtrl()->getVerifyCopy());
 }
 
-TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeResolution)
+TEST_F(PreferencesDialogTest, OkStoresTheFourSettingsThenPostsDateFormatBeforeResolution)
 {
     // Date order rows are year-month-day, day-month-year, month-day-year;
     // the setting numbers them 0, 2, 1.
     const int storedForRow[] = {0, 2, 1};
     for (int row = 0; row < 3; ++row) {
         posted.clear();
+        bool shownVerify = true;
         runAsUser([&] {
             choose(dialog->orderDateGroup(), row);
             dialog->pauseCharPopUp()->setCurrentText(".");
             choose(dialog->orderResolutionGroup(), 1);
+            shownVerify = dialog->verifyCopyBox()->isChecked();
+            dialog->verifyCopyBox()->click(); // the stored choice, turned over
             button(QDialogButtonBox::Ok)->click();
         });
-        EXPECT_TRUE(posted.isEmpty()); // posted when the program is next idle
+        EXPECT_EQ(shownVerify, row % 2 == 1) << row; // stored off, then on, then off again
+        EXPECT_TRUE(posted.isEmpty());               // posted when the program is next idle
         flushNotifications();
         EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification,
                                        SC::SCResolutionDidChangeNotification}));
@@ -145,5 +154,7 @@ TEST_F(PreferencesDialogTest, OkStoresTheThreeSettingsThenPostsDateFormatBeforeR
         EXPECT_EQ(onDisk->value("DATE_FORMAT").toInt(), storedForRow[row]) << row;
         EXPECT_EQ(onDisk->value("DATE_PAUSE_CHAR").toString(), ".");
         EXPECT_EQ(onDisk->value("LOW_RESOLUTION").toInt(), 1);
+        EXPECT_EQ(onDisk->value("VERIFY_COPY").toInt(), row % 2 == 0 ? 1 : 0);
+        EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getVerifyCopy(), row % 2 == 0);
     }
 }
