@@ -1,9 +1,12 @@
-// Throughput of BLCommon::copyFileWithProgress on one large file.
+// Throughput of BLCommon::copyFileWithProgress on one large file, without
+// verification (verify:0) and with the read-back check (verify:1).
 // COPY_BENCH_SOURCE names the file; the copy goes to COPY_BENCH_DEST (default:
 // beside the source as "<source>.copy").
 #include "core/common/BLCommon.h"
 #include "core/common/BLProgressThread.h"
+#include "support/TestEnvironment.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -28,6 +31,7 @@ public:
 
 void copyOnce(benchmark::State& state, BLProgressThread* worker)
 {
+    const bool verify = state.range(0) != 0;
     const QString source = environment("COPY_BENCH_SOURCE");
     QString destination = environment("COPY_BENCH_DEST");
     if (destination.isEmpty())
@@ -42,7 +46,7 @@ void copyOnce(benchmark::State& state, BLProgressThread* worker)
         QFile::remove(destination);
         state.ResumeTiming();
         qint64 done = 0;
-        if (BLCommon::copyFileWithProgress(source, destination, worker, &done, size / 1048576) != 0) {
+        if (BLCommon::copyFileWithProgress(source, destination, worker, &done, size / 1048576, verify) != 0) {
             state.SkipWithError("copy failed");
             break;
         }
@@ -66,7 +70,27 @@ void BM_CopyWithProgressDefaultPause(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(BM_CopyWithProgress)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
-BENCHMARK(BM_CopyWithProgressDefaultPause)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_CopyWithProgress)
+    ->ArgName("verify")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
+BENCHMARK(BM_CopyWithProgressDefaultPause)
+    ->ArgName("verify")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    cwtest::isolateProcessHome(); // the log and settings stay out of the real home folder
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
