@@ -1,4 +1,4 @@
-#include "ui/app/TerminationSignals.h"
+#include "core/common/TerminationSignals.h"
 
 #include <QSocketNotifier>
 
