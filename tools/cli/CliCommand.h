@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/common/IMessagePresenter.h"
+
 #include <QStringList>
 #include <QTextStream>
 
@@ -22,6 +24,20 @@ QTextStream& cliErr();
 // Prints the usage line of a subcommand to stderr and answers kExitUsage.
 int cliUsage(const char* name);
 
+// Shows the program's alerts on stderr, prefixed with the command, and answers
+// them as their first button would (OK). Installed for its lifetime.
+class StderrPresenter : public IMessagePresenter
+{
+public:
+    explicit StderrPresenter(const char* command);
+    ~StderrPresenter() override;
+    int showAlert(const SCAlert& alert) override;
+
+private:
+    QString m_command;
+};
+
+int runCopy(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);
 int runScan(const QStringList& args);

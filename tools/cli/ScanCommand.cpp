@@ -4,7 +4,6 @@
 #include "CliCommand.h"
 
 #include "core/common/BLCommon.h"
-#include "core/common/IMessagePresenter.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 
 #include <QFileInfo>
@@ -13,23 +12,6 @@
 #include <QJsonObject>
 
 namespace {
-
-// Alerts of the pass go to stderr; the pass goes on as after "OK".
-class StderrPresenter : public IMessagePresenter
-{
-public:
-    StderrPresenter() { BLCommon::setMessagePresenter(this); }
-    ~StderrPresenter() override { BLCommon::setMessagePresenter(nullptr); }
-
-    int showAlert(const SCAlert& alert) override
-    {
-        cliErr() << "clipwright-cli scan: " << alert.message;
-        if (!alert.informative.isEmpty())
-            cliErr() << " " << alert.informative;
-        cliErr() << Qt::endl;
-        return kFirstButton;
-    }
-};
 
 QString kindOf(const DOTakeData& take)
 {
@@ -92,7 +74,7 @@ int runScan(const QStringList& args)
         return kExitFailed;
     }
 
-    StderrPresenter presenter;
+    StderrPresenter presenter("scan");
     BLHouseKeepingCtrl houseKeeping;
     const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(workFolder);
 

@@ -1,6 +1,8 @@
 // clipwright-cli: a small dispatcher over the subcommands below.
 #include "CliCommand.h"
 
+#include "core/common/BLCommon.h"
+
 #include <QCoreApplication>
 
 #include <iterator>
@@ -8,8 +10,10 @@
 namespace {
 
 const CliCommand kCommands[] = {
-    {"mp4info", "[--json] FILE...",
-     "Check MP4 files of the camera's kind and print their properties", runMp4Info},
+    {"copy", "[--no-verify] [--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
+     "Copy takes (all, or those named) into another work folder, verifying every file", runCopy},
+    {"mp4info", "[--json] FILE...", "Check MP4 files of the camera's kind and print their properties",
+     runMp4Info},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
     {"scan", "[--json] WORK_FOLDER",
      "Run housekeeping on a work folder (repairing its index files) and print its takes", runScan},
@@ -21,7 +25,8 @@ void printUsage(QTextStream& out)
     for (const CliCommand& c : kCommands)
         out << "  " << QString::fromLatin1(c.name).leftJustified(9) << c.arguments << "\n      " << c.summary
             << "\n";
-    out << "\nExit status: 0 success, 1 a file or folder failed, 2 wrong usage.\n";
+    out << "\nExit status: 0 success, 1 a file or folder failed (or the copy was cancelled), 2 wrong "
+           "usage.\n";
     out.flush();
 }
 
@@ -37,6 +42,25 @@ QTextStream& cliErr()
 {
     static QTextStream err(stderr);
     return err;
+}
+
+StderrPresenter::StderrPresenter(const char* command) : m_command(QString::fromLatin1(command))
+{
+    BLCommon::setMessagePresenter(this);
+}
+
+StderrPresenter::~StderrPresenter()
+{
+    BLCommon::setMessagePresenter(nullptr);
+}
+
+int StderrPresenter::showAlert(const SCAlert& alert)
+{
+    cliErr() << "clipwright-cli " << m_command << ": " << alert.message;
+    if (!alert.informative.isEmpty())
+        cliErr() << " " << alert.informative;
+    cliErr() << Qt::endl;
+    return kFirstButton;
 }
 
 int cliUsage(const char* name)

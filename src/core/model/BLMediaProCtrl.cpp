@@ -660,10 +660,12 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
     const QList<DOMaterial> materials = mediaPro.getMaterialData(QString(), 0);
     // By reference and UMID together: a clip folder duplicated by hand has
     // the same UMID under another reference, and keeps its material.
+    int removed = 0;
     auto removeByUmid = [&](const QString& umid, const QString& uri) {
         for (const DOMaterial& material : materials) {
             if (material.getUri() != dotted(uri) || !isSameUmid(material.getUmid(), umid))
                 continue;
+            ++removed;
             if (!deleteMaterial(mediaPro, material, umid)) {
                 BLLogCtrl::debug(
                     kDeleteLogId,
@@ -680,6 +682,12 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
         }
         if (!removeByUmid(take.getUmid(), materialUri(take, take.getTakeStatus())))
             return false;
+    }
+    // Takes the profile does not list yet (the roll-back of a copy) leave it
+    // as it is, byte for byte.
+    if (removed == 0 && !upVer) {
+        BLLogCtrl::debug(kDeleteLogId, QStringLiteral("[BLMediaProCtrl deleteMaterial] End"));
+        return true;
     }
     if (upVer)
         mediaPro.updateVersion(QStringLiteral("1.20"));

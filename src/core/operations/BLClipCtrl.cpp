@@ -10,6 +10,7 @@
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLFolderNameCtrl.h"
 #include "core/operations/DOClipCtrl.h"
+#include "core/operations/IOperationPane.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -385,6 +386,40 @@ int BLClipCtrl::checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& c
                     if (isSameUmid(take.getUmid(), otherTake.getUmid()))
                         return 0;
     return 1;
+}
+
+bool BLClipCtrl::checkFolderExist(IOperationPane& pane, int type)
+{
+    const bool exists = checkFolderExistOfWorkFolder(pane.getSelectFolder()) &&
+                        (type != 5 || checkFolderExistOfRootFolder(pane.getWorkFolder()));
+    if (!exists) {
+        showMessage("MSG_632_3169");
+        pane.notFoundSelectFolderNoMessage();
+    }
+    return exists;
+}
+
+bool BLClipCtrl::checkFolderExistOfWorkFolder(const QString& folder)
+{
+    return !folder.isEmpty() && BLCommon::isFolder(folder);
+}
+
+bool BLClipCtrl::checkFolderExistOfRootFolder(const QString& folder)
+{
+    // The volume list has no folder of its own to lose.
+    return folder.isEmpty() || BLCommon::isFolder(folder);
+}
+
+bool BLClipCtrl::checkFolderExistToMediaInfo(IOperationPane* toPane, IOperationPane* fromPane)
+{
+    for (IOperationPane* pane : {toPane, fromPane}) {
+        if (pane && !checkFolderExistOfWorkFolder(pane->getSelectFolder())) {
+            showMessage("MSG_632_3169");
+            pane->notFoundSelectFolderNoMessage();
+            return false;
+        }
+    }
+    return true;
 }
 
 // ---- the files of records ----

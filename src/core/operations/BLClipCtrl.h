@@ -8,6 +8,7 @@
 #include <QStringList>
 
 class DOClipCtrl;
+class IOperationPane;
 
 // The service behind every operation on takes: the checks an operation runs
 // before it starts, the files of a clip or take, the deletion of a take and
@@ -62,6 +63,14 @@ public:
     // 0 when a take of the record has the UMID of a take of another record of
     // the list (the record itself stands at the index).
     int checkUmid(const DOClipCtrl& clipCtrl, const QList<DOClipCtrl>& clipCtrls, int index);
+    // The pane's selected folder still exists (for type 5, a rename, its work
+    // folder too); else "MSG_632_3169" is shown and the pane is told.
+    bool checkFolderExist(IOperationPane& pane, int type);
+    bool checkFolderExistOfWorkFolder(const QString& folder);
+    bool checkFolderExistOfRootFolder(const QString& folder);
+    // The selected folders of the destination and the source pane (either
+    // may be absent) still exist.
+    bool checkFolderExistToMediaInfo(IOperationPane* toPane, IOperationPane* fromPane);
 
     // ---- the files of records ----
     // Absolute paths of the existing files of a record in a BPAV folder: XML,

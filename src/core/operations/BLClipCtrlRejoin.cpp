@@ -547,6 +547,24 @@ bool BLClipCtrl::reMakeNonMeta(const DOTakeData& take, const QString& workFolder
     BLNonMetaAcss acss;
     if (!acss.loadForFilePath(BLCardPath::resolveReference(bpav, take.getXMLUri())))
         return false;
+    // A file that already says all this stays as it is, byte for byte (a take
+    // copied whole keeps the file it had).
+    DONonRealTimeMeta meta;
+    if (acss.getNonMetaData(meta, BLCommon::getSystemLanguage())) {
+        const auto sameChanges = [](const QList<DOLtcChange>& a, const QList<DOLtcChange>& b) {
+            return std::equal(
+                a.begin(), a.end(), b.begin(), b.end(), [](const DOLtcChange& x, const DOLtcChange& y) {
+                    return x.getValue() == y.getValue() && x.getFrameCount() == y.getFrameCount() &&
+                           x.getStatus() == y.getStatus();
+                });
+        };
+        const QList<DOBodyUmidBasicChange>& basic = meta.getBasicChangeArray();
+        if (meta.getTargetMaterial().getUmidRef() == take.getUmid() &&
+            (basic.isEmpty() || basic.first().getValue() == take.getUmid()) &&
+            meta.getDuration() == QString::number(take.getCurrentDuration()) &&
+            (ltcChanges.isEmpty() || sameChanges(meta.getLtcChangeTable().getLtcChangeArray(), ltcChanges)))
+            return true;
+    }
     DOTargetMaterial target;
     bool written = acss.getTargetMaterial(target);
     target.setUmidRef(take.getUmid());

@@ -8,6 +8,7 @@
 #include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
@@ -35,7 +36,6 @@ constexpr int kTreeToolButtons[] = {MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_I
 bool isTreeCommandAvailable(int tag)
 {
     switch (tag) {
-    case MENU_ITEM_ID_ALL_COPY:
     case MENU_ITEM_ID_FOLDER_DIVISION:
     case MENU_ITEM_ID_FOLDER_COMBINE:
     case MENU_ITEM_ID_CLIP_SEARCH:
@@ -542,13 +542,15 @@ void BLMediaInfoCtrl::selectPasteMenuItem()
     if (hasNonImportTake(clipCtrl.getFromTakes()))
         return;
     if (clipboard->getMode() == BLClipboardCtrl::kModeCopy) {
-        openClipOperation("selectPasteMenuItem", "copy", clipCtrl);
+        BLMediaInfoCtrl* other = anotherMediaInfoCtrl();
+        const bool otherIsSource = other && samePath(other->getSelectFolder(), clipboard->getPath());
+        openClipCopy(clipCtrl, BLClipCopyCtrl::kModeSelection, this, otherIsSource ? other : nullptr);
     } else {
         BLHouseKeepingCtrl houseKeeping;
         m_houseKeeping = &houseKeeping;
         clipCtrl.setBeforeTakes(runHouseKeeping(houseKeeping, clipboard->getPath()));
         m_houseKeeping = nullptr;
-        openClipOperation("selectPasteMenuItem", "move", clipCtrl);
+        openClipMove("selectPasteMenuItem", clipCtrl);
     }
     clipboard->setClipData({}, QString(), BLClipboardCtrl::kModeEmpty);
 }
@@ -562,10 +564,11 @@ void BLMediaInfoCtrl::selectAllCopyMenuItem()
         other->notFoundSelectFolder();
         return;
     }
+    BLCommon::sharedCtrl()->sendNotificationNow(static_cast<const void*>(this), SC::SCMovieStopNotification);
     DOClipCtrl clipCtrl = makeClipCtrl(m_selectFolder, other->getSelectFolder());
-    clipCtrl.setFromTakes(copyTakes(m_arrTakeData));
+    clipCtrl.setFromTakes(copyTakes(getTakeDataWithoutNonImport()));
     clipCtrl.setToTakes(other->getTakeData());
-    openClipOperation("selectAllCopyMenuItem", "copy", clipCtrl);
+    openClipCopy(clipCtrl, BLClipCopyCtrl::kModeAll, other, this);
 }
 
 void BLMediaInfoCtrl::dropClipData(bool isMove)
@@ -583,7 +586,10 @@ void BLMediaInfoCtrl::dropClipData(bool isMove)
     clipCtrl.setBeforeTakes(other->getTakeData());
     if (clipCtrl.getFromTakes().isEmpty() || hasNonImportTake(clipCtrl.getFromTakes()))
         return;
-    openClipOperation("dropClipData", isMove ? "move" : "copy", clipCtrl);
+    if (isMove)
+        openClipMove("dropClipData", clipCtrl);
+    else
+        openClipCopy(clipCtrl, BLClipCopyCtrl::kModeSelection, this, other);
 }
 
 void BLMediaInfoCtrl::showNewFolder()
@@ -708,13 +714,22 @@ bool BLMediaInfoCtrl::hasNonImportTake(const QList<DOTakeData>& takes)
     return found;
 }
 
-void BLMediaInfoCtrl::openClipOperation(const char* caller, const char* operation, const DOClipCtrl& clipCtrl)
+void BLMediaInfoCtrl::openClipCopy(const DOClipCtrl& clipCtrl, int mode, IOperationPane* toPane,
+                                   IOperationPane* fromPane)
 {
-    // The copy and move dialogs are not part of this build; their menu items
-    // are disabled, so only a direct call arrives here.
+    if (!m_baseView)
+        return;
+    BLClipCopyCtrl ctrl(&m_baseView->clipCopyView(), clipCtrl, toPane, fromPane);
+    ctrl.showModal(mode);
+}
+
+void BLMediaInfoCtrl::openClipMove(const char* caller, const DOClipCtrl& clipCtrl)
+{
+    // The move dialog is not part of this build; its menu items are
+    // disabled, so only a direct call arrives here.
     BLLogCtrl::debug(kProcessId,
-                     QStringLiteral("[BLMediaInfoCtrl %1](%2) %3 of %4 takes from %5 to %6: no dialog")
-                         .arg(QLatin1String(caller), getMediaInfoTypeString(), QLatin1String(operation))
+                     QStringLiteral("[BLMediaInfoCtrl %1](%2) move of %3 takes from %4 to %5: no dialog")
+                         .arg(QLatin1String(caller), getMediaInfoTypeString())
                          .arg(clipCtrl.getFromTakes().size())
                          .arg(clipCtrl.sourceWorkFolder(), clipCtrl.destinationWorkFolder()));
 }

@@ -2,6 +2,7 @@
 
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/model/DOTakeData.h"
+#include "core/operations/IOperationPane.h"
 
 #include <QList>
 #include <QObject>
@@ -24,7 +25,7 @@ class IMediaInfoView;
 //
 // Main thread only. While housekeeping runs on its worker the pane keeps the
 // event loop turning, so the housekeeping sheet stays alive.
-class BLMediaInfoCtrl : public QObject, public BLTreeViewCtrl::MediaInfo
+class BLMediaInfoCtrl : public QObject, public BLTreeViewCtrl::MediaInfo, public IOperationPane
 {
     Q_OBJECT
 public:
@@ -47,6 +48,7 @@ public:
     void finalizeCtrl();
 
     // ---- BLTreeViewCtrl::MediaInfo ----
+    // (also of IOperationPane)
     QString getWorkFolder() const override;
     QString getSelectFolder() const override { return m_selectFolder; }
     QString getMediaInfoTypeString() const override;
@@ -73,12 +75,12 @@ public:
     void renameSelectFolder(const QString& from, const QString& to);
     // The selected folder has gone: "MSG_632_3199", then the volume list.
     void notFoundSelectFolder();
-    void notFoundSelectFolderNoMessage();
+    void notFoundSelectFolderNoMessage() override;
 
     // ---- takes ----
     // Loads the selected folder's takes through housekeeping.
     void makeTakeData();
-    const QList<DOTakeData>& getTakeData() const { return m_arrTakeData; }
+    const QList<DOTakeData>& getTakeData() const override { return m_arrTakeData; }
     DOTakeData getTakeData(int index) const { return m_arrTakeData.value(index); }
     // Appends a take; with an index, inserts it there.
     void setTakeData(const DOTakeData& take);
@@ -138,8 +140,11 @@ private:
     static DOClipCtrl makeClipCtrl(const QString& fromFolder, const QString& toFolder);
     // Shows "MSG_633_3183" when a take is an MP4 file not yet imported.
     static bool hasNonImportTake(const QList<DOTakeData>& takes);
-    // Hands a filled record to the copy or move dialog.
-    void openClipOperation(const char* caller, const char* operation, const DOClipCtrl& clipCtrl);
+    // Opens the copy dialog (BLClipCopyCtrl modes) on a filled record; either
+    // pane may be absent.
+    void openClipCopy(const DOClipCtrl& clipCtrl, int mode, IOperationPane* toPane, IOperationPane* fromPane);
+    // Hands a filled record to the move dialog.
+    void openClipMove(const char* caller, const DOClipCtrl& clipCtrl);
 
     IMediaInfoView* m_baseView = nullptr;
     BLThumbViewCtrl* m_thumbViewCtrl;

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class IClipCopyView;
 class IDeleteFolderView;
 class IFolderNameView;
 
@@ -26,4 +27,5 @@ public:
     virtual QString chooseFolder(const QString& start) = 0;
     virtual IFolderNameView& folderNameView() = 0;
     virtual IDeleteFolderView& deleteFolderView() = 0;
+    virtual IClipCopyView& clipCopyView() = 0;
 };

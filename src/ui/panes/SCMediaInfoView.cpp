@@ -3,6 +3,7 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "ui/common/LocalizedTitle.h"
+#include "ui/operations/ClipCopyDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
 #include "ui/operations/FolderNameDialog.h"
 #include "ui/panes/SCThumbView.h"
@@ -60,7 +61,7 @@ SCMediaInfoView::SCMediaInfoView(BLMediaInfoCtrl* ctrl, QWidget* parent)
     : QWidget(parent), m_ctrl(ctrl), m_folderName(new QLabel), m_splitView(new QSplitter(Qt::Horizontal)),
       m_treeView(new SCTreeView(ctrl->treeViewCtrl())), m_thumbView(new SCThumbView(ctrl->thumbViewCtrl())),
       m_folderSize(new QLabel), m_volumeSize(new QLabel), m_folderNameDialog(new FolderNameDialog(this)),
-      m_deleteFolderDialog(new DeleteFolderDialog(this))
+      m_deleteFolderDialog(new DeleteFolderDialog(this)), m_clipCopyDialog(new ClipCopyDialog(this))
 {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(2);
@@ -173,4 +174,9 @@ IFolderNameView& SCMediaInfoView::folderNameView()
 IDeleteFolderView& SCMediaInfoView::deleteFolderView()
 {
     return *m_deleteFolderDialog;
+}
+
+IClipCopyView& SCMediaInfoView::clipCopyView()
+{
+    return *m_clipCopyDialog;
 }

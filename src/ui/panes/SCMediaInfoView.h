@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class BLMediaInfoCtrl;
+class ClipCopyDialog;
 class DeleteFolderDialog;
 class FolderNameDialog;
 class QLabel;
@@ -48,6 +49,7 @@ public:
     QString chooseFolder(const QString& start) override;
     IFolderNameView& folderNameView() override;
     IDeleteFolderView& deleteFolderView() override;
+    IClipCopyView& clipCopyView() override;
 
 private:
     QToolButton* makeToolButton(int tag);
@@ -62,4 +64,5 @@ private:
     QLabel* m_volumeSize;
     FolderNameDialog* m_folderNameDialog;
     DeleteFolderDialog* m_deleteFolderDialog;
+    ClipCopyDialog* m_clipCopyDialog;
 };

@@ -8,6 +8,7 @@
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/metadata/DOKeyFrame.h"
 #include "core/operations/BLClipboardCtrl.h"
+#include "core/operations/IClipCopyView.h"
 #include "core/operations/IDeleteFolderView.h"
 #include "core/operations/IFolderNameView.h"
 #include "core/panes/BLMediaInfoCtrl.h"
@@ -35,7 +36,7 @@
 namespace {
 
 // The pane's view: keeps the texts and button states it is given.
-class FakeMediaInfoView : public IMediaInfoView, IFolderNameView, IDeleteFolderView
+class FakeMediaInfoView : public IMediaInfoView, IFolderNameView, IDeleteFolderView, IClipCopyView
 {
 public:
     QString folderName, folderSize, volumeSize;
@@ -50,8 +51,9 @@ public:
     QString chosenFolder; // what Change Work Folder answers ("" for Cancel)
     IFolderNameView& folderNameView() override { return *this; }
     IDeleteFolderView& deleteFolderView() override { return *this; }
+    IClipCopyView& clipCopyView() override { return *this; }
 
-    // Dialogs answer Cancel / No.
+    // Dialogs answer Cancel / No; the copy dialog keeps what it was shown.
     void setTitle(const QString&) override {}
     void setMessage(const QString&) override {}
     void setFolderPath(const QString&) override {}
@@ -60,6 +62,16 @@ public:
     int runModal(BLFolderNameCtrl*) override { return 0; }
     void endModal(int) override {}
     bool confirmDelete(const QString&, const QString&) override { return false; }
+    void setSource(const QString& name) override { copySource = name; }
+    void setDestination(const QString& name) override { copyDestination = name; }
+    QString destination() const override { return copyDestination; }
+    int runModal(BLClipCopyCtrl*) override
+    {
+        ++copyDialogs;
+        return 0;
+    }
+    QString copySource, copyDestination;
+    int copyDialogs = 0;
 };
 
 class FakeMainWindowView : public IMainWindowView
@@ -354,6 +366,8 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     plist->setWorkFolderPathBySub1(plain.workFolder());
     plist->setSelectFolderPathBySub1(plain.workFolder());
     main.setView(&m_view);
+    FakeMediaInfoView subView;
+    sub.setView(&subView);
     EXPECT_TRUE(window.initializeCtrl());
     ASSERT_TRUE(
         pump([&] { return main.thumbViewCtrl()->rowCount() == 2 && sub.thumbViewCtrl()->rowCount() == 1; }));
@@ -418,12 +432,15 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     EXPECT_EQ(clipboard->getPath(), hq.workFolder());
     EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
     EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
-    sub.selectPasteMenuItem();
+    sub.selectPasteMenuItem(); // the copy dialog opens on the two folders
+    EXPECT_EQ(subView.copyDialogs, 1);
+    EXPECT_EQ(subView.copySource, QFileInfo(hq.workFolder()).fileName());
+    EXPECT_EQ(subView.copyDestination, QFileInfo(sub.getSelectFolder()).fileName());
     EXPECT_EQ(clipboard->getMode(), BLClipboardCtrl::kModeEmpty);
 
     // Copy All needs takes here and a folder in the other pane.
     EXPECT_TRUE(main.isEnableAllCopyMenuItem());
-    EXPECT_EQ(m_view.buttons.value(MENU_ITEM_ID_ALL_COPY, true), false); // no copy dialog in this build
+    EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_ALL_COPY, false));
     EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_CHANGE_WORK_FOLDER));
 
     // A drag from the grid carries the pane and the UMIDs; only the other pane takes it.

@@ -1,0 +1,179 @@
+// clipwright-cli copy on generated cards: what it copies and reports, and what
+// a cancel by signal and a real write failure leave (nothing of the copy).
+#include "core/common/BLLocalizedStrings.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+const QString kCli = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli");
+
+struct CliRun
+{
+    int status = -1;
+    QByteArray out, err;
+};
+
+CliRun finish(QProcess& p)
+{
+    CliRun r;
+    if (!p.waitForFinished(60000))
+        return r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+CliRun cli(const QStringList& args)
+{
+    QProcess p;
+    p.start(kCli, args);
+    return finish(p);
+}
+
+// Every file under a folder by its path, with its contents' hash.
+QMap<QString, QByteArray> files(const QString& root)
+{
+    QMap<QString, QByteArray> entries;
+    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        if (file.open(QIODevice::ReadOnly))
+            entries.insert(QDir(root).relativeFilePath(file.fileName()),
+                           QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1));
+    }
+    return entries;
+}
+
+class CopyCommandTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        if (!QFileInfo::exists(kCli))
+            GTEST_SKIP() << "clipwright-cli is not built";
+        ASSERT_TRUE(QDir().mkpath(home().path("media")));
+    }
+};
+
+} // namespace
+
+TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+    const QString destination = home().path("media/Copy");
+
+    const CliRun run = cli({"copy", "--json", card.workFolder(), destination});
+    ASSERT_EQ(run.status, 0) << run.err.constData();
+    const QJsonObject result = QJsonDocument::fromJson(run.out).object();
+    EXPECT_EQ(result["takes"].toArray().size(), 4);
+    EXPECT_TRUE(result["verified"].toBool());
+    const QJsonArray copied = result["files"].toArray();
+    ASSERT_EQ(copied.size(), 3 * 5 + 2 * 5 + 2);
+    qint64 bytes = 0;
+    for (const QJsonValue& v : copied) {
+        const QJsonObject file = v.toObject();
+        bytes += file["size"].toInteger();
+        EXPECT_EQ(file["xxh64"].toString().size(), 16);
+        const QString relative = QDir(card.workFolder()).relativeFilePath(file["source"].toString());
+        EXPECT_EQ(files(destination).value(relative), source.value(relative)) << relative.toStdString();
+    }
+    EXPECT_EQ(result["bytes"].toInteger(), bytes);
+    EXPECT_EQ(files(card.workFolder()), source);
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(destination).size(), 4);
+
+    // One take by its ID, without verification, into a folder that holds takes.
+    const QString other = home().path("media/Other");
+    ASSERT_EQ(cli({"copy", "--no-verify", card.workFolder(), other, "ABC0002"}).status, 0);
+    const CliRun second = cli({"copy", "--json", card.workFolder(), other, "ABC0001"});
+    ASSERT_EQ(second.status, 0) << second.err.constData();
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(other).size(), 2);
+
+    // Wrong usage, and requests that cannot be met.
+    EXPECT_EQ(cli({"copy"}).status, 2);
+    EXPECT_EQ(cli({"copy", card.workFolder()}).status, 2);
+    EXPECT_EQ(cli({"copy", "--fast", card.workFolder(), other}).status, 2);
+    const CliRun unknown = cli({"copy", card.workFolder(), other, "XYZ0009"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_TRUE(unknown.err.contains("no take XYZ0009")) << unknown.err.constData();
+    const CliRun again = cli({"copy", card.workFolder(), other, "ABC0001"});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_TRUE(again.err.contains(BLLocalizedString("MSG_642_3114").toUtf8())) << again.err.constData();
+    EXPECT_EQ(cli({"copy", home().path("media"), other}).status, 1);
+}
+
+TEST_F(CopyCommandTest, ASignalCancelsAndLeavesNothingOfTheCopy)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(12);
+    options.size = "1920x1080";
+    options.frames = 90;
+    options.quantizer = 2;
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+    const QString destination = home().path("media/Copy");
+
+    // The process is stopped as soon as its first file arrives, so the signal
+    // surely comes while it copies.
+    QProcess p;
+    p.start(kCli, {"copy", card.workFolder(), destination});
+    ASSERT_TRUE(p.waitForStarted());
+    const QString first = destination + "/BPAV/CLPR/ABC0001/ABC0001M01.XML";
+    QElapsedTimer timer;
+    timer.start();
+    while (!QFileInfo::exists(first) && timer.elapsed() < 30000 && p.state() == QProcess::Running)
+        QThread::usleep(200);
+    const pid_t pid = pid_t(p.processId());
+    ASSERT_EQ(::kill(pid, SIGSTOP), 0);
+    ::kill(pid, SIGINT);
+    ::kill(pid, SIGCONT);
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("cancelled")) << run.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(destination));
+    EXPECT_EQ(files(card.workFolder()), source);
+}
+
+TEST_F(CopyCommandTest, AWriteFailureRollsBackWithItsMessage)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+    const QString destination = home().path("media/Copy");
+
+    // No file may grow past 64 KiB in the copying process: write fails with
+    // EFBIG in the middle of the first real-time metadata file.
+    QProcess p;
+    p.setChildProcessModifier([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{65536, 65536};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    });
+    p.start(kCli, {"copy", card.workFolder(), destination});
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(destination));
+    EXPECT_EQ(files(card.workFolder()), source);
+}
