@@ -316,3 +316,22 @@ TEST_F(ClipCopyTest, OkRefusesABpavNameAClipAlreadyThereAndAFolderOverItsLimits)
     EXPECT_EQ(QDir(full + "/BPAV/CLPR").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 600);
     EXPECT_TRUE(updates.size() == 1) << "only the copy that was made";
 }
+
+// The second half of a take recorded across two cards, copied next to the
+// first half, makes one whole take again.
+TEST_F(ClipCopyTest, AHalfCopiedNextToTheOtherMakesOneTake)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(0);
+    options.spanningClips = 2;
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QList<DOTakeData> secondHalf = copyable(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder(1)));
+    ASSERT_EQ(secondHalf.size(), 1);
+
+    ASSERT_TRUE(copy(record(card.workFolder(1), secondHalf, card.workFolder()), {"card"}));
+    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
+    ASSERT_EQ(takes.size(), 1);
+    EXPECT_EQ(takes[0].getClipData().size(), 2);
+    EXPECT_LT(takes[0].getTakeStatus(), 2);
+    EXPECT_FALSE(takes[0].getMediaSpanning());
+}
