@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/common/BLHeadlessProgressView.h"
 #include "core/common/IMessagePresenter.h"
+#include "core/common/TerminationSignals.h"
+#include "core/model/DOTakeData.h"
 
 #include <QStringList>
 #include <QTextStream>
@@ -36,6 +39,47 @@ public:
 private:
     QString m_command;
 };
+
+// The progress dialog of an operation as one line on stderr, kept up to date
+// when stderr is a terminal (values followed by the unit, when given).
+// Installed as the progress view for its lifetime.
+class TerminalProgressView : public BLHeadlessProgressView
+{
+public:
+    explicit TerminalProgressView(const char* unit);
+    ~TerminalProgressView() override;
+    void setMessage(const QString& message) override;
+    void setDeterminate(double value, double min, double max) override;
+
+private:
+    void print();
+
+    QString m_unit;
+    bool m_shown;
+    bool m_printed = false;
+};
+
+// SIGINT and SIGTERM press the progress dialog's Cancel button, for its lifetime.
+class CancelOnSignal
+{
+public:
+    CancelOnSignal();
+    bool received() const { return m_received; }
+
+private:
+    TerminationSignals m_signals;
+    bool m_received = false;
+};
+
+// An argument naming a folder, as an absolute clean path.
+QString cliWorkFolder(const QString& argument);
+// The takes of a work folder (after housekeeping) and those of them named by
+// their IDs. For a copy or a move (transferred: "copied", "moved") no ID
+// means every take that can be, and a take not imported or unusable is
+// refused. False, said on stderr, when a take is missing or refused or none
+// is left.
+bool chooseTakes(const char* command, const QString& workFolder, const QStringList& ids,
+                 const char* transferred, QList<DOTakeData>* takes, QList<DOTakeData>* chosen);
 
 int runCopy(const QStringList& args);
 int runMp4Info(const QStringList& args);

@@ -4,11 +4,6 @@
 #include "CliCommand.h"
 
 #include "core/common/BLCommon.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLLocalizedStrings.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/TerminationSignals.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
 
 #include <QDir>
@@ -17,46 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <unistd.h>
-
 namespace {
-
-// The progress dialog on a terminal: one line on stderr kept up to date.
-class TerminalProgressView : public BLHeadlessProgressView
-{
-public:
-    explicit TerminalProgressView(bool shown) : m_shown(shown) {}
-    ~TerminalProgressView() override
-    {
-        if (m_printed)
-            cliErr() << Qt::endl;
-    }
-    void setMessage(const QString& message) override
-    {
-        BLHeadlessProgressView::setMessage(message);
-        print();
-    }
-    void setDeterminate(double value, double min, double max) override
-    {
-        BLHeadlessProgressView::setDeterminate(value, min, max);
-        print();
-    }
-
-private:
-    void print()
-    {
-        if (!m_shown)
-            return;
-        cliErr() << "\r\033[K" << BLLocalizedString(message());
-        if (isDeterminate() && maximum() > minimum())
-            cliErr() << "  " << qint64(value()) << " / " << qint64(maximum()) << " MiB";
-        cliErr().flush();
-        m_printed = true;
-    }
-
-    bool m_shown;
-    bool m_printed = false;
-};
 
 QString hashText(quint64 hash)
 {
@@ -74,8 +30,8 @@ int runCopy(const QStringList& args)
         std::any_of(rest.begin(), rest.end(), [](const QString& a) { return a.startsWith('-'); }))
         return cliUsage("copy");
     QTextStream& err = cliErr();
-    const QString source = QDir::cleanPath(QFileInfo(rest.at(0)).absoluteFilePath());
-    const QFileInfo destination(QDir::cleanPath(QFileInfo(rest.at(1)).absoluteFilePath()));
+    const QString source = cliWorkFolder(rest.at(0));
+    const QFileInfo destination(cliWorkFolder(rest.at(1)));
     if (!BLCommon::isBPAVFolder(source)) {
         err << "clipwright-cli copy: " << source << ": no BPAV folder" << Qt::endl;
         return kExitFailed;
@@ -86,33 +42,9 @@ int runCopy(const QStringList& args)
     }
 
     StderrPresenter presenter("copy");
-    // The takes named (all that can be copied when none is), in the source's order.
-    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(source);
-    QList<DOTakeData> chosen;
-    for (const QString& id : rest.mid(2)) {
-        const auto take = std::find_if(takes.begin(), takes.end(),
-                                       [&](const DOTakeData& t) { return t.getShownTakeID() == id; });
-        if (take == takes.end()) {
-            err << "clipwright-cli copy: " << source << ": no take " << id << Qt::endl;
-            return kExitFailed;
-        }
-        if (take->getTakeStatus() >= 4) {
-            err << "clipwright-cli copy: " << id
-                << (take->getTakeStatus() == 4 ? ": an MP4 file not imported yet" : ": an unusable take")
-                << " cannot be copied" << Qt::endl;
-            return kExitFailed;
-        }
-        chosen << take->copyTake();
-    }
-    if (rest.size() == 2) {
-        for (const DOTakeData& take : takes)
-            if (take.getTakeStatus() < 4)
-                chosen << take.copyTake();
-    }
-    if (chosen.isEmpty()) {
-        err << "clipwright-cli copy: " << source << ": no take to copy" << Qt::endl;
+    QList<DOTakeData> takes, chosen;
+    if (!chooseTakes("copy", source, rest.mid(2), "copied", &takes, &chosen))
         return kExitFailed;
-    }
 
     DOClipCtrl record;
     record.setCopyFromPath(QFileInfo(source).path());
@@ -121,26 +53,21 @@ int runCopy(const QStringList& args)
     record.setCopyToFolderName(destination.fileName());
     record.setFromTakes(chosen);
 
-    // Ctrl+C or SIGTERM: before the copy nothing happens; during it the
-    // worker stops and undoes what it copied, as on Cancel.
-    bool interrupted = false;
-    TerminationSignals stopSignals;
-    QObject::connect(&stopSignals, &TerminationSignals::received, [&interrupted] {
-        interrupted = true;
-        BLProgressCtrl::sharedCtrl()->onCancel();
-    });
-    TerminalProgressView progress(::isatty(STDERR_FILENO) == 1);
-    BLProgressCtrl::sharedCtrl()->setView(&progress);
+    // Ctrl+C or SIGTERM: the worker stops and undoes what it copied.
+    CancelOnSignal interrupt;
     BLClipCopyCtrl ctrl(nullptr, record, nullptr, nullptr);
     if (!verify)
         ctrl.setVerify(false);
-    const bool ready = ctrl.checkRequest(destination.fileName()) == BLClipCopyCtrl::kCheckReady;
-    const bool copied = ready && !interrupted && ctrl.execClipCopy();
-    BLProgressCtrl::sharedCtrl()->setView(nullptr);
+    bool ready = false, copied = false;
+    {
+        TerminalProgressView progress("MiB");
+        ready = ctrl.checkRequest(destination.fileName()) == BLClipCopyCtrl::kCheckReady;
+        copied = ready && !interrupt.received() && ctrl.execClipCopy();
+    }
     if (ready && !copied && ctrl.getClipCtrl().getNewFolderFlag())
         QDir().rmdir(destination.filePath()); // the folder the copy made, empty again
     if (!copied) {
-        if (interrupted)
+        if (interrupt.received())
             err << "clipwright-cli copy: cancelled; " << destination.filePath() << " is as it was"
                 << Qt::endl;
         return kExitFailed;

@@ -10,7 +10,10 @@
 
 namespace {
 
-QString errorText(const char* text) { return QString::fromUtf8(text ? text : "").trimmed(); }
+QString errorText(const char* text)
+{
+    return QString::fromUtf8(text ? text : "").trimmed();
+}
 
 QJsonObject describe(const QString& path)
 {
@@ -77,10 +80,12 @@ void printText(const QJsonObject& info)
     auto num = [&info](const char* key) { return QString::number(info[key].toInteger()); };
     out << "OK\n";
     line("frames:", num("frames"));
-    line("frame rate:", info["frameRate"].toString() + " (code " + num("frameRateCode") + ", time code base " +
-                            num("timeCodeFps") + ", NTSC rate " + num("ntscRate") + ")");
-    line("picture size:", info["pictureSize"].toString() + " (width code " + num("widthCode") + ", height code " +
-                              num("heightCode") + ", aspect code " + num("aspectCode") + ")");
+    line("frame rate:", info["frameRate"].toString() + " (code " + num("frameRateCode") +
+                            ", time code base " + num("timeCodeFps") + ", NTSC rate " + num("ntscRate") +
+                            ")");
+    line("picture size:", info["pictureSize"].toString() + " (width code " + num("widthCode") +
+                              ", height code " + num("heightCode") + ", aspect code " + num("aspectCode") +
+                              ")");
     line("video format:", info["videoFormat"].toString() + " (object type " + num("objectType") +
                               ", max bit rate " + num("maxBitrate") + ")");
     line("video codec:", info["videoCodec"].toString());
