@@ -9,7 +9,7 @@ packages=(
   qt6-qpa-plugins qt6-svg-dev
   libxml2-dev libxxhash-dev xxhash
   libavformat-dev libavcodec-dev libswscale-dev libswresample-dev libavutil-dev
-  googletest libgtest-dev libgmock-dev libbenchmark-dev
+  googletest libgtest-dev libgmock-dev libbenchmark-dev strace
   xvfb xauth x11-utils imagemagick
   fonts-dejavu-core
   clang libclang-rt-14-dev

@@ -4,6 +4,7 @@
 #include "core/common/IMessagePresenter.h"
 #include "core/common/TerminationSignals.h"
 #include "core/model/DOTakeData.h"
+#include "core/operations/DOClipCtrl.h"
 
 #include <QStringList>
 #include <QTextStream>
@@ -81,7 +82,14 @@ QString cliWorkFolder(const QString& argument);
 bool chooseTakes(const char* command, const QString& workFolder, const QStringList& ids,
                  const char* transferred, QList<DOTakeData>* takes, QList<DOTakeData>* chosen);
 
+// The request of a copy or a move from its arguments (SOURCE_WORK_FOLDER
+// DEST_WORK_FOLDER [TAKE_ID...], at least two): the record's folders, the
+// chosen takes and the source's takes. kExitOk, or the exit status after
+// saying what is wrong on stderr.
+int transferRecord(const char* command, const char* transferred, const QStringList& args, DOClipCtrl* record);
+
 int runCopy(const QStringList& args);
+int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);
 int runScan(const QStringList& args);

@@ -99,3 +99,29 @@ bool chooseTakes(const char* command, const QString& workFolder, const QStringLi
     }
     return true;
 }
+
+int transferRecord(const char* command, const char* transferred, const QStringList& args, DOClipCtrl* record)
+{
+    QTextStream& err = cliErr();
+    const QString prefix = QStringLiteral("clipwright-cli %1: ").arg(QLatin1String(command));
+    const QString source = cliWorkFolder(args.at(0));
+    const QFileInfo destination(cliWorkFolder(args.at(1)));
+    if (!BLCommon::isBPAVFolder(source)) {
+        err << prefix << source << ": no BPAV folder" << Qt::endl;
+        return kExitFailed;
+    }
+    if (!QFileInfo(destination.path()).isDir()) {
+        err << prefix << destination.path() << ": no such folder" << Qt::endl;
+        return kExitFailed;
+    }
+    QList<DOTakeData> takes, chosen;
+    if (!chooseTakes(command, source, args.mid(2), transferred, &takes, &chosen))
+        return kExitFailed;
+    record->setCopyFromPath(QFileInfo(source).path());
+    record->setCopyFromFolderName(QFileInfo(source).fileName());
+    record->setCopyToFolder(destination.path());
+    record->setCopyToFolderName(destination.fileName());
+    record->setFromTakes(chosen);
+    record->setBeforeTakes(takes);
+    return kExitOk;
+}

@@ -29,29 +29,13 @@ int runCopy(const QStringList& args)
     if (rest.size() < 2 ||
         std::any_of(rest.begin(), rest.end(), [](const QString& a) { return a.startsWith('-'); }))
         return cliUsage("copy");
-    QTextStream& err = cliErr();
-    const QString source = cliWorkFolder(rest.at(0));
-    const QFileInfo destination(cliWorkFolder(rest.at(1)));
-    if (!BLCommon::isBPAVFolder(source)) {
-        err << "clipwright-cli copy: " << source << ": no BPAV folder" << Qt::endl;
-        return kExitFailed;
-    }
-    if (!QFileInfo(destination.path()).isDir()) {
-        err << "clipwright-cli copy: " << destination.path() << ": no such folder" << Qt::endl;
-        return kExitFailed;
-    }
-
     StderrPresenter presenter("copy");
-    QList<DOTakeData> takes, chosen;
-    if (!chooseTakes("copy", source, rest.mid(2), "copied", &takes, &chosen))
-        return kExitFailed;
-
     DOClipCtrl record;
-    record.setCopyFromPath(QFileInfo(source).path());
-    record.setCopyFromFolderName(QFileInfo(source).fileName());
-    record.setCopyToFolder(destination.path());
-    record.setCopyToFolderName(destination.fileName());
-    record.setFromTakes(chosen);
+    if (const int status = transferRecord("copy", "copied", rest, &record))
+        return status;
+    const QString source = record.sourceWorkFolder();
+    const QFileInfo destination(record.destinationWorkFolder());
+    const QList<DOTakeData> chosen = record.getFromTakes();
 
     // Ctrl+C or SIGTERM: the worker stops and undoes what it copied.
     CancelOnSignal interrupt;
@@ -68,8 +52,8 @@ int runCopy(const QStringList& args)
         QDir().rmdir(destination.filePath()); // the folder the copy made, empty again
     if (!copied) {
         if (interrupt.received())
-            err << "clipwright-cli copy: cancelled; " << destination.filePath() << " is as it was"
-                << Qt::endl;
+            cliErr() << "clipwright-cli copy: cancelled; " << destination.filePath() << " is as it was"
+                     << Qt::endl;
         return kExitFailed;
     }
 

@@ -12,6 +12,9 @@ namespace {
 const CliCommand kCommands[] = {
     {"copy", "[--no-verify] [--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Copy takes (all, or those named) into another work folder, verifying every file", runCopy},
+    {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
+     "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
+     runMove},
     {"mp4info", "[--json] FILE...", "Check MP4 files of the camera's kind and print their properties",
      runMp4Info},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
@@ -25,7 +28,7 @@ void printUsage(QTextStream& out)
     for (const CliCommand& c : kCommands)
         out << "  " << QString::fromLatin1(c.name).leftJustified(9) << c.arguments << "\n      " << c.summary
             << "\n";
-    out << "\nExit status: 0 success, 1 a file or folder failed (or the copy was cancelled), 2 wrong "
+    out << "\nExit status: 0 success, 1 a file or folder failed (or the operation was cancelled), 2 wrong "
            "usage.\n";
     out.flush();
 }

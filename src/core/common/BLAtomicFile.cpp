@@ -1,5 +1,7 @@
 #include "core/common/BLAtomicFile.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
@@ -95,4 +97,14 @@ bool BLAtomicFile::writeWith(const QString& path, const Writer& writer)
     }
     syncFolder(folder);
     return true;
+}
+
+void BLAtomicFile::removeLeftovers(const QString& path)
+{
+    const QFileInfo target(path);
+    const QString prefix = QLatin1Char('.') + target.fileName() + QLatin1Char('.');
+    const QDir folder = target.dir();
+    for (const QString& name :
+         folder.entryList({prefix + QStringLiteral("??????")}, QDir::Files | QDir::Hidden))
+        QFile::remove(folder.filePath(name));
 }

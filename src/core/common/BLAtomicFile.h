@@ -18,6 +18,10 @@ public:
     using Writer = std::function<bool(const QString& temporaryPath)>;
     static bool writeWith(const QString& path, const Writer& writer);
 
+    // Removes temporary files a process stopped midway left beside the
+    // target (only when no writer can be at work on it any more).
+    static void removeLeftovers(const QString& path);
+
     // Fault injection for tests: replaces the final rename (answer false to fail it).
     using RenameHook = std::function<bool(const QString& from, const QString& to)>;
     static void setRenameHookForTesting(RenameHook hook);

@@ -189,17 +189,10 @@ bool pathExists(const QString& path)
 // the item is copied and the source removed.
 bool moveOnce(const QString& source, const QString& destination)
 {
-    const QByteArray from = QFile::encodeName(source);
-    const QByteArray to = QFile::encodeName(destination);
-    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+    const int error = BLCommon::renameNoReplace(source, destination);
+    if (error == 0)
         return true;
-    if (errno == EINVAL || errno == ENOSYS) { // the file system cannot refuse to replace
-        if (pathExists(destination))
-            return false;
-        if (::rename(from.constData(), to.constData()) == 0)
-            return true;
-    }
-    if (errno != EXDEV || pathExists(destination) || !BLCommon::copyFile(source, destination))
+    if (error != EXDEV || pathExists(destination) || !BLCommon::copyFile(source, destination))
         return false;
     // The copy is complete; a source that cannot be removed stays as well, so nothing is lost.
     return BLCommon::removeFile(source);
@@ -1151,6 +1144,20 @@ bool BLCommon::moveFolder(const QString& source, const QString& toFolder)
         return true;
     moveOnce(temporary, source);
     return false;
+}
+
+int BLCommon::renameNoReplace(const QString& source, const QString& destination)
+{
+    const QByteArray from = QFile::encodeName(source);
+    const QByteArray to = QFile::encodeName(destination);
+    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // The file system cannot refuse to replace: test first.
+    if (pathExists(destination))
+        return EEXIST;
+    return ::rename(from.constData(), to.constData()) == 0 ? 0 : errno;
 }
 
 int BLCommon::moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,

@@ -189,6 +189,9 @@ public:
     // Moves (renames) a file or folder; across volumes by copy and removal.
     // A change of case only is done through a temporary name.
     static bool moveFolder(const QString& source, const QString& toFolder);
+    // One rename that never replaces an existing destination: 0, or the error
+    // number (EXDEV across file systems, EEXIST when the destination exists).
+    static int renameNoReplace(const QString& source, const QString& destination);
     // Moves one item; with a worker and a maximum the count grows by one and is
     // shown. 0 done, 2 failed, 3 cancelled (after the move).
     static int moveFileWithProgress(const QString& source, const QString& toPath, BLProgressThread* thread,

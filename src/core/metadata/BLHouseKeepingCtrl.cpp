@@ -10,6 +10,7 @@
 #include "core/model/BLMediaProCtrl.h"
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLClipCtrl.h"
+#include "core/operations/BLMoveJournal.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -67,6 +68,7 @@ bool BLHouseKeepingCtrl::passFolder(const QString& workFolder, QList<DOTakeData>
     }
     if (isCancelAt(1))
         return false;
+    endInterruptedMove(workFolder);
 
     // Nothing of the card is ever lost by looking at it: a file that cannot
     // be written leaves the takes to be read from the folders, and a damaged
@@ -219,6 +221,33 @@ void BLHouseKeepingCtrl::rewriteMediaPro(const QList<DOTakeData>& takes, const Q
             workFolder);
         addRepair(BLMediaProfileAcss::kFileName, QStringLiteral("not-written"),
                   reason + QStringLiteral(", and writing it failed"));
+    }
+}
+
+void BLHouseKeepingCtrl::endInterruptedMove(const QString& workFolder)
+{
+    const BLMoveJournal::Recovery recovery = BLMoveJournal::recover(workFolder);
+    switch (recovery.state) {
+    case BLMoveJournal::Recovery::Ended:
+        addRepair(
+            BLMoveJournal::kFileName, QStringLiteral("ended"),
+            QStringLiteral("an interrupted move from %1 to %2: %3 takes left in the destination, %4 moved "
+                           "back")
+                .arg(recovery.source, recovery.destination)
+                .arg(recovery.kept)
+                .arg(recovery.broughtBack));
+        showMessage("MSG_732_3302", {recovery.source, recovery.destination, QString::number(recovery.kept),
+                                     QString::number(recovery.broughtBack)});
+        break;
+    case BLMoveJournal::Recovery::NotEnded:
+        addRepair(BLMoveJournal::kFileName, QStringLiteral("not-ended"),
+                  QStringLiteral("an interrupted move from %1 to %2: %3")
+                      .arg(recovery.source, recovery.destination, recovery.detail));
+        showMessage("MSG_732_3303", {recovery.source, recovery.destination, recovery.detail});
+        break;
+    case BLMoveJournal::Recovery::None:
+    case BLMoveJournal::Recovery::Busy: // the move's own process ends it
+        break;
     }
 }
 

@@ -28,8 +28,8 @@ public:
     // What the last pass did to an index file, or could not do.
     struct Repair
     {
-        QString file;   // "MEDIAPRO.XML" or "CUEUP.XML"
-        QString action; // "created", "rebuilt", "rewritten" or "not-written"
+        QString file;   // "MEDIAPRO.XML", "CUEUP.XML", or the journal of a move
+        QString action; // "created", "rebuilt", "rewritten", "not-written"; "ended", "not-ended" (a move)
         QString detail; // why, in words
         QString copy;   // where the damaged file was copied before, if it was
     };
@@ -106,6 +106,9 @@ private:
     void rewriteMediaPro(const QList<DOTakeData>& takes, const QString& workFolder, const QString& action,
                          const QString& reason);
     void addRepair(const QString& file, const QString& action, const QString& detail);
+    // Ends a move of takes the folder took part in that its process did not
+    // live to end (BLMoveJournal), and tells the user.
+    void endInterruptedMove(const QString& workFolder);
     // "MSG_732_3176", once a pass.
     void tellNotWritable();
     // Logs the cancel step when the flag is set.

@@ -698,6 +698,30 @@ bool BLMediaProCtrl::deleteMaterial(const QList<DOTakeData>& takes, const QStrin
     return saved;
 }
 
+bool BLMediaProCtrl::deleteMaterialsIn(const QString& workFolder, const QStringList& paths)
+{
+    // A profile that cannot be read is made anew from the folders by the next scan.
+    BLMediaProfileAcss mediaPro;
+    if (!mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        return true;
+    int removed = 0;
+    for (const DOMaterial& material : mediaPro.getMaterialData(QString(), 0)) {
+        const QString& reference = material.getUri();
+        const QString uri = reference.startsWith(QLatin1String("./")) ? reference.mid(2) : reference;
+        const bool inside = std::any_of(paths.begin(), paths.end(), [&](const QString& path) {
+            return uri.compare(path, Qt::CaseInsensitive) == 0 ||
+                   uri.startsWith(path + QLatin1Char('/'), Qt::CaseInsensitive);
+        });
+        if (inside && mediaPro.delMaterialData(material.getUri()) > 0)
+            ++removed;
+    }
+    if (removed == 0)
+        return true;
+    DOAttached attached;
+    mediaPro.getAttachedData(attached);
+    return mediaPro.save(attached.getMediaId());
+}
+
 bool BLMediaProCtrl::deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material,
                                     const QString& umid)
 {

@@ -122,6 +122,11 @@ public:
     // upVer tells that the takes left in the folder include a 720-line take:
     // the version becomes "1.20". Nothing is saved when a removal fails.
     bool deleteMaterial(const QList<DOTakeData>& takes, const QString& workFolder, bool upVer);
+    // Removes the materials whose reference lies in one of the folders (or is
+    // one of the files) given below the BPAV folder ("CLPR/ABC0001"): what a
+    // move took away. Nothing is written when none does, or when the profile
+    // cannot be read (a scan then makes it anew from the folders).
+    bool deleteMaterialsIn(const QString& workFolder, const QStringList& paths);
     // Removes the material when its UMID is the given one.
     bool deleteMaterial(BLMediaProfileAcss& mediaPro, const DOMaterial& material, const QString& umid);
 

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-class IClipCopyView;
+class IClipTransferView;
 class IDeleteFolderView;
 class IFolderNameView;
 
@@ -27,5 +27,6 @@ public:
     virtual QString chooseFolder(const QString& start) = 0;
     virtual IFolderNameView& folderNameView() = 0;
     virtual IDeleteFolderView& deleteFolderView() = 0;
-    virtual IClipCopyView& clipCopyView() = 0;
+    virtual IClipTransferView& clipCopyView() = 0;
+    virtual IClipTransferView& clipMoveView() = 0;
 };

@@ -3,7 +3,7 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "ui/common/LocalizedTitle.h"
-#include "ui/operations/ClipCopyDialog.h"
+#include "ui/operations/ClipTransferDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
 #include "ui/operations/FolderNameDialog.h"
 #include "ui/panes/SCThumbView.h"
@@ -61,7 +61,9 @@ SCMediaInfoView::SCMediaInfoView(BLMediaInfoCtrl* ctrl, QWidget* parent)
     : QWidget(parent), m_ctrl(ctrl), m_folderName(new QLabel), m_splitView(new QSplitter(Qt::Horizontal)),
       m_treeView(new SCTreeView(ctrl->treeViewCtrl())), m_thumbView(new SCThumbView(ctrl->thumbViewCtrl())),
       m_folderSize(new QLabel), m_volumeSize(new QLabel), m_folderNameDialog(new FolderNameDialog(this)),
-      m_deleteFolderDialog(new DeleteFolderDialog(this)), m_clipCopyDialog(new ClipCopyDialog(this))
+      m_deleteFolderDialog(new DeleteFolderDialog(this)),
+      m_clipCopyDialog(new ClipTransferDialog(QStringLiteral("ClipCopy"), this)),
+      m_clipMoveDialog(new ClipTransferDialog(QStringLiteral("ClipMove"), this))
 {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(2);
@@ -176,7 +178,12 @@ IDeleteFolderView& SCMediaInfoView::deleteFolderView()
     return *m_deleteFolderDialog;
 }
 
-IClipCopyView& SCMediaInfoView::clipCopyView()
+IClipTransferView& SCMediaInfoView::clipCopyView()
 {
     return *m_clipCopyDialog;
+}
+
+IClipTransferView& SCMediaInfoView::clipMoveView()
+{
+    return *m_clipMoveDialog;
 }

@@ -7,7 +7,7 @@
 #include <QWidget>
 
 class BLMediaInfoCtrl;
-class ClipCopyDialog;
+class ClipTransferDialog;
 class DeleteFolderDialog;
 class FolderNameDialog;
 class QLabel;
@@ -49,7 +49,8 @@ public:
     QString chooseFolder(const QString& start) override;
     IFolderNameView& folderNameView() override;
     IDeleteFolderView& deleteFolderView() override;
-    IClipCopyView& clipCopyView() override;
+    IClipTransferView& clipCopyView() override;
+    IClipTransferView& clipMoveView() override;
 
 private:
     QToolButton* makeToolButton(int tag);
@@ -64,5 +65,6 @@ private:
     QLabel* m_volumeSize;
     FolderNameDialog* m_folderNameDialog;
     DeleteFolderDialog* m_deleteFolderDialog;
-    ClipCopyDialog* m_clipCopyDialog;
+    ClipTransferDialog* m_clipCopyDialog;
+    ClipTransferDialog* m_clipMoveDialog;
 };

@@ -1,13 +1,13 @@
 // clipwright-cli copy on generated cards: what it copies and reports, and what
 // a cancel by signal and a real write failure leave (nothing of the copy).
+#include "CliTestSupport.h"
+
 #include "core/common/BLLocalizedStrings.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 
-#include <QCryptographicHash>
 #include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -23,45 +23,7 @@
 
 namespace {
 
-const QString kCli = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli");
-
-struct CliRun
-{
-    int status = -1;
-    QByteArray out, err;
-};
-
-CliRun finish(QProcess& p)
-{
-    CliRun r;
-    if (!p.waitForFinished(60000))
-        return r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = p.readAllStandardOutput();
-    r.err = p.readAllStandardError();
-    return r;
-}
-
-CliRun cli(const QStringList& args)
-{
-    QProcess p;
-    p.start(kCli, args);
-    return finish(p);
-}
-
-// Every file under a folder by its path, with its contents' hash.
-QMap<QString, QByteArray> files(const QString& root)
-{
-    QMap<QString, QByteArray> entries;
-    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        QFile file(it.next());
-        if (file.open(QIODevice::ReadOnly))
-            entries.insert(QDir(root).relativeFilePath(file.fileName()),
-                           QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1));
-    }
-    return entries;
-}
+using namespace clitest;
 
 class CopyCommandTest : public cwtest::HomeTest
 {

@@ -1,5 +1,7 @@
 // clipwright-cli scan on generated cards: what it prints (text and JSON)
 // against what the generator's manifest says the card holds.
+#include "CliTestSupport.h"
+
 #include "core/common/BLCommon.h"
 #include "core/metadata/BLMediaProfileAcss.h"
 #include "support/CardFolder.h"
@@ -19,26 +21,7 @@ namespace {
 
 using cwtest::damage;
 
-const QString kCli = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/tools/cli/clipwright-cli");
-
-struct CliRun
-{
-    int status = -1;
-    QByteArray out, err;
-};
-
-CliRun cli(const QStringList& args)
-{
-    CliRun r;
-    QProcess p;
-    p.start(kCli, args);
-    if (!p.waitForFinished(60000))
-        return r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = p.readAllStandardOutput();
-    r.err = p.readAllStandardError();
-    return r;
-}
+using namespace clitest;
 
 class ScanCommandTest : public cwtest::HomeTest
 {
@@ -169,7 +152,7 @@ TEST_F(ScanCommandTest, RepairsAreReportedAndAnIndexNothingCouldReplaceFails)
     EXPECT_TRUE(again.err.isEmpty()) << again.err.constData();
 
     // A damaged index on a card with no clip left: nothing to rebuild it from.
-    for (const QString& folder : {"CLPR", "TAKR"})
+    for (const char* folder : {"CLPR", "TAKR"})
         ASSERT_TRUE(QDir(card.bpav() + "/" + folder).removeRecursively());
     ASSERT_TRUE(QFile::resize(index, 10));
     const CliRun empty = cli({"scan", card.workFolder()});

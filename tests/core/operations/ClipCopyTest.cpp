@@ -10,7 +10,7 @@
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLClipCopyCtrl.h"
-#include "core/operations/IClipCopyView.h"
+#include "core/operations/IClipTransferView.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
@@ -32,7 +32,7 @@ namespace {
 // The dialog as a user answers it: OK with each name in turn until the
 // controller ends it (a refusal that keeps it open gets the next name), then
 // Cancel.
-class AnsweringCopyView : public IClipCopyView
+class AnsweringCopyView : public IClipTransferView
 {
 public:
     explicit AnsweringCopyView(QStringList names) : m_names(std::move(names)) {}
@@ -41,7 +41,7 @@ public:
     void setSource(const QString& s) override { source = s; }
     void setDestination(const QString& d) override { proposed = d; }
     QString destination() const override { return m_name; }
-    int runModal(BLClipCopyCtrl* ctrl) override
+    int runModal(IClipTransferCtrl* ctrl) override
     {
         m_ended = false;
         for (const QString& name : std::as_const(m_names)) {

@@ -252,8 +252,9 @@ TEST_F(HouseKeepingSafetyTest, EveryGeneratedCardLoadsWithItsTakes)
         const QMap<QString, QByteArray> before = optest::snapshot(work);
         EXPECT_EQ(described(BLHouseKeepingCtrl().doHouseKeeping(work)), expected(card.manifest()));
         const bool needsRepair = options.damages.size() == 1 && options.damages[0].kind == Kind::Unlisted;
-        if (!needsRepair)
+        if (!needsRepair) {
             EXPECT_EQ(optest::snapshot(work), before);
+        }
         const QMap<QString, QByteArray> after = optest::snapshot(work);
         EXPECT_EQ(described(BLHouseKeepingCtrl().doHouseKeeping(work)), expected(card.manifest()));
         EXPECT_EQ(optest::snapshot(work), after);

@@ -8,7 +8,7 @@
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/metadata/DOKeyFrame.h"
 #include "core/operations/BLClipboardCtrl.h"
-#include "core/operations/IClipCopyView.h"
+#include "core/operations/IClipTransferView.h"
 #include "core/operations/IDeleteFolderView.h"
 #include "core/operations/IFolderNameView.h"
 #include "core/panes/BLMediaInfoCtrl.h"
@@ -36,7 +36,7 @@
 namespace {
 
 // The pane's view: keeps the texts and button states it is given.
-class FakeMediaInfoView : public IMediaInfoView, IFolderNameView, IDeleteFolderView, IClipCopyView
+class FakeMediaInfoView : public IMediaInfoView, IFolderNameView, IDeleteFolderView, IClipTransferView
 {
 public:
     QString folderName, folderSize, volumeSize;
@@ -51,7 +51,8 @@ public:
     QString chosenFolder; // what Change Work Folder answers ("" for Cancel)
     IFolderNameView& folderNameView() override { return *this; }
     IDeleteFolderView& deleteFolderView() override { return *this; }
-    IClipCopyView& clipCopyView() override { return *this; }
+    IClipTransferView& clipCopyView() override { return *this; }
+    IClipTransferView& clipMoveView() override { return *this; }
 
     // Dialogs answer Cancel / No; the copy dialog keeps what it was shown.
     void setTitle(const QString&) override {}
@@ -65,7 +66,7 @@ public:
     void setSource(const QString& name) override { copySource = name; }
     void setDestination(const QString& name) override { copyDestination = name; }
     QString destination() const override { return copyDestination; }
-    int runModal(BLClipCopyCtrl*) override
+    int runModal(IClipTransferCtrl*) override
     {
         ++copyDialogs;
         return 0;

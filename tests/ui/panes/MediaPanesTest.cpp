@@ -13,7 +13,7 @@
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 #include "ui/app/SCMainWindow.h"
-#include "ui/operations/ClipCopyDialog.h"
+#include "ui/operations/ClipTransferDialog.h"
 #include "ui/panes/SCMediaInfoView.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
@@ -659,7 +659,7 @@ TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
     // Without Shift the takes are copied: the copy dialog names both folders,
     // and once it is confirmed the other pane shows them.
     QString shown;
-    answerDialog<ClipCopyDialog>([&](ClipCopyDialog* dialog) {
+    answerDialog<ClipTransferDialog>([&](ClipTransferDialog* dialog) {
         shown = dialog->sourceField()->text() + " -> " + dialog->destinationField()->text();
         dialog->accept();
     });

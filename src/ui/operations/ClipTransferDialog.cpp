@@ -1,6 +1,5 @@
-#include "ui/operations/ClipCopyDialog.h"
+#include "ui/operations/ClipTransferDialog.h"
 
-#include "core/operations/BLClipCopyCtrl.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QDialogButtonBox>
@@ -9,11 +8,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-ClipCopyDialog::ClipCopyDialog(QWidget* parent)
+ClipTransferDialog::ClipTransferDialog(const QString& name, QWidget* parent)
     : QDialog(parent), m_source(new QLabel(this)), m_message(new QLabel(this)),
       m_destination(new QLineEdit(this))
 {
-    setObjectName(QStringLiteral("ClipCopy"));
+    setObjectName(name);
     m_source->setObjectName(QStringLiteral("source"));
     m_message->setObjectName(QStringLiteral("message"));
     m_destination->setObjectName(QStringLiteral("destination"));
@@ -27,8 +26,8 @@ ClipCopyDialog::ClipCopyDialog(QWidget* parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("BTN_STYLE_OK"));
     buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("BTN_STYLE_CANCEL"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &ClipCopyDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &ClipCopyDialog::reject);
+    connect(buttons, &QDialogButtonBox::accepted, this, &ClipTransferDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &ClipTransferDialog::reject);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_source);
@@ -39,33 +38,33 @@ ClipCopyDialog::ClipCopyDialog(QWidget* parent)
     localizedTitleByObject(this);
 }
 
-void ClipCopyDialog::setTitle(const QString& title)
+void ClipTransferDialog::setTitle(const QString& title)
 {
     setWindowTitle(title);
 }
 
-void ClipCopyDialog::setMessage(const QString& message)
+void ClipTransferDialog::setMessage(const QString& message)
 {
     m_message->setText(message);
 }
 
-void ClipCopyDialog::setSource(const QString& name)
+void ClipTransferDialog::setSource(const QString& name)
 {
     m_source->setText(name);
 }
 
-void ClipCopyDialog::setDestination(const QString& name)
+void ClipTransferDialog::setDestination(const QString& name)
 {
     m_destination->setText(name);
     m_destination->selectAll();
 }
 
-QString ClipCopyDialog::destination() const
+QString ClipTransferDialog::destination() const
 {
     return m_destination->text();
 }
 
-int ClipCopyDialog::runModal(BLClipCopyCtrl* ctrl)
+int ClipTransferDialog::runModal(IClipTransferCtrl* ctrl)
 {
     m_ctrl = ctrl;
     m_destination->setFocus();
@@ -74,12 +73,12 @@ int ClipCopyDialog::runModal(BLClipCopyCtrl* ctrl)
     return code;
 }
 
-void ClipCopyDialog::endModal(int code)
+void ClipTransferDialog::endModal(int code)
 {
     done(code);
 }
 
-void ClipCopyDialog::accept()
+void ClipTransferDialog::accept()
 {
     if (m_ctrl)
         m_ctrl->onOK();
@@ -87,7 +86,7 @@ void ClipCopyDialog::accept()
         QDialog::accept();
 }
 
-void ClipCopyDialog::reject()
+void ClipTransferDialog::reject()
 {
     if (m_ctrl)
         m_ctrl->onCancel();

@@ -1,0 +1,41 @@
+#include "CliTestSupport.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+
+namespace clitest {
+
+CliRun finish(QProcess& p)
+{
+    CliRun r;
+    if (!p.waitForFinished(60000))
+        return r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+CliRun cli(const QStringList& args)
+{
+    QProcess p;
+    p.start(kCli, args);
+    return finish(p);
+}
+
+QMap<QString, QByteArray> files(const QString& root)
+{
+    QMap<QString, QByteArray> entries;
+    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        if (file.open(QIODevice::ReadOnly))
+            entries.insert(QDir(root).relativeFilePath(file.fileName()),
+                           QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1));
+    }
+    return entries;
+}
+
+} // namespace clitest

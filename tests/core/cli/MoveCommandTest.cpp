@@ -1,0 +1,285 @@
+// clipwright-cli move on generated cards: what it moves and reports, what a
+// write failure across file systems leaves, and what a process killed at any
+// moment of a move leaves once both folders have been scanned again.
+#include "CliTestSupport.h"
+
+#include "core/common/BLLocalizedStrings.h"
+#include "support/CardFolder.h"
+#include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace {
+
+using namespace clitest;
+
+// The takes a scan lists, by UMID, and what it repaired.
+QStringList scannedUmids(const QString& workFolder, QByteArray* err = nullptr)
+{
+    const CliRun run = cli({"scan", "--json", workFolder});
+    if (err)
+        *err = run.err;
+    QStringList umids;
+    for (const QJsonValue& take : QJsonDocument::fromJson(run.out)["takes"].toArray())
+        umids << take["umid"].toString();
+    return umids;
+}
+
+// Files of a card's clip and take folders (not its index files, which a move rewrites).
+QMap<QString, QByteArray> footage(const QString& workFolder)
+{
+    QMap<QString, QByteArray> entries;
+    for (const char* folder : {"CLPR", "TAKR"}) {
+        const QMap<QString, QByteArray> found = files(workFolder + "/BPAV/" + folder);
+        for (auto it = found.cbegin(); it != found.cend(); ++it)
+            entries.insert(QString::fromLatin1(folder) + "/" + it.key(), it.value());
+    }
+    return entries;
+}
+
+bool sameFileSystem(const QString& path, const QString& path2)
+{
+    struct stat a
+    {
+    }, b{};
+    return ::stat(QFile::encodeName(path).constData(), &a) == 0 &&
+           ::stat(QFile::encodeName(path2).constData(), &b) == 0 && a.st_dev == b.st_dev;
+}
+
+// A folder on another file system than the home, with room, or "".
+QString otherFileSystem(const QString& home)
+{
+    struct statvfs room
+    {
+    };
+    const QString shm = QStringLiteral("/dev/shm");
+    if (!QFileInfo(shm).isDir() || sameFileSystem(shm, home) || ::statvfs("/dev/shm", &room) != 0 ||
+        qint64(room.f_bavail) * qint64(room.f_frsize) < 200'000'000)
+        return {};
+    return shm;
+}
+
+class MoveCommandTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        if (!QFileInfo::exists(kCli))
+            GTEST_SKIP() << "clipwright-cli is not built";
+        ASSERT_TRUE(QDir().mkpath(home().path("media")));
+    }
+};
+
+} // namespace
+
+TEST_F(MoveCommandTest, MovesTakesAndBothFoldersListThemWhereTheyAre)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QStringList all = scannedUmids(card.workFolder());
+    ASSERT_EQ(all.size(), 4);
+    const QMap<QString, QByteArray> before = footage(card.workFolder());
+    const QString destination = home().path("media/Moved");
+
+    const CliRun run = cli({"move", "--json", card.workFolder(), destination, "ABC0002", "ABC0004U01"});
+    ASSERT_EQ(run.status, 0) << run.err.constData();
+    const QJsonObject result = QJsonDocument::fromJson(run.out).object();
+    EXPECT_FALSE(result["copiedAcrossFileSystems"].toBool());
+    EXPECT_EQ(result["files"].toInteger(), 5 + 2 * 5 + 2);
+    QStringList moved;
+    for (const QJsonValue& take : result["takes"].toArray())
+        moved << take["umid"].toString();
+    EXPECT_EQ(moved, QStringList({all[1], all[3]}));
+
+    // Each folder lists what it holds, with nothing left to repair.
+    QByteArray err;
+    EXPECT_EQ(scannedUmids(destination, &err), moved);
+    EXPECT_EQ(scannedUmids(card.workFolder()), QStringList({all[0], all[2]}));
+    QMap<QString, QByteArray> after = footage(card.workFolder());
+    after.insert(footage(destination));
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(QDir(card.bpav()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList({"CLPR", "CUEUP.XML", "MEDIAPRO.XML", "TAKR"}));
+
+    // Wrong usage, and requests that cannot be met.
+    EXPECT_EQ(cli({"move", card.workFolder()}).status, 2);
+    EXPECT_EQ(cli({"move", "--quick", card.workFolder(), destination}).status, 2);
+    EXPECT_EQ(cli({"move", card.workFolder(), destination, "ABC0002"}).status, 1);
+    const CliRun again = cli({"move", destination, destination});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_TRUE(again.err.contains(BLLocalizedString("MSG_644_3187").toUtf8())) << again.err.constData();
+}
+
+TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
+{
+    const QString other = otherFileSystem(home().path("media"));
+    if (other.isEmpty())
+        GTEST_SKIP() << "no second file system with room";
+    cardgen::Options options = cwtest::CardFolder::fast(4);
+    options.size = "1920x1080";
+    options.frames = 60;
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QMap<QString, QByteArray> before = files(card.workFolder());
+    const QTemporaryDir target(other + "/clipwright-move-XXXXXX");
+    const QString destination = target.path() + "/Moved";
+
+    // No file may grow past 256 KiB in the moving process: the copy of the
+    // first essence file fails with EFBIG.
+    QProcess p;
+    p.setChildProcessModifier([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{262144, 262144};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    });
+    p.start(kCli, {"move", card.workFolder(), destination});
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("ABC0001.MP4 could not be moved (File too large)")) << run.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(destination));
+    EXPECT_EQ(files(card.workFolder()), before);
+    EXPECT_EQ(scannedUmids(card.workFolder()).size(), 4);
+}
+
+// The crash test: the move is killed with SIGKILL at spread moments - on
+// entering the n-th call of a file-changing system call, as strace makes it
+// happen - and each time a scan of both folders (in turn destination first
+// and source first) must list every take once and find every file whole.
+TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
+{
+    if (QStandardPaths::findExecutable("strace").isEmpty())
+        GTEST_SKIP() << "strace is not installed";
+    cardgen::Options options = cwtest::CardFolder::fast(12, {3});
+    options.size = "tiny";
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    ASSERT_EQ(scannedUmids(card.workFolder()).size(), 13);
+    const QMap<QString, QByteArray> original = footage(card.workFolder());
+    const QStringList umids = scannedUmids(card.workFolder());
+
+    struct Place
+    {
+        const char* name;
+        QString parent;
+    };
+    QList<Place> places{{"one file system", home().path("media")}};
+    const QString other = otherFileSystem(home().path("media"));
+    const QTemporaryDir otherDir(other.isEmpty() ? QDir::tempPath() : other + "/clipwright-crash-XXXXXX");
+    if (!other.isEmpty())
+        places.append({"two file systems", otherDir.path()});
+
+    const QString syscalls = QStringLiteral("rename,renameat2,mkdir,rmdir,unlink,unlinkat,fsync,write");
+    int round = 0;
+    for (const Place& place : places) {
+        SCOPED_TRACE(place.name);
+        const QString source = home().path(QString("cards/%1").arg(round));
+        const QString destination = place.parent + QString("/Moved%1").arg(round);
+        const auto reset = [&] {
+            QDir(source).removeRecursively();
+            QDir(destination).removeRecursively();
+            QProcess cp;
+            cp.start("cp", {"-a", card.workFolder(), source});
+            return cp.waitForFinished() && cp.exitCode() == 0;
+        };
+        ++round;
+        ASSERT_TRUE(QDir().mkpath(home().path("cards")));
+
+        // A whole run, traced: the file-changing calls in order, each with
+        // its count in its thread, which is what strace counts to.
+        ASSERT_TRUE(reset());
+        const QString trace = home().path("trace.txt");
+        QProcess dry;
+        dry.start("strace",
+                  {"-f", "-qq", "-o", trace, "-e", "trace=" + syscalls, kCli, "move", source, destination});
+        ASSERT_EQ(finish(dry).status, 0);
+        QFile traced(trace);
+        ASSERT_TRUE(traced.open(QIODevice::ReadOnly));
+        QList<QPair<QString, int>> calls; // name, count in its thread
+        QMap<QString, int> counts;
+        static const QRegularExpression line(R"(^(\d+)\s+(\w+)\()");
+        for (const QByteArray& text : traced.readAll().split('\n')) {
+            const QRegularExpressionMatch m = line.match(QString::fromUtf8(text));
+            if (m.hasMatch())
+                calls.append({m.captured(2), ++counts[m.captured(1) + " " + m.captured(2)]});
+        }
+        ASSERT_GT(calls.size(), 40);
+
+        // Twelve moments spread over the run; each lands where a thread first
+        // makes its n-th call of that name.
+        QList<int> landed;
+        for (int k = 0; k < 12; ++k) {
+            const int at = int(qint64(calls.size() - 1) * (2 * k + 1) / 24);
+            const auto first = std::find(calls.begin(), calls.end(), calls[at]);
+            const int index = int(first - calls.begin());
+            if (!landed.contains(index))
+                landed.append(index);
+        }
+        ASSERT_GE(landed.size(), 10);
+        EXPECT_LT(landed.front(), calls.size() / 5);
+        EXPECT_GT(landed.back(), calls.size() * 4 / 5);
+
+        QSet<qsizetype> arrived; // how many takes the destination ended with
+        for (int k = 0; k < landed.size(); ++k) {
+            const QPair<QString, int>& call = calls[landed[k]];
+            SCOPED_TRACE(QString("killed at %1 #%2 (call %3 of %4)")
+                             .arg(call.first)
+                             .arg(call.second)
+                             .arg(landed[k])
+                             .arg(calls.size())
+                             .toStdString());
+            ASSERT_TRUE(reset());
+            QProcess killed;
+            killed.start("strace",
+                         {"-f", "-qq", "-o", "/dev/null",
+                          QString("--inject=%1:signal=KILL:when=%2").arg(call.first).arg(call.second), kCli,
+                          "move", source, destination});
+            EXPECT_EQ(finish(killed).status, -1) << "the move was not killed";
+
+            // Either folder may be opened first.
+            const bool destinationFirst = k % 2 == 0;
+            QStringList listed = scannedUmids(destinationFirst ? destination : source);
+            const QStringList other = scannedUmids(destinationFirst ? source : destination);
+            arrived.insert(destinationFirst ? listed.size() : other.size());
+            listed += other;
+            listed.sort();
+            QStringList expected = umids;
+            expected.sort();
+            EXPECT_EQ(listed, expected);
+            const QMap<QString, QByteArray> inSource = footage(source);
+            const QMap<QString, QByteArray> inDestination = footage(destination);
+            for (auto it = original.cbegin(); it != original.cend(); ++it)
+                EXPECT_TRUE(inSource.value(it.key()) == it.value() ||
+                            inDestination.value(it.key()) == it.value())
+                    << it.key().toStdString();
+            // Nothing of the move is left behind, and the scans repaired all.
+            for (const QString& bpav : {source + "/BPAV", destination + "/BPAV"})
+                EXPECT_EQ(QDir(bpav)
+                              .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
+                              .filter(QRegularExpression("^\\.")),
+                          QStringList());
+            EXPECT_EQ(
+                QJsonDocument::fromJson(cli({"scan", "--json", source}).out)["repairs"].toArray().size(), 0);
+        }
+        // The moments fell before, during and after the takes' moving.
+        EXPECT_TRUE(arrived.contains(0) && arrived.contains(13) && arrived.size() >= 3) << arrived.size();
+    }
+}
