@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <chrono>
 #include <cstring>
 #include <thread>
 
@@ -72,7 +71,7 @@ void BLClipMoveThread::getInitProgress(double* value, double* min, double* max)
 
 void BLClipMoveThread::waitThread()
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::yield();
 }
 
 BLTakeMover::Take BLClipMoveThread::planTake(const DOClipCtrl& record, bool split)

@@ -26,7 +26,7 @@ public:
     QString getInitMessage() override;
     void getInitProgress(double* value, double* min, double* max) override;
     void loopProcess() override;
-    // The pause between steps: as short as keeps the dialog alive.
+    // The pause after each folder moved (and each chunk copied): a yield.
     void waitThread() override;
 
     // ---- one take, as the folder operations use it too ----

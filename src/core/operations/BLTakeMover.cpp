@@ -150,11 +150,10 @@ bool BLTakeMover::bringBack(const Take& take)
     }
     if (!whole)
         return false;
+    // A destination item unlike its source is not of this move: it stays.
     for (const Item& item : take.items) {
-        if (!exists(toPath(item)))
+        if (!isDuplicate(item))
             continue;
-        if (!item.copy && !exists(fromPath(item))) // never the only one
-            return fail(toPath(item), QStringLiteral("it is not at the source"));
         if (!removeItem(m_toBpav, item.to))
             return false;
         if (item.copy) // the take folder the copies went into, when nothing else is there
@@ -166,19 +165,41 @@ bool BLTakeMover::bringBack(const Take& take)
 bool BLTakeMover::completeTake(const Take& take)
 {
     for (const Item& item : take.items)
-        if (!item.copy && exists(fromPath(item)) && exists(toPath(item)) &&
-            !removeItem(m_fromBpav, item.from))
+        if (!item.copy && isDuplicate(item) && !removeItem(m_fromBpav, item.from))
             return false;
     return true;
 }
 
 BLTakeMover::Place BLTakeMover::placeOf(const Take& take) const
 {
-    const qsizetype arrived = std::count_if(take.items.begin(), take.items.end(),
-                                            [this](const Item& item) { return exists(toPath(item)); });
+    const qsizetype arrived = std::count_if(take.items.begin(), take.items.end(), [this](const Item& item) {
+        return exists(toPath(item)) && (!exists(fromPath(item)) || isDuplicate(item));
+    });
     if (arrived == 0)
         return Place::Source;
     return arrived == take.items.size() ? Place::Destination : Place::Split;
+}
+
+bool BLTakeMover::isDuplicate(const Item& item) const
+{
+    return exists(fromPath(item)) && exists(toPath(item)) && sameTree(fromPath(item), toPath(item));
+}
+
+bool BLTakeMover::sameTree(const QString& path, const QString& path2)
+{
+    const QFileInfo a(path);
+    const QFileInfo b(path2);
+    if (a.isDir() != b.isDir() || a.isSymLink() != b.isSymLink())
+        return false;
+    if (!a.isDir() || a.isSymLink())
+        return a.isSymLink() || a.size() == b.size();
+    const QDir::Filters filter = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    const QStringList names = QDir(path).entryList(filter, QDir::Name);
+    if (names != QDir(path2).entryList(filter, QDir::Name))
+        return false;
+    return std::all_of(names.begin(), names.end(), [&](const QString& name) {
+        return sameTree(path + QLatin1Char('/') + name, path2 + QLatin1Char('/') + name);
+    });
 }
 
 void BLTakeMover::clearStaging()
@@ -293,6 +314,7 @@ int BLTakeMover::advance(qint64 files)
         *m_done += files;
         m_thread->setProgress(double(qMin(*m_done, m_max)), 0, double(m_max));
     }
+    m_thread->waitThread();
     return m_thread->isCancel() ? kCancelled : kMoved;
 }
 

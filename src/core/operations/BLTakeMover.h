@@ -65,15 +65,18 @@ public:
     // bringBack puts it back.
     int moveTake(const Take& take);
     // Puts the take back at the source as it was: items there twice lose
-    // their destination copy, items only at the destination go back.
+    // their destination copy, items only at the destination go back. An item
+    // at the destination unlike its source (not of this move) stays.
     bool bringBack(const Take& take);
-    // A take whose every item has arrived loses what is left at the source.
+    // A take whose every item has arrived loses what is left at the source
+    // (where it is like what arrived).
     bool completeTake(const Take& take);
 
     enum class Place
     {
         Source,      // nothing of it at the destination
-        Destination, // every item at the destination
+        Destination, // every item at the destination (where it is also at the
+                     // source, alike there)
         Split        // some items at the destination
     };
     Place placeOf(const Take& take) const;
@@ -95,6 +98,11 @@ private:
     int copyTree(const QString& source, const QString& destination);
     // Removes an item of one side by renaming it into that side's staging folder first.
     bool removeItem(const QString& bpav, const QString& relative);
+    // The item is on both sides, alike: the same entries, files of the same
+    // sizes. Only a copy this move made is; a folder of the same name
+    // someone else put there is not.
+    bool isDuplicate(const Item& item) const;
+    static bool sameTree(const QString& path, const QString& path2);
     QString stagingOf(const QString& bpav) const;
     QString fromPath(const Item& item) const;
     QString toPath(const Item& item) const;

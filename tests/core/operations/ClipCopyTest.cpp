@@ -10,7 +10,6 @@
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLCardPath.h"
 #include "core/operations/BLClipCopyCtrl.h"
-#include "core/operations/IClipTransferView.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
@@ -28,45 +27,6 @@
 #include <unistd.h>
 
 namespace {
-
-// The dialog as a user answers it: OK with each name in turn until the
-// controller ends it (a refusal that keeps it open gets the next name), then
-// Cancel.
-class AnsweringCopyView : public IClipTransferView
-{
-public:
-    explicit AnsweringCopyView(QStringList names) : m_names(std::move(names)) {}
-    void setTitle(const QString& t) override { title = t; }
-    void setMessage(const QString& m) override { message = m; }
-    void setSource(const QString& s) override { source = s; }
-    void setDestination(const QString& d) override { proposed = d; }
-    QString destination() const override { return m_name; }
-    int runModal(IClipTransferCtrl* ctrl) override
-    {
-        m_ended = false;
-        for (const QString& name : std::as_const(m_names)) {
-            m_name = name;
-            ctrl->onOK();
-            if (m_ended)
-                return m_code;
-        }
-        ctrl->onCancel();
-        return m_code;
-    }
-    void endModal(int code) override
-    {
-        m_ended = true;
-        m_code = code;
-    }
-
-    QString title, message, source, proposed;
-
-private:
-    QStringList m_names;
-    QString m_name;
-    bool m_ended = false;
-    int m_code = 0;
-};
 
 class WatchingProgressView : public BLHeadlessProgressView
 {
@@ -146,7 +106,7 @@ protected:
     }
     bool copy(const DOClipCtrl& clipCtrl, const QStringList& names)
     {
-        AnsweringCopyView view(names);
+        optest::AnsweringTransferView view(names);
         BLClipCopyCtrl ctrl(&view, clipCtrl, nullptr, nullptr);
         const bool copied = ctrl.showModal(BLClipCopyCtrl::kModeSelection);
         for (int i = 0; i < 5; ++i)

@@ -1,6 +1,7 @@
 #include "OperationsTestSupport.h"
 
 #include "core/common/BLCommon.h"
+#include "core/metadata/BLMediaProfileAcss.h"
 #include "core/operations/BLClipCtrl.h"
 #include "support/CardFolder.h"
 
@@ -161,6 +162,16 @@ void replaceInFile(const QString& path, const QString& from, const QString& to)
     ASSERT_TRUE(text.contains(from)) << from.toStdString() << " not in " << path.toStdString();
     text.replace(from, to);
     writeFile(path, text.toUtf8());
+}
+
+QStringList materialUris(const QString& workFolder)
+{
+    BLMediaProfileAcss mediaPro;
+    QStringList uris;
+    if (mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
+        for (const DOMaterial& material : mediaPro.getMaterialData(QString(), 0))
+            uris << material.getUri();
+    return uris;
 }
 
 } // namespace optest

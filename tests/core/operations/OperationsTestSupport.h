@@ -2,6 +2,7 @@
 
 #include "cardgen/CardGenerator.h"
 #include "core/model/DOTakeData.h"
+#include "core/operations/IClipTransferView.h"
 #include "support/TestEnvironment.h"
 
 #include <QMap>
@@ -39,6 +40,48 @@ QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
 QMap<QString, QByteArray> snapshot(const QString& root);
 
 void writeFile(const QString& path, const QByteArray& contents);
+
+// The references of the materials a work folder's media profile lists.
+QStringList materialUris(const QString& workFolder);
+
+// The copy or move dialog as a user answers it: OK with each name in turn
+// until the controller ends it (a refusal that keeps it open gets the next
+// name), then Cancel.
+class AnsweringTransferView : public IClipTransferView
+{
+public:
+    explicit AnsweringTransferView(QStringList names) : m_names(std::move(names)) {}
+    void setTitle(const QString& t) override { title = t; }
+    void setMessage(const QString& m) override { message = m; }
+    void setSource(const QString& s) override { source = s; }
+    void setDestination(const QString& d) override { proposed = d; }
+    QString destination() const override { return m_name; }
+    int runModal(IClipTransferCtrl* ctrl) override
+    {
+        m_ended = false;
+        for (const QString& name : std::as_const(m_names)) {
+            m_name = name;
+            ctrl->onOK();
+            if (m_ended)
+                return m_code;
+        }
+        ctrl->onCancel();
+        return m_code;
+    }
+    void endModal(int code) override
+    {
+        m_ended = true;
+        m_code = code;
+    }
+
+    QString title, message, source, proposed;
+
+private:
+    QStringList m_names;
+    QString m_name;
+    bool m_ended = false;
+    int m_code = 0;
+};
 // Replaces a text in a file; fails the test when it is not there.
 void replaceInFile(const QString& path, const QString& from, const QString& to);
 

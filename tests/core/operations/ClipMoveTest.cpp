@@ -1,0 +1,244 @@
+// Moving takes between work folders on generated cards: what both folders
+// list afterwards, and what a cancel or a failure in the middle of a take
+// leaves (every take back at the source, as it was).
+#include "OperationsTestSupport.h"
+#include "core/common/BLCommon.h"
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/operations/BLClipCopyCtrl.h"
+#include "core/operations/BLClipCtrl.h"
+#include "core/operations/BLClipMoveCtrl.h"
+#include "support/CardFolder.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// The move worker with a hook at each of its pauses, which come after each
+// folder moved: the hook sees how many files are done.
+class PacedMoveThread : public BLClipMoveThread
+{
+public:
+    PacedMoveThread(const DOClipCtrl& clipCtrl, std::function<void(BLClipMoveThread&, double)> step)
+        : BLClipMoveThread(clipCtrl), m_step(std::move(step))
+    {
+    }
+    void waitThread() override { m_step(*this, progressValue()); }
+
+private:
+    std::function<void(BLClipMoveThread&, double)> m_step;
+};
+
+QStringList idsOf(const QList<DOTakeData>& takes)
+{
+    QStringList ids;
+    for (const DOTakeData& take : takes)
+        ids << take.getShownTakeID();
+    ids.sort();
+    return ids;
+}
+
+class ClipMoveTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        SCNotificationCenter::defaultCenter()->addObserver(
+            this, SC::SCSelectFolderDataDidUpdateNotification, [this](const SCNotification& n) {
+                updates << n.userInfo.value(SC::SCDUpdateSelectFolderKey).toString();
+            });
+        ASSERT_TRUE(QDir().mkpath(home().path("media")));
+        // Singles ABC0001 to ABC0004 and ABC0005U01 of ABC0005 to ABC0007.
+        card = std::make_unique<cwtest::CardFolder>(cwtest::CardFolder::fast(4, {3}));
+        ASSERT_TRUE(card->ok()) << card->error().toStdString();
+        takes = BLHouseKeepingCtrl().doHouseKeeping(card->workFolder());
+        ASSERT_EQ(idsOf(takes), QStringList({"ABC0001", "ABC0002", "ABC0003", "ABC0004", "ABC0005U01"}));
+    }
+    void TearDown() override
+    {
+        SCNotificationCenter::defaultCenter()->removeObserver(this);
+        BLProgressCtrl::sharedCtrl()->setView(nullptr);
+        HomeTest::TearDown();
+    }
+    const DOTakeData& take(const QString& id) const
+    {
+        return *std::find_if(takes.begin(), takes.end(),
+                             [&](const DOTakeData& t) { return t.getShownTakeID() == id; });
+    }
+    // The record of a move of the card's takes with these IDs, in this order.
+    DOClipCtrl record(const QStringList& ids, const QString& destination) const
+    {
+        DOClipCtrl clipCtrl;
+        clipCtrl.setCopyFromPath(QFileInfo(card->workFolder()).path());
+        clipCtrl.setCopyFromFolderName(QFileInfo(card->workFolder()).fileName());
+        clipCtrl.setCopyToFolder(QFileInfo(destination).path());
+        clipCtrl.setCopyToFolderName(QFileInfo(destination).fileName());
+        QList<DOTakeData> chosen;
+        for (const QString& id : ids)
+            chosen << take(id).copyTake();
+        clipCtrl.setFromTakes(chosen);
+        clipCtrl.setBeforeTakes(takes);
+        return clipCtrl;
+    }
+    // Runs the worker of a record whose checks passed, as the dialog does.
+    std::shared_ptr<PacedMoveThread> run(DOClipCtrl clipCtrl,
+                                         std::function<void(BLClipMoveThread&, double)> step)
+    {
+        BLClipCtrl checks;
+        clipCtrl.setToTakes(BLHouseKeepingCtrl().doHouseKeeping(clipCtrl.destinationWorkFolder()));
+        EXPECT_TRUE(checks.checkRepeatClip(clipCtrl));
+        if (!BLCommon::isFolder(clipCtrl.destinationWorkFolder())) {
+            EXPECT_TRUE(QDir().mkpath(clipCtrl.destinationWorkFolder()));
+            clipCtrl.setNewFolderFlag(true);
+        }
+        auto worker = std::make_shared<PacedMoveThread>(clipCtrl, std::move(step));
+        BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
+        return worker;
+    }
+
+    BLHeadlessProgressView progress;
+    cwtest::MessageRecorder messages;
+    QStringList updates;
+    std::unique_ptr<cwtest::CardFolder> card;
+    QList<DOTakeData> takes;
+};
+
+} // namespace
+
+// A disk without free space: a copy is refused, a move within it is not, and
+// afterwards each folder lists exactly what it holds.
+TEST_F(ClipMoveTest, OnOneVolumeAMoveNeedsNoSpaceAndBothIndexesListWhatIsThere)
+{
+    cwtest::FakeVolumeProvider volumes({"/", "ext4", "System", 500'000'000'000, 0});
+    cardgen::Options otherOptions = cwtest::CardFolder::fast(1);
+    otherOptions.prefix = "OTH";
+    otherOptions.recorded = QDateTime::currentDateTimeUtc().addDays(-1);
+    cwtest::CardFolder other(otherOptions);
+    ASSERT_TRUE(other.ok());
+    BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
+    const QMap<QString, QByteArray> before = optest::snapshot(card->bpav());
+    const QStringList listedBefore = optest::materialUris(card->workFolder());
+    const DOClipCtrl move = record({"ABC0002", "ABC0005U01"}, other.workFolder());
+
+    BLClipCopyCtrl copy(nullptr, move, nullptr, nullptr);
+    EXPECT_NE(copy.checkRequest(QFileInfo(other.workFolder()).fileName()), BLClipCopyCtrl::kCheckReady);
+    messages.clear();
+
+    optest::AnsweringTransferView view({QFileInfo(other.workFolder()).fileName()});
+    BLClipMoveCtrl ctrl(&view, move, nullptr, nullptr);
+    ASSERT_TRUE(ctrl.showModal());
+    for (int i = 0; i < 5; ++i)
+        QCoreApplication::processEvents();
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_EQ(updates, QStringList({card->workFolder(), other.workFolder()}));
+
+    // The source's profile lists its former materials less the moved ones;
+    // neither folder has anything left to repair.
+    QStringList listedAfter = listedBefore;
+    listedAfter.removeIf([](const QString& uri) {
+        return uri.contains("ABC0002") || uri.contains("ABC0005") || uri.contains("ABC0006") ||
+               uri.contains("ABC0007");
+    });
+    EXPECT_EQ(optest::materialUris(card->workFolder()), listedAfter);
+    BLHouseKeepingCtrl source, destination;
+    EXPECT_EQ(idsOf(source.doHouseKeeping(card->workFolder())),
+              QStringList({"ABC0001", "ABC0003", "ABC0004"}));
+    EXPECT_EQ(idsOf(destination.doHouseKeeping(other.workFolder())),
+              QStringList({"ABC0002", "ABC0005U01", "OTH0001"}));
+    EXPECT_TRUE(source.getRepairs().isEmpty() && destination.getRepairs().isEmpty());
+
+    // Every moved file arrived as it was.
+    const QMap<QString, QByteArray> arrived = optest::snapshot(other.bpav());
+    int moved = 0;
+    for (auto it = before.cbegin(); it != before.cend(); ++it)
+        if (it.key().contains(QRegularExpression("ABC000[2567]"))) {
+            EXPECT_EQ(arrived.value(it.key()), it.value()) << it.key().toStdString();
+            ++moved;
+        }
+    EXPECT_EQ(moved, 4 * 6 + 3); // four clip folders of five files, the take's folder and two files
+}
+
+// A cancel after the first clip folder of the third take: the first three
+// takes go back, the partly moved one included, and the folder the move made
+// goes too. A folder appearing in the way of the third take: the same, and
+// the message names it.
+TEST_F(ClipMoveTest, ACancelOrAFailureDuringTheThirdTakeMovesTheFirstThreeBack)
+{
+    const QMap<QString, QByteArray> before = optest::snapshot(card->workFolder());
+    const QStringList order{"ABC0001", "ABC0002", "ABC0005U01", "ABC0003", "ABC0004"};
+
+    const QString fresh = home().path("media/Fresh");
+    double cancelledAt = 0;
+    const auto cancelled = run(record(order, fresh), [&](BLClipMoveThread& worker, double done) {
+        if (done >= 15 && cancelledAt == 0) { // two takes and one clip folder of five files
+            cancelledAt = done;
+            worker.setCancel();
+        }
+    });
+    EXPECT_EQ(cancelledAt, 15);
+    EXPECT_TRUE(cancelled->isRestored());
+    EXPECT_EQ(optest::snapshot(card->workFolder()), before);
+    EXPECT_FALSE(QFileInfo::exists(fresh));
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+
+    cardgen::Options otherOptions = cwtest::CardFolder::fast(1);
+    otherOptions.prefix = "OTH";
+    otherOptions.recorded = QDateTime::currentDateTimeUtc().addDays(-1);
+    cwtest::CardFolder other(otherOptions);
+    ASSERT_TRUE(other.ok());
+    BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
+    const QMap<QString, QByteArray> otherBefore = optest::snapshot(other.workFolder());
+    const QString blocker = other.bpav() + "/CLPR/ABC0005";
+    const auto failed = run(record(order, other.workFolder()), [&](BLClipMoveThread&, double done) {
+        if (done >= 10 && !QFileInfo::exists(blocker))
+            QDir().mkpath(blocker);
+    });
+    EXPECT_FALSE(failed->isSucceeded());
+    EXPECT_TRUE(failed->isRestored());
+    EXPECT_EQ(optest::snapshot(card->workFolder()), before);
+    ASSERT_TRUE(QDir().rmdir(blocker));
+    EXPECT_EQ(optest::snapshot(other.workFolder()), otherBefore);
+    ASSERT_EQ(messages.keys(), QStringList{"MSG_644_3300"});
+    EXPECT_TRUE(messages.alerts()[0].message.contains(card->bpav() +
+                                                      "/CLPR/ABC0005 could not be moved (File exists)"))
+        << messages.alerts()[0].message.toStdString();
+}
+
+// The form folder division uses: the clips move, the take's own files are
+// copied (its take folder stays at the source for the other parts).
+TEST_F(ClipMoveTest, TheSplitFormMovesTheClipsAndCopiesTheTakesOwnFiles)
+{
+    const QMap<QString, QByteArray> before = optest::snapshot(card->bpav());
+    DOClipCtrl clipCtrl = record({"ABC0005U01"}, home().path("media/Part"));
+    clipCtrl.setTargetTake(take("ABC0005U01"));
+    ASSERT_TRUE(QDir().mkpath(home().path("media/Part")));
+    BLClipMoveThread mover(clipCtrl);
+    ASSERT_EQ(mover.doMoveFileForSplit(clipCtrl, nullptr, nullptr, 0), 0);
+
+    const QMap<QString, QByteArray> source = optest::snapshot(card->bpav());
+    const QMap<QString, QByteArray> part = optest::snapshot(home().path("media/Part/BPAV"));
+    for (auto it = before.cbegin(); it != before.cend(); ++it) {
+        const bool clip = it.key().contains(QRegularExpression("^CLPR/ABC000[567]"));
+        const bool ownFile = it.key().startsWith("TAKR/ABC0005U01/");
+        EXPECT_EQ(source.contains(it.key()), !clip) << it.key().toStdString();
+        if (clip || ownFile) {
+            EXPECT_EQ(part.value(it.key()), it.value()) << it.key().toStdString();
+        }
+    }
+}
