@@ -9,6 +9,7 @@
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
+#include "core/operations/BLClipMoveCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
@@ -550,7 +551,9 @@ void BLMediaInfoCtrl::selectPasteMenuItem()
         m_houseKeeping = &houseKeeping;
         clipCtrl.setBeforeTakes(runHouseKeeping(houseKeeping, clipboard->getPath()));
         m_houseKeeping = nullptr;
-        openClipMove("selectPasteMenuItem", clipCtrl);
+        BLMediaInfoCtrl* other = anotherMediaInfoCtrl();
+        const bool otherIsSource = other && samePath(other->getSelectFolder(), clipboard->getPath());
+        openClipMove(clipCtrl, this, otherIsSource ? other : nullptr);
     }
     clipboard->setClipData({}, QString(), BLClipboardCtrl::kModeEmpty);
 }
@@ -587,7 +590,7 @@ void BLMediaInfoCtrl::dropClipData(bool isMove)
     if (clipCtrl.getFromTakes().isEmpty() || hasNonImportTake(clipCtrl.getFromTakes()))
         return;
     if (isMove)
-        openClipMove("dropClipData", clipCtrl);
+        openClipMove(clipCtrl, this, other);
     else
         openClipCopy(clipCtrl, BLClipCopyCtrl::kModeSelection, this, other);
 }
@@ -723,13 +726,11 @@ void BLMediaInfoCtrl::openClipCopy(const DOClipCtrl& clipCtrl, int mode, IOperat
     ctrl.showModal(mode);
 }
 
-void BLMediaInfoCtrl::openClipMove(const char* caller, const DOClipCtrl& clipCtrl)
+void BLMediaInfoCtrl::openClipMove(const DOClipCtrl& clipCtrl, IOperationPane* toPane,
+                                   IOperationPane* fromPane)
 {
-    // The move dialog is not part of this build; its menu items are
-    // disabled, so only a direct call arrives here.
-    BLLogCtrl::debug(kProcessId,
-                     QStringLiteral("[BLMediaInfoCtrl %1](%2) move of %3 takes from %4 to %5: no dialog")
-                         .arg(QLatin1String(caller), getMediaInfoTypeString())
-                         .arg(clipCtrl.getFromTakes().size())
-                         .arg(clipCtrl.sourceWorkFolder(), clipCtrl.destinationWorkFolder()));
+    if (!m_baseView)
+        return;
+    BLClipMoveCtrl ctrl(&m_baseView->clipMoveView(), clipCtrl, toPane, fromPane);
+    ctrl.showModal();
 }

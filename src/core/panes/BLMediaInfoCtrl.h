@@ -143,8 +143,8 @@ private:
     // Opens the copy dialog (BLClipCopyCtrl modes) on a filled record; either
     // pane may be absent.
     void openClipCopy(const DOClipCtrl& clipCtrl, int mode, IOperationPane* toPane, IOperationPane* fromPane);
-    // Hands a filled record to the move dialog.
-    void openClipMove(const char* caller, const DOClipCtrl& clipCtrl);
+    // Opens the move dialog on a filled record; either pane may be absent.
+    void openClipMove(const DOClipCtrl& clipCtrl, IOperationPane* toPane, IOperationPane* fromPane);
 
     IMediaInfoView* m_baseView = nullptr;
     BLThumbViewCtrl* m_thumbViewCtrl;

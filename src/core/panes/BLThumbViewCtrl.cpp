@@ -44,13 +44,10 @@ const BLThumbViewCtrl::MenuItem* findMenuItem(int tag)
     return it == items.end() ? nullptr : &*it;
 }
 
-// Commands whose dialogs this build does not have yet (a paste of cut takes
-// is a move).
+// Commands whose dialogs this build does not have yet.
 bool isCommandAvailable(int tag)
 {
     switch (tag) {
-    case MENU_ITEM_ID_PASTE:
-        return BLClipboardCtrl::sharedCtrl()->getMode() != BLClipboardCtrl::kModeCut;
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:
     case MENU_ITEM_ID_DELETE:

@@ -668,13 +668,24 @@ TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
     ASSERT_TRUE(waitFor([&] { return grid(1)->rowCount() == kSub1Clips + 2; }));
     EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
 
-    // With Shift they would be moved, which has no dialog yet.
+    // With Shift other takes are moved: after the move dialog both panes
+    // show where they are.
+    main->selectionModel()->select(main->index(2), QItemSelectionModel::ClearAndSelect);
+    main->selectionModel()->select(main->index(3), QItemSelectionModel::Select);
+    answerDialog<ClipTransferDialog>([&](ClipTransferDialog* dialog) {
+        shown = dialog->objectName();
+        dialog->accept();
+    });
     EXPECT_EQ(drop(1, Qt::ShiftModifier), Qt::MoveAction);
-    EXPECT_EQ(log().filter("dropClipData").filter("move of 2 takes").size(), 1);
+    EXPECT_EQ(shown, "ClipMove");
+    ASSERT_TRUE(
+        waitFor([&] { return grid(1)->rowCount() == kSub1Clips + 4 && main->rowCount() == kMainClips - 2; }));
+    EXPECT_TRUE(m_messages.keys().isEmpty()) << m_messages.keys().join(' ').toStdString();
 
     // Takes dropped back on the grid they came from are refused.
+    const int dialogs = int(log().filter("execClipMove] Start").size());
     EXPECT_EQ(drop(0, Qt::NoModifier), Qt::IgnoreAction);
-    EXPECT_EQ(log().filter("dropClipData").size(), 1);
+    EXPECT_EQ(log().filter("execClipMove] Start").size(), dialogs);
 
     // A drag started with the mouse from a selected item carries the whole
     // selection; the grid's takes and selection stay as they were.
@@ -684,8 +695,27 @@ TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
     mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
     mouse(viewport, QEvent::MouseMove, from + QPoint(QApplication::startDragDistance() + 5, 0));
     mouse(viewport, QEvent::MouseButtonRelease, from + QPoint(QApplication::startDragDistance() + 5, 0));
-    EXPECT_EQ(main->rowCount(), kMainClips);
-    EXPECT_EQ(selectedRows(main), (QList<int>{1, 4}));
+    EXPECT_EQ(main->rowCount(), kMainClips - 2);
+}
+
+TEST_F(MediaPanesTest, CutInOnePaneAndPastedInTheOtherMoves)
+{
+    focusPane(0);
+    grid(0)->selectionModel()->select(grid(0)->index(0), QItemSelectionModel::ClearAndSelect);
+    const QString moved = grid(0)->index(0).data(BLThumbViewCtrl::TakeIdRole).toString();
+    actionOf(window->editMenu(), MENU_ITEM_ID_CUT)->trigger();
+    focusPane(1);
+    window->validateMenuItems();
+    QAction* paste = actionOf(window->editMenu(), MENU_ITEM_ID_PASTE);
+    ASSERT_TRUE(paste->isEnabled());
+    answerDialog<ClipTransferDialog>([](ClipTransferDialog* dialog) { dialog->accept(); });
+    paste->trigger();
+    ASSERT_TRUE(waitFor(
+        [&] { return grid(0)->rowCount() == kMainClips - 1 && grid(1)->rowCount() == kSub1Clips + 1; }));
+    EXPECT_TRUE(QFileInfo::exists(m_sub1.bpav() + "/CLPR/" + moved));
+    EXPECT_FALSE(QFileInfo::exists(m_main.bpav() + "/CLPR/" + moved));
+    window->validateMenuItems();
+    EXPECT_FALSE(paste->isEnabled()) << "the clipboard is empty after a paste";
 }
 
 TEST_F(MediaPanesTest, ScreenshotOfBothPanes)
