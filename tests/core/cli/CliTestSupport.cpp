@@ -4,6 +4,9 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
 
 namespace clitest {
 
@@ -36,6 +39,14 @@ QMap<QString, QByteArray> files(const QString& root)
                            QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1));
     }
     return entries;
+}
+
+void CliTest::SetUp()
+{
+    HomeTest::SetUp();
+    if (!QFileInfo::exists(kCli))
+        GTEST_SKIP() << "clipwright-cli is not built";
+    ASSERT_TRUE(QDir().mkpath(home().path("media")));
 }
 
 } // namespace clitest

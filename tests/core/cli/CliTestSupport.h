@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TestEnvironment.h"
+
 #include <QByteArray>
 #include <QMap>
 #include <QProcess>
@@ -22,5 +24,13 @@ CliRun cli(const QStringList& args);
 
 // Every file under a folder by its relative path, with its contents' hash.
 QMap<QString, QByteArray> files(const QString& root);
+
+// A test of clipwright-cli in a home of its own with an empty "media"
+// folder; skipped when the tool is not built.
+class CliTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override;
+};
 
 } // namespace clitest

@@ -25,17 +25,7 @@ namespace {
 
 using namespace clitest;
 
-class CopyCommandTest : public cwtest::HomeTest
-{
-protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        if (!QFileInfo::exists(kCli))
-            GTEST_SKIP() << "clipwright-cli is not built";
-        ASSERT_TRUE(QDir().mkpath(home().path("media")));
-    }
-};
+using CopyCommandTest = CliTest;
 
 } // namespace
 

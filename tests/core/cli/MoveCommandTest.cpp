@@ -77,17 +77,7 @@ QString otherFileSystem(const QString& home)
     return shm;
 }
 
-class MoveCommandTest : public cwtest::HomeTest
-{
-protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        if (!QFileInfo::exists(kCli))
-            GTEST_SKIP() << "clipwright-cli is not built";
-        ASSERT_TRUE(QDir().mkpath(home().path("media")));
-    }
-};
+using MoveCommandTest = CliTest;
 
 } // namespace
 

@@ -23,16 +23,7 @@ using cwtest::damage;
 
 using namespace clitest;
 
-class ScanCommandTest : public cwtest::HomeTest
-{
-protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        if (!QFileInfo::exists(kCli))
-            GTEST_SKIP() << "clipwright-cli is not built";
-    }
-};
+using ScanCommandTest = CliTest;
 
 } // namespace
 

@@ -96,6 +96,16 @@ protected:
         clipCtrl.setBeforeTakes(takes);
         return clipCtrl;
     }
+    // A card of one take OTH0001, scanned.
+    static cwtest::CardFolder otherCard()
+    {
+        cardgen::Options options = cwtest::CardFolder::fast(1);
+        options.prefix = "OTH";
+        options.recorded = QDateTime::currentDateTimeUtc().addDays(-1); // other UMIDs
+        cwtest::CardFolder other(options);
+        BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
+        return other;
+    }
     // Runs the worker of a record whose checks passed, as the dialog does.
     std::shared_ptr<PacedMoveThread> run(DOClipCtrl clipCtrl,
                                          std::function<void(BLClipMoveThread&, double)> step)
@@ -126,12 +136,8 @@ protected:
 TEST_F(ClipMoveTest, OnOneVolumeAMoveNeedsNoSpaceAndBothIndexesListWhatIsThere)
 {
     cwtest::FakeVolumeProvider volumes({"/", "ext4", "System", 500'000'000'000, 0});
-    cardgen::Options otherOptions = cwtest::CardFolder::fast(1);
-    otherOptions.prefix = "OTH";
-    otherOptions.recorded = QDateTime::currentDateTimeUtc().addDays(-1);
-    cwtest::CardFolder other(otherOptions);
+    const cwtest::CardFolder other = otherCard();
     ASSERT_TRUE(other.ok());
-    BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
     const QMap<QString, QByteArray> before = optest::snapshot(card->bpav());
     const QStringList listedBefore = optest::materialUris(card->workFolder());
     const DOClipCtrl move = record({"ABC0002", "ABC0005U01"}, other.workFolder());
@@ -197,12 +203,8 @@ TEST_F(ClipMoveTest, ACancelOrAFailureDuringTheThirdTakeMovesTheFirstThreeBack)
     EXPECT_FALSE(QFileInfo::exists(fresh));
     EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
 
-    cardgen::Options otherOptions = cwtest::CardFolder::fast(1);
-    otherOptions.prefix = "OTH";
-    otherOptions.recorded = QDateTime::currentDateTimeUtc().addDays(-1);
-    cwtest::CardFolder other(otherOptions);
+    const cwtest::CardFolder other = otherCard();
     ASSERT_TRUE(other.ok());
-    BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
     const QMap<QString, QByteArray> otherBefore = optest::snapshot(other.workFolder());
     const QString blocker = other.bpav() + "/CLPR/ABC0005";
     const auto failed = run(record(order, other.workFolder()), [&](BLClipMoveThread&, double done) {
