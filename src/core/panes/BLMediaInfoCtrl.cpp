@@ -10,6 +10,7 @@
 #include "core/model/BLDiskCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
+#include "core/operations/BLClipDeleteCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
@@ -623,6 +624,23 @@ void BLMediaInfoCtrl::showDeletFolder()
     ctrl.deleteProcessOfFolder(m_selectFolder);
     if (ctrl.isFolderNotFound())
         notFoundSelectFolder();
+}
+
+void BLMediaInfoCtrl::deleteClipData()
+{
+    if (!checkSelectFolderExist())
+        return;
+    const QList<DOTakeData> chosen = getSelectAllTakeData();
+    if (chosen.isEmpty())
+        return;
+    const QFileInfo folder(QDir::cleanPath(m_selectFolder));
+    DOClipCtrl clipCtrl;
+    clipCtrl.setCopyFromPath(folder.path());
+    clipCtrl.setCopyFromFolderName(folder.fileName());
+    clipCtrl.setFromTakes(chosen);
+    clipCtrl.setBeforeTakes(m_arrTakeData);
+    clipCtrl.setToTakes(m_arrTakeData);
+    BLClipDeleteCtrl(clipCtrl, this).clipDelete();
 }
 
 // ---- menu routing ----

@@ -118,6 +118,8 @@ public:
     void showNewFolder();
     void showChangeFolderName();
     void showDeletFolder();
+    // Deletes the selected takes of the selected folder, once confirmed.
+    void deleteClipData();
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

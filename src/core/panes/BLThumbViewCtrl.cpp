@@ -50,7 +50,6 @@ bool isCommandAvailable(int tag)
     switch (tag) {
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:
-    case MENU_ITEM_ID_DELETE:
     case MENU_ITEM_ID_SHOW_INFO:
         return false;
     default:
@@ -244,6 +243,9 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
     case MENU_ITEM_ID_THUMB_PLAY:
         if (checkSelectFolder())
             sendPlayMovieNotification(m_mediaInfoCtrl.getTakeData(findSelectAllThumbData().value(0, -1)));
+        break;
+    case MENU_ITEM_ID_DELETE:
+        m_mediaInfoCtrl.deleteClipData();
         break;
     default:
         break;

@@ -315,6 +315,10 @@ void SCThumbView::keyPressEvent(QKeyEvent* event)
         m_ctrl->enterKeyDown();
         return;
     }
+    if (event->key() == Qt::Key_Delete) {
+        m_ctrl->selectMenuItem(MENU_ITEM_ID_DELETE); // runs only when takes are selected
+        return;
+    }
     QListView::keyPressEvent(event);
 }
 

@@ -635,6 +635,27 @@ TEST_F(MediaPanesTest, AFolderThatMayNotBeDeletedIsRefusedBeforeTheQuestion)
     EXPECT_TRUE(QFileInfo::exists(m_main.bpav() + "/MEDIAPRO.XML"));
 }
 
+// The Delete key in the grid asks first; only the first button deletes.
+TEST_F(MediaPanesTest, TheDeleteKeyDeletesTheSelectedTakeOnceConfirmed)
+{
+    focusPane(0);
+    grid(0)->selectionModel()->select(grid(0)->index(1), QItemSelectionModel::ClearAndSelect);
+    const QString folder =
+        m_main.bpav() + "/CLPR/" + pane(0)->ctrl()->getSelectAllTakeData().value(0).getShownTakeID();
+    for (int answer : {IMessagePresenter::kSecondButton, IMessagePresenter::kFirstButton}) {
+        const bool confirmed = answer == IMessagePresenter::kFirstButton;
+        m_messages.clear();
+        m_messages.setAnswer(answer);
+        key(thumbView(0), Qt::Key_Delete);
+        EXPECT_EQ(m_messages.keys(), QStringList{"MSG_645_3123"});
+        EXPECT_NE(QFileInfo::exists(folder), confirmed);
+        EXPECT_TRUE(waitFor([&] {
+            return !window->isHouseKeepingSheetVisible() &&
+                   grid(0)->rowCount() == kMainClips - int(confirmed);
+        }));
+    }
+}
+
 TEST_F(MediaPanesTest, DraggingTakesOntoTheOtherGridCopiesOrWithShiftMoves)
 {
     BLThumbViewCtrl* main = grid(0);
