@@ -89,6 +89,7 @@ bool chooseTakes(const char* command, const QString& workFolder, const QStringLi
 int transferRecord(const char* command, const char* transferred, const QStringList& args, DOClipCtrl* record);
 
 int runCopy(const QStringList& args);
+int runDelete(const QStringList& args);
 int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);

@@ -12,6 +12,9 @@ namespace {
 const CliCommand kCommands[] = {
     {"copy", "[--no-verify] [--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Copy takes (all, or those named) into another work folder, verifying every file", runCopy},
+    {"delete", "[--yes] WORK_FOLDER TAKE_ID...",
+     "Delete takes of a work folder, asking first unless --yes (a cancel finishes the take in progress)",
+     runDelete},
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
      runMove},
