@@ -4,9 +4,7 @@
 #include "CliTestSupport.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
-#include "support/TestEnvironment.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -14,12 +12,10 @@
 #include <gtest/gtest.h>
 
 using clitest::cli;
-using DeleteCommandTest = cwtest::HomeTest;
+using DeleteCommandTest = clitest::CliTest;
 
 TEST_F(DeleteCommandTest, DeletesTheNamedTakesOnlyWhenToldSo)
 {
-    if (!QFileInfo::exists(clitest::kCli))
-        GTEST_SKIP() << "clipwright-cli is not built";
     cwtest::CardFolder card(cwtest::CardFolder::fast(4, {2}));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QString folder = card.workFolder();
