@@ -7,6 +7,7 @@
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/model/BLClipSearchCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/preview/BLCacheImageCtrl.h"
 #include "core/preview/BLPreviewCtrl.h"
@@ -28,6 +29,9 @@ void BLMainWindowCtrl::awakeFromNib()
     if (IPreviewView* previewView = m_view.previewView())
         m_previewCtrl = std::make_unique<BLPreviewCtrl>(*previewView);
     m_cacheImageCtrl = std::make_unique<BLCacheImageCtrl>();
+    if (IClipSearchView* searchView = m_view.clipSearchView())
+        m_clipSearchCtrl = std::make_unique<BLClipSearchCtrl>(
+            searchView, QList<IOperationPane*>{m_mediaInfoCtrl1.get(), m_mediaInfoCtrl2.get()});
     readData();
     SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
     center->addObserver(this, SC::SCShowHouseKeepingWindowNotification,

@@ -9,6 +9,7 @@ class IMainWindowView;
 class BLMediaInfoCtrl;
 class BLPreviewCtrl;
 class BLCacheImageCtrl;
+class BLClipSearchCtrl;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -48,6 +49,8 @@ public:
     void setFocusMediaInfoCtrl(BLMediaInfoCtrl* mediaInfoCtrl, bool treeHasFocus);
     // The preview controller (none when the window has no preview view).
     BLPreviewCtrl* getPreviewCtrl() const { return m_previewCtrl.get(); }
+    // The clip search dialog's controller (none when the window has no search dialog).
+    BLClipSearchCtrl* getClipSearchCtrl() const { return m_clipSearchCtrl.get(); }
 
     // Whether the controller handles the menu tag (its own, or a command of
     // the pane with the focus); *isEnable tells whether the item is available now.
@@ -80,5 +83,6 @@ private:
     bool m_focusOnTree = false;
     std::unique_ptr<BLPreviewCtrl> m_previewCtrl;
     std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
+    std::unique_ptr<BLClipSearchCtrl> m_clipSearchCtrl;
     bool m_isZoom = false;
 };

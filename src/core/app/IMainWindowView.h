@@ -3,6 +3,7 @@
 #include <QRectF>
 #include <QSizeF>
 
+class IClipSearchView;
 class IPreviewView;
 
 // What the main window controller needs from the window itself. Geometry is
@@ -33,6 +34,8 @@ public:
     // The view in the preview container that the preview controller drives;
     // none in a window without one.
     virtual IPreviewView* previewView() { return nullptr; }
+    // The clip search dialog; none in a window without one.
+    virtual IClipSearchView* clipSearchView() { return nullptr; }
 
     virtual bool isHouseKeepingSheetVisible() const = 0;
     virtual void showHouseKeepingSheet() = 0;

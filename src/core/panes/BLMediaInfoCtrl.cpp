@@ -7,6 +7,7 @@
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/model/BLClipSearchCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
@@ -15,6 +16,7 @@
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
 #include "core/operations/DOClipCtrl.h"
+#include "core/panes/BLClipPropertyCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
 #include "core/panes/IMediaInfoView.h"
 
@@ -40,7 +42,6 @@ bool isTreeCommandAvailable(int tag)
     switch (tag) {
     case MENU_ITEM_ID_FOLDER_DIVISION:
     case MENU_ITEM_ID_FOLDER_COMBINE:
-    case MENU_ITEM_ID_CLIP_SEARCH:
     case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
         return false;
     default:
@@ -643,6 +644,44 @@ void BLMediaInfoCtrl::deleteClipData()
     BLClipDeleteCtrl(clipCtrl, this).clipDelete();
 }
 
+void BLMediaInfoCtrl::showClipSearch()
+{
+    BLClipSearchCtrl* search = m_mainWindowCtrl ? m_mainWindowCtrl->getClipSearchCtrl() : nullptr;
+    if (!search || !checkSelectFolderExist())
+        return;
+    search->setPath(m_selectFolder);
+    QString umid, path;
+    if (search->showModal(&umid, &path))
+        showFolderWithTake(path, umid);
+}
+
+void BLMediaInfoCtrl::showFolderWithTake(const QString& folder, const QString& umid)
+{
+    int row = m_treeViewCtrl->searchIndexByFolderPath(folder);
+    if (row < 0) {
+        // A folder deeper down: its parent becomes the work folder.
+        setWorkFolder(QFileInfo(QDir::cleanPath(folder)).path(), false);
+        row = m_treeViewCtrl->searchIndexByFolderPath(folder);
+    }
+    if (row < 0)
+        return;
+    m_treeViewCtrl->selectTreeIndex(row);
+    // Delivered after the folder change it follows, so after the reload.
+    BLCommon::sharedCtrl()->sendNotificationNotCoalesce(
+        static_cast<const void*>(this), SC::SCThumbViewSelectItemNotification,
+        {{SC::SCSelectFolderKey, folder}, {SC::SCItemUmidKey, umid}});
+}
+
+void BLMediaInfoCtrl::showClipProperty(int index)
+{
+    IClipPropertyView* view = m_baseView ? m_baseView->clipPropertyView() : nullptr;
+    if (!view || index < 0 || index >= m_arrTakeData.size() || !checkSelectFolderExist())
+        return;
+    BLClipPropertyCtrl ctrl(view, m_arrTakeData.at(index), index, m_selectFolder, this);
+    ctrl.setPicture(m_thumbViewCtrl->getImageOfTake(index));
+    ctrl.showModal();
+}
+
 // ---- menu routing ----
 
 bool BLMediaInfoCtrl::isSupportMenuItemToTreeView(int tag, bool* isEnable, bool* isCheck) const
@@ -692,6 +731,9 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
         break;
     case MENU_ITEM_ID_MOVE_UP_FOLDER:
         moveUpSelectFolder();
+        break;
+    case MENU_ITEM_ID_CLIP_SEARCH:
+        showClipSearch();
         break;
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:

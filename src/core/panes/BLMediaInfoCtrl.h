@@ -120,6 +120,14 @@ public:
     void showDeletFolder();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
+    // Search Clips: the search dialog on the selected folder; a chosen take
+    // is shown selected in its folder.
+    void showClipSearch();
+    // Shows the folder (it becomes the work folder's sub-folder shown when
+    // it is not listed) and selects the take with the UMID once it is loaded.
+    void showFolderWithTake(const QString& folder, const QString& umid);
+    // Show Info: the property dialog of the take at the index.
+    void showClipProperty(int index);
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

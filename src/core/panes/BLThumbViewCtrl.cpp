@@ -50,7 +50,6 @@ bool isCommandAvailable(int tag)
     switch (tag) {
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:
-    case MENU_ITEM_ID_SHOW_INFO:
         return false;
     default:
         return true;
@@ -246,6 +245,9 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
         break;
     case MENU_ITEM_ID_DELETE:
         m_mediaInfoCtrl.deleteClipData();
+        break;
+    case MENU_ITEM_ID_SHOW_INFO:
+        m_mediaInfoCtrl.showClipProperty(findSelectAllThumbData().value(0, -1));
         break;
     default:
         break;
@@ -572,6 +574,12 @@ int BLThumbViewCtrl::rowOfUmid(const QString& umid) const
         if (m_thumbArray[row].getUmid().compare(umid, Qt::CaseInsensitive) == 0)
             return row;
     return -1;
+}
+
+QImage BLThumbViewCtrl::getImageOfTake(int indexTakeData) const
+{
+    const int row = rowOfTakeIndex(indexTakeData);
+    return row < 0 ? QImage() : m_thumbArray[row].getImage();
 }
 
 int BLThumbViewCtrl::rowOfTakeIndex(int indexTakeData) const

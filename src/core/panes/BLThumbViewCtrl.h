@@ -96,6 +96,8 @@ public:
     int findFirstSelectIndex() const;
     // The take indexes of the selected items, in grid order.
     QList<int> findSelectAllThumbData() const;
+    // The picture shown for the take at the index of the pane's list (null until decoded).
+    QImage getImageOfTake(int indexTakeData) const;
 
     // ---- loading and sorting ----
     // Sorts by a mode (kSort...); nothing when the mode is unchanged and no

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class IClipPropertyView;
 class IClipTransferView;
 class IDeleteFolderView;
 class IFolderNameView;
@@ -29,4 +30,6 @@ public:
     virtual IDeleteFolderView& deleteFolderView() = 0;
     virtual IClipTransferView& clipCopyView() = 0;
     virtual IClipTransferView& clipMoveView() = 0;
+    // The clip property dialog; none in a pane without one.
+    virtual IClipPropertyView* clipPropertyView() { return nullptr; }
 };

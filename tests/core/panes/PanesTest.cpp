@@ -627,4 +627,20 @@ TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndRetur
     EXPECT_TRUE(BLCommon::isVolume(pane->getSelectFolder()));
 }
 
+TEST_F(PanesTest, AChosenSearchResultShowsItsFolderWithTheTakeSelected)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(3));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString parent = QFileInfo(card.workFolder()).path();
+    auto pane = openPane(QFileInfo(parent).path()); // the card lies two levels down
+    const QString umid = card.manifest().takes[1].umid;
+
+    pane->showFolderWithTake(card.workFolder(), umid);
+    BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
+    ASSERT_TRUE(pump([&] { return grid.getSelectCount() == 1; }));
+    EXPECT_EQ(pane->getWorkFolder(), parent);
+    EXPECT_EQ(pane->getSelectFolder(), card.workFolder());
+    EXPECT_EQ(pane->getSelectAllTakeData().value(0).getUmid(), umid);
+}
+
 } // namespace
