@@ -12,6 +12,7 @@
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/common/LocalizedTitle.h"
 #include "ui/common/SCFrameView.h"
+#include "ui/operations/ClipSearchDialog.h"
 #include "ui/panes/SCMediaInfoView.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
@@ -403,6 +404,13 @@ void SCMainWindow::setDividersLocked(bool locked)
 IPreviewView* SCMainWindow::previewView()
 {
     return m_preview;
+}
+
+IClipSearchView* SCMainWindow::clipSearchView()
+{
+    if (!m_clipSearchDialog)
+        m_clipSearchDialog = new ClipSearchDialog(this);
+    return m_clipSearchDialog;
 }
 
 bool SCMainWindow::isHouseKeepingSheetVisible() const

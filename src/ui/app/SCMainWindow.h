@@ -5,6 +5,7 @@
 #include <QMainWindow>
 
 class BLMainWindowCtrl;
+class ClipSearchDialog;
 class HouseKeepingSheet;
 class QAction;
 class QMenu;
@@ -80,6 +81,7 @@ public:
     void setSplitToDefault() override;
     void setDividersLocked(bool locked) override;
     IPreviewView* previewView() override;
+    IClipSearchView* clipSearchView() override;
     bool isHouseKeepingSheetVisible() const override;
     void showHouseKeepingSheet() override;
     void closeHouseKeepingSheet() override;
@@ -124,6 +126,7 @@ private:
     SCFrameView* m_previewFrame;
     QWidget* m_previewView;
     SCPreviewView* m_preview;
+    ClipSearchDialog* m_clipSearchDialog = nullptr;
     QSplitter* m_splitView;
     QSplitter* m_paneSplitView;
 

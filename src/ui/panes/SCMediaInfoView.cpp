@@ -3,6 +3,7 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "ui/common/LocalizedTitle.h"
+#include "ui/operations/ClipPropertyDialog.h"
 #include "ui/operations/ClipTransferDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
 #include "ui/operations/FolderNameDialog.h"
@@ -186,4 +187,11 @@ IClipTransferView& SCMediaInfoView::clipCopyView()
 IClipTransferView& SCMediaInfoView::clipMoveView()
 {
     return *m_clipMoveDialog;
+}
+
+IClipPropertyView* SCMediaInfoView::clipPropertyView()
+{
+    if (!m_clipPropertyDialog)
+        m_clipPropertyDialog = new ClipPropertyDialog(this);
+    return m_clipPropertyDialog;
 }

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class BLMediaInfoCtrl;
+class ClipPropertyDialog;
 class ClipTransferDialog;
 class DeleteFolderDialog;
 class FolderNameDialog;
@@ -51,6 +52,7 @@ public:
     IDeleteFolderView& deleteFolderView() override;
     IClipTransferView& clipCopyView() override;
     IClipTransferView& clipMoveView() override;
+    IClipPropertyView* clipPropertyView() override;
 
 private:
     QToolButton* makeToolButton(int tag);
@@ -67,4 +69,5 @@ private:
     DeleteFolderDialog* m_deleteFolderDialog;
     ClipTransferDialog* m_clipCopyDialog;
     ClipTransferDialog* m_clipMoveDialog;
+    ClipPropertyDialog* m_clipPropertyDialog = nullptr;
 };

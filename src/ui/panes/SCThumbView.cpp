@@ -25,6 +25,8 @@ constexpr int kPictureHeight = 88; // 16:9
 constexpr int kTextLines = 4;      // take id, title, duration, date
 constexpr int kDragPictureWidth = 96;
 
+} // namespace
+
 // The mark of a take's status, drawn in a square: 0 complete, 1 complete with
 // a status text other than OK, 2 a clip on another medium, 3 made from an MP4
 // file, 4 an MP4 file not yet imported, 5 and 6 unusable.
@@ -94,6 +96,7 @@ void paintStatusMark(QPainter& painter, const QRectF& box, int status)
     }
     painter.restore();
 }
+namespace {
 
 // The picture shown until the thumbnail has arrived: a dark frame with the
 // take's status mark in its middle.

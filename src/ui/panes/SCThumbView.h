@@ -4,6 +4,11 @@
 
 class BLThumbViewCtrl;
 class QMenu;
+class QPainter;
+class QRectF;
+
+// The mark of a take's status (0 to 6), drawn in a square.
+void paintStatusMark(QPainter& painter, const QRectF& box, int status);
 
 // The thumbnail grid of a pane: an icon-mode list on the grid controller's
 // model, sharing its selection model. A delegate paints each item (picture,
