@@ -94,3 +94,5 @@ int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);
 int runScan(const QStringList& args);
+int runInfo(const QStringList& args);
+int runSearch(const QStringList& args);

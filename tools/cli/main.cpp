@@ -18,11 +18,16 @@ const CliCommand kCommands[] = {
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
      runMove},
+    {"info", "[--json] WORK_FOLDER TAKE_ID",
+     "Print a take's properties as the property dialog shows them (title, description, creator...)", runInfo},
     {"mp4info", "[--json] FILE...", "Check MP4 files of the camera's kind and print their properties",
      runMp4Info},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
     {"scan", "[--json] WORK_FOLDER",
      "Run housekeeping on a work folder (repairing its index files) and print its takes", runScan},
+    {"search", "[--json] WORK_FOLDER [--title TEXT] [--comment TEXT] [--interval N]",
+     "Search the folder and those below it for takes by title, comment and date (N: 1 week, 2 month, 3 year)",
+     runSearch},
 };
 
 void printUsage(QTextStream& out)
