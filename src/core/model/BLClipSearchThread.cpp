@@ -141,7 +141,7 @@ QVariantMap BLClipSearchThread::makeListData(const DOTakeData& take, const QStri
             {QStringLiteral("size"), size},
             {QStringLiteral("duration"), duration},
             {QStringLiteral("date"), date},
-            {QStringLiteral("displayPath"), BLCommon::getDisplayPath(path)},
+            {QStringLiteral("displayPath"), displayPathOf(path)},
             {QStringLiteral("sizeBySort"), take.getTakeSize()},
             {QStringLiteral("durationBySort"), duration},
             {QStringLiteral("dateBySort"), created}};
@@ -197,6 +197,16 @@ void BLClipSearchThread::sendFinish()
     std::unique_lock lock(m_ctrlLock);
     m_finishTaken.wait(lock, [this] { return m_finished || !m_clipSearchCtrl; });
     m_finished = true;
+}
+
+QString BLClipSearchThread::displayPathOf(const QString& path) const
+{
+    // Asks the volumes once per folder, not once per take.
+    if (path != m_displayPathOf) {
+        m_displayPathOf = path;
+        m_displayPath = BLCommon::getDisplayPath(path);
+    }
+    return m_displayPath;
 }
 
 const QList<DOTakeData>* BLClipSearchThread::paneTakesOf(const QString& folder) const

@@ -69,6 +69,7 @@ private:
     void sendFinish();
     // The pane's takes when a pane shows the folder.
     const QList<DOTakeData>* paneTakesOf(const QString& folder) const;
+    QString displayPathOf(const QString& path) const;
 
     const QString m_title;
     const QString m_comment;
@@ -92,6 +93,8 @@ private:
     bool m_finished = false;
 
     QStringList m_arraySeachPath;
+    mutable QString m_displayPathOf;
+    mutable QString m_displayPath;
 
     std::mutex m_hkcLock;
     BLHouseKeepingCtrl* m_houseKeepingCtrl = nullptr;
