@@ -33,8 +33,7 @@ void BM_DeleteAllTakes(benchmark::State& state)
             break;
         }
         DOClipCtrl record;
-        record.setCopyFromPath(QFileInfo(work).path());
-        record.setCopyFromFolderName(QFileInfo(work).fileName());
+        record.setSourceWorkFolder(work);
         record.setFromTakes(takes);
         record.setBeforeTakes(takes);
         record.setToTakes(takes);

@@ -31,10 +31,8 @@ void BM_MoveTakes(benchmark::State& state)
             state.SkipWithError("cp failed");
         const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(source);
         DOClipCtrl record;
-        record.setCopyFromPath(parent);
-        record.setCopyFromFolderName("Card");
-        record.setCopyToFolder(parent);
-        record.setCopyToFolderName("Moved");
+        record.setSourceWorkFolder(parent + "/Card");
+        record.setDestinationWorkFolder(parent + "/Moved");
         record.setFromTakes(takes);
         record.setBeforeTakes(takes);
         state.ResumeTiming();

@@ -633,10 +633,8 @@ void BLMediaInfoCtrl::deleteClipData()
     const QList<DOTakeData> chosen = getSelectAllTakeData();
     if (chosen.isEmpty())
         return;
-    const QFileInfo folder(QDir::cleanPath(m_selectFolder));
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(folder.path());
-    clipCtrl.setCopyFromFolderName(folder.fileName());
+    clipCtrl.setSourceWorkFolder(m_selectFolder);
     clipCtrl.setFromTakes(chosen);
     clipCtrl.setBeforeTakes(m_arrTakeData);
     clipCtrl.setToTakes(m_arrTakeData);
@@ -717,12 +715,8 @@ BLMediaInfoCtrl* BLMediaInfoCtrl::anotherMediaInfoCtrl() const
 DOClipCtrl BLMediaInfoCtrl::makeClipCtrl(const QString& fromFolder, const QString& toFolder)
 {
     DOClipCtrl clipCtrl;
-    const QFileInfo from(QDir::cleanPath(fromFolder));
-    const QFileInfo to(QDir::cleanPath(toFolder));
-    clipCtrl.setCopyFromPath(from.path());
-    clipCtrl.setCopyFromFolderName(from.fileName());
-    clipCtrl.setCopyToFolder(to.path());
-    clipCtrl.setCopyToFolderName(to.fileName());
+    clipCtrl.setSourceWorkFolder(fromFolder);
+    clipCtrl.setDestinationWorkFolder(toFolder);
     return clipCtrl;
 }
 
