@@ -63,6 +63,7 @@ int MPEG2TSInit(const mpeg2ts_init_param_t* param)
     lib.log.open(param->log_level, path, param->log_file_size > 0 ? param->log_file_size : 1024000);
     lib.callback = param->callback;
     lib.initialised = true;
+    lib.cancel = false;
     lib.log.write(vv::Log::kEvent, "[MPEG2TSInit] level " + std::to_string(param->log_level));
     return MPEG2TS_ERR_NONE;
 }
@@ -71,7 +72,6 @@ unsigned int ConvertMPEG2TS(const wchar_t* const* inputs, int count, const wchar
                             const mpeg2ts_convert_params_t* params)
 {
     Library& lib = library();
-    lib.cancel = false;
     IMpeg2TSCallback* callback = nullptr;
     {
         std::lock_guard lock(lib.mutex);
@@ -86,6 +86,7 @@ unsigned int ConvertMPEG2TS(const wchar_t* const* inputs, int count, const wchar
         paths.push_back(utf8(inputs[i]));
     const int rc =
         mpeg2ts::TakeConverter(lib.log, lib.cancel, callback).convert(paths, utf8(output), *params);
+    lib.cancel = false; // a cancel counts for the conversion running or about to run
     lib.lastError = rc == mpeg2ts::kCancelled ? MPEG2TS_ERR_NONE : rc;
     if (rc == MPEG2TS_ERR_NONE)
         return MPEG2TS_RESULT_DONE;

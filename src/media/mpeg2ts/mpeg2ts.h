@@ -19,7 +19,7 @@
  *
  * ConvertMPEG2TS runs on the calling thread and reports progress through the
  * callback object given to MPEG2TSInit; MPEG2TSCancel may be called from any
- * thread.
+ * thread and stops the conversion running, or the next one when none runs.
  */
 
 #include <cstddef>
