@@ -6,6 +6,7 @@
 #include "core/common/BLCommon.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/export/BLMPEG2TSConvertCtrl.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
@@ -639,6 +640,16 @@ void BLMediaInfoCtrl::deleteClipData()
     clipCtrl.setBeforeTakes(m_arrTakeData);
     clipCtrl.setToTakes(m_arrTakeData);
     BLClipDeleteCtrl(clipCtrl, this).clipDelete();
+}
+
+void BLMediaInfoCtrl::showMPEG2TSConvert()
+{
+    IMPEG2TSConvertView* view = m_baseView ? m_baseView->mpeg2tsConvertView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    DOMPEG2TSConvert own;
+    DOMPEG2TSConvert& mpeg = m_mainWindowCtrl ? m_mainWindowCtrl->getDOMPEG2TSConvert() : own;
+    BLMPEG2TSConvertCtrl(mpeg, view).showModal(m_selectFolder, getSelectAllTakeData());
 }
 
 // ---- menu routing ----

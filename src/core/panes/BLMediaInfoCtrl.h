@@ -120,6 +120,8 @@ public:
     void showDeletFolder();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
+    // Exports the selected takes as MPEG-2 transport streams.
+    void showMPEG2TSConvert();
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

@@ -5,6 +5,7 @@
 class IClipTransferView;
 class IDeleteFolderView;
 class IFolderNameView;
+class IMPEG2TSConvertView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -29,4 +30,6 @@ public:
     virtual IDeleteFolderView& deleteFolderView() = 0;
     virtual IClipTransferView& clipCopyView() = 0;
     virtual IClipTransferView& clipMoveView() = 0;
+    // The export dialog; none where the view has no dialogs.
+    virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
 };
