@@ -7,6 +7,7 @@
 // Counters: export_s and ffmpeg_s (seconds a run, means), ratio = ffmpeg_s /
 // export_s (1 or more: the export is at least as fast). Without ffmpeg on the
 // PATH only the export is timed.
+#include "BenchSupport.h"
 #include "cardgen/CardGenerator.h"
 #include "media/mpeg2ts/mpeg2ts.h"
 
@@ -14,8 +15,6 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-
-#include <benchmark/benchmark.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -65,9 +64,11 @@ void BM_ExportOneMinute1080i(benchmark::State& state)
     const std::wstring in = input.toStdWString(), out = output.toStdWString();
     const wchar_t* inputs[] = {in.c_str()};
     const mpeg2ts_convert_params_t params{};
-    const std::string command = "\"" + ffmpeg.toStdString() + "\" -nostdin -loglevel error -y -i \"" +
-                                input.toStdString() + "\" -map 0 -c:v copy -c:a mp2 -b:a 384k -f mpegts \"" +
-                                reference.toStdString() + "\"";
+    const std::string command =
+        QStringLiteral("\"%1\" -nostdin -loglevel error -y -i \"%2\" -map 0 -c:v copy -c:a mp2 -b:a 384k "
+                       "-f mpegts \"%3\"")
+            .arg(ffmpeg, input, reference)
+            .toStdString();
 
     double exportTotal = 0, ffmpegTotal = 0;
     for (auto _ : state) {
@@ -103,4 +104,4 @@ BENCHMARK(BM_ExportOneMinute1080i)->Iterations(3)->UseManualTime()->Unit(benchma
 
 } // namespace
 
-BENCHMARK_MAIN();
+CLIPWRIGHT_BENCHMARK_MAIN()
