@@ -5,13 +5,11 @@
 // between folders too); it reports when the first row arrived on the main
 // thread and when the search ended. The property dialog is opened on a take
 // (the dialog built, filled and shown) and closed again.
+#include "BenchSupport.h"
 #include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLClipSearchCtrl.h"
 #include "core/model/IClipSearchView.h"
 #include "core/panes/BLClipPropertyCtrl.h"
-#include "support/CardFolder.h"
-#include "support/TestEnvironment.h"
 #include "ui/operations/ClipPropertyDialog.h"
 
 #include <QApplication>
@@ -22,8 +20,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <memory>
-
 namespace {
 
 constexpr int kFolders = 20;
@@ -32,19 +28,17 @@ constexpr int kClips = 600;
 // The work folder: one generated card copied into each sub-folder.
 QString workFolder()
 {
-    static std::unique_ptr<cwtest::CardFolder> card;
     static QTemporaryDir root;
-    if (!card) {
-        card = std::make_unique<cwtest::CardFolder>(cwtest::CardFolder::fast(kClips));
-        if (!card->ok())
-            qFatal("cardgen: %s", qPrintable(card->error()));
+    static bool made = false;
+    if (!made) {
+        const QString bpav = BLCommon::getPathOfBPAV(bench::cardOf(kClips));
         for (int i = 1; i <= kFolders; ++i) {
             const QString folder = root.filePath(QStringLiteral("F%1").arg(i, 2, 10, QLatin1Char('0')));
             if (!BLCommon::createNewFolder(folder) ||
-                !BLCommon::copyFile(card->bpav(), QDir(folder).filePath(QStringLiteral("BPAV"))))
+                !BLCommon::copyFile(bpav, QDir(folder).filePath(QStringLiteral("BPAV"))))
                 qFatal("cannot copy the card");
-            BLHouseKeepingCtrl().doHouseKeeping(folder); // index files as a first load leaves them
         }
+        made = true;
     }
     return root.path();
 }

@@ -90,6 +90,7 @@ int transferRecord(const char* command, const char* transferred, const QStringLi
 
 int runCopy(const QStringList& args);
 int runDelete(const QStringList& args);
+int runExport(const QStringList& args);
 int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);

@@ -15,6 +15,8 @@ const CliCommand kCommands[] = {
     {"delete", "[--yes] WORK_FOLDER TAKE_ID...",
      "Delete takes of a work folder, asking first unless --yes (a cancel finishes the take in progress)",
      runDelete},
+    {"export", "[--json] WORK_FOLDER DEST_FOLDER [TAKE_ID...]",
+     "Export takes (all that can be, or those named) as MPEG-2 transport streams (TAKE_ID.M2T)", runExport},
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
      runMove},

@@ -10,6 +10,7 @@ class BLMediaInfoCtrl;
 class BLPreviewCtrl;
 class BLCacheImageCtrl;
 class BLClipSearchCtrl;
+class DOMPEG2TSConvert;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -51,6 +52,8 @@ public:
     BLPreviewCtrl* getPreviewCtrl() const { return m_previewCtrl.get(); }
     // The clip search dialog's controller (none when the window has no search dialog).
     BLClipSearchCtrl* getClipSearchCtrl() const { return m_clipSearchCtrl.get(); }
+    // The MPEG-2 TS export parameters (the conversion library and its callback).
+    DOMPEG2TSConvert& getDOMPEG2TSConvert() const { return *m_mpeg; }
 
     // Whether the controller handles the menu tag (its own, or a command of
     // the pane with the focus); *isEnable tells whether the item is available now.
@@ -85,4 +88,5 @@ private:
     std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     std::unique_ptr<BLClipSearchCtrl> m_clipSearchCtrl;
     bool m_isZoom = false;
+    std::unique_ptr<DOMPEG2TSConvert> m_mpeg;
 };

@@ -128,6 +128,8 @@ public:
     void showFolderWithTake(const QString& folder, const QString& umid);
     // Show Info: the property dialog of the take at the index.
     void showClipProperty(int index);
+    // Exports the selected takes as MPEG-2 transport streams.
+    void showMPEG2TSConvert();
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

@@ -49,7 +49,6 @@ bool isCommandAvailable(int tag)
 {
     switch (tag) {
     case MENU_ITEM_ID_IMPORT:
-    case MENU_ITEM_ID_EXPORT:
         return false;
     default:
         return true;
@@ -248,6 +247,8 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
         break;
     case MENU_ITEM_ID_SHOW_INFO:
         m_mediaInfoCtrl.showClipProperty(findSelectAllThumbData().value(0, -1));
+    case MENU_ITEM_ID_EXPORT:
+        m_mediaInfoCtrl.showMPEG2TSConvert();
         break;
     default:
         break;

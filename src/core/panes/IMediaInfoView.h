@@ -6,6 +6,7 @@ class IClipPropertyView;
 class IClipTransferView;
 class IDeleteFolderView;
 class IFolderNameView;
+class IMPEG2TSConvertView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -32,4 +33,6 @@ public:
     virtual IClipTransferView& clipMoveView() = 0;
     // The clip property dialog; none in a pane without one.
     virtual IClipPropertyView* clipPropertyView() { return nullptr; }
+    // The export dialog; none where the view has no dialogs.
+    virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
 };

@@ -9,6 +9,7 @@
 class BLMediaInfoCtrl;
 class ClipPropertyDialog;
 class ClipTransferDialog;
+class MPEG2TSConvertDialog;
 class DeleteFolderDialog;
 class FolderNameDialog;
 class QLabel;
@@ -51,6 +52,7 @@ public:
     IFolderNameView& folderNameView() override;
     IDeleteFolderView& deleteFolderView() override;
     IClipTransferView& clipCopyView() override;
+    IMPEG2TSConvertView* mpeg2tsConvertView() override;
     IClipTransferView& clipMoveView() override;
     IClipPropertyView* clipPropertyView() override;
 
@@ -70,4 +72,5 @@ private:
     ClipTransferDialog* m_clipCopyDialog;
     ClipTransferDialog* m_clipMoveDialog;
     ClipPropertyDialog* m_clipPropertyDialog = nullptr;
+    MPEG2TSConvertDialog* m_mpeg2tsConvertDialog;
 };
