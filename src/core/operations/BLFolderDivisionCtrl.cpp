@@ -391,11 +391,12 @@ bool BLFolderDivisionCtrl::CreateMetaData(QList<DOClipCtrl>& records)
 
 DOTakeData BLFolderDivisionCtrl::createSpannningNewTake(const DOTakeData& splitTake, const DOTakeData& part)
 {
-    if (holdsClip(part, splitTake.getClipData().constLast().getUmid())) {
-        // The last part keeps the take's UMID and files.
-        DOTakeData last = part.copyTake();
-        last.setTakeComponents(updateComponent(part.getTakeComponents(), part.getClipData()));
-        return last;
+    // The first part keeps the take's UMID and files: combined again, the
+    // parts join onto the one that names the next, the first.
+    if (holdsClip(part, splitTake.getClipData().constFirst().getUmid())) {
+        DOTakeData first = part.copyTake();
+        first.setTakeComponents(updateComponent(part.getTakeComponents(), part.getClipData()));
+        return first;
     }
     // The values of the take stay (they describe its material); what makes
     // it a part of its own is set here.

@@ -3,6 +3,7 @@
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLPlistCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/metadata/BLTakeInfoAcss.h"
 #include "core/metadata/BLTakeInfoCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/model/BLMediaProCtrl.h"
@@ -35,6 +36,19 @@ bool listsClipOf(const DOTakeData& take, const DOTakeData& part)
             if (BLMediaProCtrl::isSameUmid(info.getSrc(), clip.getUmid()))
                 return true;
     return false;
+}
+
+// The take info's own UMID, in the form it was written in (with or without
+// the URN prefix).
+bool setTakeInfoUmid(const QString& path, const QString& umid)
+{
+    static const QString prefix = QStringLiteral("urn:smpte:umid:");
+    BLTakeInfoAcss acss;
+    DOTSmil smil;
+    if (!acss.loadForFilePath(path) || !acss.getSmilData(smil, QString()))
+        return false;
+    smil.setUmid(smil.getUmid().startsWith(prefix) ? prefix + umid : umid);
+    return acss.setSmilData(smil) && acss.save();
 }
 
 } // namespace
@@ -185,12 +199,14 @@ void BLFolderDivisionThread::linkSpanningTakes()
             DOTakeData front, next;
             QString frontId, nextId;
             getSpanningTake(part, &front, &next, &frontId, &nextId);
-            if (!next.getUmid().isEmpty()) {
+            // A part that continues in another folder names it; the last
+            // part's take info lists the whole take under its own UMID.
+            if (!next.getUmid().isEmpty())
                 BLTakeInfoCtrl::createTakeInfo(pathIn(folder, part.getSMIUri()), part, next);
-                const QList<DOLtcChange> changes =
-                    clipCtrl.rebuildLtdChange(record.getFromTakes(), part, folder);
-                clipCtrl.reMakeNonMeta(part, folder, changes);
-            }
+            else
+                setTakeInfoUmid(pathIn(folder, part.getSMIUri()), part.getUmid());
+            const QList<DOLtcChange> changes = clipCtrl.rebuildLtdChange(record.getFromTakes(), part, folder);
+            clipCtrl.reMakeNonMeta(part, folder, changes);
             if (!front.getUmid().isEmpty() &&
                 !mediaProCtrl.checkComponent(part.getTakeComponents(), front.getUmid()))
                 part.addFrontComponent(mediaProCtrl.createComponent(front, frontId));

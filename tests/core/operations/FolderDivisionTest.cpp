@@ -151,7 +151,7 @@ TEST_F(FolderDivisionTest, ATakeSplitOverThreeFoldersBecomesThreeLinkedParts)
                 folders.insert(take.getTakeNumber(), record.destinationWorkFolder());
             }
     ASSERT_EQ(parts.keys(), QList<int>({1, 2, 3}));
-    EXPECT_EQ(parts[3].getUmid(), multi().getUmid());
+    EXPECT_EQ(parts[1].getUmid(), multi().getUmid());
     for (int n = 1; n <= 3; ++n) {
         EXPECT_EQ(parts[n].getClipData().size(), 1);
         EXPECT_EQ(parts[n].getClipUmid(0), multi().getClipUmid(n - 1));
