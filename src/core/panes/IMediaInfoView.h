@@ -4,7 +4,10 @@
 
 class IClipTransferView;
 class IDeleteFolderView;
+class IFolderCombineView;
+class IFolderDivisionView;
 class IFolderNameView;
+class IMediaNameChangeView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -29,4 +32,7 @@ public:
     virtual IDeleteFolderView& deleteFolderView() = 0;
     virtual IClipTransferView& clipCopyView() = 0;
     virtual IClipTransferView& clipMoveView() = 0;
+    virtual IFolderDivisionView& folderDivisionView() = 0;
+    virtual IFolderCombineView& folderCombineView() = 0;
+    virtual IMediaNameChangeView& mediaNameChangeView() = 0;
 };
