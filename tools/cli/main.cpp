@@ -10,11 +10,18 @@
 namespace {
 
 const CliCommand kCommands[] = {
+    {"combine", "[--delete-sources] [--json] DEST_WORK_FOLDER SOURCE_WORK_FOLDER...",
+     "Move every take of folders beside a work folder into it, deleting the emptied ones if asked",
+     runCombine},
     {"copy", "[--no-verify] [--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Copy takes (all, or those named) into another work folder, verifying every file", runCopy},
     {"delete", "[--yes] WORK_FOLDER TAKE_ID...",
      "Delete takes of a work folder, asking first unless --yes (a cancel finishes the take in progress)",
      runDelete},
+    {"divide", "[--json] WORK_FOLDER --capacity GB",
+     "Divide a work folder into new folders beside it that each fit a disk of the capacity", runDivide},
+    {"media-name", "WORK_FOLDER [NAME]", "Print the media name of a work folder, or change it to NAME",
+     runMediaName},
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
      runMove},
