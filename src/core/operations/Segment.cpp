@@ -14,53 +14,60 @@ namespace {
 // is tried, and a folder of thousands of takes still packs in well under a
 // second.
 constexpr int kTrialWindow = 40;
+// At most this many places out of order: QuickSort inserts instead of partitioning.
+constexpr int kFewOutOfOrder = 32;
 
-// What the trials of one pass share: the largest clip of the remaining takes
-// and their positions in the take order by the size of their next clip,
-// smallest first (ties by position), so that the search for the take to split
-// looks only at takes whose next clip still fits.
-struct PassIndex
+// The remaining takes by the size of their next clip, smallest first, so
+// that the search for the take to split looks only at takes whose next clip
+// still fits; with each take's position in the take order, which decides
+// between runs of equal size. Segment keeps it up to date across passes.
+struct LeadIndex
 {
-    double maxClip = 0;
-    std::vector<int> byLeadClip; // positions in the take order
+    std::vector<std::pair<double, int>> leads; // (next clip's size, take), ascending
+    std::vector<int> positions;                // by take
+
+    static double leadOf(const TAKE& take) { return take.clips[std::size_t(take.begin)].size; }
+    void build(const TAKE* takes, int count, const int* order, int takeCount)
+    {
+        leads.clear();
+        for (int i = 0; i < count; ++i)
+            leads.emplace_back(leadOf(takes[order[i]]), order[i]);
+        std::sort(leads.begin(), leads.end());
+        positions.assign(std::size_t(takeCount), -1);
+        setPositions(count, order);
+    }
+    void setPositions(int count, const int* order)
+    {
+        for (int i = 0; i < count; ++i)
+            positions[std::size_t(order[i])] = i;
+    }
+    // The take's next clip changed from the one of that size (it is finished
+    // when none is left).
+    void update(const TAKE* takes, int t, double oldLead)
+    {
+        const auto old = std::lower_bound(leads.begin(), leads.end(), std::make_pair(oldLead, t));
+        if (old != leads.end() && old->second == t)
+            leads.erase(old);
+        const TAKE& take = takes[t];
+        if (take.begin < take.clipCount()) {
+            const std::pair<double, int> entry(leadOf(take), t);
+            leads.insert(std::lower_bound(leads.begin(), leads.end(), entry), entry);
+        }
+    }
 };
 
-PassIndex makePassIndex(const TAKE* takes, int count, const int* order)
-{
-    PassIndex index;
-    index.maxClip = MaxClipSize(takes, count, order);
-    index.byLeadClip.resize(count);
-    for (int i = 0; i < count; ++i)
-        index.byLeadClip[i] = i;
-    const auto lead = [&](int position) {
-        const TAKE& take = takes[order[position]];
-        return take.clips[take.begin].size;
-    };
-    std::sort(index.byLeadClip.begin(), index.byLeadClip.end(), [&](int a, int b) {
-        const double la = lead(a);
-        const double lb = lead(b);
-        return la < lb || (la == lb && a < b);
-    });
-    return index;
-}
-
-void greedyPack(takeTodisk* plan, int count, TAKE* takes, const int* order, double capacity,
-                const PassIndex& index)
+void greedyPack(takeTodisk* plan, int count, TAKE* takes, const int* order, double capacity, double maxClip,
+                const LeadIndex& index)
 {
     // Whole takes, largest first. The take order is sorted by remaining size,
     // so each next take that fits is found by bisection; a take that did not
     // fit never fits later, as the plan only grows.
-    bool left = false;
     int position = 0;
     while (position < count) {
         const int first =
             int(std::partition_point(order + position, order + count,
                                      [&](int t) { return !(plan->size + takes[t].remainSize <= capacity); }) -
                 order);
-        if (first > position)
-            left = std::any_of(order + position, order + first,
-                               [&](int t) { return takes[t].end != takes[t].clipCount(); }) ||
-                   left;
         if (first >= count)
             break;
         TAKE& take = takes[order[first]];
@@ -71,28 +78,29 @@ void greedyPack(takeTodisk* plan, int count, TAKE* takes, const int* order, doub
         }
         position = first + 1;
     }
-    // One take split: the one whose leading clips fill the rest best, the
-    // earliest in the take order on a tie.
-    if (!left || !(plan->size + index.maxClip <= capacity))
+    // One take split, when a take is left out: the one whose leading clips
+    // fill the rest best, the earliest in the take order on a tie.
+    if (plan->count() >= count || !(plan->size + maxClip <= capacity))
         return;
     int best = -1;
     int bestPosition = count;
     double bestRun = 0;
-    for (const int candidate : index.byLeadClip) {
-        TAKE& take = takes[order[candidate]];
-        if (!(plan->size + take.clips[take.begin].size <= capacity))
+    for (const auto& [lead, t] : index.leads) {
+        if (!(plan->size + lead <= capacity))
             break;
+        TAKE& take = takes[t];
         if (take.end == take.clipCount())
             continue;
         double run = 0;
         int next = take.begin;
-        while (next < take.clipCount() && run + take.clips[next].size + plan->size <= capacity)
-            run += take.clips[next++].size;
-        if (run > bestRun || (run == bestRun && run > 0 && candidate < bestPosition)) {
+        while (next < take.clipCount() && run + take.clips[std::size_t(next)].size + plan->size <= capacity)
+            run += take.clips[std::size_t(next++)].size;
+        const int at = index.positions[std::size_t(t)];
+        if (run > bestRun || (run == bestRun && run > 0 && at < bestPosition)) {
             if (best >= 0)
                 takes[best].end = takes[best].begin;
-            best = order[candidate];
-            bestPosition = candidate;
+            best = t;
+            bestPosition = at;
             bestRun = run;
             take.end = next;
         }
@@ -168,8 +176,27 @@ template <typename T> void Quick_Real(T* values, int* indices, int low, int high
 
 template <typename T> void QuickSort(T* values, int count, int* indices, T* sum)
 {
-    if (count > 1)
+    // The lists sorted again after each pass are out of order in a few
+    // places only; insertion puts those right in about linear time, where
+    // the partitioning slows down to many times that.
+    int descents = 0;
+    for (int i = 1; i < count && descents <= kFewOutOfOrder; ++i)
+        descents += values[i - 1] < values[i] ? 1 : 0;
+    if (descents <= kFewOutOfOrder) {
+        for (int i = 1; i < count; ++i) {
+            const T value = values[i];
+            const int index = indices[i];
+            int j = i;
+            for (; j > 0 && values[j - 1] < value; --j) {
+                values[j] = values[j - 1];
+                indices[j] = indices[j - 1];
+            }
+            values[j] = value;
+            indices[j] = index;
+        }
+    } else {
         Quick_Real(values, indices, 0, count - 1);
+    }
     T total = 0;
     for (int i = 0; i < count; ++i)
         total += values[i];
@@ -231,7 +258,12 @@ void TailorDisk(double minClipSize, double* freeSpaces, int* count, int* diskNum
 
 void GreedyPack(takeTodisk* plan, int count, TAKE* takes, const int* order, double capacity)
 {
-    greedyPack(plan, count, takes, order, capacity, makePassIndex(takes, count, order));
+    int takeCount = 0;
+    for (int i = 0; i < count; ++i)
+        takeCount = std::max(takeCount, order[i] + 1);
+    LeadIndex index;
+    index.build(takes, count, order, takeCount);
+    greedyPack(plan, count, takes, order, capacity, MaxClipSize(takes, count, order), index);
 }
 
 int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
@@ -269,10 +301,30 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
     double takeTotal = 0;
     QuickSort(sizes.data(), count, order.data(), &takeTotal);
 
+    // MinClipSize and MaxClipSize of the remaining takes, from each take's
+    // smallest and largest clip (all its clips, placed or not).
+    std::vector<double> takeMin(std::size_t(takeCount), 0);
+    std::vector<double> takeMax(std::size_t(takeCount), 0);
+    for (int t = 0; t < takeCount; ++t) {
+        takeMin[std::size_t(t)] = MinClipSize(takes, 1, &t);
+        takeMax[std::size_t(t)] = MaxClipSize(takes, 1, &t);
+    }
+    const auto smallestClip = [&] {
+        double smallest = 8589934592.0;
+        for (int i = 0; i < count; ++i)
+            smallest = std::min(smallest, takeMin[std::size_t(order[i])]);
+        return smallest;
+    };
+    const auto largestClip = [&] {
+        double largest = 0;
+        for (int i = 0; i < count; ++i)
+            largest = std::max(largest, takeMax[std::size_t(order[i])]);
+        return largest;
+    };
     const auto tidyDisks = [&] {
-        TailorDisk(MinClipSize(takes, count, order.data()), disks.freeSpaces.data(), &disks.count,
-                   disks.numbers.data(), &disks.freeTotal);
-        if (MaxClipSize(takes, count, order.data()) > disks.firstFree())
+        TailorDisk(smallestClip(), disks.freeSpaces.data(), &disks.count, disks.numbers.data(),
+                   &disks.freeTotal);
+        if (largestClip() > disks.firstFree())
             disks.open(capacity, true);
         if (takeTotal > disks.freeTotal) {
             const int more = int(std::ceil((takeTotal - disks.freeTotal) / capacity));
@@ -321,6 +373,9 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
     takeTodisk best;
     plan.takes.reserve(takeCount);
     best.takes.reserve(takeCount);
+    LeadIndex index;
+    index.build(takes, count, order.data(), takeCount);
+    std::vector<double> leadsBefore;
     while (count > 0) {
         const double room = disks.freeSpaces[0];
         int kmax = count == 1 ? 1 : 2;
@@ -351,7 +406,7 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
             break;
         }
 
-        const PassIndex index = makePassIndex(takes, count, order.data());
+        const double maxClip = largestClip();
         const int window = std::min(count, kTrialWindow);
         const auto trial = [&](int first, int second) {
             plan.takes.clear();
@@ -367,7 +422,7 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
             for (const int t : plan.takes)
                 takes[t].end = takes[t].clipCount();
             plan.size = chosen;
-            greedyPack(&plan, count, takes, order.data(), room, index);
+            greedyPack(&plan, count, takes, order.data(), room, maxClip, index);
             if (plan.size > best.size) {
                 for (const int t : best.takes)
                     takes[t].mark = takes[t].begin;
@@ -392,6 +447,9 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
 
         if (best.takes.empty()) // cannot happen: the first disk always holds the largest clip
             return kSegmentTooLarge;
+        leadsBefore.clear();
+        for (const int t : best.takes)
+            leadsBefore.push_back(LeadIndex::leadOf(takes[t]));
         for (const int t : best.takes) {
             TAKE& take = takes[t];
             for (int c = take.begin; c < take.mark; ++c) {
@@ -406,6 +464,9 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
             sizes[i] = takes[order[i]].remainSize;
         disks.freeSpaces[0] -= best.size;
         TailorTake(takes, sizes.data(), order.data(), &count, &takeTotal);
+        for (std::size_t i = 0; i < best.takes.size(); ++i)
+            index.update(takes, best.takes[i], leadsBefore[i]);
+        index.setPositions(count, order.data());
         tidyDisks();
     }
     *diskCount = disks.created;
