@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 
 using namespace clitest;
@@ -43,19 +46,26 @@ QMap<QString, qint64> clipFiles(const QString& workFolder)
 
 class FolderCommandsTest : public CliTest
 {
+protected:
+    // Three single clips and a take of three in media/SHOOT, each clip 2.5 GB.
+    QString makeShoot()
+    {
+        cardgen::Options options = cwtest::CardFolder::fast(3, {3});
+        options.outputFolder = home().path("media/SHOOT");
+        options.manifestPath = home().path("manifest.json");
+        QString error;
+        EXPECT_TRUE(cardgen::CardGenerator::generate(options, &error)) << error.toStdString();
+        QDirIterator mp4(options.outputFolder + "/BPAV/CLPR", {"*.MP4"}, QDir::Files,
+                         QDirIterator::Subdirectories);
+        while (mp4.hasNext())
+            EXPECT_TRUE(QFile(mp4.next()).resize(qint64(2500) << 20));
+        return options.outputFolder;
+    }
 };
 
 TEST_F(FolderCommandsTest, DivideAndCombineBack)
 {
-    cardgen::Options options = cwtest::CardFolder::fast(3, {3});
-    options.outputFolder = home().path("media/SHOOT");
-    options.manifestPath = home().path("manifest.json");
-    QString error;
-    ASSERT_TRUE(cardgen::CardGenerator::generate(options, &error)) << error.toStdString();
-    const QString shoot = options.outputFolder;
-    QDirIterator mp4(shoot + "/BPAV/CLPR", {"*.MP4"}, QDir::Files, QDirIterator::Subdirectories);
-    while (mp4.hasNext())
-        ASSERT_TRUE(QFile(mp4.next()).resize(qint64(2500) << 20));
+    const QString shoot = makeShoot();
     const QStringList umids = scannedUmids(shoot);
     const QMap<QString, qint64> clips = clipFiles(shoot);
 
@@ -87,6 +97,40 @@ TEST_F(FolderCommandsTest, DivideAndCombineBack)
     EXPECT_EQ(clipFiles(shoot), clips);
     EXPECT_EQ(QDir(home().path("media")).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList({"SHOOT"}));
+}
+
+// No file may grow past 1000 bytes in the dividing process: the single
+// clips move, then the copy of the split take's take info fails with EFBIG,
+// and everything goes back.
+TEST_F(FolderCommandsTest, AFailingWriteDuringADivisionPutsEverythingBack)
+{
+    const QString shoot = makeShoot();
+    ASSERT_EQ(cli({"scan", shoot}).status, 0);
+    const QMap<QString, qint64> clips = clipFiles(shoot);
+    const auto indexes = [&] {
+        QMap<QString, QByteArray> contents;
+        for (const char* name : {"MEDIAPRO.XML", "CUEUP.XML"}) {
+            QFile file(shoot + "/BPAV/" + name);
+            contents.insert(name, file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
+        }
+        return contents;
+    };
+    const QMap<QString, QByteArray> before = indexes();
+    QProcess p;
+    p.setChildProcessModifier([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1000, 1000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    });
+    p.start(kCli, {"divide", shoot, "--capacity", "4"});
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_FALSE(run.err.isEmpty());
+    EXPECT_EQ(QDir(home().path("media")).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+              QStringList({"SHOOT"}));
+    EXPECT_EQ(clipFiles(shoot), clips);
+    EXPECT_EQ(indexes(), before);
+    EXPECT_EQ(scannedUmids(shoot).size(), 4);
 }
 
 TEST_F(FolderCommandsTest, MediaNameIsPrintedAndChanged)
