@@ -628,27 +628,30 @@ void BLMediaInfoCtrl::showDeletFolder()
 
 void BLMediaInfoCtrl::showFolderDivision()
 {
-    if (!m_baseView || !checkSelectFolderExist())
+    IFolderDivisionView* view = m_baseView ? m_baseView->folderDivisionView() : nullptr;
+    if (!view || !checkSelectFolderExist())
         return;
-    BLFolderDivisionCtrl ctrl(&m_baseView->folderDivisionView(), m_arrTakeData, m_selectFolder, this);
+    BLFolderDivisionCtrl ctrl(view, m_arrTakeData, m_selectFolder, this);
     ctrl.showModal();
 }
 
 void BLMediaInfoCtrl::showFolderCombine()
 {
-    if (!m_baseView || !checkSelectFolderExist())
+    IFolderCombineView* view = m_baseView ? m_baseView->folderCombineView() : nullptr;
+    if (!view || !checkSelectFolderExist())
         return;
     DOClipCtrl clipCtrl = makeClipCtrl(m_selectFolder, m_selectFolder);
     clipCtrl.setToTakes(m_arrTakeData);
-    BLFolderCombineCtrl ctrl(&m_baseView->folderCombineView(), clipCtrl);
+    BLFolderCombineCtrl ctrl(view, clipCtrl);
     ctrl.showModal();
 }
 
 void BLMediaInfoCtrl::showChangeMediaName()
 {
-    if (!m_baseView || !checkSelectFolderExist())
+    IMediaNameChangeView* view = m_baseView ? m_baseView->mediaNameChangeView() : nullptr;
+    if (!view || !checkSelectFolderExist())
         return;
-    BLMediaNameChangeCtrl ctrl(&m_baseView->mediaNameChangeView(), this);
+    BLMediaNameChangeCtrl ctrl(view, this);
     ctrl.showModal(m_selectFolder);
 }
 

@@ -32,7 +32,8 @@ public:
     virtual IDeleteFolderView& deleteFolderView() = 0;
     virtual IClipTransferView& clipCopyView() = 0;
     virtual IClipTransferView& clipMoveView() = 0;
-    virtual IFolderDivisionView& folderDivisionView() = 0;
-    virtual IFolderCombineView& folderCombineView() = 0;
-    virtual IMediaNameChangeView& mediaNameChangeView() = 0;
+    // The dialogs of the Folder menu; none where the view has no dialogs.
+    virtual IFolderDivisionView* folderDivisionView() { return nullptr; }
+    virtual IFolderCombineView* folderCombineView() { return nullptr; }
+    virtual IMediaNameChangeView* mediaNameChangeView() { return nullptr; }
 };

@@ -198,17 +198,17 @@ template <class Dialog> static Dialog& dialogOf(QWidget* pane, const QString& na
     return dialog ? *dialog : *new Dialog(pane);
 }
 
-IFolderDivisionView& SCMediaInfoView::folderDivisionView()
+IFolderDivisionView* SCMediaInfoView::folderDivisionView()
 {
-    return dialogOf<FolderDivisionDialog>(this, QStringLiteral("FolderDivision"));
+    return &dialogOf<FolderDivisionDialog>(this, QStringLiteral("FolderDivision"));
 }
 
-IFolderCombineView& SCMediaInfoView::folderCombineView()
+IFolderCombineView* SCMediaInfoView::folderCombineView()
 {
-    return dialogOf<FolderCombineDialog>(this, QStringLiteral("FolderCombine"));
+    return &dialogOf<FolderCombineDialog>(this, QStringLiteral("FolderCombine"));
 }
 
-IMediaNameChangeView& SCMediaInfoView::mediaNameChangeView()
+IMediaNameChangeView* SCMediaInfoView::mediaNameChangeView()
 {
-    return dialogOf<MediaNameChangeDialog>(this, QStringLiteral("MediaNameChange"));
+    return &dialogOf<MediaNameChangeDialog>(this, QStringLiteral("MediaNameChange"));
 }

@@ -51,9 +51,9 @@ public:
     IDeleteFolderView& deleteFolderView() override;
     IClipTransferView& clipCopyView() override;
     IClipTransferView& clipMoveView() override;
-    IFolderDivisionView& folderDivisionView() override;
-    IFolderCombineView& folderCombineView() override;
-    IMediaNameChangeView& mediaNameChangeView() override;
+    IFolderDivisionView* folderDivisionView() override;
+    IFolderCombineView* folderCombineView() override;
+    IMediaNameChangeView* mediaNameChangeView() override;
 
 private:
     QToolButton* makeToolButton(int tag);

@@ -10,10 +10,7 @@
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/IClipTransferView.h"
 #include "core/operations/IDeleteFolderView.h"
-#include "core/operations/IFolderCombineView.h"
-#include "core/operations/IFolderDivisionView.h"
 #include "core/operations/IFolderNameView.h"
-#include "core/operations/IMediaNameChangeView.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
 #include "core/panes/IMediaInfoView.h"
@@ -38,27 +35,6 @@
 
 namespace {
 
-// The dialogs of division, combine and media name, answering Cancel.
-class CancellingDialogs : public IFolderDivisionView, public IFolderCombineView, public IMediaNameChangeView
-{
-public:
-    void setTitle(const QString&) override {}
-    void setFolderName(const QString&) override {}
-    void setCapacities(const QStringList&, int) override {}
-    QString capacityText() const override { return {}; }
-    int runModal(BLFolderDivisionCtrl*) override { return 0; }
-    void setDestination(const QString&) override {}
-    void setRows(const QList<QVariantMap>&) override {}
-    QList<QVariantMap> rows() const override { return {}; }
-    bool deleteSwitch() const override { return false; }
-    void setOkEnabled(bool) override {}
-    int runModal(BLFolderCombineCtrl*) override { return 0; }
-    void setMediaName(const QString&) override {}
-    QString mediaName() const override { return {}; }
-    int runModal(BLMediaNameChangeCtrl*) override { return 0; }
-    void endModal(int) override {}
-};
-
 // The pane's view: keeps the texts and button states it is given.
 class FakeMediaInfoView : public IMediaInfoView, IFolderNameView, IDeleteFolderView, IClipTransferView
 {
@@ -77,10 +53,6 @@ public:
     IDeleteFolderView& deleteFolderView() override { return *this; }
     IClipTransferView& clipCopyView() override { return *this; }
     IClipTransferView& clipMoveView() override { return *this; }
-    IFolderDivisionView& folderDivisionView() override { return dialogs; }
-    IFolderCombineView& folderCombineView() override { return dialogs; }
-    IMediaNameChangeView& mediaNameChangeView() override { return dialogs; }
-    CancellingDialogs dialogs;
 
     // Dialogs answer Cancel / No; the copy dialog keeps what it was shown.
     void setTitle(const QString&) override {}
