@@ -7,19 +7,17 @@
 // BMP file). BM_CacheHitRequestToPicture: from the request notification to the
 // picture's notification on the main thread, with the worker idle.
 // BM_CacheMiss: decoding the key frame and writing the cache file.
+#include "BenchSupport.h"
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/model/DOTakeData.h"
 #include "core/preview/BLCacheImageCtrl.h"
 #include "support/CardFolder.h"
-#include "support/TestEnvironment.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-
-#include <benchmark/benchmark.h>
 
 #include <chrono>
 #include <cstdio>
@@ -129,14 +127,4 @@ BENCHMARK(BM_CacheMiss)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
-int main(int argc, char** argv)
-{
-    cwtest::isolateProcessHome(); // the cache folder goes to a temporary home
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+CLIPWRIGHT_BENCHMARK_MAIN()

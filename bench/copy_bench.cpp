@@ -2,15 +2,12 @@
 // verification (verify:0) and with the read-back check (verify:1).
 // COPY_BENCH_SOURCE names the file; the copy goes to COPY_BENCH_DEST (default:
 // beside the source as "<source>.copy").
+#include "BenchSupport.h"
 #include "core/common/BLCommon.h"
 #include "core/common/BLProgressThread.h"
-#include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-
-#include <benchmark/benchmark.h>
 
 #include <cstdlib>
 
@@ -85,12 +82,4 @@ BENCHMARK(BM_CopyWithProgressDefaultPause)
     ->UseRealTime()
     ->Iterations(1);
 
-int main(int argc, char** argv)
-{
-    cwtest::isolateProcessHome(); // the log and settings stay out of the real home folder
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+CLIPWRIGHT_BENCHMARK_MAIN()

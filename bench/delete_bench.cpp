@@ -3,45 +3,23 @@
 // the rewrite of the media profile. Generated cards of n short single clips
 // (cardgen's fast mode); each run deletes from a fresh copy, made and read
 // outside the timing. 600 takes should go in well under 2 s.
+#include "BenchSupport.h"
 #include "core/common/BLCommon.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
-#include "support/CardFolder.h"
-#include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include <benchmark/benchmark.h>
-
-#include <map>
-#include <memory>
 #include <optional>
 
 namespace {
 
-// One card per size, made on first use and kept for the run.
-QString cardOf(int clips)
-{
-    static std::map<int, std::unique_ptr<cwtest::CardFolder>> cards;
-    auto& card = cards[clips];
-    if (!card) {
-        cardgen::Options options = cwtest::CardFolder::quick();
-        options.clips = clips;
-        options.fast = true;
-        card = std::make_unique<cwtest::CardFolder>(options);
-        if (!card->ok())
-            qFatal("cardgen: %s", qPrintable(card->error()));
-    }
-    return card->workFolder();
-}
-
 void BM_DeleteAllTakes(benchmark::State& state)
 {
     const int clips = int(state.range(0));
-    const QString card = cardOf(clips);
+    const QString card = bench::cardOf(clips);
     std::optional<QTemporaryDir> dir; // the last copy goes while timing is paused
     for (auto _ : state) {
         state.PauseTiming();
@@ -55,8 +33,7 @@ void BM_DeleteAllTakes(benchmark::State& state)
             break;
         }
         DOClipCtrl record;
-        record.setCopyFromPath(QFileInfo(work).path());
-        record.setCopyFromFolderName(QFileInfo(work).fileName());
+        record.setSourceWorkFolder(work);
         record.setFromTakes(takes);
         record.setBeforeTakes(takes);
         record.setToTakes(takes);
@@ -84,12 +61,4 @@ BENCHMARK(BM_DeleteAllTakes)
     ->UseRealTime()
     ->Iterations(5);
 
-int main(int argc, char** argv)
-{
-    cwtest::isolateProcessHome(); // the log and settings stay out of the real home folder
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+CLIPWRIGHT_BENCHMARK_MAIN()

@@ -117,10 +117,8 @@ int transferRecord(const char* command, const char* transferred, const QStringLi
     QList<DOTakeData> takes, chosen;
     if (!chooseTakes(command, source, args.mid(2), transferred, &takes, &chosen))
         return kExitFailed;
-    record->setCopyFromPath(QFileInfo(source).path());
-    record->setCopyFromFolderName(QFileInfo(source).fileName());
-    record->setCopyToFolder(destination.path());
-    record->setCopyToFolderName(destination.fileName());
+    record->setSourceWorkFolder(source);
+    record->setDestinationWorkFolder(destination.filePath());
     record->setFromTakes(chosen);
     record->setBeforeTakes(takes);
     return kExitOk;

@@ -64,8 +64,7 @@ int runDelete(const QStringList& args)
     }
 
     DOClipCtrl record;
-    record.setCopyFromPath(QFileInfo(workFolder).path());
-    record.setCopyFromFolderName(QFileInfo(workFolder).fileName());
+    record.setSourceWorkFolder(workFolder);
     record.setFromTakes(chosen);
     record.setBeforeTakes(takes);
     record.setToTakes(takes);

@@ -20,6 +20,8 @@ const CliCommand kCommands[] = {
      runDelete},
     {"divide", "[--json] WORK_FOLDER --capacity GB",
      "Divide a work folder into new folders beside it that each fit a disk of the capacity", runDivide},
+    {"export", "[--json] WORK_FOLDER DEST_FOLDER [TAKE_ID...]",
+     "Export takes (all that can be, or those named) as MPEG-2 transport streams (TAKE_ID.M2T)", runExport},
     {"media-name", "WORK_FOLDER [NAME]", "Print the media name of a work folder, or change it to NAME",
      runMediaName},
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",

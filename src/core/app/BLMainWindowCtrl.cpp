@@ -7,13 +7,17 @@
 #include "core/common/BLCommon.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/export/DOMPEG2TSConvert.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "core/preview/BLCacheImageCtrl.h"
 #include "core/preview/BLPreviewCtrl.h"
 
 #include <algorithm>
 
-BLMainWindowCtrl::BLMainWindowCtrl(IMainWindowView& view) : m_view(view) {}
+BLMainWindowCtrl::BLMainWindowCtrl(IMainWindowView& view)
+    : m_view(view), m_mpeg(std::make_unique<DOMPEG2TSConvert>())
+{
+}
 
 BLMainWindowCtrl::~BLMainWindowCtrl()
 {
@@ -50,13 +54,14 @@ bool BLMainWindowCtrl::initializeCtrl()
 
 void BLMainWindowCtrl::finalizeCtrl()
 {
-    // The panes first, then the preview; the export parameters follow once they exist.
+    // The panes first, then the preview, then the export parameters.
     if (m_mediaInfoCtrl1) {
         m_mediaInfoCtrl1->finalizeCtrl();
         m_mediaInfoCtrl2->finalizeCtrl();
     }
     if (m_previewCtrl)
         m_previewCtrl->finalizeCtrl();
+    m_mpeg->finalizeDO();
 }
 
 void BLMainWindowCtrl::readData()

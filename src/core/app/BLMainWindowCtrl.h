@@ -9,6 +9,7 @@ class IMainWindowView;
 class BLMediaInfoCtrl;
 class BLPreviewCtrl;
 class BLCacheImageCtrl;
+class DOMPEG2TSConvert;
 
 // Menu tag of "Reset Window Size".
 inline constexpr int MENU_ITEM_ID_RESET_WINDOW_SIZE = 44049;
@@ -48,6 +49,8 @@ public:
     void setFocusMediaInfoCtrl(BLMediaInfoCtrl* mediaInfoCtrl, bool treeHasFocus);
     // The preview controller (none when the window has no preview view).
     BLPreviewCtrl* getPreviewCtrl() const { return m_previewCtrl.get(); }
+    // The MPEG-2 TS export parameters (the conversion library and its callback).
+    DOMPEG2TSConvert& getDOMPEG2TSConvert() const { return *m_mpeg; }
 
     // Whether the controller handles the menu tag (its own, or a command of
     // the pane with the focus); *isEnable tells whether the item is available now.
@@ -81,4 +84,5 @@ private:
     std::unique_ptr<BLPreviewCtrl> m_previewCtrl;
     std::unique_ptr<BLCacheImageCtrl> m_cacheImageCtrl;
     bool m_isZoom = false;
+    std::unique_ptr<DOMPEG2TSConvert> m_mpeg;
 };

@@ -138,8 +138,7 @@ bool forgetTakes(const QString& source, const QList<BLTakeMover::Take>& takes)
 {
     QStringList paths;
     DOClipCtrl record;
-    record.setCopyFromPath(QFileInfo(source).path());
-    record.setCopyFromFolderName(QFileInfo(source).fileName());
+    record.setSourceWorkFolder(source);
     for (const BLTakeMover::Take& take : takes) {
         for (const BLTakeMover::Item& item : take.items)
             if (!item.copy)

@@ -2,6 +2,9 @@
 
 #include "core/common/BLCommon.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 namespace {
 
 // Index edits outside the list change nothing.
@@ -27,6 +30,20 @@ QString DOClipCtrl::sourceWorkFolder() const
 QString DOClipCtrl::destinationWorkFolder() const
 {
     return BLCommon::makeFilePath(m_CopyToPath, {m_CopyToFolderName});
+}
+
+void DOClipCtrl::setSourceWorkFolder(const QString& workFolder)
+{
+    const QFileInfo folder(QDir::cleanPath(workFolder));
+    m_CopyFromPath = folder.path();
+    m_CopyFromFolderName = folder.fileName();
+}
+
+void DOClipCtrl::setDestinationWorkFolder(const QString& workFolder)
+{
+    const QFileInfo folder(QDir::cleanPath(workFolder));
+    m_CopyToPath = folder.path();
+    m_CopyToFolderName = folder.fileName();
 }
 
 void DOClipCtrl::setToTake(const DOTakeData& take, int index)

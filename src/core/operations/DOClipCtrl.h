@@ -27,6 +27,9 @@ public:
     // The source and destination work folders (parent joined with name).
     QString sourceWorkFolder() const;
     QString destinationWorkFolder() const;
+    // Sets a work folder's parent and name.
+    void setSourceWorkFolder(const QString& workFolder);
+    void setDestinationWorkFolder(const QString& workFolder);
 
     const DOTakeData& getTargetTake() const { return m_TargetTake; }
     void setTargetTake(const DOTakeData& value) { m_TargetTake = value; }

@@ -6,6 +6,7 @@
 #include "core/common/BLCommon.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"
+#include "core/export/BLMPEG2TSConvertCtrl.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
@@ -662,14 +663,22 @@ void BLMediaInfoCtrl::deleteClipData()
     const QList<DOTakeData> chosen = getSelectAllTakeData();
     if (chosen.isEmpty())
         return;
-    const QFileInfo folder(QDir::cleanPath(m_selectFolder));
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(folder.path());
-    clipCtrl.setCopyFromFolderName(folder.fileName());
+    clipCtrl.setSourceWorkFolder(m_selectFolder);
     clipCtrl.setFromTakes(chosen);
     clipCtrl.setBeforeTakes(m_arrTakeData);
     clipCtrl.setToTakes(m_arrTakeData);
     BLClipDeleteCtrl(clipCtrl, this).clipDelete();
+}
+
+void BLMediaInfoCtrl::showMPEG2TSConvert()
+{
+    IMPEG2TSConvertView* view = m_baseView ? m_baseView->mpeg2tsConvertView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    DOMPEG2TSConvert own;
+    DOMPEG2TSConvert& mpeg = m_mainWindowCtrl ? m_mainWindowCtrl->getDOMPEG2TSConvert() : own;
+    BLMPEG2TSConvertCtrl(mpeg, view).showModal(m_selectFolder, getSelectAllTakeData());
 }
 
 // ---- menu routing ----
@@ -755,12 +764,8 @@ BLMediaInfoCtrl* BLMediaInfoCtrl::anotherMediaInfoCtrl() const
 DOClipCtrl BLMediaInfoCtrl::makeClipCtrl(const QString& fromFolder, const QString& toFolder)
 {
     DOClipCtrl clipCtrl;
-    const QFileInfo from(QDir::cleanPath(fromFolder));
-    const QFileInfo to(QDir::cleanPath(toFolder));
-    clipCtrl.setCopyFromPath(from.path());
-    clipCtrl.setCopyFromFolderName(from.fileName());
-    clipCtrl.setCopyToFolder(to.path());
-    clipCtrl.setCopyToFolderName(to.fileName());
+    clipCtrl.setSourceWorkFolder(fromFolder);
+    clipCtrl.setDestinationWorkFolder(toFolder);
     return clipCtrl;
 }
 

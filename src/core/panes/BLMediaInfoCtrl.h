@@ -123,6 +123,8 @@ public:
     void showChangeMediaName();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
+    // Exports the selected takes as MPEG-2 transport streams.
+    void showMPEG2TSConvert();
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

@@ -49,7 +49,6 @@ bool isCommandAvailable(int tag)
 {
     switch (tag) {
     case MENU_ITEM_ID_IMPORT:
-    case MENU_ITEM_ID_EXPORT:
     case MENU_ITEM_ID_SHOW_INFO:
         return false;
     default:
@@ -246,6 +245,9 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
         break;
     case MENU_ITEM_ID_DELETE:
         m_mediaInfoCtrl.deleteClipData();
+        break;
+    case MENU_ITEM_ID_EXPORT:
+        m_mediaInfoCtrl.showMPEG2TSConvert();
         break;
     default:
         break;

@@ -7,6 +7,7 @@ class IDeleteFolderView;
 class IFolderCombineView;
 class IFolderDivisionView;
 class IFolderNameView;
+class IMPEG2TSConvertView;
 class IMediaNameChangeView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
@@ -36,4 +37,6 @@ public:
     virtual IFolderDivisionView* folderDivisionView() { return nullptr; }
     virtual IFolderCombineView* folderCombineView() { return nullptr; }
     virtual IMediaNameChangeView* mediaNameChangeView() { return nullptr; }
+    // The export dialog; none where the view has no dialogs.
+    virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
 };

@@ -3,6 +3,7 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "ui/common/LocalizedTitle.h"
+#include "ui/export/MPEG2TSConvertDialog.h"
 #include "ui/operations/ClipTransferDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
 #include "ui/operations/FolderCombineDialog.h"
@@ -66,7 +67,8 @@ SCMediaInfoView::SCMediaInfoView(BLMediaInfoCtrl* ctrl, QWidget* parent)
       m_folderSize(new QLabel), m_volumeSize(new QLabel), m_folderNameDialog(new FolderNameDialog(this)),
       m_deleteFolderDialog(new DeleteFolderDialog(this)),
       m_clipCopyDialog(new ClipTransferDialog(QStringLiteral("ClipCopy"), this)),
-      m_clipMoveDialog(new ClipTransferDialog(QStringLiteral("ClipMove"), this))
+      m_clipMoveDialog(new ClipTransferDialog(QStringLiteral("ClipMove"), this)),
+      m_mpeg2tsConvertDialog(new MPEG2TSConvertDialog(this))
 {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(2);
@@ -184,6 +186,11 @@ IDeleteFolderView& SCMediaInfoView::deleteFolderView()
 IClipTransferView& SCMediaInfoView::clipCopyView()
 {
     return *m_clipCopyDialog;
+}
+
+IMPEG2TSConvertView* SCMediaInfoView::mpeg2tsConvertView()
+{
+    return m_mpeg2tsConvertDialog;
 }
 
 IClipTransferView& SCMediaInfoView::clipMoveView()

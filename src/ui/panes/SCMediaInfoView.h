@@ -8,6 +8,7 @@
 
 class BLMediaInfoCtrl;
 class ClipTransferDialog;
+class MPEG2TSConvertDialog;
 class DeleteFolderDialog;
 class FolderNameDialog;
 class QLabel;
@@ -50,6 +51,7 @@ public:
     IFolderNameView& folderNameView() override;
     IDeleteFolderView& deleteFolderView() override;
     IClipTransferView& clipCopyView() override;
+    IMPEG2TSConvertView* mpeg2tsConvertView() override;
     IClipTransferView& clipMoveView() override;
     IFolderDivisionView* folderDivisionView() override;
     IFolderCombineView* folderCombineView() override;
@@ -70,4 +72,5 @@ private:
     DeleteFolderDialog* m_deleteFolderDialog;
     ClipTransferDialog* m_clipCopyDialog;
     ClipTransferDialog* m_clipMoveDialog;
+    MPEG2TSConvertDialog* m_mpeg2tsConvertDialog;
 };

@@ -595,8 +595,7 @@ TEST_F(MediaProCtrlTest, CueUpLosesItsEntryOnlyWhenItNamesADeletedClip)
     ASSERT_EQ(entry.getUmid(), card.manifest().takes.back().umid) << "the generator names the last clip";
 
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(QFileInfo(card.workFolder()).path());
-    clipCtrl.setCopyFromFolderName(QFileInfo(card.workFolder()).fileName());
+    clipCtrl.setSourceWorkFolder(card.workFolder());
     clipCtrl.addDelUmid(card.manifest().takes.front().umid);
     QFile file(cueUpPath);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -69,9 +69,7 @@ protected:
     DOClipCtrl recordOnly(const QString& name, const QList<DOTakeData>& from = {}) const
     {
         DOClipCtrl clipCtrl;
-        const QFileInfo source(m_source->workFolder());
-        clipCtrl.setCopyFromPath(source.path());
-        clipCtrl.setCopyFromFolderName(source.fileName());
+        clipCtrl.setSourceWorkFolder(m_source->workFolder());
         clipCtrl.setCopyToFolder(m_parent);
         clipCtrl.setCopyToFolderName(name);
         clipCtrl.setFromTakes(from.isEmpty() ? m_takes : from);

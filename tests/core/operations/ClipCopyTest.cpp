@@ -73,34 +73,16 @@ QList<DOTakeData> copyable(const QList<DOTakeData>& takes)
 
 } // namespace
 
-class ClipCopyTest : public cwtest::HomeTest
+class ClipCopyTest : public optest::OperationTest<WatchingProgressView>
 {
 protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        BLProgressCtrl::sharedCtrl()->setView(&progress);
-        SCNotificationCenter::defaultCenter()->addObserver(
-            this, SC::SCSelectFolderDataDidUpdateNotification, [this](const SCNotification& n) {
-                updates << n.userInfo.value(SC::SCDUpdateSelectFolderKey).toString();
-            });
-        ASSERT_TRUE(QDir().mkpath(home().path("media")));
-    }
-    void TearDown() override
-    {
-        SCNotificationCenter::defaultCenter()->removeObserver(this);
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-        HomeTest::TearDown();
-    }
     // The record of a copy of the source's takes (all, or those given) to a
     // folder proposed by name beside the source's parent's "media" folder.
     DOClipCtrl record(const QString& source, const QList<DOTakeData>& takes, const QString& destination)
     {
         DOClipCtrl clipCtrl;
-        clipCtrl.setCopyFromPath(QFileInfo(source).path());
-        clipCtrl.setCopyFromFolderName(QFileInfo(source).fileName());
-        clipCtrl.setCopyToFolder(QFileInfo(destination).path());
-        clipCtrl.setCopyToFolderName(QFileInfo(destination).fileName());
+        clipCtrl.setSourceWorkFolder(source);
+        clipCtrl.setDestinationWorkFolder(destination);
         clipCtrl.setFromTakes(takes);
         return clipCtrl;
     }
@@ -113,10 +95,6 @@ protected:
             QCoreApplication::processEvents();
         return copied;
     }
-
-    WatchingProgressView progress;
-    cwtest::MessageRecorder messages;
-    QStringList updates;
 };
 
 TEST_F(ClipCopyTest, ACardCopiedIntoANewFolderArrivesWholeAndTheSourceIsUntouched)

@@ -1,24 +1,18 @@
 // Deleting takes through the controller on a generated card, each deletion
 // run as a pane would run it after the last one.
 #include "OperationsTestSupport.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 #include "support/CardFolder.h"
-#include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
-#include <QScopeGuard>
 
 #include <gtest/gtest.h>
 
-using ClipDeleteTest = cwtest::HomeTest;
+using ClipDeleteTest = optest::OperationTest<>;
 
 TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheRest)
 {
@@ -29,17 +23,6 @@ TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheR
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QMap<QString, QByteArray> before = optest::snapshot(card.bpav());
-    BLHeadlessProgressView progress;
-    cwtest::MessageRecorder messages;
-    QStringList updates;
-    BLProgressCtrl::sharedCtrl()->setView(&progress);
-    SCNotificationCenter::defaultCenter()->addObserver(
-        &updates, SC::SCSelectFolderDataDidUpdateNotification,
-        [&](const SCNotification& n) { updates << n.userInfo[SC::SCDUpdateSelectFolderKey].toString(); });
-    const auto cleanUp = qScopeGuard([&] {
-        SCNotificationCenter::defaultCenter()->removeObserver(&updates);
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-    });
 
     // Deletes the takes named from the folder as read now, answering the
     // question with the button given.
@@ -51,8 +34,7 @@ TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheR
             std::copy_if(takes.begin(), takes.end(), std::back_inserter(chosen),
                          [&](const DOTakeData& take) { return take.getShownTakeID() == id; });
         DOClipCtrl clipCtrl;
-        clipCtrl.setCopyFromPath(QFileInfo(card.workFolder()).path());
-        clipCtrl.setCopyFromFolderName(QFileInfo(card.workFolder()).fileName());
+        clipCtrl.setSourceWorkFolder(card.workFolder());
         clipCtrl.setFromTakes(chosen);
         clipCtrl.setBeforeTakes(takes);
         messages.clear();

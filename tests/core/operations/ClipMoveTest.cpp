@@ -52,29 +52,17 @@ QStringList idsOf(const QList<DOTakeData>& takes)
     return ids;
 }
 
-class ClipMoveTest : public cwtest::HomeTest
+class ClipMoveTest : public optest::OperationTest<>
 {
 protected:
     void SetUp() override
     {
-        HomeTest::SetUp();
-        BLProgressCtrl::sharedCtrl()->setView(&progress);
-        SCNotificationCenter::defaultCenter()->addObserver(
-            this, SC::SCSelectFolderDataDidUpdateNotification, [this](const SCNotification& n) {
-                updates << n.userInfo.value(SC::SCDUpdateSelectFolderKey).toString();
-            });
-        ASSERT_TRUE(QDir().mkpath(home().path("media")));
+        OperationTest::SetUp();
         // Singles ABC0001 to ABC0004 and ABC0005U01 of ABC0005 to ABC0007.
         card = std::make_unique<cwtest::CardFolder>(cwtest::CardFolder::fast(4, {3}));
         ASSERT_TRUE(card->ok()) << card->error().toStdString();
         takes = BLHouseKeepingCtrl().doHouseKeeping(card->workFolder());
         ASSERT_EQ(idsOf(takes), QStringList({"ABC0001", "ABC0002", "ABC0003", "ABC0004", "ABC0005U01"}));
-    }
-    void TearDown() override
-    {
-        SCNotificationCenter::defaultCenter()->removeObserver(this);
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-        HomeTest::TearDown();
     }
     const DOTakeData& take(const QString& id) const
     {
@@ -85,10 +73,8 @@ protected:
     DOClipCtrl record(const QStringList& ids, const QString& destination) const
     {
         DOClipCtrl clipCtrl;
-        clipCtrl.setCopyFromPath(QFileInfo(card->workFolder()).path());
-        clipCtrl.setCopyFromFolderName(QFileInfo(card->workFolder()).fileName());
-        clipCtrl.setCopyToFolder(QFileInfo(destination).path());
-        clipCtrl.setCopyToFolderName(QFileInfo(destination).fileName());
+        clipCtrl.setSourceWorkFolder(card->workFolder());
+        clipCtrl.setDestinationWorkFolder(destination);
         QList<DOTakeData> chosen;
         for (const QString& id : ids)
             chosen << take(id).copyTake();
@@ -122,9 +108,6 @@ protected:
         return worker;
     }
 
-    BLHeadlessProgressView progress;
-    cwtest::MessageRecorder messages;
-    QStringList updates;
     std::unique_ptr<cwtest::CardFolder> card;
     QList<DOTakeData> takes;
 };

@@ -145,8 +145,7 @@ TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
 
     const QFileInfo work(m_work);
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(work.path());
-    clipCtrl.setCopyFromFolderName(work.fileName());
+    clipCtrl.setSourceWorkFolder(m_work);
     for (const DOTakeData& hostile : {throughLink, upwards, absolute, loose, multi}) {
         clipCtrl.setTargetTake(hostile);
         EXPECT_FALSE(ctrl.isDeletable(clipCtrl));
@@ -159,8 +158,7 @@ TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
     EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/ABC0003").isDir()); // the multi-clip take stopped at its first clip
 
     // A roll-back over the same takes into this card.
-    clipCtrl.setCopyToFolder(work.path());
-    clipCtrl.setCopyToFolderName(work.fileName());
+    clipCtrl.setDestinationWorkFolder(m_work);
     clipCtrl.setFromTakes({throughLink, upwards, absolute, loose, multi});
     ctrl.processCancel(clipCtrl, 5);
 
@@ -180,12 +178,9 @@ TEST_F(ContainmentTest, TakesReadFromTheIndexFilesAreRemovedOnlyInsideTheCard)
     const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(m_work);
     ASSERT_GE(takes.size(), 3);
     BLClipCtrl ctrl;
-    const QFileInfo work(m_work);
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(work.path());
-    clipCtrl.setCopyFromFolderName(work.fileName());
-    clipCtrl.setCopyToFolder(work.path());
-    clipCtrl.setCopyToFolderName(work.fileName());
+    clipCtrl.setSourceWorkFolder(m_work);
+    clipCtrl.setDestinationWorkFolder(m_work);
     clipCtrl.setFromTakes(takes);
     clipCtrl.setToTakes(takes);
     ctrl.processCancel(clipCtrl, int(takes.size()));

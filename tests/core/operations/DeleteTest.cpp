@@ -193,10 +193,8 @@ protected:
     DOClipCtrl record(const QList<DOTakeData>& from) const
     {
         DOClipCtrl clipCtrl;
-        clipCtrl.setCopyFromPath(QFileInfo(m_work).path());
-        clipCtrl.setCopyFromFolderName(QFileInfo(m_work).fileName());
-        clipCtrl.setCopyToFolder(QFileInfo(m_destination->workFolder()).path());
-        clipCtrl.setCopyToFolderName(QFileInfo(m_destination->workFolder()).fileName());
+        clipCtrl.setSourceWorkFolder(m_work);
+        clipCtrl.setDestinationWorkFolder(m_destination->workFolder());
         clipCtrl.setFromTakes(from);
         clipCtrl.setToTakes(optest::loadTakes(m_destination->workFolder()));
         return clipCtrl;

@@ -1,10 +1,16 @@
 #pragma once
 
 #include "cardgen/CardGenerator.h"
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
 #include "core/model/DOTakeData.h"
 #include "core/operations/IClipTransferView.h"
+#include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 
+#include <QDir>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -84,6 +90,34 @@ private:
 };
 // Replaces a text in a file; fails the test when it is not there.
 void replaceInFile(const QString& path, const QString& from, const QString& to);
+
+// A test of an operation on takes: a home with an empty "media" folder, the
+// progress dialog shown through `progress`, the messages in `messages` and
+// the folders named by reload notifications in `updates`.
+template <class ProgressView = BLHeadlessProgressView> class OperationTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        SCNotificationCenter::defaultCenter()->addObserver(
+            this, SC::SCSelectFolderDataDidUpdateNotification, [this](const SCNotification& n) {
+                updates << n.userInfo.value(SC::SCDUpdateSelectFolderKey).toString();
+            });
+        ASSERT_TRUE(QDir().mkpath(home().path("media")));
+    }
+    void TearDown() override
+    {
+        SCNotificationCenter::defaultCenter()->removeObserver(this);
+        BLProgressCtrl::sharedCtrl()->setView(nullptr);
+        HomeTest::TearDown();
+    }
+
+    ProgressView progress;
+    cwtest::MessageRecorder messages;
+    QStringList updates;
+};
 
 } // namespace optest
 

@@ -61,10 +61,8 @@ void rejoin(const QList<DOTakeData>& fromTakes, const QString& from, const QList
 {
     copyTakeFolders(fromTakes, from, to);
     DOClipCtrl clipCtrl;
-    clipCtrl.setCopyFromPath(QFileInfo(from).path());
-    clipCtrl.setCopyFromFolderName(QFileInfo(from).fileName());
-    clipCtrl.setCopyToFolder(QFileInfo(to).path());
-    clipCtrl.setCopyToFolderName(QFileInfo(to).fileName());
+    clipCtrl.setSourceWorkFolder(from);
+    clipCtrl.setDestinationWorkFolder(to);
     clipCtrl.setFromTakes(fromTakes);
     clipCtrl.setToTakes(toTakes);
     BLClipCtrl ctrl;

@@ -411,7 +411,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_EXPORT));
     bool enable = true;
     EXPECT_TRUE(subGrid.isSupportMenuItem(MENU_ITEM_ID_EXPORT, &enable, nullptr));
-    EXPECT_FALSE(enable); // no export dialog in this build
+    EXPECT_TRUE(enable);
 
     // Paste with an empty clipboard: disabled and does nothing.
     EXPECT_FALSE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
