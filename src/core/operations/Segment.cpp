@@ -324,6 +324,7 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
     const auto tidyDisks = [&] {
         TailorDisk(smallestClip(), disks.freeSpaces.data(), &disks.count, disks.numbers.data(),
                    &disks.freeTotal);
+        const int open = disks.count;
         if (largestClip() > disks.firstFree())
             disks.open(capacity, true);
         if (takeTotal > disks.freeTotal) {
@@ -331,7 +332,9 @@ int Segment(TAKE* takes, int takeCount, double capacity, int* diskCount)
             for (int d = 0; d < more; ++d)
                 disks.open(capacity, false);
         }
-        disks.sort();
+        // TailorDisk left the list sorted and its total right unless disks were opened.
+        if (disks.count != open)
+            disks.sort();
     };
 
     // Phase 1: takes too large for any open disk fill disks with their
