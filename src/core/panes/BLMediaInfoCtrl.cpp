@@ -14,7 +14,10 @@
 #include "core/operations/BLClipMoveCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
+#include "core/operations/BLFolderCombineCtrl.h"
+#include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
+#include "core/operations/BLMediaNameChangeCtrl.h"
 #include "core/operations/DOClipCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
 #include "core/panes/IMediaInfoView.h"
@@ -39,10 +42,7 @@ constexpr int kTreeToolButtons[] = {MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_I
 bool isTreeCommandAvailable(int tag)
 {
     switch (tag) {
-    case MENU_ITEM_ID_FOLDER_DIVISION:
-    case MENU_ITEM_ID_FOLDER_COMBINE:
     case MENU_ITEM_ID_CLIP_SEARCH:
-    case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
         return false;
     default:
         return true;
@@ -627,6 +627,35 @@ void BLMediaInfoCtrl::showDeletFolder()
         notFoundSelectFolder();
 }
 
+void BLMediaInfoCtrl::showFolderDivision()
+{
+    IFolderDivisionView* view = m_baseView ? m_baseView->folderDivisionView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    BLFolderDivisionCtrl ctrl(view, m_arrTakeData, m_selectFolder, this);
+    ctrl.showModal();
+}
+
+void BLMediaInfoCtrl::showFolderCombine()
+{
+    IFolderCombineView* view = m_baseView ? m_baseView->folderCombineView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    DOClipCtrl clipCtrl = makeClipCtrl(m_selectFolder, m_selectFolder);
+    clipCtrl.setToTakes(m_arrTakeData);
+    BLFolderCombineCtrl ctrl(view, clipCtrl);
+    ctrl.showModal();
+}
+
+void BLMediaInfoCtrl::showChangeMediaName()
+{
+    IMediaNameChangeView* view = m_baseView ? m_baseView->mediaNameChangeView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    BLMediaNameChangeCtrl ctrl(view, this);
+    ctrl.showModal(m_selectFolder);
+}
+
 void BLMediaInfoCtrl::deleteClipData()
 {
     if (!checkSelectFolderExist())
@@ -701,6 +730,15 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
         break;
     case MENU_ITEM_ID_MOVE_UP_FOLDER:
         moveUpSelectFolder();
+        break;
+    case MENU_ITEM_ID_FOLDER_DIVISION:
+        showFolderDivision();
+        break;
+    case MENU_ITEM_ID_FOLDER_COMBINE:
+        showFolderCombine();
+        break;
+    case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
+        showChangeMediaName();
         break;
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:

@@ -118,6 +118,9 @@ public:
     void showNewFolder();
     void showChangeFolderName();
     void showDeletFolder();
+    void showFolderDivision();
+    void showFolderCombine();
+    void showChangeMediaName();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
     // Exports the selected takes as MPEG-2 transport streams.

@@ -4,8 +4,11 @@
 
 class IClipTransferView;
 class IDeleteFolderView;
+class IFolderCombineView;
+class IFolderDivisionView;
 class IFolderNameView;
 class IMPEG2TSConvertView;
+class IMediaNameChangeView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -30,6 +33,10 @@ public:
     virtual IDeleteFolderView& deleteFolderView() = 0;
     virtual IClipTransferView& clipCopyView() = 0;
     virtual IClipTransferView& clipMoveView() = 0;
+    // The dialogs of the Folder menu; none where the view has no dialogs.
+    virtual IFolderDivisionView* folderDivisionView() { return nullptr; }
+    virtual IFolderCombineView* folderCombineView() { return nullptr; }
+    virtual IMediaNameChangeView* mediaNameChangeView() { return nullptr; }
     // The export dialog; none where the view has no dialogs.
     virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
 };

@@ -53,6 +53,9 @@ public:
     IClipTransferView& clipCopyView() override;
     IMPEG2TSConvertView* mpeg2tsConvertView() override;
     IClipTransferView& clipMoveView() override;
+    IFolderDivisionView* folderDivisionView() override;
+    IFolderCombineView* folderCombineView() override;
+    IMediaNameChangeView* mediaNameChangeView() override;
 
 private:
     QToolButton* makeToolButton(int tag);
