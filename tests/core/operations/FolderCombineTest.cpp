@@ -157,7 +157,7 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     DOClipCtrl record = destinationRecord(destination);
     QList<DOClipCtrl> records;
-    for (const QString& name : {"A", "B"}) {
+    for (const char* name : {"A", "B"}) {
         DOClipCtrl source = record;
         source.setCopyFromPath(parent);
         source.setCopyFromFolderName(name);

@@ -55,7 +55,8 @@ protected:
         ASSERT_EQ(takes.size(), 6);
         for (const DOTakeData& take : takes)
             largest = std::max({largest, take.getClipData().isEmpty() ? take.getTakeSize() : 0});
-        for (const DOClipData& clip : multi().getClipData())
+        const DOTakeData spanning = multi();
+        for (const DOClipData& clip : spanning.getClipData())
             largest = std::max(largest, clip.getSize());
     }
     void TearDown() override
@@ -111,8 +112,9 @@ TEST_F(FolderDivisionTest, CapacityTextsAndFolderNames)
     for (const auto& size : sizes) {
         double bytes = 0;
         EXPECT_EQ(BLFolderDivisionCtrl::chkSize(size.text, &bytes), size.accepted) << size.text;
-        if (size.accepted)
+        if (size.accepted) {
             EXPECT_EQ(bytes, size.bytes) << size.text;
+        }
     }
 
     const QString shoot = home().path("media/SHOOT");

@@ -90,8 +90,9 @@ TEST(SegmentTest, SortsOrderLargestFirstWithTheirIndices)
         else
             QuickSort(values.data(), count, indices.data(), &sum);
         EXPECT_TRUE(std::is_sorted(values.rbegin(), values.rend())) << "round " << round;
-        if (round % 4 != 1)
+        if (round % 4 != 1) {
             EXPECT_EQ(sum, std::accumulate(original.begin(), original.end(), 0.0));
+        }
         std::vector<int> seen(indices);
         std::sort(seen.begin(), seen.end());
         for (int i = 0; i < count; ++i) {
