@@ -88,9 +88,12 @@ bool chooseTakes(const char* command, const QString& workFolder, const QStringLi
 // saying what is wrong on stderr.
 int transferRecord(const char* command, const char* transferred, const QStringList& args, DOClipCtrl* record);
 
+int runCombine(const QStringList& args);
 int runCopy(const QStringList& args);
 int runDelete(const QStringList& args);
+int runDivide(const QStringList& args);
 int runExport(const QStringList& args);
+int runMediaName(const QStringList& args);
 int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
 int runPpn(const QStringList& args);

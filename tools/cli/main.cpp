@@ -10,13 +10,20 @@
 namespace {
 
 const CliCommand kCommands[] = {
+    {"combine", "[--delete-sources] [--json] DEST_WORK_FOLDER SOURCE_WORK_FOLDER...",
+     "Move every take of folders beside a work folder into it, deleting the emptied ones if asked",
+     runCombine},
     {"copy", "[--no-verify] [--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Copy takes (all, or those named) into another work folder, verifying every file", runCopy},
     {"delete", "[--yes] WORK_FOLDER TAKE_ID...",
      "Delete takes of a work folder, asking first unless --yes (a cancel finishes the take in progress)",
      runDelete},
+    {"divide", "[--json] WORK_FOLDER --capacity GB",
+     "Divide a work folder into new folders beside it that each fit a disk of the capacity", runDivide},
     {"export", "[--json] WORK_FOLDER DEST_FOLDER [TAKE_ID...]",
      "Export takes (all that can be, or those named) as MPEG-2 transport streams (TAKE_ID.M2T)", runExport},
+    {"media-name", "WORK_FOLDER [NAME]", "Print the media name of a work folder, or change it to NAME",
+     runMediaName},
     {"move", "[--json] SOURCE_WORK_FOLDER DEST_WORK_FOLDER [TAKE_ID...]",
      "Move takes (all, or those named) into another work folder; a cancel or failure moves them back",
      runMove},

@@ -102,7 +102,8 @@ BLTakeMover::Take BLClipMoveThread::planTake(const DOClipCtrl& record, bool spli
             folderOf(referencesOf(newTarget.getClipData().value(k, clips.at(k)))), false);
     if (target.getSMIUri().isEmpty())
         return plan;
-    if (!split) {
+    // A single clip's own folder is its clip folder, which moves whole.
+    if (!split || clips.isEmpty()) {
         add(folderOf(referencesOf(target)), folderOf(referencesOf(newTarget)), false);
         return plan;
     }
@@ -150,38 +151,71 @@ int BLClipMoveThread::doMoveFileForSplit(const DOClipCtrl& record, BLProgressThr
     return moveTake(record, true, thread, fromCount, maxCount);
 }
 
-void BLClipMoveThread::loopProcess()
+void BLClipMoveThread::setTarget(int index)
 {
-    log(QStringLiteral("[BLClipMoveThread loopProcess] Start"));
-    const QList<DOTakeData> takes = m_clipCtrl.getFromTakes();
-    const auto setTarget = [this, &takes](int i) {
-        m_clipCtrl.setTargetTake(takes.at(i));
-        m_clipCtrl.setNewTargetTake(m_clipCtrl.getNewTakes().value(i, takes.at(i)));
-    };
-    qint64 files = 0;
-    qint64 bytes = 0;
-    for (int i = 0; i < takes.size(); ++i) {
+    const DOTakeData& take = m_clipCtrl.getFromTakes().at(index);
+    m_clipCtrl.setTargetTake(take);
+    m_clipCtrl.setNewTargetTake(m_clipCtrl.getNewTakes().value(index, take));
+}
+
+int BLClipMoveThread::beginRun(bool split)
+{
+    m_plan.clear();
+    m_runFiles = 0;
+    m_runBytes = 0;
+    for (int i = 0; i < m_clipCtrl.getFromTakes().size(); ++i) {
         setTarget(i);
-        m_plan.append(planTake(m_clipCtrl, false));
+        m_plan.append(planTake(m_clipCtrl, split));
         for (const BLTakeMover::Item& item : std::as_const(m_plan.back().items)) {
-            files += item.files;
-            bytes += item.bytes;
+            m_runFiles += item.files;
+            m_runBytes += item.bytes;
         }
     }
     // The journal comes first: from here on a process stopped at any moment
     // leaves a move the next load ends.
     const QString source = m_clipCtrl.sourceWorkFolder();
     const QString destination = m_clipCtrl.destinationWorkFolder();
-    if (!BLCommon::createFixedFolders(destination) || !m_journal.begin(source, destination, m_plan)) {
+    if (!BLCommon::createFixedFolders(destination) || !m_journal.begin(source, destination, m_plan))
+        return kRunNoJournal;
+    return moverFor(m_clipCtrl) ? kRunReady : kRunNoMover;
+}
+
+int BLClipMoveThread::moveRun(BLProgressThread* thread, qint64* done, qint64 maxCount, int* stoppedAt)
+{
+    m_mover->setProgress(thread, done, maxCount);
+    for (int i = 0; i < m_plan.size(); ++i) {
+        setTarget(i);
+        const int result = m_mover->moveTake(m_plan.at(i));
+        if (result != BLTakeMover::kMoved) {
+            *stoppedAt = i;
+            return result;
+        }
+        m_clipCtrl.addDelUmid(m_clipCtrl.getFromTakes().at(i).getUmid());
+    }
+    return BLTakeMover::kMoved;
+}
+
+void BLClipMoveThread::endRun()
+{
+    m_journal.setMoved();
+    m_journal.finish();
+    m_mover->clearStaging();
+}
+
+void BLClipMoveThread::loopProcess()
+{
+    log(QStringLiteral("[BLClipMoveThread loopProcess] Start"));
+    const int begun = beginRun(false);
+    if (begun == kRunNoJournal) {
         setCancel();
         removeNewFolder();
         m_restored = true;
-        showMessage({QStringLiteral("MSG_644_3300"), {BLCommon::getPathOfBPAV(source), m_journal.failure()}});
+        showMessage({QStringLiteral("MSG_644_3300"),
+                     {BLCommon::getPathOfBPAV(m_clipCtrl.sourceWorkFolder()), m_journal.failure()}});
         log(QStringLiteral("[BLClipMoveThread loopProcess] End"));
         return;
     }
-    BLTakeMover* mover = moverFor(m_clipCtrl);
-    if (!mover) {
+    if (begun == kRunNoMover) {
         const Message message = failureMessage();
         log(QStringLiteral("[BLClipMoveThread doMoveFile]    File Move fail (RET_MOVE_FAIL)"));
         if (processCancel(-1))
@@ -191,37 +225,31 @@ void BLClipMoveThread::loopProcess()
     }
     // The bar counts files on one file system, where each folder moves at
     // once, and MiB across two, where they are copied.
-    const qint64 maxCount = mover->isCrossVolume() ? bytes / kMiB : files;
+    const qint64 maxCount = m_mover->isCrossVolume() ? m_runBytes / kMiB : m_runFiles;
     qint64 done = 0;
-    mover->setProgress(this, &done, maxCount);
     setProgress(0, 0, double(maxCount));
-
-    for (int i = 0; i < takes.size(); ++i) {
-        setTarget(i);
-        const int result = mover->moveTake(m_plan.at(i));
-        if (result == BLTakeMover::kMoved) {
-            m_clipCtrl.addDelUmid(takes.at(i).getUmid());
-            continue;
-        }
-        if (result == BLTakeMover::kCancelled) {
-            log(QStringLiteral("[BLClipMoveThread doMoveFile]    File Move fail (RET_MOVE_CANCEL)"));
-            processCancel(i);
-        } else {
-            // Why is decided before the move back, which may remove the
-            // destination folder this move made.
-            const Message message = failureMessage();
-            log(QStringLiteral("[BLClipMoveThread doMoveFile]    File Move fail (RET_MOVE_FAIL)"));
-            if (processCancel(i))
-                showMessage(message);
-        }
+    int stoppedAt = -1;
+    const int result = moveRun(this, &done, maxCount, &stoppedAt);
+    if (result == BLTakeMover::kCancelled) {
+        log(QStringLiteral("[BLClipMoveThread doMoveFile]    File Move fail (RET_MOVE_CANCEL)"));
+        processCancel(stoppedAt);
+    } else if (result != BLTakeMover::kMoved) {
+        // Why is decided before the move back, which may remove the
+        // destination folder this move made.
+        const Message message = failureMessage();
+        log(QStringLiteral("[BLClipMoveThread doMoveFile]    File Move fail (RET_MOVE_FAIL)"));
+        if (processCancel(stoppedAt))
+            showMessage(message);
+    }
+    if (result != BLTakeMover::kMoved) {
         log(QStringLiteral("[BLClipMoveThread loopProcess] End"));
         return;
     }
 
     // The files are in place: the index files follow, which cannot be cancelled.
     m_journal.setMoved();
-    m_movedFiles = files;
-    m_movedBytes = bytes;
+    m_movedFiles = m_runFiles;
+    m_movedBytes = m_runBytes;
     setCancelEnable(false);
     setMessage(QStringLiteral("MSG_732_3230"));
     setProgress(0, 0, 0);
@@ -229,7 +257,7 @@ void BLClipMoveThread::loopProcess()
         waitThread();
     m_succeeded = writeIndexes();
     m_journal.finish();
-    mover->clearStaging();
+    m_mover->clearStaging();
     log(m_succeeded ? QStringLiteral("[BLClipMoveThread loopProcess]    File Move (RET_MOVE_SUCCESS)")
                     : QStringLiteral("[BLClipMoveThread loopProcess]    File Move fail (RET_MOVE_FAIL)"));
     log(QStringLiteral("[BLClipMoveThread loopProcess] End"));

@@ -32,7 +32,8 @@ public:
     // ---- one take, as the folder operations use it too ----
     // The folders and files that the record's target take moves (to the
     // paths of the new target when the change flag is set). The split form
-    // copies the take's own files instead, since several folders need them.
+    // copies a multi-clip take's own files instead, since several folders
+    // need them.
     static BLTakeMover::Take planTake(const DOClipCtrl& record, bool split);
     // Moves the record's target take: 0 moved, 2 failed, 3 cancelled. The
     // thread is told of progress (files on one file system, MiB across two)
@@ -40,6 +41,26 @@ public:
     int doMoveFile(const DOClipCtrl& record, BLProgressThread* thread, qint64* fromCount, qint64 maxCount);
     int doMoveFileForSplit(const DOClipCtrl& record, BLProgressThread* thread, qint64* fromCount,
                            qint64 maxCount);
+    // ---- a run of the record's chosen takes, as loopProcess and the folder
+    // operations (one run per source and destination pair) make it ----
+    // Plans every chosen take (the new forms when the change flag is set),
+    // makes the destination's fixed folders, writes the journal and gets the
+    // mover: kRunReady, kRunNoJournal (journalFailure() says why) or
+    // kRunNoMover. Nothing has moved when it fails.
+    static constexpr int kRunReady = 0;
+    static constexpr int kRunNoJournal = 1;
+    static constexpr int kRunNoMover = 2;
+    int beginRun(bool split);
+    QString journalFailure() const { return m_journal.failure(); }
+    // The files and bytes the planned takes hold.
+    qint64 runFiles() const { return m_runFiles; }
+    qint64 runBytes() const { return m_runBytes; }
+    // Moves the planned takes in order: 0 every one moved (each UMID joins the
+    // record's deleted UMIDs), else 2 or 3 with *stoppedAt the take that failed
+    // or was cancelled (partly moved; processCancel puts it back).
+    int moveRun(BLProgressThread* thread, qint64* done, qint64 maxCount, int* stoppedAt);
+    // Every file is in place: the journal goes and the staging folders are emptied.
+    void endRun();
     // Moves the takes of the run from the first to the one at operatedCount
     // back to the source; removes the destination folder when the move made
     // it. False when a take could not be put back (the journal then stays).
@@ -58,6 +79,7 @@ public:
 private:
     // The mover between the record's two BPAV folders (made once, on the first take).
     BLTakeMover* moverFor(const DOClipCtrl& record);
+    void setTarget(int index);
     int moveTake(const DOClipCtrl& record, bool split, BLProgressThread* thread, qint64* fromCount,
                  qint64 maxCount);
     // The takes' index files after the move.
@@ -84,4 +106,6 @@ private:
     bool m_restored = false;
     qint64 m_movedFiles = 0;
     qint64 m_movedBytes = 0;
+    qint64 m_runFiles = 0;
+    qint64 m_runBytes = 0;
 };

@@ -152,9 +152,7 @@ bool BLTakeMover::bringBack(const Take& take)
         return false;
     // A destination item unlike its source is not of this move: it stays.
     for (const Item& item : take.items) {
-        if (!isDuplicate(item))
-            continue;
-        if (!removeItem(m_toBpav, item.to))
+        if (isDuplicate(item) && !removeItem(m_toBpav, item.to))
             return false;
         if (item.copy) // the take folder the copies went into, when nothing else is there
             QDir().rmdir(QFileInfo(toPath(item)).path());

@@ -15,7 +15,10 @@
 #include "core/operations/BLClipMoveCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
+#include "core/operations/BLFolderCombineCtrl.h"
+#include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
+#include "core/operations/BLMediaNameChangeCtrl.h"
 #include "core/operations/DOClipCtrl.h"
 #include "core/panes/BLClipPropertyCtrl.h"
 #include "core/panes/BLThumbViewCtrl.h"
@@ -36,19 +39,6 @@ constexpr int kWorkFolderProcessId = 659;
 constexpr int kTreeToolButtons[] = {MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER,
                                     MENU_ITEM_ID_NEW_FOLDER, MENU_ITEM_ID_FOLDER_DIVISION,
                                     MENU_ITEM_ID_CLIP_SEARCH};
-
-// Folder-list commands whose dialogs this build does not have yet.
-bool isTreeCommandAvailable(int tag)
-{
-    switch (tag) {
-    case MENU_ITEM_ID_FOLDER_DIVISION:
-    case MENU_ITEM_ID_FOLDER_COMBINE:
-    case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
-        return false;
-    default:
-        return true;
-    }
-}
 
 bool samePath(const QString& path, const QString& path2)
 {
@@ -628,6 +618,35 @@ void BLMediaInfoCtrl::showDeletFolder()
         notFoundSelectFolder();
 }
 
+void BLMediaInfoCtrl::showFolderDivision()
+{
+    IFolderDivisionView* view = m_baseView ? m_baseView->folderDivisionView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    BLFolderDivisionCtrl ctrl(view, m_arrTakeData, m_selectFolder, this);
+    ctrl.showModal();
+}
+
+void BLMediaInfoCtrl::showFolderCombine()
+{
+    IFolderCombineView* view = m_baseView ? m_baseView->folderCombineView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    DOClipCtrl clipCtrl = makeClipCtrl(m_selectFolder, m_selectFolder);
+    clipCtrl.setToTakes(m_arrTakeData);
+    BLFolderCombineCtrl ctrl(view, clipCtrl);
+    ctrl.showModal();
+}
+
+void BLMediaInfoCtrl::showChangeMediaName()
+{
+    IMediaNameChangeView* view = m_baseView ? m_baseView->mediaNameChangeView() : nullptr;
+    if (!view || !checkSelectFolderExist())
+        return;
+    BLMediaNameChangeCtrl ctrl(view, this);
+    ctrl.showModal(m_selectFolder);
+}
+
 void BLMediaInfoCtrl::deleteClipData()
 {
     if (!checkSelectFolderExist())
@@ -697,11 +716,7 @@ bool BLMediaInfoCtrl::isSupportMenuItemToTreeView(int tag, bool* isEnable, bool*
 {
     if (isRefresh(tag, isEnable, isCheck))
         return true;
-    if (!m_treeViewCtrl->isSupportMenuItem(tag, isEnable, isCheck))
-        return false;
-    if (isEnable && !isTreeCommandAvailable(tag))
-        *isEnable = false;
-    return true;
+    return m_treeViewCtrl->isSupportMenuItem(tag, isEnable, isCheck);
 }
 
 void BLMediaInfoCtrl::selectMenuItemToTreeView(int tag)
@@ -743,6 +758,15 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
         break;
     case MENU_ITEM_ID_CLIP_SEARCH:
         showClipSearch();
+        break;
+    case MENU_ITEM_ID_FOLDER_DIVISION:
+        showFolderDivision();
+        break;
+    case MENU_ITEM_ID_FOLDER_COMBINE:
+        showFolderCombine();
+        break;
+    case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
+        showChangeMediaName();
         break;
     case MENU_ITEM_ID_IMPORT:
     case MENU_ITEM_ID_EXPORT:

@@ -118,6 +118,9 @@ public:
     void showNewFolder();
     void showChangeFolderName();
     void showDeletFolder();
+    void showFolderDivision();
+    void showFolderCombine();
+    void showChangeMediaName();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
     // Search Clips: the search dialog on the selected folder; a chosen take
@@ -135,8 +138,7 @@ public:
     void refresh();
 
     // ---- menu routing ----
-    // The folder list's answer, with commands whose dialog is not available
-    // disabled.
+    // The folder list's answer (Refresh included).
     bool isSupportMenuItemToTreeView(int tag, bool* isEnable, bool* isCheck) const;
     void selectMenuItemToTreeView(int tag);
     void selectMenuItemToThumbView(int tag);

@@ -5,8 +5,11 @@
 class IClipPropertyView;
 class IClipTransferView;
 class IDeleteFolderView;
+class IFolderCombineView;
+class IFolderDivisionView;
 class IFolderNameView;
 class IMPEG2TSConvertView;
+class IMediaNameChangeView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -33,6 +36,10 @@ public:
     virtual IClipTransferView& clipMoveView() = 0;
     // The clip property dialog; none in a pane without one.
     virtual IClipPropertyView* clipPropertyView() { return nullptr; }
+    // The dialogs of the Folder menu; none where the view has no dialogs.
+    virtual IFolderDivisionView* folderDivisionView() { return nullptr; }
+    virtual IFolderCombineView* folderCombineView() { return nullptr; }
+    virtual IMediaNameChangeView* mediaNameChangeView() { return nullptr; }
     // The export dialog; none where the view has no dialogs.
     virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
 };

@@ -7,7 +7,10 @@
 #include "ui/export/MPEG2TSConvertDialog.h"
 #include "ui/operations/ClipTransferDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
+#include "ui/operations/FolderCombineDialog.h"
+#include "ui/operations/FolderDivisionDialog.h"
 #include "ui/operations/FolderNameDialog.h"
+#include "ui/operations/MediaNameChangeDialog.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
 
@@ -196,9 +199,29 @@ IClipTransferView& SCMediaInfoView::clipMoveView()
     return *m_clipMoveDialog;
 }
 
+// The dialogs below are made on first use, one per pane.
+template <class Dialog> static Dialog& dialogOf(QWidget* pane, const QString& name)
+{
+    auto* dialog = static_cast<Dialog*>(pane->findChild<QDialog*>(name, Qt::FindDirectChildrenOnly));
+    return dialog ? *dialog : *new Dialog(pane);
+}
+
+IFolderDivisionView* SCMediaInfoView::folderDivisionView()
+{
+    return &dialogOf<FolderDivisionDialog>(this, QStringLiteral("FolderDivision"));
+}
+
+IFolderCombineView* SCMediaInfoView::folderCombineView()
+{
+    return &dialogOf<FolderCombineDialog>(this, QStringLiteral("FolderCombine"));
+}
+
+IMediaNameChangeView* SCMediaInfoView::mediaNameChangeView()
+{
+    return &dialogOf<MediaNameChangeDialog>(this, QStringLiteral("MediaNameChange"));
+}
+
 IClipPropertyView* SCMediaInfoView::clipPropertyView()
 {
-    if (!m_clipPropertyDialog)
-        m_clipPropertyDialog = new ClipPropertyDialog(this);
-    return m_clipPropertyDialog;
+    return &dialogOf<ClipPropertyDialog>(this, QStringLiteral("ClipProperty"));
 }

@@ -7,7 +7,6 @@
 #include <QWidget>
 
 class BLMediaInfoCtrl;
-class ClipPropertyDialog;
 class ClipTransferDialog;
 class MPEG2TSConvertDialog;
 class DeleteFolderDialog;
@@ -55,6 +54,9 @@ public:
     IMPEG2TSConvertView* mpeg2tsConvertView() override;
     IClipTransferView& clipMoveView() override;
     IClipPropertyView* clipPropertyView() override;
+    IFolderDivisionView* folderDivisionView() override;
+    IFolderCombineView* folderCombineView() override;
+    IMediaNameChangeView* mediaNameChangeView() override;
 
 private:
     QToolButton* makeToolButton(int tag);
@@ -71,6 +73,5 @@ private:
     DeleteFolderDialog* m_deleteFolderDialog;
     ClipTransferDialog* m_clipCopyDialog;
     ClipTransferDialog* m_clipMoveDialog;
-    ClipPropertyDialog* m_clipPropertyDialog = nullptr;
     MPEG2TSConvertDialog* m_mpeg2tsConvertDialog;
 };

@@ -1,0 +1,178 @@
+// Combining folders: a divided card combined back gives every take as it was,
+// the candidates and the collision checks across sources, and a cancel
+// putting every take back.
+#include "OperationsTestSupport.h"
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/operations/BLFolderCombineCtrl.h"
+#include "core/operations/BLFolderCombineThread.h"
+#include "core/operations/BLFolderDivisionCtrl.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTimeZone>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The takes of a folder by UMID, each with its clip UMIDs in order.
+QMap<QString, QStringList> takeMap(const QList<DOTakeData>& takes)
+{
+    QMap<QString, QStringList> map;
+    for (const DOTakeData& take : takes)
+        map.insert(take.getUmid(), take.getClipUmid());
+    return map;
+}
+
+// The record of a combine into the folder, with its takes.
+DOClipCtrl destinationRecord(const QString& folder)
+{
+    DOClipCtrl record;
+    record.setCopyToFolder(QFileInfo(folder).path());
+    record.setCopyToFolderName(QFileInfo(folder).fileName());
+    record.setToTakes(BLHouseKeepingCtrl().doHouseKeeping(folder));
+    return record;
+}
+
+class FolderCombineTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        parent = home().path("media");
+        ASSERT_TRUE(QDir().mkpath(parent));
+    }
+    void TearDown() override
+    {
+        BLProgressCtrl::sharedCtrl()->setView(nullptr);
+        HomeTest::TearDown();
+    }
+    // A card of its own clip names in the shared parent folder.
+    QString makeCard(const QString& name, const QString& prefix, int clips, std::vector<int> multi, int day,
+                     bool looseFirst = false)
+    {
+        cardgen::Options options = cwtest::CardFolder::fast(clips, std::move(multi));
+        if (looseFirst)
+            options.damages.push_back(cwtest::damage(cardgen::Damage::Kind::Loose, 1));
+        options.outputFolder = parent + "/" + name;
+        options.manifestPath = home().path(name + ".json");
+        options.prefix = prefix;
+        options.recorded = QDateTime(QDate(2026, 3, day), QTime(10, 0), QTimeZone::utc());
+        QString error;
+        EXPECT_TRUE(cardgen::CardGenerator::generate(options, &error)) << error.toStdString();
+        return options.outputFolder;
+    }
+
+    BLHeadlessProgressView progress;
+    cwtest::MessageRecorder messages;
+    QString parent;
+};
+
+} // namespace
+
+// Divided into one folder per clip and combined back with the emptied
+// folders deleted: the same takes with the same clips in the same order,
+// every clip file as it was, and nothing left to repair.
+TEST_F(FolderCombineTest, ADividedFolderCombinedBackIsWhatItWas)
+{
+    const QString shoot = makeCard("SHOOT", "ABC", 4, {3, 2}, 1);
+    const QList<DOTakeData> before = BLHouseKeepingCtrl().doHouseKeeping(shoot);
+    const QMap<QString, QByteArray> files = optest::snapshot(shoot + "/BPAV/CLPR");
+    qint64 largest = 0;
+    for (const DOTakeData& take : before)
+        for (const DOClipData& clip : take.getClipData())
+            largest = std::max(largest, clip.getSize());
+
+    BLFolderDivisionCtrl division(nullptr, before, shoot, nullptr);
+    QList<DOClipCtrl> records;
+    ASSERT_TRUE(division.planDivision(double(largest) * 1.5, records));
+    ASSERT_TRUE(division.runDivision(records));
+    QStringList divided = QDir(parent).entryList({"SHOOT_*"}, QDir::Dirs);
+    ASSERT_GE(divided.size(), 5);
+    EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(shoot).isEmpty());
+
+    BLFolderCombineCtrl combine(nullptr, destinationRecord(shoot));
+    ASSERT_TRUE(combine.execFolderCombine(divided, true));
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_TRUE(QDir(parent).entryList({"SHOOT_*"}, QDir::Dirs).isEmpty());
+    BLHouseKeepingCtrl houseKeeping;
+    const auto after = houseKeeping.doHouseKeeping(shoot);
+    EXPECT_EQ(takeMap(after), takeMap(before));
+    EXPECT_TRUE(houseKeeping.getRepairs().isEmpty());
+    EXPECT_EQ(optest::snapshot(shoot + "/BPAV/CLPR"), files);
+}
+
+// The candidates leave out the destination and BPAV; a clip the third of
+// three sources shares with the first (by name and UMID) ends the combine
+// before anything moves.
+TEST_F(FolderCombineTest, ACollisionInAnySourceEndsTheCombineBeforeAnythingMoves)
+{
+    const QString destination = makeCard("DEST", "DST", 1, {}, 1);
+    const QString first = makeCard("A", "AAA", 2, {}, 2);
+    makeCard("C", "CCC", 2, {}, 3);
+    ASSERT_EQ(QProcess::execute("cp", {"-a", first, parent + "/B"}), 0);
+    ASSERT_TRUE(QDir().mkpath(parent + "/BPAV"));
+
+    BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
+    ctrl.preShowModal();
+    QStringList names;
+    for (const QVariantMap& row : ctrl.rows())
+        names << row.value("realName").toString();
+    EXPECT_EQ(names, QStringList({"A", "B", "C"}));
+
+    const QMap<QString, QByteArray> before = optest::snapshot(parent);
+    EXPECT_FALSE(ctrl.execFolderCombine({"A", "C", "B"}, true));
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_654_3175"}));
+    EXPECT_EQ(optest::snapshot(parent), before);
+    EXPECT_EQ(ctrl.lastRun(), nullptr);
+}
+
+// A cancel in the second source puts every take of both back; a source
+// keeping a loose MP4 file is never deleted.
+TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
+{
+    const QString destination = makeCard("DEST", "DST", 1, {}, 1);
+    makeCard("A", "AAA", 2, {2}, 2);
+    makeCard("B", "BBB", 2, {}, 3, true);
+    const QMap<QString, QByteArray> before = optest::snapshot(parent);
+
+    class CancellingThread : public BLFolderCombineThread
+    {
+    public:
+        using BLFolderCombineThread::BLFolderCombineThread;
+        void waitThread() override
+        {
+            if (progressValue() >= 12)
+                setCancel();
+        }
+    };
+    BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
+    DOClipCtrl record = destinationRecord(destination);
+    QList<DOClipCtrl> records;
+    for (const char* name : {"A", "B"}) {
+        DOClipCtrl source = record;
+        source.setCopyFromPath(parent);
+        source.setCopyFromFolderName(name);
+        source.setFromTakes(BLHouseKeepingCtrl().doHouseKeeping(parent + "/" + name));
+        source.setBeforeTakes(source.getFromTakes());
+        records << source;
+    }
+    auto worker = std::make_shared<CancellingThread>(records, &ctrl);
+    BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
+    EXPECT_TRUE(worker->isRestored());
+    EXPECT_EQ(optest::snapshot(parent), before);
+
+    // B's loose MP4 file keeps it from being deleted; A goes.
+    ASSERT_TRUE(ctrl.execFolderCombine({"A", "B"}, true));
+    EXPECT_EQ(ctrl.deletedFolders(), QStringList({parent + "/A"}));
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(parent + "/B").size(), 1);
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(destination).size(), 5);
+}

@@ -1,0 +1,221 @@
+// Dividing a generated card into folders of a small capacity: the capacity
+// texts and folder names, a take split over three folders, what stays behind,
+// and a cancel or a vanished folder in the middle (everything back).
+#include "OperationsTestSupport.h"
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/model/BLMediaProCtrl.h"
+#include "core/operations/BLFolderDivisionCtrl.h"
+#include "core/operations/BLFolderDivisionThread.h"
+#include "support/CardFolder.h"
+#include "support/FakeVolumeProvider.h"
+#include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// The division worker with a hook at each pause (after each folder moved).
+class PacedDivisionThread : public BLFolderDivisionThread
+{
+public:
+    PacedDivisionThread(const QList<DOClipCtrl>& records, const QList<DOTakeData>& before,
+                        std::function<void(BLProgressThread&, double)> step)
+        : BLFolderDivisionThread(records, before), m_step(std::move(step))
+    {
+    }
+    void waitThread() override { m_step(*this, progressValue()); }
+
+private:
+    std::function<void(BLProgressThread&, double)> m_step;
+};
+
+class FolderDivisionTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        // Singles ABC0002 to ABC0005 (ABC0001 a loose MP4 file) and the take
+        // ABC0006U01 of ABC0006 to ABC0008.
+        cardgen::Options options = cwtest::CardFolder::fast(5, {3});
+        options.damages.push_back(cwtest::damage(cardgen::Damage::Kind::Loose, 1));
+        card = std::make_unique<cwtest::CardFolder>(options);
+        ASSERT_TRUE(card->ok()) << card->error().toStdString();
+        takes = BLHouseKeepingCtrl().doHouseKeeping(card->workFolder());
+        ASSERT_EQ(takes.size(), 6);
+        for (const DOTakeData& take : takes)
+            largest = std::max({largest, take.getClipData().isEmpty() ? take.getTakeSize() : 0});
+        const DOTakeData spanning = multi();
+        for (const DOClipData& clip : spanning.getClipData())
+            largest = std::max(largest, clip.getSize());
+    }
+    void TearDown() override
+    {
+        BLProgressCtrl::sharedCtrl()->setView(nullptr);
+        HomeTest::TearDown();
+    }
+    DOTakeData multi() const
+    {
+        return *std::find_if(takes.begin(), takes.end(),
+                             [](const DOTakeData& t) { return !t.getClipData().isEmpty(); });
+    }
+    // The plan for disks holding one clip each, run by a worker with a hook.
+    std::shared_ptr<PacedDivisionThread> run(BLFolderDivisionCtrl& ctrl,
+                                             std::function<void(BLProgressThread&, double)> step)
+    {
+        QList<DOClipCtrl> records;
+        EXPECT_TRUE(ctrl.planDivision(double(largest) * 1.2, records));
+        ctrl.CreateMetaData(records);
+        auto worker = std::make_shared<PacedDivisionThread>(records, takes, std::move(step));
+        BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
+        return worker;
+    }
+    QStringList newFolders() const
+    {
+        return QDir(QFileInfo(card->workFolder()).path()).entryList({"card_*"}, QDir::Dirs);
+    }
+
+    BLHeadlessProgressView progress;
+    cwtest::MessageRecorder messages;
+    std::unique_ptr<cwtest::CardFolder> card;
+    QList<DOTakeData> takes;
+    qint64 largest = 0;
+};
+
+} // namespace
+
+TEST_F(FolderDivisionTest, CapacityTextsAndFolderNames)
+{
+    const struct
+    {
+        const char* text;
+        bool accepted;
+        double bytes;
+    } sizes[] = {{"3.5", false, 0},
+                 {"4", true, 4 * 1073741824.0},
+                 {"4.5", true, 4.5 * 1073741824.0},
+                 {"", false, 0},
+                 {".5", false, 0},
+                 {"4.5.1", false, 0},
+                 {"4a", false, 0},
+                 {"12", true, 12 * 1073741824.0}};
+    for (const auto& size : sizes) {
+        double bytes = 0;
+        EXPECT_EQ(BLFolderDivisionCtrl::chkSize(size.text, &bytes), size.accepted) << size.text;
+        if (size.accepted) {
+            EXPECT_EQ(bytes, size.bytes) << size.text;
+        }
+    }
+
+    const QString shoot = home().path("media/SHOOT");
+    ASSERT_TRUE(QDir().mkpath(shoot));
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot), QStringList({shoot + "_1", shoot + "_2"}));
+    ASSERT_TRUE(QDir().mkpath(shoot + "_2"));
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot),
+              QStringList({shoot + "_1_1", shoot + "_1_2"}));
+
+    const QString volume = home().path("media/CARD");
+    ASSERT_TRUE(QDir().mkpath(volume));
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({volume, "vfat", "CARD", 8'000'000'000, 4'000'000'000});
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, volume),
+              QStringList({volume + "/_1", volume + "/_2"}));
+}
+
+// One clip per folder: seven new folders, the take in three numbered parts
+// linked to their neighbours, the loose MP4 file left behind, and every
+// folder's index listing what it holds.
+TEST_F(FolderDivisionTest, ATakeSplitOverThreeFoldersBecomesThreeLinkedParts)
+{
+    BLFolderDivisionCtrl ctrl(nullptr, takes, card->workFolder(), nullptr);
+    QList<DOClipCtrl> records;
+    ASSERT_TRUE(ctrl.planDivision(double(largest) * 1.2, records));
+    ASSERT_TRUE(ctrl.runDivision(records));
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_EQ(newFolders().size(), 7);
+
+    QMap<int, DOTakeData> parts; // by number
+    QMap<int, QString> folders;
+    for (const DOClipCtrl& record : ctrl.records())
+        for (const DOTakeData& take : record.getToTakes())
+            if (take.getTotalTakeCount() == 3) {
+                parts.insert(take.getTakeNumber(), take);
+                folders.insert(take.getTakeNumber(), record.destinationWorkFolder());
+            }
+    ASSERT_EQ(parts.keys(), QList<int>({1, 2, 3}));
+    EXPECT_EQ(parts[1].getUmid(), multi().getUmid());
+    for (int n = 1; n <= 3; ++n) {
+        EXPECT_EQ(parts[n].getClipData().size(), 1);
+        EXPECT_EQ(parts[n].getClipUmid(0), multi().getClipUmid(n - 1));
+        const auto links = [&](int other) {
+            return BLMediaProCtrl().checkComponent(parts[n].getTakeComponents(), parts[other].getUmid());
+        };
+        EXPECT_EQ(links(n - 1), n > 1) << n;
+        EXPECT_EQ(links(n + 1), n < 3) << n;
+    }
+    // A part's take info names the part that continues it.
+    QFile takeInfo(BLCommon::getPathOfBPAV(folders[1]) + "/" + BLCommon::removalDot(parts[1].getSMIUri()));
+    ASSERT_TRUE(takeInfo.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(takeInfo.readAll().contains(parts[2].getUmid().toLatin1()));
+
+    // The divided folder keeps its loose MP4 file only; nothing needs repair.
+    BLHouseKeepingCtrl source;
+    const QList<DOTakeData> left = source.doHouseKeeping(card->workFolder());
+    ASSERT_EQ(left.size(), 1);
+    EXPECT_EQ(left.front().getTakeStatus(), 4);
+    EXPECT_TRUE(source.getRepairs().isEmpty());
+    for (const QString& folder : newFolders()) {
+        BLHouseKeepingCtrl divided;
+        EXPECT_EQ(divided.doHouseKeeping(QFileInfo(card->workFolder()).path() + "/" + folder).size(), 1);
+        EXPECT_TRUE(divided.getRepairs().isEmpty()) << folder.toStdString();
+    }
+}
+
+// A cancel in the third folder, and a clip folder vanishing before its turn:
+// every take back in the divided folder as it was, no new folder left.
+TEST_F(FolderDivisionTest, ACancelOrAVanishedFolderPutsEverythingBack)
+{
+    const QMap<QString, QByteArray> before = optest::snapshot(card->workFolder());
+    for (const bool cancel : {true, false}) {
+        SCOPED_TRACE(cancel ? "cancel" : "vanished folder");
+        BLFolderDivisionCtrl ctrl(nullptr, takes, card->workFolder(), nullptr);
+        bool acted = false;
+        QString vanished;
+        const auto worker = run(ctrl, [&](BLProgressThread& thread, double done) {
+            if (acted || done < 10)
+                return;
+            acted = true;
+            if (cancel) {
+                thread.setCancel();
+                return;
+            }
+            // The clip folder of the last folder's first take, not moved yet.
+            const DOTakeData last =
+                static_cast<BLFolderDivisionThread&>(thread).records().back().getFromTakes().front();
+            vanished =
+                QFileInfo(last.getClipData().isEmpty() ? last.getXMLUri() : last.getClipData(0).getXMLUri())
+                    .path();
+            ASSERT_TRUE(QDir(card->bpav() + "/" + vanished).exists());
+            ASSERT_TRUE(QDir(card->bpav() + "/" + vanished).removeRecursively());
+        });
+        EXPECT_TRUE(acted);
+        EXPECT_TRUE(worker->isRestored());
+        EXPECT_FALSE(worker->isSucceeded());
+        EXPECT_TRUE(newFolders().isEmpty()) << newFolders().join(", ").toStdString();
+        QMap<QString, QByteArray> expected = before;
+        if (!cancel)
+            expected.removeIf([&](auto it) { return it.key().contains(BLCommon::removalDot(vanished)); });
+        EXPECT_EQ(optest::snapshot(card->workFolder()), expected);
+        EXPECT_EQ(messages.keys(), cancel ? QStringList() : QStringList({"MSG_653_3177"}));
+    }
+}

@@ -1,0 +1,130 @@
+// The media-name dialog on a generated card: the name shown, the lengths
+// accepted in UTF-8 bytes, and an unchanged name announced without a write.
+#include "core/common/SCNotificationCenter.h"
+#include "core/common/SCNotificationNames.h"
+#include "core/operations/BLMediaNameChangeCtrl.h"
+#include "core/operations/IMediaNameChangeView.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/TestEnvironment.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The dialog as a user answers it: OK with each name in turn until the
+// controller ends it, then Cancel.
+class AnsweringView : public IMediaNameChangeView
+{
+public:
+    explicit AnsweringView(QStringList names) : m_names(std::move(names)) {}
+    void setTitle(const QString&) override {}
+    void setMediaName(const QString& name) override { shown = name; }
+    QString mediaName() const override { return m_name; }
+    int runModal(BLMediaNameChangeCtrl* ctrl) override
+    {
+        m_ended = false;
+        for (const QString& name : std::as_const(m_names)) {
+            m_name = name;
+            ctrl->onOK();
+            if (m_ended)
+                return m_code;
+        }
+        ctrl->onCancel();
+        return m_code;
+    }
+    void endModal(int code) override
+    {
+        m_ended = true;
+        m_code = code;
+    }
+    QString shown;
+
+private:
+    QStringList m_names;
+    QString m_name;
+    bool m_ended = false;
+    int m_code = 0;
+};
+
+class MediaNameChangeTest : public cwtest::HomeTest
+{
+protected:
+    void SetUp() override
+    {
+        HomeTest::SetUp();
+        SCNotificationCenter::defaultCenter()->addObserver(
+            this, SC::SCMediaNameDidChangeNotification, [this](const SCNotification& n) {
+                announced << n.userInfo.value(SC::SCMediaNameKey).toString();
+            });
+    }
+    void TearDown() override
+    {
+        SCNotificationCenter::defaultCenter()->removeObserver(this);
+        HomeTest::TearDown();
+    }
+    QByteArray profile(const cwtest::CardFolder& card) const
+    {
+        QFile file(card.bpav() + "/MEDIAPRO.XML");
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void settle()
+    {
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+    }
+
+    cwtest::MessageRecorder messages;
+    QStringList announced;
+};
+
+} // namespace
+
+// 63 bytes and 21 three-byte characters are refused with the dialog kept
+// open; 62 bytes are written and read back.
+TEST_F(MediaNameChangeTest, NamesOfUpTo62BytesAreWritten)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(1);
+    options.mediaName = "SHOOT";
+    const cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok());
+    const QString name62(62, 'n');
+    AnsweringView view({QString(63, 'n'), QString(21, QChar(0x3042)), "bad/name", name62});
+    BLMediaNameChangeCtrl ctrl(&view, nullptr);
+    ASSERT_TRUE(ctrl.showModal(card.workFolder()));
+    settle();
+    EXPECT_EQ(view.shown, "SHOOT");
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_6512_3227", "MSG_6512_3227", "MSG_648_3160"}));
+    EXPECT_EQ(announced, QStringList({name62}));
+    BLMediaNameChangeCtrl reader(nullptr, nullptr);
+    ASSERT_TRUE(reader.preShowModal(card.workFolder()));
+    EXPECT_EQ(reader.defaultName(), name62);
+}
+
+// Confirming the name shown writes nothing but still announces it; an
+// empty name is refused where there was one and accepted where there was none.
+TEST_F(MediaNameChangeTest, AnUnchangedNameIsAnnouncedWithoutAWrite)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(1);
+    options.mediaName = "SHOOT";
+    const cwtest::CardFolder named(options);
+    const cwtest::CardFolder unnamed(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(named.ok() && unnamed.ok());
+    const QByteArray before = profile(named);
+
+    AnsweringView same({"", "SHOOT"});
+    ASSERT_TRUE(BLMediaNameChangeCtrl(&same, nullptr).showModal(named.workFolder()));
+    settle();
+    EXPECT_EQ(profile(named), before);
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_6512_3196"}));
+    EXPECT_EQ(announced, QStringList({"SHOOT"}));
+
+    AnsweringView cleared({""});
+    EXPECT_TRUE(BLMediaNameChangeCtrl(&cleared, nullptr).showModal(unnamed.workFolder()));
+    settle();
+    EXPECT_EQ(messages.keys().size(), 1);
+    EXPECT_EQ(announced, QStringList({"SHOOT", ""}));
+}

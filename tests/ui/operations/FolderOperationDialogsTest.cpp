@@ -1,0 +1,105 @@
+// The dialogs of Divide Folder and Combine Folders driven as a user would.
+#include "core/common/BLHeadlessProgressView.h"
+#include "core/common/BLProgressCtrl.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/operations/BLFolderCombineCtrl.h"
+#include "core/operations/BLFolderDivisionCtrl.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/TestEnvironment.h"
+#include "ui/operations/FolderCombineDialog.h"
+#include "ui/operations/FolderDivisionDialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void whenShown(QWidget* dialog, const std::function<void()>& script)
+{
+    QTimer::singleShot(0, dialog, [dialog, script] {
+        ASSERT_TRUE(dialog->isVisible());
+        script();
+    });
+}
+
+QPushButton* button(QDialog& dialog, QDialogButtonBox::StandardButton which)
+{
+    return dialog.findChild<QDialogButtonBox*>()->button(which);
+}
+
+} // namespace
+
+// Ten and more capacities, the tenth chosen; a refused capacity and one the
+// folder already fits keep the dialog open.
+TEST(FolderOperationDialogsTest, DivisionDialogOffersCapacitiesAndKeepsRefusalsOpen)
+{
+    cwtest::ScopedHome home;
+    cwtest::MessageRecorder messages;
+    const cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    ASSERT_TRUE(card.ok());
+    FolderDivisionDialog dialog;
+    BLFolderDivisionCtrl ctrl(&dialog, BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()),
+                              card.workFolder(), nullptr);
+    whenShown(&dialog, [&] {
+        EXPECT_GE(dialog.sizeField()->count(), 10);
+        EXPECT_EQ(dialog.sizeField()->currentIndex(), 9);
+        EXPECT_TRUE(dialog.sizeField()->isEditable());
+        for (const char* text : {"3.5", "4"}) {
+            dialog.sizeField()->setEditText(text);
+            button(dialog, QDialogButtonBox::Ok)->click();
+            EXPECT_TRUE(dialog.isVisible()) << text;
+        }
+        button(dialog, QDialogButtonBox::Cancel)->click();
+    });
+    EXPECT_FALSE(ctrl.showModal());
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_653_3135", "MSG_653_3178"}));
+}
+
+// Start is enabled once a folder is ticked; the ticked folder's takes move
+// and, with the switch on, the emptied folder goes.
+TEST(FolderOperationDialogsTest, CombineDialogCombinesTheTickedFolder)
+{
+    cwtest::ScopedHome home;
+    cwtest::MessageRecorder messages;
+    BLHeadlessProgressView progress;
+    BLProgressCtrl::sharedCtrl()->setView(&progress);
+    const QString parent = home.path("media");
+    for (const char* name : {"DEST", "SRC"}) {
+        cardgen::Options options = cwtest::CardFolder::fast(1);
+        options.outputFolder = parent + "/" + name;
+        options.manifestPath = home.path(QString(name) + ".json");
+        options.prefix = name;
+        options.recorded = QDateTime::currentDateTimeUtc().addDays(name[0] == 'D' ? -1 : 0);
+        QString error;
+        ASSERT_TRUE(cardgen::CardGenerator::generate(options, &error)) << error.toStdString();
+    }
+    DOClipCtrl record;
+    record.setCopyToFolder(parent);
+    record.setCopyToFolderName("DEST");
+    record.setToTakes(BLHouseKeepingCtrl().doHouseKeeping(parent + "/DEST"));
+    FolderCombineDialog dialog;
+    BLFolderCombineCtrl ctrl(&dialog, record);
+    whenShown(&dialog, [&] {
+        ASSERT_EQ(dialog.table()->rowCount(), 1);
+        EXPECT_EQ(dialog.table()->item(0, 0)->text(), "SRC");
+        EXPECT_FALSE(dialog.okButton()->isEnabled());
+        dialog.table()->item(0, 0)->setCheckState(Qt::Checked);
+        EXPECT_TRUE(dialog.okButton()->isEnabled());
+        dialog.deleteBox()->setChecked(true);
+        dialog.okButton()->click();
+    });
+    EXPECT_TRUE(ctrl.showModal());
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_FALSE(QFileInfo::exists(parent + "/SRC"));
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(parent + "/DEST").size(), 2);
+    BLProgressCtrl::sharedCtrl()->setView(nullptr);
+}
