@@ -317,7 +317,9 @@ bool BLClipPropertyCtrl::upDateOfFieldData()
         return end(false);
     }
     log(QStringLiteral("[BLClipPropertyCtrl upDateOfFieldData] Update True"));
-    if (meta.save() || UpdateNonMetaVersion(takePath))
+    // A take file that could not be saved fails the edit: the grid must not
+    // show a title that is not on disk.
+    if (meta.save() && UpdateNonMetaVersion(takePath))
         return end(true);
     return failed();
 }

@@ -247,6 +247,7 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
         break;
     case MENU_ITEM_ID_SHOW_INFO:
         m_mediaInfoCtrl.showClipProperty(findSelectAllThumbData().value(0, -1));
+        break;
     case MENU_ITEM_ID_EXPORT:
         m_mediaInfoCtrl.showMPEG2TSConvert();
         break;

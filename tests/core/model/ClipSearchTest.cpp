@@ -109,8 +109,9 @@ protected:
         a.setValue(alias);
         title.setAlias(a);
         ASSERT_TRUE(meta.setTitle(title));
-        if (!description.isEmpty())
+        if (!description.isEmpty()) {
             ASSERT_TRUE(meta.setDescription(description));
+        }
         ASSERT_TRUE(meta.save());
     }
 
