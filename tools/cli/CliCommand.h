@@ -93,5 +93,7 @@ int runDelete(const QStringList& args);
 int runExport(const QStringList& args);
 int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);
+int runOffload(const QStringList& args);
 int runPpn(const QStringList& args);
 int runScan(const QStringList& args);
+int runVerify(const QStringList& args);

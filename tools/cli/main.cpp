@@ -22,9 +22,14 @@ const CliCommand kCommands[] = {
      runMove},
     {"mp4info", "[--json] FILE...", "Check MP4 files of the camera's kind and print their properties",
      runMp4Info},
+    {"offload", "[--json] [--name NAME] SOURCE DEST...",
+     "Copy a card folder into DEST/NAME for one to four DESTs, verified, with an ASC MHL history",
+     runOffload},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
     {"scan", "[--json] WORK_FOLDER",
      "Run housekeeping on a work folder (repairing its index files) and print its takes", runScan},
+    {"verify", "[--json] [--seal] FOLDER",
+     "Check a folder against its ASC MHL history; --seal then records a new generation", runVerify},
 };
 
 void printUsage(QTextStream& out)
