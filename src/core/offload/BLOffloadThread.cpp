@@ -273,6 +273,13 @@ bool BLOffloadThread::run()
                 BLCommon::removeFile(d.path);
         return false;
     }
+    // The files' actions, checked against the history the copies continue,
+    // before the manifests record them.
+    for (BLMhlHistory::Entry& e : m_files) {
+        const auto known = history.files().constFind(e.path);
+        e.action = known != history.files().cend() && known->hash == e.hash ? QStringLiteral("verified")
+                                                                            : QStringLiteral("original");
+    }
     bool all = true;
     for (Destination& d : m_destinations) {
         if (d.reason.isEmpty()) {
@@ -285,12 +292,6 @@ bool BLOffloadThread::run()
         }
         d.verified = d.reason.isEmpty();
         all = all && d.verified;
-    }
-    // The files' actions: checked against the history the copy continues.
-    for (BLMhlHistory::Entry& e : m_files) {
-        const auto known = history.files().constFind(e.path);
-        e.action = known != history.files().cend() && known->hash == e.hash ? QStringLiteral("verified")
-                                                                            : QStringLiteral("original");
     }
     return all;
 }
