@@ -163,10 +163,18 @@ TEST_F(OffloadTest, AFailingDestinationIsRemovedWhileTheOtherVerifies)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(1));
     ASSERT_TRUE(card.ok());
-    // A destination so deep that the card's deeper files exceed the longest path the system allows.
+    // A destination so deep that the card's longest path is one byte over the
+    // longest the system allows (4095 bytes and the NUL), while its folders fit.
+    qsizetype longest = 0;
+    for (const QString& path : files(card.workFolder()).keys())
+        longest = qMax(longest, path.size());
+    const qsizetype depth = 4096 - qsizetype(qstrlen("/CARD/")) - longest;
     QString deep = home().path("media/deep");
-    while (deep.size() < 4096 - 40)
-        deep += "/" + QString(qMin<qsizetype>(200, 4096 - 40 - deep.size()), 'd');
+    while (deep.size() < depth) {
+        const qsizetype left = depth - deep.size(); // the next "/" included
+        deep += "/" + QString(left <= 201 ? left - 1 : qMin<qsizetype>(200, left - 3), 'd');
+    }
+    ASSERT_EQ(deep.size(), depth);
     ASSERT_TRUE(QDir().mkpath(deep));
     const CliRun run =
         cli({"offload", "--json", "--name", "CARD", card.workFolder(), home().path("media"), deep});
