@@ -31,12 +31,17 @@ const CliCommand kCommands[] = {
      "Print a take's properties as the property dialog shows them (title, description, creator...)", runInfo},
     {"mp4info", "[--json] FILE...", "Check MP4 files of the camera's kind and print their properties",
      runMp4Info},
+    {"offload", "[--json] [--name NAME] SOURCE DEST...",
+     "Copy a card folder into DEST/NAME for one to four DESTs, verified, with an ASC MHL history",
+     runOffload},
     {"ppn", "MP4 PPN", "Write the picture pointer table (.PPN) of an MP4 file", runPpn},
     {"scan", "[--json] WORK_FOLDER",
      "Run housekeeping on a work folder (repairing its index files) and print its takes", runScan},
     {"search", "[--json] WORK_FOLDER [--title TEXT] [--comment TEXT] [--interval N]",
      "Search the folder and those below it for takes by title, comment and date (N: 1 week, 2 month, 3 year)",
      runSearch},
+    {"verify", "[--json] [--seal] FOLDER",
+     "Check a folder against its ASC MHL history; --seal then records a new generation", runVerify},
 };
 
 void printUsage(QTextStream& out)

@@ -25,6 +25,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -308,8 +309,10 @@ enum class ReadBack
 
 // Reads an open file from its start, hashing, after dropping its pages from
 // the cache so that the disk's copy is read and not what was just written.
-// Cancel is tested between chunks, never after the last.
-ReadBack readBack(int fd, quint64 expected, BLProgressThread* thread)
+// Cancel is tested between chunks, never after the last. digest (may be null)
+// receives the hash of a file read whole.
+ReadBack readBack(int fd, quint64 expected, BLProgressThread* thread,
+                  std::optional<quint64>* digest = nullptr)
 {
     struct stat st
     {
@@ -350,6 +353,8 @@ ReadBack readBack(int fd, quint64 expected, BLProgressThread* thread)
             return ReadBack::Cancelled;
         }
     }
+    if (digest)
+        *digest = XXH64_digest(state.get());
     return XXH64_digest(state.get()) == expected ? ReadBack::Matches : ReadBack::Differs;
 }
 
@@ -1329,6 +1334,24 @@ bool BLCommon::verifyCopiedFile(const QString& path, quint64 expected, BLProgres
                                   result == ReadBack::Matches ? QStringLiteral("verified")
                                                               : QStringLiteral("not verified")));
     return result == ReadBack::Matches;
+}
+
+bool BLCommon::hashFile(const QString& path, quint64* hash, BLProgressThread* thread, bool* cancelled)
+{
+    if (cancelled)
+        *cancelled = false;
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    std::optional<quint64> digest;
+    const ReadBack result = readBack(fd, 0, thread, &digest);
+    ::close(fd);
+    if (cancelled)
+        *cancelled = result == ReadBack::Cancelled;
+    if (!digest)
+        return false;
+    *hash = *digest;
+    return true;
 }
 
 // ---- names ----

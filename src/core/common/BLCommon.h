@@ -224,6 +224,9 @@ public:
     // the cache first, so the disk's copy is what is read.
     static bool verifyCopiedFile(const QString& path, quint64 expected, BLProgressThread* thread,
                                  bool* cancelled);
+    // The XXH64 of a file read from the disk (its cached pages dropped first);
+    // false when it cannot be read or the thread was cancelled between chunks.
+    static bool hashFile(const QString& path, quint64* hash, BLProgressThread* thread, bool* cancelled);
     static constexpr qint64 kCopyChunkSize = 10485760;
 
     // ---- names ----

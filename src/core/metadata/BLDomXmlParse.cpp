@@ -317,7 +317,9 @@ QString BLDomXmlParse::rewriteQuery(const QString& query) const
             ++i;
             continue;
         }
-        if (c != QLatin1Char('/')) {
+        // A name starts a step after "/" and at the start of a predicate
+        // ("hash[xxh64]" tests for a child element, which needs the same name rule).
+        if (c != QLatin1Char('/') && c != QLatin1Char('[')) {
             out += c;
             ++i;
             continue;
@@ -329,6 +331,9 @@ QString BLDomXmlParse::rewriteQuery(const QString& query) const
             ++end;
         if (end == i || (end < query.size() && query[end] == QLatin1Char('('))) {
             continue; // "*", "@attr", "..", "//" or a node test such as text()
+        }
+        if (c == QLatin1Char('[') && !query[i].isLetter() && query[i] != QLatin1Char('_')) {
+            continue; // a position such as [2], or "." for the context node
         }
         const QString name = query.mid(i, end - i);
         if (name == QLatin1String(".") || name == QLatin1String("..")) {

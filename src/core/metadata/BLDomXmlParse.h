@@ -11,8 +11,9 @@
 //
 // Query names follow the card files' conventions: an unprefixed step matches
 // an element of that local name in no namespace or in the document's default
-// namespace; a prefixed step ("lib:Alias") matches an element written with
-// that prefix; "@xml:lang" is the standard language attribute.
+// namespace (so does a name that starts a predicate, as in "hash[xxh64]"); a
+// prefixed step ("lib:Alias") matches an element written with that prefix;
+// "@xml:lang" is the standard language attribute.
 //
 // Trailing NUL bytes (a power loss leaves them on FAT cards) are ignored.
 // Parsing never loads a DTD, substitutes entities or touches the network;

@@ -65,6 +65,12 @@ TEST(DomXmlParseTest, QueriesMatchDefaultNamespacePrefixesAndLanguage)
     BLDomXmlParse plain;
     ASSERT_TRUE(plain.loadXmlData("<MediaProfile><Contents><Material uri='a'/></Contents></MediaProfile>"));
     EXPECT_EQ(plain.selectNodeArray("/MediaProfile/Contents/Material"), 1);
+
+    // A name at the start of a predicate follows the same rule as a step.
+    EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[Component]"), 1);
+    EXPECT_EQ(xml.getAttributeValue("umid"), "U2");
+    EXPECT_EQ(plain.selectNodeArray("/MediaProfile/Contents[Material]"), 1);
+    EXPECT_EQ(plain.selectNodeArray("/MediaProfile/Contents[Missing]"), 0);
 }
 
 TEST(DomXmlParseTest, EditsFollowTheCursorAndTheEmptyValueRule)

@@ -1,0 +1,213 @@
+// Offload of generated cards: the engine's copies and manifests, and
+// clipwright-cli offload and verify with real faults, a cancel and a history.
+#include "CliTestSupport.h"
+
+#include "core/common/BLCommon.h"
+#include "core/metadata/BLDomXmlParse.h"
+#include "core/offload/BLOffloadThread.h"
+#include "support/CardFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace {
+
+using namespace clitest;
+using OffloadTest = CliTest;
+
+// The bytes this thread has read through system calls so far.
+qint64 bytesReadByThisThread()
+{
+    QFile io(QStringLiteral("/proc/thread-self/io"));
+    if (!io.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& line : io.readAll().split('\n'))
+        if (line.startsWith("rchar:"))
+            return line.mid(6).trimmed().toLongLong();
+    return -1;
+}
+
+QMap<QString, QByteArray> withoutHistory(QMap<QString, QByteArray> entries)
+{
+    entries.removeIf([](auto e) { return e.key().startsWith(BLMhlHistory::kFolderName + '/'); });
+    return entries;
+}
+
+QString manifestOf(const QString& folder, int generation)
+{
+    const QStringList found =
+        QDir(folder + "/ascmhl").entryList({QStringLiteral("%1_*.mhl").arg(generation, 4, 10, QChar('0'))});
+    return found.size() == 1 ? folder + "/ascmhl/" + found[0] : QString();
+}
+
+} // namespace
+
+TEST_F(OffloadTest, EngineCopiesACardReadOnceToTwoVerifiedDestinations)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2, {2}));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    ASSERT_TRUE(QDir().mkpath(card.workFolder() + "/BPAV/EMPTY"));
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+    qint64 cardSize = 0;
+    for (auto it = source.cbegin(); it != source.cend(); ++it)
+        cardSize += QFileInfo(card.workFolder() + '/' + it.key()).size();
+
+    const QStringList destinations{home().path("media/A"), home().path("media/B")};
+    BLOffloadThread offload(card.workFolder(), destinations);
+    const qint64 before = bytesReadByThisThread();
+    ASSERT_TRUE(offload.run());
+    EXPECT_LT(bytesReadByThisThread() - before, cardSize * 11 / 10);
+    EXPECT_EQ(files(card.workFolder()), source);
+
+    for (const QString& copy : destinations) {
+        EXPECT_EQ(withoutHistory(files(copy)), source) << copy.toStdString();
+        EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
+        BLDomXmlParse xml;
+        ASSERT_TRUE(xml.loadXml(manifestOf(copy, 1))) << copy.toStdString();
+        const int count = xml.selectNodeArray("/hashlist/hashes/hash/path");
+        ASSERT_EQ(count, source.size());
+        QMap<QString, qint64> sizes;
+        for (int i = 0; i < count; ++i) {
+            xml.selectNode(i);
+            sizes.insert(xml.getElementValue(i), xml.getAttributeValue("size").toLongLong());
+        }
+        ASSERT_EQ(xml.selectNodeArray("/hashlist/hashes/hash/xxh64"), count);
+        int i = 0;
+        for (auto it = sizes.cbegin(); it != sizes.cend(); ++it, ++i) {
+            ASSERT_TRUE(source.contains(it.key())) << it.key().toStdString();
+            EXPECT_EQ(it.value(), QFileInfo(copy + '/' + it.key()).size());
+        }
+        BLMhlHistory history(copy);
+        ASSERT_TRUE(history.load());
+        for (const BLMhlHistory::Entry& e : history.files()) {
+            quint64 hash = 0;
+            ASSERT_TRUE(BLCommon::hashFile(card.workFolder() + '/' + e.path, &hash, nullptr, nullptr));
+            EXPECT_EQ(e.hash, hash) << e.path.toStdString();
+            EXPECT_EQ(e.action, "original");
+        }
+    }
+}
+
+TEST_F(OffloadTest, VerifyReportsChangesAndSealsANewGeneration)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(card.ok());
+    const QString copy = home().path("media/CARD");
+    ASSERT_EQ(cli({"offload", "--name", "CARD", card.workFolder(), home().path("media")}).status, 0);
+    EXPECT_EQ(cli({"verify", copy}).status, 0);
+
+    QFile added(copy + "/NOTE.TXT");
+    ASSERT_TRUE(added.open(QIODevice::WriteOnly) && added.write("x") == 1);
+    added.close();
+    CliRun run = cli({"verify", "--seal", copy});
+    EXPECT_EQ(run.status, 0) << run.err.constData();
+    EXPECT_TRUE(run.err.contains("new NOTE.TXT"));
+    ASSERT_FALSE(manifestOf(copy, 2).isEmpty());
+    BLDomXmlParse chain;
+    ASSERT_TRUE(chain.loadXml(copy + "/ascmhl/ascmhl_chain.xml"));
+    EXPECT_EQ(chain.selectNodeArray("/ascmhldirectory/hashlist/c4"), 2);
+    EXPECT_EQ(chain.getElementValue(1), BLMhlHistory::c4Id([&] {
+                  QFile f(manifestOf(copy, 2));
+                  return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+              }()));
+
+    // A flipped byte and a missing file; the added file is known now.
+    const QString mediapro = "BPAV/MEDIAPRO.XML";
+    QFile flipped(copy + '/' + mediapro);
+    ASSERT_TRUE(flipped.open(QIODevice::ReadWrite));
+    const char first = flipped.read(1)[0];
+    flipped.seek(0);
+    flipped.write(QByteArray(1, char(first ^ 1)));
+    flipped.close();
+    ASSERT_TRUE(QFile::remove(copy + "/BPAV/CUEUP.XML"));
+    run = cli({"verify", "--json", copy});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("altered " + mediapro.toUtf8()));
+    EXPECT_TRUE(run.err.contains("missing BPAV/CUEUP.XML"));
+    EXPECT_FALSE(run.err.contains("new "));
+}
+
+TEST_F(OffloadTest, OffloadOfACopyContinuesItsHistoryAndRefusesAnAlteredOne)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(card.ok());
+    ASSERT_TRUE(QDir().mkpath(home().path("media/first")) && QDir().mkpath(home().path("media/second")));
+    ASSERT_EQ(cli({"offload", "--name", "CARD", card.workFolder(), home().path("media/first")}).status, 0);
+    const QString copy = home().path("media/first/CARD");
+    CliRun run = cli({"offload", "--json", copy, home().path("media/second")});
+    ASSERT_EQ(run.status, 0) << run.err.constData();
+    const QString third = home().path("media/second/CARD");
+    BLMhlHistory history(third);
+    ASSERT_TRUE(history.load());
+    EXPECT_EQ(history.lastGeneration(), 2);
+    EXPECT_FALSE(manifestOf(third, 1).isEmpty());
+    for (const BLMhlHistory::Entry& e : history.files())
+        EXPECT_EQ(e.action, "verified") << e.path.toStdString();
+
+    QFile altered(copy + "/BPAV/CUEUP.XML");
+    ASSERT_TRUE(altered.open(QIODevice::Append) && altered.write(" ") == 1);
+    altered.close();
+    run = cli({"offload", "--name", "AGAIN", copy, home().path("media/second")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("altered BPAV/CUEUP.XML"));
+    EXPECT_FALSE(QFileInfo::exists(home().path("media/second/AGAIN")));
+}
+
+TEST_F(OffloadTest, AFailingDestinationIsRemovedWhileTheOtherVerifies)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(card.ok());
+    // A destination so deep that the card's longest path is one byte over the
+    // longest the system allows (4095 bytes and the NUL), while its folders fit.
+    qsizetype longest = 0;
+    for (const QString& path : files(card.workFolder()).keys())
+        longest = qMax(longest, path.size());
+    const qsizetype depth = 4096 - qsizetype(qstrlen("/CARD/")) - longest;
+    QString deep = home().path("media/deep");
+    while (deep.size() < depth) {
+        const qsizetype left = depth - deep.size(); // the next "/" included
+        deep += "/" + QString(left <= 201 ? left - 1 : qMin<qsizetype>(200, left - 3), 'd');
+    }
+    ASSERT_EQ(deep.size(), depth);
+    ASSERT_TRUE(QDir().mkpath(deep));
+    const CliRun run =
+        cli({"offload", "--json", "--name", "CARD", card.workFolder(), home().path("media"), deep});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(deep.toUtf8() + "/CARD failed at BPAV/")) << run.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(deep + "/CARD"));
+    EXPECT_EQ(withoutHistory(files(home().path("media/CARD"))), files(card.workFolder()));
+    EXPECT_EQ(cli({"verify", home().path("media/CARD")}).status, 0);
+}
+
+TEST_F(OffloadTest, ACancelDuringTheSecondFileKeepsNoCopy)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(card.ok());
+    QFile big(card.workFolder() + "/A1.BIN");
+    ASSERT_TRUE(big.open(QIODevice::WriteOnly) && big.resize(qint64(256) << 20));
+    big.close();
+    QFile small(card.workFolder() + "/A0.BIN");
+    ASSERT_TRUE(small.open(QIODevice::WriteOnly) && small.write("0") == 1);
+    small.close();
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+
+    QProcess p;
+    p.start(kCli,
+            {"offload", "--name", "CARD", card.workFolder(), home().path("media"), home().path("home2")});
+    ASSERT_TRUE(QDir().mkpath(home().path("home2")));
+    for (int i = 0; i < 2000 && !QFileInfo::exists(home().path("media/CARD/A1.BIN")); ++i)
+        QThread::msleep(5);
+    ::kill(pid_t(p.processId()), SIGINT);
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1) << run.err.constData();
+    EXPECT_TRUE(run.err.contains("cancelled"));
+    EXPECT_FALSE(QFileInfo::exists(home().path("media/CARD")));
+    EXPECT_FALSE(QFileInfo::exists(home().path("home2/CARD")));
+    EXPECT_EQ(files(card.workFolder()), source);
+}
