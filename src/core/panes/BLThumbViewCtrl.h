@@ -129,6 +129,8 @@ public:
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     // Takes dragged from the other pane's grid may be dropped; the drop
     // becomes dropClipData(isMove) of this pane, a move for Qt::MoveAction.
+    // Local files dropped from the file manager ("text/uri-list") open the
+    // import dialog with them, once the drop has returned.
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
@@ -141,6 +143,10 @@ signals:
     void scrollToTop();
     // The view shows a row (an item chosen from outside).
     void scrollToItem(int row);
+
+    // The local files of a drop from the file manager; none for anything else
+    // or without a selected folder.
+    QStringList droppedFiles(const QMimeData* data) const;
 
 private:
     // One reload of the selected folder (changeFolder repeats it while asked).
