@@ -284,6 +284,8 @@ bool BLMP4ImportCtrl::execImport()
     if (BLCommon::isExceedFolderLimitByImport(folder, int(m_arrayList.size())))
         return refuse("MSG_632_3236");
 
+    // The worker does not reach into the pane.
+    m_paneTakes = m_mediaInfo ? m_mediaInfo->getTakeData() : QList<DOTakeData>();
     const std::shared_ptr<BLMP4ImportThread> worker = createImportThread();
     const bool cancelled = BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
     // A cancel that came once the files were in place did not stop the import.
@@ -428,7 +430,7 @@ DOTakeData BLMP4ImportCtrl::takeForMovedFile(const QString& path) const
     };
     DOTakeData take;
     const QList<DOTakeData>& selected = m_import.getTakeData();
-    const QList<DOTakeData>& shown = m_mediaInfo ? m_mediaInfo->getTakeData() : m_beforeTakes;
+    const QList<DOTakeData>& shown = m_mediaInfo ? m_paneTakes : m_beforeTakes;
     if (const auto it = named(selected, Qt::CaseInsensitive); it != selected.end()) {
         take = it->copyTake();
     } else if (const auto it2 = named(shown, Qt::CaseSensitive); it2 != shown.end()) {

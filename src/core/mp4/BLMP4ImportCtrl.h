@@ -124,6 +124,8 @@ private:
     // Of the destination before the run: the folder's takes, the index
     // files' bytes (none when missing) and the fixed folders missing.
     QList<DOTakeData> m_beforeTakes;
+    // The takes the pane showed when the run began.
+    QList<DOTakeData> m_paneTakes;
     QMap<QString, std::optional<QByteArray>> m_keptIndexes;
     QStringList m_missingFolders;
     qint64 m_doneMiB = 0;

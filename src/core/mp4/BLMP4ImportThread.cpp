@@ -2,7 +2,6 @@
 
 #include "core/mp4/BLMP4ImportCtrl.h"
 
-#include <chrono>
 #include <thread>
 
 BLMP4ImportThread::BLMP4ImportThread(BLMP4ImportCtrl* ctrl) : m_ctrl(ctrl) {}
@@ -26,5 +25,5 @@ void BLMP4ImportThread::loopProcess()
 
 void BLMP4ImportThread::waitThread()
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::yield();
 }

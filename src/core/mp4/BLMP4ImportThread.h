@@ -14,8 +14,8 @@ public:
     QString getInitMessage() override;
     void getInitProgress(double* value, double* min, double* max) override;
     void loopProcess() override;
-    // The pause after each file and while the index files are written: as
-    // short as keeps the dialog alive.
+    // The pause after each chunk and file: only yields, so that the work
+    // beyond the copy stays within a few milliseconds a file.
     void waitThread() override;
 
     bool isSucceeded() const { return m_succeeded; }

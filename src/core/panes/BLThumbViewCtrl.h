@@ -137,16 +137,15 @@ public:
                       const QModelIndex& parent) override;
     Qt::DropActions supportedDragActions() const override;
     Qt::DropActions supportedDropActions() const override;
+    // The local files of a drop from the file manager; none for anything else
+    // or without a selected folder.
+    QStringList droppedFiles(const QMimeData* data) const;
 
 signals:
     // The view shows the first row (after a sort).
     void scrollToTop();
     // The view shows a row (an item chosen from outside).
     void scrollToItem(int row);
-
-    // The local files of a drop from the file manager; none for anything else
-    // or without a selected folder.
-    QStringList droppedFiles(const QMimeData* data) const;
 
 private:
     // One reload of the selected folder (changeFolder repeats it while asked).
