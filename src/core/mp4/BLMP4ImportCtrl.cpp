@@ -312,7 +312,6 @@ bool BLMP4ImportCtrl::doImportWithThread(BLMP4ImportThread* thread)
 {
     log(QStringLiteral("[BLMP4ImportCtrl doImportWithThread] Start"));
     const QString folder = destination();
-    const QFileInfo folderInfo(folder);
     const QStringList files = m_import.getArray();
     m_beforeTakes = BLCommon::isFolder(BLCommon::getPathOfBPAV(folder))
                         ? BLHouseKeepingCtrl().doHouseKeeping(folder)
@@ -324,11 +323,8 @@ bool BLMP4ImportCtrl::doImportWithThread(BLMP4ImportThread* thread)
     qint64 total = 0;
     for (const QString& file : files) {
         DOClipCtrl clipCtrl;
-        clipCtrl.setCopyToFolder(folderInfo.path());
-        clipCtrl.setCopyToFolderName(folderInfo.fileName());
-        const QFileInfo from(isInDestinationCLPR(file) ? folder : QFileInfo(file).absolutePath());
-        clipCtrl.setCopyFromPath(from.path());
-        clipCtrl.setCopyFromFolderName(from.fileName());
+        clipCtrl.setDestinationWorkFolder(folder);
+        clipCtrl.setSourceWorkFolder(isInDestinationCLPR(file) ? folder : QFileInfo(file).absolutePath());
         clipCtrl.setToTakes(m_beforeTakes);
         clipCtrl.setBeforeTakes(m_beforeTakes);
         if (!isInDestinationCLPR(file))
