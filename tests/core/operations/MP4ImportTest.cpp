@@ -4,10 +4,6 @@
 // a cancel leaves (the folder as it was).
 #include "OperationsTestSupport.h"
 #include "core/common/BLCommon.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLNonMetaAcss.h"
 #include "core/mp4/BLMP4ImportCtrl.h"
@@ -15,8 +11,8 @@
 #include "core/preview/BLCacheImageCtrl.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
+#include "support/ForeignMp4.h"
 #include "support/FrameCounter.h"
-#include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 
 #include <QCoreApplication>
@@ -27,11 +23,6 @@
 #include <QImage>
 
 #include <gtest/gtest.h>
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
 
 namespace {
 
@@ -77,58 +68,6 @@ QImage thumbnail(const QString& folder, const DOTakeData& take)
     processUntil([&] { return !image.isNull(); });
     SCNotificationCenter::defaultCenter()->removeObserver(&image);
     return image;
-}
-
-// An MPEG-2 file of 12 frames written by libavformat's own MP4 muxer.
-bool writeMuxerFile(const QString& path)
-{
-    AVFormatContext* out = nullptr;
-    if (avformat_alloc_output_context2(&out, nullptr, "mp4", path.toUtf8().constData()) < 0)
-        return false;
-    const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MPEG2VIDEO);
-    AVCodecContext* enc = avcodec_alloc_context3(codec);
-    enc->width = 320;
-    enc->height = 180;
-    enc->pix_fmt = AV_PIX_FMT_YUV420P;
-    enc->time_base = {1001, 30000};
-    enc->framerate = {30000, 1001};
-    enc->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    AVStream* stream = avformat_new_stream(out, nullptr);
-    bool ok = avcodec_open2(enc, codec, nullptr) >= 0 &&
-              avcodec_parameters_from_context(stream->codecpar, enc) >= 0;
-    stream->time_base = enc->time_base;
-    ok = ok && avio_open(&out->pb, path.toUtf8().constData(), AVIO_FLAG_WRITE) >= 0 &&
-         avformat_write_header(out, nullptr) >= 0;
-    AVFrame* frame = av_frame_alloc();
-    frame->format = enc->pix_fmt;
-    frame->width = enc->width;
-    frame->height = enc->height;
-    ok = ok && av_frame_get_buffer(frame, 0) >= 0;
-    AVPacket* packet = av_packet_alloc();
-    const auto drain = [&] {
-        while (avcodec_receive_packet(enc, packet) == 0) {
-            av_packet_rescale_ts(packet, enc->time_base, stream->time_base);
-            packet->stream_index = stream->index;
-            ok = av_interleaved_write_frame(out, packet) >= 0 && ok;
-        }
-    };
-    for (int i = 0; ok && i < 12; ++i) {
-        ok = av_frame_make_writable(frame) >= 0;
-        for (int p = 0; p < 3; ++p)
-            memset(frame->data[p], 16 + 8 * i, size_t(frame->linesize[p]) * size_t(p ? 90 : 180));
-        frame->pts = i;
-        ok = ok && avcodec_send_frame(enc, frame) >= 0;
-        drain();
-    }
-    avcodec_send_frame(enc, nullptr);
-    drain();
-    ok = ok && av_write_trailer(out) >= 0;
-    avio_closep(&out->pb);
-    avformat_free_context(out);
-    av_packet_free(&packet);
-    av_frame_free(&frame);
-    avcodec_free_context(&enc);
-    return ok;
 }
 
 // The import dialog as a user answers it: OK at once.
@@ -184,29 +123,23 @@ protected:
     }
 };
 
-class MP4ImportTest : public cwtest::HomeTest
+class MP4ImportTest : public optest::OperationTest<>
 {
 protected:
     void SetUp() override
     {
-        HomeTest::SetUp();
-        BLProgressCtrl::sharedCtrl()->setView(&progress);
-        SCNotificationCenter* center = SCNotificationCenter::defaultCenter();
-        center->addObserver(this, SC::SCSelectFolderDataDidUpdateNotification,
-                            [this](const SCNotification& n) {
-                                updates << n.userInfo.value(SC::SCDUpdateSelectFolderKey).toString();
-                            });
-        center->addObserver(this, SC::SCTakeDidAddNotification, [this](const SCNotification& n) {
-            additions << n.userInfo.value(SC::SCAddSelectFolderKey).toString();
-        });
+        OperationTest::SetUp();
+        SCNotificationCenter::defaultCenter()->addObserver(
+            &additions, SC::SCTakeDidAddNotification, [this](const SCNotification& n) {
+                additions << n.userInfo.value(SC::SCAddSelectFolderKey).toString();
+            });
         destination = home().path("media/Dest");
         ASSERT_TRUE(QDir().mkpath(destination));
     }
     void TearDown() override
     {
-        SCNotificationCenter::defaultCenter()->removeObserver(this);
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-        HomeTest::TearDown();
+        SCNotificationCenter::defaultCenter()->removeObserver(&additions);
+        OperationTest::TearDown();
     }
     DOMP4Import request(const QString& folder) const
     {
@@ -231,9 +164,7 @@ protected:
         return QDir(BLCommon::getPathOfBPAV(folder) + "/CLPR").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     }
 
-    BLHeadlessProgressView progress;
-    cwtest::MessageRecorder messages;
-    QStringList updates, additions;
+    QStringList additions;
     QString destination;
 };
 
@@ -292,7 +223,7 @@ TEST_F(MP4ImportTest, TheChecksOfAddAndOfOKRefuseWithTheirMessages)
     ASSERT_TRUE(QDir().mkpath(in));
     optest::writeFile(in + "/clip.Mp4", "x");
     optest::writeFile(in + "/plain.MP4", "not an MP4 file");
-    ASSERT_TRUE(writeMuxerFile(in + "/muxer.mp4"));
+    ASSERT_TRUE(cwtest::writeForeignMp4((in + "/muxer.mp4").toStdString(), 12, 1));
     // Names of 257 and 256 characters: no file system here holds either, so
     // the shorter one passes the length test and is then not found.
     const struct
