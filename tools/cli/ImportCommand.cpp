@@ -29,9 +29,7 @@ int runImport(const QStringList& args)
     for (const QString& file : std::as_const(rest))
         files << QFileInfo(file).absoluteFilePath();
 
-    DOMP4Import import;
-    import.setToImportFolder(destination);
-    BLMP4ImportCtrl ctrl(nullptr, import, nullptr);
+    BLMP4ImportCtrl ctrl(nullptr, DOMP4Import(destination), nullptr);
     if (!verify)
         ctrl.setVerify(false);
     if (!ctrl.addFiles(files))

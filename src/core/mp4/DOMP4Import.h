@@ -13,6 +13,8 @@
 class DOMP4Import
 {
 public:
+    explicit DOMP4Import(const QString& toImportFolder = {}) : m_sToImportFolder(toImportFolder) {}
+
     // The file last chosen with the dialog's Search button.
     const QString& getSelectFile() const { return m_sSelectFile; }
     void setSelectFile(const QString& value) { m_sSelectFile = value; }

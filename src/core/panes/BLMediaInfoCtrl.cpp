@@ -715,9 +715,7 @@ void BLMediaInfoCtrl::showMP4Import(const QStringList& files)
 {
     if (!m_baseView || !m_baseView->mp4ImportView() || !checkSelectFolderExist())
         return;
-    DOMP4Import import;
-    import.setToImportFolder(QDir::cleanPath(m_selectFolder));
-    BLMP4ImportCtrl ctrl(m_baseView->mp4ImportView(), import, this);
+    BLMP4ImportCtrl ctrl(m_baseView->mp4ImportView(), DOMP4Import(QDir::cleanPath(m_selectFolder)), this);
     ctrl.showModal(getSelectAllTakeData(), files);
 }
 

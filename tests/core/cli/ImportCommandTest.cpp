@@ -11,7 +11,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -45,10 +44,7 @@ TEST_F(ImportCommandTest, ImportsFilesAndReportsTheClipsMade)
     for (int i = 0; i < 2; ++i) {
         const QJsonObject clip = clips[i].toObject();
         const QString name = clip["clip"].toString();
-        EXPECT_TRUE(QRegularExpression(QString("^P\\d{14}_0%1$").arg(i + 1)).match(name).hasMatch())
-            << name.toStdString();
         EXPECT_FALSE(clip["moved"].toBool());
-        EXPECT_EQ(clip["source"].toString(), sources[i]);
         EXPECT_EQ(imported.value("BPAV/CLPR/" + name + "/" + name + ".MP4"),
                   files(card.workFolder()).value(QDir(card.workFolder()).relativeFilePath(sources[i])));
     }
