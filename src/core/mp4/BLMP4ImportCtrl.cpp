@@ -177,13 +177,8 @@ bool BLMP4ImportCtrl::addFiles(const QStringList& files)
 {
     m_import.setToImportFolder(destination());
     bool all = true;
-    for (const QString& file : files) {
-        const QString path = BLCommon::standardizePath(file);
-        if (objectCheck(path))
-            m_arrayList << path;
-        else
-            all = false;
-    }
+    for (const QString& file : files)
+        all = createObject(BLCommon::standardizePath(file)) && all;
     return all;
 }
 
