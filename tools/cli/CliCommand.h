@@ -94,6 +94,7 @@ int runDelete(const QStringList& args);
 int runDivide(const QStringList& args);
 int runExport(const QStringList& args);
 int runInfo(const QStringList& args);
+int runImport(const QStringList& args);
 int runMediaName(const QStringList& args);
 int runMove(const QStringList& args);
 int runMp4Info(const QStringList& args);

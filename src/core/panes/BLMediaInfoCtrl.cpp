@@ -10,6 +10,7 @@
 #include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/model/BLClipSearchCtrl.h"
 #include "core/model/BLDiskCtrl.h"
+#include "core/mp4/BLMP4ImportCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
@@ -708,6 +709,14 @@ void BLMediaInfoCtrl::showMPEG2TSConvert()
     DOMPEG2TSConvert own;
     DOMPEG2TSConvert& mpeg = m_mainWindowCtrl ? m_mainWindowCtrl->getDOMPEG2TSConvert() : own;
     BLMPEG2TSConvertCtrl(mpeg, view).showModal(m_selectFolder, getSelectAllTakeData());
+}
+
+void BLMediaInfoCtrl::showMP4Import(const QStringList& files)
+{
+    if (!m_baseView || !m_baseView->mp4ImportView() || !checkSelectFolderExist())
+        return;
+    BLMP4ImportCtrl ctrl(m_baseView->mp4ImportView(), DOMP4Import(QDir::cleanPath(m_selectFolder)), this);
+    ctrl.showModal(getSelectAllTakeData(), files);
 }
 
 // ---- menu routing ----

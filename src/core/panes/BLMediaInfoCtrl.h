@@ -133,6 +133,9 @@ public:
     void showClipProperty(int index);
     // Exports the selected takes as MPEG-2 transport streams.
     void showMPEG2TSConvert();
+    // Opens the import dialog for the selected folder with the selected
+    // takes' MP4 files and the files given (dropped from the file manager).
+    void showMP4Import(const QStringList& files = {});
     // View > Refresh: the folder list read again, and the selected folder
     // through housekeeping in every pane that shows it.
     void refresh();

@@ -14,8 +14,11 @@
 #include "core/panes/BLMediaInfoCtrl.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QMimeData>
+#include <QTimer>
+#include <QUrl>
 
 #include <algorithm>
 #include <exception>
@@ -42,17 +45,6 @@ const BLThumbViewCtrl::MenuItem* findMenuItem(int tag)
     const auto it = std::find_if(items.begin(), items.end(),
                                  [tag](const BLThumbViewCtrl::MenuItem& item) { return item.tag == tag; });
     return it == items.end() ? nullptr : &*it;
-}
-
-// Commands whose dialogs this build does not have yet.
-bool isCommandAvailable(int tag)
-{
-    switch (tag) {
-    case MENU_ITEM_ID_IMPORT:
-        return false;
-    default:
-        return true;
-    }
 }
 
 bool sameFolder(const QString& folder, const QString& folder2)
@@ -155,7 +147,7 @@ bool BLThumbViewCtrl::isSupportMenuItem(int tag, bool* isEnable, bool* isCheck) 
     if (tag < kFirstMenuTag || tag > kLastMenuTag || !findMenuItem(tag))
         return false;
     if (isEnable)
-        *isEnable = isCommandAvailable(tag) && isEnableMenuItem(tag);
+        *isEnable = isEnableMenuItem(tag);
     if (isCheck)
         *isCheck = (tag >= MENU_ITEM_ID_SORT_TITLE && tag <= MENU_ITEM_ID_SORT_DATE) &&
                    tag - MENU_ITEM_ID_SORT_TITLE == m_sortMode;
@@ -250,6 +242,9 @@ void BLThumbViewCtrl::selectMenuItem(int tag)
         break;
     case MENU_ITEM_ID_EXPORT:
         m_mediaInfoCtrl.showMPEG2TSConvert();
+        break;
+    case MENU_ITEM_ID_IMPORT:
+        m_mediaInfoCtrl.showMP4Import();
         break;
     default:
         break;
@@ -523,7 +518,21 @@ Qt::ItemFlags BLThumbViewCtrl::flags(const QModelIndex& index) const
 
 QStringList BLThumbViewCtrl::mimeTypes() const
 {
-    return {kTakesMimeType};
+    return {kTakesMimeType, QStringLiteral("text/uri-list")};
+}
+
+QStringList BLThumbViewCtrl::droppedFiles(const QMimeData* data) const
+{
+    if (!data || data->hasFormat(kTakesMimeType) || !data->hasUrls() ||
+        m_mediaInfoCtrl.getSelectFolder().isEmpty())
+        return {};
+    QStringList files;
+    for (const QUrl& url : data->urls()) {
+        if (!url.isLocalFile() || !QFileInfo(url.toLocalFile()).isFile())
+            return {};
+        files << url.toLocalFile();
+    }
+    return files;
 }
 
 QMimeData* BLThumbViewCtrl::mimeData(const QModelIndexList& indexes) const
@@ -540,6 +549,8 @@ QMimeData* BLThumbViewCtrl::mimeData(const QModelIndexList& indexes) const
 bool BLThumbViewCtrl::canDropMimeData(const QMimeData* data, Qt::DropAction action, int, int,
                                       const QModelIndex&) const
 {
+    if (!droppedFiles(data).isEmpty())
+        return true;
     if (!data || !data->hasFormat(kTakesMimeType) || (action != Qt::CopyAction && action != Qt::MoveAction))
         return false;
     // Only takes from the other pane; a drop on the pane they came from does nothing.
@@ -554,6 +565,11 @@ bool BLThumbViewCtrl::dropMimeData(const QMimeData* data, Qt::DropAction action,
 {
     if (!canDropMimeData(data, action, row, column, parent))
         return false;
+    if (const QStringList files = droppedFiles(data); !files.isEmpty()) {
+        // The dialog opens once the drop has returned to the file manager.
+        QTimer::singleShot(0, this, [this, files] { m_mediaInfoCtrl.showMP4Import(files); });
+        return true;
+    }
     m_mediaInfoCtrl.dropClipData(action == Qt::MoveAction);
     return true;
 }

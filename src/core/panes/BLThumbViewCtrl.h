@@ -129,12 +129,17 @@ public:
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     // Takes dragged from the other pane's grid may be dropped; the drop
     // becomes dropClipData(isMove) of this pane, a move for Qt::MoveAction.
+    // Local files dropped from the file manager ("text/uri-list") open the
+    // import dialog with them, once the drop has returned.
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
     Qt::DropActions supportedDragActions() const override;
     Qt::DropActions supportedDropActions() const override;
+    // The local files of a drop from the file manager; none for anything else
+    // or without a selected folder.
+    QStringList droppedFiles(const QMimeData* data) const;
 
 signals:
     // The view shows the first row (after a sort).

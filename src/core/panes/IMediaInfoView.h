@@ -8,6 +8,7 @@ class IDeleteFolderView;
 class IFolderCombineView;
 class IFolderDivisionView;
 class IFolderNameView;
+class IMP4ImportView;
 class IMPEG2TSConvertView;
 class IMediaNameChangeView;
 
@@ -42,4 +43,6 @@ public:
     virtual IMediaNameChangeView* mediaNameChangeView() { return nullptr; }
     // The export dialog; none where the view has no dialogs.
     virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
+    // The import dialog; null where the view has none.
+    virtual IMP4ImportView* mp4ImportView() { return nullptr; }
 };

@@ -11,6 +11,7 @@
 #include "ui/operations/FolderDivisionDialog.h"
 #include "ui/operations/FolderNameDialog.h"
 #include "ui/operations/MediaNameChangeDialog.h"
+#include "ui/operations/MP4ImportDialog.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
 
@@ -224,4 +225,9 @@ IMediaNameChangeView* SCMediaInfoView::mediaNameChangeView()
 IClipPropertyView* SCMediaInfoView::clipPropertyView()
 {
     return &dialogOf<ClipPropertyDialog>(this, QStringLiteral("ClipProperty"));
+}
+
+IMP4ImportView* SCMediaInfoView::mp4ImportView()
+{
+    return &dialogOf<MP4ImportDialog>(this, QStringLiteral("MP4Import"));
 }

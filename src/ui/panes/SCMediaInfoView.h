@@ -57,6 +57,7 @@ public:
     IFolderDivisionView* folderDivisionView() override;
     IFolderCombineView* folderCombineView() override;
     IMediaNameChangeView* mediaNameChangeView() override;
+    IMP4ImportView* mp4ImportView() override;
 
 private:
     QToolButton* makeToolButton(int tag);

@@ -347,6 +347,12 @@ bool SCThumbView::acceptsDrag(QDropEvent* event) const
 {
     if (event->source() == this)
         return false;
+    // Files from the file manager are imported, which copies them whatever
+    // the drag proposed (a move would let the file manager remove them).
+    if (!m_ctrl->droppedFiles(event->mimeData()).isEmpty()) {
+        event->setDropAction(Qt::CopyAction);
+        return true;
+    }
     const Qt::DropAction action = event->dropAction();
     if (action != Qt::CopyAction && action != Qt::MoveAction)
         return false;
@@ -356,7 +362,7 @@ bool SCThumbView::acceptsDrag(QDropEvent* event) const
 void SCThumbView::dragEnterEvent(QDragEnterEvent* event)
 {
     if (acceptsDrag(event))
-        event->acceptProposedAction();
+        event->accept();
     else
         event->ignore();
 }
@@ -365,7 +371,7 @@ void SCThumbView::dragMoveEvent(QDragMoveEvent* event)
 {
     // The whole grid is one target: no drop position, no indicator.
     if (acceptsDrag(event))
-        event->acceptProposedAction();
+        event->accept();
     else
         event->ignore();
 }

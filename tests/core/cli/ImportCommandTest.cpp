@@ -1,0 +1,82 @@
+// clipwright-cli import on generated cards: what it imports and reports, and
+// what a real write failure leaves (the folder as it was, a moved file back).
+#include "CliTestSupport.h"
+
+#include "core/common/BLLocalizedStrings.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "support/CardFolder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+using namespace clitest;
+
+using ImportCommandTest = CliTest;
+
+} // namespace
+
+TEST_F(ImportCommandTest, ImportsFilesAndReportsTheClipsMade)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString destination = home().path("media");
+    const QStringList sources{card.bpav() + "/CLPR/ABC0001/ABC0001.MP4",
+                              card.bpav() + "/CLPR/ABC0002/ABC0002.MP4"};
+    EXPECT_EQ(cli({"import", destination}).status, 2);
+
+    const CliRun run = cli(QStringList{"import", "--json", destination} + sources);
+    ASSERT_EQ(run.status, 0) << run.err.constData();
+    const QJsonObject result = QJsonDocument::fromJson(run.out).object();
+    EXPECT_TRUE(result["verified"].toBool());
+    const QJsonArray clips = result["clips"].toArray();
+    ASSERT_EQ(clips.size(), 2);
+    const QMap<QString, QByteArray> imported = files(destination);
+    for (int i = 0; i < 2; ++i) {
+        const QJsonObject clip = clips[i].toObject();
+        const QString name = clip["clip"].toString();
+        EXPECT_FALSE(clip["moved"].toBool());
+        EXPECT_EQ(imported.value("BPAV/CLPR/" + name + "/" + name + ".MP4"),
+                  files(card.workFolder()).value(QDir(card.workFolder()).relativeFilePath(sources[i])));
+    }
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(destination).size(), 2);
+}
+
+TEST_F(ImportCommandTest, AWriteFailureLeavesTheFolderAsItWasAndTheMovedFileBack)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(2);
+    options.damages = {cwtest::damage(cardgen::Damage::Kind::Loose, 2)};
+    cwtest::CardFolder card(options);
+    cwtest::CardFolder other(cwtest::CardFolder::fast(1));
+    ASSERT_TRUE(card.ok() && other.ok());
+    BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
+    const QMap<QString, QByteArray> before = files(card.workFolder());
+    const QString loose = card.bpav() + "/CLPR/ABC0002.MP4";
+    const QString copied = other.bpav() + "/CLPR/ABC0001/ABC0001.MP4";
+    ASSERT_TRUE(QFileInfo::exists(loose));
+
+    // No file may grow past half the copied MP4 in the importing process:
+    // the loose file moves, its metadata is written, then the copy fails.
+    const qint64 limit = QFileInfo(copied).size() / 2;
+    ASSERT_GT(limit, QFileInfo(card.bpav() + "/MEDIAPRO.XML").size() + 4096);
+    QProcess p;
+    p.setChildProcessModifier([limit] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit fileSize{rlim_t(limit), rlim_t(limit)};
+        ::setrlimit(RLIMIT_FSIZE, &fileSize);
+    });
+    p.start(kCli, {"import", card.workFolder(), loose, copied});
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
+    EXPECT_EQ(files(card.workFolder()), before);
+}
