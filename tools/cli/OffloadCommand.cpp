@@ -5,7 +5,7 @@
 
 #include "core/common/BLCommon.h"
 #include "core/common/BLProgressCtrl.h"
-#include "core/metadata/BLDomXmlParse.h"
+#include "core/offload/BLOffloadCtrl.h"
 #include "core/offload/BLOffloadThread.h"
 
 #include <QDir>
@@ -15,19 +15,6 @@
 #include <QJsonObject>
 
 namespace {
-
-// The card's media name from its MEDIAPRO.XML, else the folder's name.
-QString defaultName(const QString& source)
-{
-    BLDomXmlParse xml;
-    if (xml.loadXml(BLCommon::getPathOfBPAV(source) + QStringLiteral("/MEDIAPRO.XML")) &&
-        xml.selectNodeArray(QStringLiteral("//*[@mediaName]")) > 0) {
-        const QString name = xml.getAttributeValue(QStringLiteral("mediaName"));
-        if (BLCommon::checkHyphenationCharacter(name) && !name.isEmpty())
-            return name;
-    }
-    return QFileInfo(source).fileName();
-}
 
 void printCheck(const BLMhlHistory::Check& check, const char* command)
 {
@@ -63,24 +50,16 @@ int runOffload(const QStringList& args)
         return kExitFailed;
     }
     if (name.isEmpty())
-        name = defaultName(source);
+        name = BLOffloadCtrl::defaultName(source);
     QStringList destinations;
     for (const QString& argument : rest) {
         const QString folder = cliWorkFolder(argument);
-        const QString destination = folder + '/' + name;
-        QString problem;
-        if (!QFileInfo(folder).isDir())
-            problem = folder + QStringLiteral(": no such folder");
-        else if (QFileInfo::exists(destination) || QFileInfo(destination).isSymLink())
-            problem = destination + QStringLiteral(": exists; an offload never merges into a folder");
-        else if (destinations.contains(destination) || destination.startsWith(source + '/') ||
-                 source.startsWith(destination + '/'))
-            problem = destination + QStringLiteral(": not a separate destination");
+        const QString problem = BLOffloadCtrl::destinationProblem(source, folder, name, destinations);
         if (!problem.isEmpty()) {
             cliErr() << "clipwright-cli offload: " << problem << Qt::endl;
             return kExitFailed;
         }
-        destinations << destination;
+        destinations << folder + '/' + name;
     }
 
     StderrPresenter presenter("offload");

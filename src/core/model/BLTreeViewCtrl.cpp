@@ -8,6 +8,7 @@
 #include "core/model/BLVolumeProvider.h"
 #include "core/model/BLVolumeWatcher.h"
 #include "core/model/DOTakeData.h"
+#include "core/offload/BLMhlHistory.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,7 +20,7 @@ namespace {
 constexpr int kProcessId = 632;
 constexpr int kMountProcessId = 6512;
 constexpr int kFirstMenuTag = 44001;
-constexpr int kLastMenuTag = 44052;
+constexpr int kLastMenuTag = 44055;
 
 const QString kBPAV = QStringLiteral("BPAV");
 
@@ -72,9 +73,11 @@ const QList<BLTreeViewCtrl::MenuItem>& BLTreeViewCtrl::menuItems()
         {MENU_ITEM_ID_FOLDER_DIVISION, "MENU_ITEM_ID_FOLDER_DIVISION", "Divide Folder..."},
         {MENU_ITEM_ID_FOLDER_COMBINE, "MENU_ITEM_ID_FOLDER_COMBINE", "Combine Folders..."},
         {MENU_ITEM_ID_MEDIA_NAME_CHANGE, "MENU_ITEM_ID_MEDIA_NAME_CHANGE", "Change Media Name..."},
+        {MENU_ITEM_ID_VERIFY_FOLDER, "MENU_ITEM_ID_VERIFY_FOLDER", "Verify Folder..."},
         {0, nullptr, nullptr},
         {MENU_ITEM_ID_CHANGE_WORK_FOLDER, "MENU_ITEM_ID_CHANGE_WORK_FOLDER", "Change Work Folder..."},
         {MENU_ITEM_ID_MOVE_UP_FOLDER, "MENU_ITEM_ID_MOVE_UP_FOLDER", "Up One Folder"},
+        {MENU_ITEM_ID_OFFLOAD, "MENU_ITEM_ID_OFFLOAD", "Offload Card..."},
         // Passed on to the thumbnail grid; not in the list's own menu.
         {MENU_ITEM_ID_IMPORT, "MENU_ITEM_ID_IMPORT", nullptr},
         {MENU_ITEM_ID_EXPORT, "MENU_ITEM_ID_EXPORT", nullptr},
@@ -384,6 +387,10 @@ bool BLTreeViewCtrl::isEnabled(int tag) const
     case MENU_ITEM_ID_CHANGE_WORK_FOLDER:
     case MENU_ITEM_ID_MOVE_UP_FOLDER:
         return true;
+    case MENU_ITEM_ID_OFFLOAD:
+        return !workFonderIsVolumeList();
+    case MENU_ITEM_ID_VERIFY_FOLDER:
+        return selected && BLCommon::isFolder(QDir(selectFolder).filePath(BLMhlHistory::kFolderName));
     case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
         return selected &&
                BLCommon::isFiles(

@@ -30,6 +30,8 @@ inline constexpr int MENU_ITEM_ID_SORT_DURATION = 44025;
 inline constexpr int MENU_ITEM_ID_SORT_DATE = 44026;
 inline constexpr int MENU_ITEM_ID_CLIP_SEARCH = 44027;
 inline constexpr int MENU_ITEM_ID_MEDIA_NAME_CHANGE = 44052;
+inline constexpr int MENU_ITEM_ID_OFFLOAD = 44054;
+inline constexpr int MENU_ITEM_ID_VERIFY_FOLDER = 44055;
 inline constexpr int MENU_ITEM_ID_REFRESH = 44060;
 
 // The one-level folder list on the left of a pane, as an item model: row 0 is

@@ -11,6 +11,7 @@
 #include "core/model/BLClipSearchCtrl.h"
 #include "core/model/BLDiskCtrl.h"
 #include "core/mp4/BLMP4ImportCtrl.h"
+#include "core/offload/BLOffloadCtrl.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
@@ -628,6 +629,16 @@ void BLMediaInfoCtrl::showFolderDivision()
     ctrl.showModal();
 }
 
+void BLMediaInfoCtrl::showOffload()
+{
+    IOffloadView* view = m_baseView ? m_baseView->offloadView() : nullptr;
+    const QString source = getWorkFolder();
+    if (!view || !BLCommon::isFolder(source))
+        return;
+    BLOffloadCtrl ctrl(view, source);
+    ctrl.showModal();
+}
+
 void BLMediaInfoCtrl::showFolderCombine()
 {
     IFolderCombineView* view = m_baseView ? m_baseView->folderCombineView() : nullptr;
@@ -773,6 +784,13 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
         break;
     case MENU_ITEM_ID_FOLDER_COMBINE:
         showFolderCombine();
+        break;
+    case MENU_ITEM_ID_OFFLOAD:
+        showOffload();
+        break;
+    case MENU_ITEM_ID_VERIFY_FOLDER:
+        if (checkSelectFolderExist())
+            BLOffloadCtrl::verifyFolder(m_selectFolder);
         break;
     case MENU_ITEM_ID_MEDIA_NAME_CHANGE:
         showChangeMediaName();

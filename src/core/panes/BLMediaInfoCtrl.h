@@ -121,6 +121,8 @@ public:
     void showFolderDivision();
     void showFolderCombine();
     void showChangeMediaName();
+    // File > Offload Card: the work folder copied to the destinations chosen.
+    void showOffload();
     // Deletes the selected takes of the selected folder, once confirmed.
     void deleteClipData();
     // Search Clips: the search dialog on the selected folder; a chosen take

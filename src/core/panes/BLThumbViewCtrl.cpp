@@ -30,11 +30,11 @@ constexpr int kFirstMenuTag = 44001;
 constexpr int kLastMenuTag = 44216;
 
 // The folder list's commands, answered by the list even when the grid has the focus.
-constexpr int kTreeTags[] = {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_NEW_FOLDER,
-                             MENU_ITEM_ID_OPEN_IN_FINDER,     MENU_ITEM_ID_ALL_COPY,
-                             MENU_ITEM_ID_FOLDER_DIVISION,    MENU_ITEM_ID_FOLDER_COMBINE,
-                             MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER,
-                             MENU_ITEM_ID_CLIP_SEARCH,        MENU_ITEM_ID_MEDIA_NAME_CHANGE};
+constexpr int kTreeTags[] = {
+    MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_NEW_FOLDER,      MENU_ITEM_ID_OPEN_IN_FINDER,
+    MENU_ITEM_ID_ALL_COPY,           MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_FOLDER_COMBINE,
+    MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER,  MENU_ITEM_ID_CLIP_SEARCH,
+    MENU_ITEM_ID_MEDIA_NAME_CHANGE,  MENU_ITEM_ID_OFFLOAD,         MENU_ITEM_ID_VERIFY_FOLDER};
 
 const char* const kSortNames[] = {"THUMB_SORT_TITLE", "THUMB_SORT_SIZE", "THUMB_SORT_DURATION",
                                   "THUMB_SORT_DATE"};

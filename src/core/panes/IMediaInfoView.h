@@ -11,6 +11,7 @@ class IFolderNameView;
 class IMP4ImportView;
 class IMPEG2TSConvertView;
 class IMediaNameChangeView;
+class IOffloadView;
 
 // A media pane as its controller sees it: the texts under the grid, the tool
 // buttons (each identified by the menu tag of its command), the divider
@@ -45,4 +46,6 @@ public:
     virtual IMPEG2TSConvertView* mpeg2tsConvertView() { return nullptr; }
     // The import dialog; null where the view has none.
     virtual IMP4ImportView* mp4ImportView() { return nullptr; }
+    // The offload dialog; null where the view has none.
+    virtual IOffloadView* offloadView() { return nullptr; }
 };

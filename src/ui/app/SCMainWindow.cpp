@@ -81,6 +81,8 @@ void SCMainWindow::createMenus()
     addPaneAction(m_fileMenu, "&Export as MPEG-2 TS...", MENU_ITEM_ID_EXPORT,
                   QKeySequence(QStringLiteral("Ctrl+E")));
     m_fileMenu->addSeparator();
+    addPaneAction(m_fileMenu, "&Offload Card...", MENU_ITEM_ID_OFFLOAD);
+    m_fileMenu->addSeparator();
     m_quitAction = m_fileMenu->addAction(QStringLiteral("&Quit"));
     m_quitAction->setShortcut(QKeySequence::Quit);
     m_quitAction->setMenuRole(QAction::QuitRole);
@@ -136,6 +138,7 @@ void SCMainWindow::createMenus()
     m_folderMenu->addSeparator();
     addPaneAction(m_folderMenu, "Change &Media Name...", MENU_ITEM_ID_MEDIA_NAME_CHANGE);
     addPaneAction(m_folderMenu, "&Open in File Manager", MENU_ITEM_ID_OPEN_IN_FINDER);
+    addPaneAction(m_folderMenu, "&Verify Folder...", MENU_ITEM_ID_VERIFY_FOLDER);
 
     // The keys of the transport commands belong to the preview picture (Space
     // plays the grid's take elsewhere): the menu shows them without binding

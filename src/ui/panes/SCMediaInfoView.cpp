@@ -3,15 +3,16 @@
 #include "core/model/BLTreeViewCtrl.h"
 #include "core/panes/BLMediaInfoCtrl.h"
 #include "ui/common/LocalizedTitle.h"
-#include "ui/operations/ClipPropertyDialog.h"
 #include "ui/export/MPEG2TSConvertDialog.h"
+#include "ui/operations/ClipPropertyDialog.h"
 #include "ui/operations/ClipTransferDialog.h"
 #include "ui/operations/DeleteFolderDialog.h"
 #include "ui/operations/FolderCombineDialog.h"
 #include "ui/operations/FolderDivisionDialog.h"
 #include "ui/operations/FolderNameDialog.h"
-#include "ui/operations/MediaNameChangeDialog.h"
 #include "ui/operations/MP4ImportDialog.h"
+#include "ui/operations/MediaNameChangeDialog.h"
+#include "ui/operations/OffloadDialog.h"
 #include "ui/panes/SCThumbView.h"
 #include "ui/panes/SCTreeView.h"
 
@@ -230,4 +231,9 @@ IClipPropertyView* SCMediaInfoView::clipPropertyView()
 IMP4ImportView* SCMediaInfoView::mp4ImportView()
 {
     return &dialogOf<MP4ImportDialog>(this, QStringLiteral("MP4Import"));
+}
+
+IOffloadView* SCMediaInfoView::offloadView()
+{
+    return &dialogOf<OffloadDialog>(this, QStringLiteral("Offload"));
 }

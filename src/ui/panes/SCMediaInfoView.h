@@ -55,6 +55,7 @@ public:
     IClipTransferView& clipMoveView() override;
     IClipPropertyView* clipPropertyView() override;
     IFolderDivisionView* folderDivisionView() override;
+    IOffloadView* offloadView() override;
     IFolderCombineView* folderCombineView() override;
     IMediaNameChangeView* mediaNameChangeView() override;
     IMP4ImportView* mp4ImportView() override;

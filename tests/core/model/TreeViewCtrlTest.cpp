@@ -70,7 +70,6 @@ TEST_F(TreeViewCtrlTest, AWorkFolderHoldingOnlyBPAVShowsJustItself)
     EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
     EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::IndentRole).toInt(), 0);
     EXPECT_EQ(m_pane.selectFolder, card.workFolder()); // row 0 is handed to the pane
-
 }
 
 TEST_F(TreeViewCtrlTest, FoldersAreListedByNameWithoutHiddenOnesOrFiles)
@@ -234,7 +233,6 @@ TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
     post(SC::SCFolderDidDeleteNotification, {{SC::SCDeletePathKey, path("elsewhere")}});
     EXPECT_EQ(m_pane.workFolder, m_work);
     EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new"}));
-
 }
 
 TEST_F(TreeViewCtrlTest, OnlyTheOwnPanesWorkFolderChangeRebuilds)
@@ -334,7 +332,6 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
     EXPECT_EQ(posted, (QStringList{"SCWorkspaceDidMountNotification " + cardC,
                                    "SCWorkspaceDidUnmountNotification " + m_cardA,
                                    "SCWorkspaceDidUnmountNotification " + m_cardB}));
-
 }
 
 TEST_F(TreeViewCtrlVolumeTest, UnmountingTheCardOfTheWorkFolderShowsTheVolumeList)
@@ -402,6 +399,8 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
         {MENU_ITEM_ID_MOVE_UP_FOLDER, true},
         {MENU_ITEM_ID_CLIP_SEARCH, true},
         {MENU_ITEM_ID_MEDIA_NAME_CHANGE, false},
+        {MENU_ITEM_ID_OFFLOAD, false},
+        {MENU_ITEM_ID_VERIFY_FOLDER, false},
     };
     EXPECT_EQ(enabledTreeCommands(m_tree), expected);
 
@@ -416,7 +415,11 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
     expected[MENU_ITEM_ID_DELETE] = true;
     expected[MENU_ITEM_ID_FOLDER_COMBINE] = false; // only the card folder itself in its parent
     expected[MENU_ITEM_ID_MEDIA_NAME_CHANGE] = true;
+    expected[MENU_ITEM_ID_OFFLOAD] = true;
     EXPECT_EQ(enabledTreeCommands(m_tree), expected);
+    makeFolders(card.workFolder(), {"ascmhl"});
+    EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_VERIFY_FOLDER).enable);
+    ASSERT_TRUE(QDir(card.workFolder() + "/ascmhl").removeRecursively());
 
     m_tree.selectTreeIndex(1); // "plain": no media profile, not the work folder
     expected[MENU_ITEM_ID_NEW_FOLDER] = false;
@@ -473,7 +476,6 @@ TEST_F(TreeViewCtrlTest, EachCommandIsHandedToThePane)
                                            MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_CHANGE_WORK_FOLDER,
                                            MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE}));
     EXPECT_EQ(m_pane.opened, QStringList{path("a")});
-
 
     // Opening a folder that has gone is reported to the pane instead.
     ASSERT_TRUE(QDir(path("a")).removeRecursively());

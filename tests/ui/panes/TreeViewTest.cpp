@@ -110,11 +110,12 @@ TEST_F(TreeViewTest, TheContextMenuCarriesTheCommandsWithTheirTags)
     EXPECT_EQ(tags, (QList<int>{MENU_ITEM_ID_NEW_FOLDER, MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE,
                                 MENU_ITEM_ID_OPEN_IN_FINDER, MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_ALL_COPY,
                                 MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_FOLDER_COMBINE,
-                                MENU_ITEM_ID_MEDIA_NAME_CHANGE, MENU_ITEM_ID_CHANGE_WORK_FOLDER,
-                                MENU_ITEM_ID_MOVE_UP_FOLDER}));
+                                MENU_ITEM_ID_MEDIA_NAME_CHANGE, MENU_ITEM_ID_VERIFY_FOLDER,
+                                MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER,
+                                MENU_ITEM_ID_OFFLOAD}));
     EXPECT_EQ(separators, 3);
     EXPECT_EQ(disabled, (QStringList{"New Folder...", "Copy All Clips to the Other Pane...",
-                                     "Divide Folder...", "Change Media Name..."}));
+                                     "Divide Folder...", "Change Media Name...", "Verify Folder..."}));
 
     for (QAction* action : menu->actions())
         if (action->data().toInt() == MENU_ITEM_ID_CHANGE_FOLDER_NAME)

@@ -1,0 +1,104 @@
+// File > Offload Card through its controller: the room check before anything
+// is copied, and a run to one destination with its summary.
+#include "core/offload/BLMhlHistory.h"
+#include "core/offload/BLOffloadCtrl.h"
+#include "core/offload/IOffloadView.h"
+#include "support/CardFolder.h"
+#include "support/MessageRecorder.h"
+#include "support/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStorageInfo>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// The dialog: runs a script of the user's actions while "shown".
+class FakeOffloadView : public IOffloadView
+{
+public:
+    std::function<void(BLOffloadCtrl&)> script;
+    QStringList lines;
+    int code = -1;
+    bool ended = false;
+
+    void setSource(const QString&) override {}
+    void setDestinations(const QStringList& l) override { lines = l; }
+    int selectedDestination() const override { return -1; }
+    void setAddEnabled(bool) override {}
+    QString chooseFolder() override { return {}; }
+    int runModal(BLOffloadCtrl* ctrl) override
+    {
+        ended = false;
+        script(*ctrl);
+        if (!ended)
+            ctrl->onCancel();
+        return code;
+    }
+    void endModal(int c) override
+    {
+        code = c;
+        ended = true;
+    }
+};
+
+using OffloadCtrlTest = cwtest::HomeTest;
+
+TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
+{
+    cwtest::CardFolder card;
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QString target = home().path("media/A");
+    ASSERT_TRUE(QDir().mkpath(target));
+    const QString copy = target + '/' + BLOffloadCtrl::defaultName(card.workFolder());
+    cwtest::MessageRecorder messages;
+    FakeOffloadView view;
+
+    // A sparse file makes the card larger than the destination's free space.
+    QFile big(card.workFolder() + "/BIG.BIN");
+    ASSERT_TRUE(big.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(big.resize(QStorageInfo(target).bytesAvailable() + (qint64(1) << 30)));
+    big.close();
+    view.script = [&](BLOffloadCtrl& ctrl) {
+        ASSERT_TRUE(ctrl.addDestination(target));
+        ASSERT_EQ(view.lines.size(), 1);
+        EXPECT_TRUE(view.lines[0].startsWith(target)) << view.lines[0].toStdString();
+        ctrl.onStart();
+        EXPECT_FALSE(view.ended); // the dialog stays for another choice
+    };
+    {
+        BLOffloadCtrl ctrl(&view, card.workFolder());
+        EXPECT_FALSE(ctrl.showModal());
+        EXPECT_EQ(ctrl.lastRun(), nullptr);
+    }
+    ASSERT_EQ(messages.alerts().size(), 1);
+    EXPECT_TRUE(messages.alerts()[0].messageKey.contains("no room"))
+        << messages.alerts()[0].messageKey.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(copy));
+
+    ASSERT_TRUE(QFile::remove(big.fileName()));
+    messages.clear();
+    view.script = [&](BLOffloadCtrl& ctrl) {
+        ctrl.addDestination(target);
+        ctrl.onStart();
+    };
+    BLOffloadCtrl ctrl(&view, card.workFolder());
+    EXPECT_TRUE(ctrl.showModal());
+    ASSERT_EQ(messages.alerts().size(), 1);
+    EXPECT_TRUE(messages.alerts()[0].infoKey.startsWith(copy + ": "))
+        << messages.alerts()[0].infoKey.toStdString();
+    EXPECT_TRUE(messages.alerts()[0].infoKey.contains(" verified"));
+    EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
+    BLMhlHistory history(copy);
+    ASSERT_TRUE(history.load());
+    EXPECT_EQ(history.lastGeneration(), 1);
+    const BLMhlHistory::Check check = history.check(nullptr);
+    EXPECT_TRUE(check.ok() && check.added.isEmpty());
+    EXPECT_TRUE(BLOffloadCtrl::verifyFolder(copy));
+}
+
+} // namespace
