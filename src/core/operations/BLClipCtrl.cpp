@@ -455,6 +455,14 @@ void BLClipCtrl::setOperatePaths(QList<QStringList>& paths, const QList<DOTakeDa
     }
 }
 
+qint64 BLClipCtrl::getPathCount(const QList<DOClipCtrl>& records)
+{
+    qint64 count = 0;
+    for (const DOClipCtrl& record : records)
+        count += getPathCount(record.getFromTakes(), record.sourceWorkFolder(), false);
+    return count;
+}
+
 int BLClipCtrl::getPathCount(const QList<DOTakeData>& takes, const QString& workPath, bool needFolder)
 {
     QList<QStringList> paths;

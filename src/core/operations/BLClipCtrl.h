@@ -83,6 +83,8 @@ public:
     void setOperatePaths(QList<QStringList>& paths, const QList<DOTakeData>& takes, int& pathCount,
                          bool needFolder, const QString& workPath);
     int getPathCount(const QList<DOTakeData>& takes, const QString& workPath, bool needFolder);
+    // The files of every record's takes, each counted in its source folder.
+    qint64 getPathCount(const QList<DOClipCtrl>& records);
     // The existing files of one record.
     int getPathCount(const DOClipData& clip, const QString& workPath);
     int getPathCount(const DOTakeData& take, const QString& workPath);

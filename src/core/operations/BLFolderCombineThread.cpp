@@ -48,11 +48,7 @@ void BLFolderCombineThread::waitThread()
 
 qint64 BLFolderCombineThread::getAllCount() const
 {
-    BLClipCtrl clipCtrl;
-    qint64 count = 0;
-    for (const DOClipCtrl& record : m_arrClipCtrl)
-        count += clipCtrl.getPathCount(record.getFromTakes(), record.sourceWorkFolder(), false);
-    return count;
+    return BLClipCtrl().getPathCount(m_arrClipCtrl);
 }
 
 void BLFolderCombineThread::loopProcess()

@@ -81,11 +81,7 @@ void BLFolderDivisionThread::waitThread()
 
 qint64 BLFolderDivisionThread::getTakeCount() const
 {
-    BLClipCtrl clipCtrl;
-    qint64 count = 0;
-    for (const DOClipCtrl& record : m_arrClipCtrl)
-        count += clipCtrl.getPathCount(record.getFromTakes(), record.sourceWorkFolder(), false);
-    return count;
+    return BLClipCtrl().getPathCount(m_arrClipCtrl);
 }
 
 void BLFolderDivisionThread::loopProcess()

@@ -1,5 +1,6 @@
 // The media-name dialog on a generated card: the name shown, the lengths
 // accepted in UTF-8 bytes, and an unchanged name announced without a write.
+#include "OperationsTestSupport.h"
 #include "core/common/SCNotificationCenter.h"
 #include "core/common/SCNotificationNames.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
@@ -17,37 +18,14 @@ namespace {
 
 // The dialog as a user answers it: OK with each name in turn until the
 // controller ends it, then Cancel.
-class AnsweringView : public IMediaNameChangeView
+class AnsweringView : public optest::AnsweringDialog<IMediaNameChangeView, BLMediaNameChangeCtrl>
 {
 public:
-    explicit AnsweringView(QStringList names) : m_names(std::move(names)) {}
+    using AnsweringDialog::AnsweringDialog;
     void setTitle(const QString&) override {}
     void setMediaName(const QString& name) override { shown = name; }
-    QString mediaName() const override { return m_name; }
-    int runModal(BLMediaNameChangeCtrl* ctrl) override
-    {
-        m_ended = false;
-        for (const QString& name : std::as_const(m_names)) {
-            m_name = name;
-            ctrl->onOK();
-            if (m_ended)
-                return m_code;
-        }
-        ctrl->onCancel();
-        return m_code;
-    }
-    void endModal(int code) override
-    {
-        m_ended = true;
-        m_code = code;
-    }
+    QString mediaName() const override { return answer(); }
     QString shown;
-
-private:
-    QStringList m_names;
-    QString m_name;
-    bool m_ended = false;
-    int m_code = 0;
 };
 
 class MediaNameChangeTest : public cwtest::HomeTest

@@ -50,23 +50,18 @@ void writeFile(const QString& path, const QByteArray& contents);
 // The references of the materials a work folder's media profile lists.
 QStringList materialUris(const QString& workFolder);
 
-// The copy or move dialog as a user answers it: OK with each name in turn
-// until the controller ends it (a refusal that keeps it open gets the next
-// name), then Cancel.
-class AnsweringTransferView : public IClipTransferView
+// A dialog as a user answers it: OK with each answer in turn until the
+// controller ends it (a refusal that keeps it open gets the next answer),
+// then Cancel. answer() is the one being tried.
+template <class View, class Ctrl> class AnsweringDialog : public View
 {
 public:
-    explicit AnsweringTransferView(QStringList names) : m_names(std::move(names)) {}
-    void setTitle(const QString& t) override { title = t; }
-    void setMessage(const QString& m) override { message = m; }
-    void setSource(const QString& s) override { source = s; }
-    void setDestination(const QString& d) override { proposed = d; }
-    QString destination() const override { return m_name; }
-    int runModal(IClipTransferCtrl* ctrl) override
+    explicit AnsweringDialog(QStringList answers) : m_answers(std::move(answers)) {}
+    int runModal(Ctrl* ctrl) override
     {
         m_ended = false;
-        for (const QString& name : std::as_const(m_names)) {
-            m_name = name;
+        for (const QString& answer : std::as_const(m_answers)) {
+            m_answer = answer;
             ctrl->onOK();
             if (m_ended)
                 return m_code;
@@ -80,13 +75,28 @@ public:
         m_code = code;
     }
 
-    QString title, message, source, proposed;
+protected:
+    const QString& answer() const { return m_answer; }
 
 private:
-    QStringList m_names;
-    QString m_name;
+    QStringList m_answers;
+    QString m_answer;
     bool m_ended = false;
     int m_code = 0;
+};
+
+// The copy or move dialog answered with destination folder names.
+class AnsweringTransferView : public AnsweringDialog<IClipTransferView, IClipTransferCtrl>
+{
+public:
+    using AnsweringDialog::AnsweringDialog;
+    void setTitle(const QString& t) override { title = t; }
+    void setMessage(const QString& m) override { message = m; }
+    void setSource(const QString& s) override { source = s; }
+    void setDestination(const QString& d) override { proposed = d; }
+    QString destination() const override { return answer(); }
+
+    QString title, message, source, proposed;
 };
 // Replaces a text in a file; fails the test when it is not there.
 void replaceInFile(const QString& path, const QString& from, const QString& to);
