@@ -1,7 +1,7 @@
 #pragma once
 
 // What the benchmarks share: their generated cards and their main().
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 

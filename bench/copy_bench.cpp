@@ -3,8 +3,8 @@
 // COPY_BENCH_SOURCE names the file; the copy goes to COPY_BENCH_DEST (default:
 // beside the source as "<source>.copy").
 #include "BenchSupport.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLProgressThread.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QFile>
 #include <QFileInfo>

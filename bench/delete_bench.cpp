@@ -4,8 +4,8 @@
 // (cardgen's fast mode); each run deletes from a fresh copy, made and read
 // outside the timing. 600 takes should go in well under 2 s.
 #include "BenchSupport.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 
 #include <QDir>

@@ -4,9 +4,9 @@
 // division of a generated card of 600 single clips into folders of about ten
 // clips each on the same volume, checks, moves and index files included (the
 // card is copied afresh before each run, outside the timing).
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/Segment.h"
 #include "support/CardFolder.h"

@@ -3,7 +3,7 @@
 // read with a warm file cache. The growth from 60 to 600 clips should be
 // close to linear.
 #include "BenchSupport.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 // with their component and relevant infos, set the version, save), as a
 // folder rewrite after a copy or delete does. Also the full read that
 // housekeeping does on every folder load.
-#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
 
 #include <QFile>
 #include <QTemporaryDir>

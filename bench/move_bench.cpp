@@ -3,9 +3,9 @@
 // folders' index files. A generated card of n short single clips (cardgen's
 // fast mode) is copied afresh before each run, outside the timing.
 #include "BenchSupport.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
 
 #include <QDir>

@@ -2,7 +2,7 @@
 // 7,193 chunks of 15, a stereo PCM chunk beside each). The clip is written as
 // a sparse file; the argument divides every sample size, so the two runs
 // differ only in the size of mdat (about 3.8 GB and 38 MB).
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/mp4/CCreatePPT.h"
 #include "support/Mp4Builder.h"
 
 #include <QFile>

@@ -6,10 +6,10 @@
 // thread and when the search ended. The property dialog is opened on a take
 // (the dialog built, filled and shown) and closed again.
 #include "BenchSupport.h"
-#include "core/common/BLCommon.h"
-#include "core/model/BLClipSearchCtrl.h"
-#include "core/model/IClipSearchView.h"
-#include "core/panes/BLClipPropertyCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/operations/search/BLClipSearchCtrl.h"
+#include "core/operations/search/IClipSearchView.h"
+#include "core/operations/BLClipPropertyCtrl.h"
 #include "ui/operations/ClipPropertyDialog.h"
 
 #include <QApplication>

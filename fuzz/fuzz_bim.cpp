@@ -1,7 +1,7 @@
 // The real-time metadata reader on arbitrary files.
 #include "FuzzFile.h"
 
-#include "core/metadata/CReadRtMeta.h"
+#include "core/formats/metadata/CReadRtMeta.h"
 
 #include <cstdlib>
 

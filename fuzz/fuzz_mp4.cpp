@@ -1,7 +1,7 @@
 // The MP4 checker and the picture pointer table writer on arbitrary files.
 #include "FuzzFile.h"
 
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/mp4/CCreatePPT.h"
 
 #include <QString>
 

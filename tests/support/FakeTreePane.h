@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/BLTreeViewCtrl.h"
-#include "core/model/DOTakeData.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/BLTreeViewCtrl.h"
+#include "core/card/DOTakeData.h"
 
 #include <QFileInfo>
 

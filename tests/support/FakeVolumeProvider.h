@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/model/BLVolumeProvider.h"
+#include "core/services/BLVolumeProvider.h"
 
 #include <QDir>
 

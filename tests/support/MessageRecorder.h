@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/common/BLCommon.h"
-#include "core/common/IMessagePresenter.h"
+#include "core/services/BLCommon.h"
+#include "core/services/IMessagePresenter.h"
 
 #include <QList>
 

@@ -1,9 +1,9 @@
 #include "support/TestEnvironment.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/app/BLPlistCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLBIMCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLBIMCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 
 #include <QDir>

@@ -3,7 +3,7 @@
 // and SIGTERM cancel like the dialog's Cancel button.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
+#include "core/services/BLCommon.h"
 #include "core/operations/BLClipCopyCtrl.h"
 
 #include <QDir>

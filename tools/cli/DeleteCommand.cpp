@@ -5,7 +5,7 @@
 // progress is finished and no further take is deleted.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
+#include "core/services/BLCommon.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 
 #include <QFileInfo>

@@ -4,8 +4,8 @@
 // or combine like the dialog's Cancel button: every take goes back.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
 #include "core/operations/BLFolderDivisionCtrl.h"

@@ -1,7 +1,7 @@
 // clipwright-cli mp4info: the checker's verdict, properties and display texts of MP4 files.
 #include "CliCommand.h"
 
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/mp4/CCreatePPT.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -3,10 +3,10 @@
 // folder against its history later. SIGINT and SIGTERM cancel an offload.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/offload/BLOffloadCtrl.h"
-#include "core/offload/BLOffloadThread.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/operations/offload/BLOffloadCtrl.h"
+#include "core/operations/offload/BLOffloadThread.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -3,8 +3,8 @@
 // the takes it finds.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 // clipwright-cli: a small dispatcher over the subcommands below.
 #include "CliCommand.h"
 
-#include "core/common/BLCommon.h"
+#include "core/services/BLCommon.h"
 
 #include <QCoreApplication>
 

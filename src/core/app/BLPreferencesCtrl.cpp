@@ -1,10 +1,10 @@
 #include "core/app/BLPreferencesCtrl.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/app/BLPlistCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/app/IPreferencesView.h"
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationNames.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDateTime>
 

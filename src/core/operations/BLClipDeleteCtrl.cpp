@@ -1,13 +1,13 @@
 #include "core/operations/BLClipDeleteCtrl.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/IMessagePresenter.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/BLDiskCtrl.h"
-#include "core/operations/BLClipCtrl.h"
-#include "core/operations/IOperationPane.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/IMessagePresenter.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/IOperationPane.h"
 
 namespace {
 constexpr int kProcessId = 645;

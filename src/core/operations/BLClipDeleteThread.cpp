@@ -1,10 +1,10 @@
 #include "core/operations/BLClipDeleteThread.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/model/BLDiskCtrl.h"
-#include "core/model/BLMediaProCtrl.h"
-#include "core/operations/BLClipCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/card/BLClipCtrl.h"
 
 #include <algorithm>
 #include <thread>

@@ -1,10 +1,10 @@
 #include "core/operations/BLClipMoveCtrl.h"
 
-#include "core/app/BLLogCtrl.h"
+#include "core/services/BLLogCtrl.h"
 
-#include "core/common/BLCommon.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/operations/BLClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/card/BLClipCtrl.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/model/DOTakeData.h"
+#include "core/card/DOTakeData.h"
 
 #include <QList>
 #include <QString>

@@ -1,11 +1,11 @@
 #include "core/operations/BLDeleteFolderCtrl.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLLocalizedStrings.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/BLDiskCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/BLDiskCtrl.h"
 #include "core/operations/BLDeleteFolderThread.h"
 #include "core/operations/IDeleteFolderView.h"
 

@@ -1,7 +1,7 @@
 #include "core/operations/BLDeleteFolderThread.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/BLProgressThread.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QStringList>
 

@@ -1,13 +1,13 @@
 #include "core/operations/BLFolderDivisionThread.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/app/BLPlistCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLTakeInfoAcss.h"
-#include "core/metadata/BLTakeInfoCtrl.h"
-#include "core/model/BLDiskCtrl.h"
-#include "core/model/BLMediaProCtrl.h"
-#include "core/operations/BLClipCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLTakeInfoAcss.h"
+#include "core/card/BLTakeInfoCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/operations/BLClipMoveThread.h"
 
 #include <QDir>

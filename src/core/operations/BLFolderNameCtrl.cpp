@@ -1,10 +1,10 @@
 #include "core/operations/BLFolderNameCtrl.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLLocalizedStrings.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/BLDiskCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/BLDiskCtrl.h"
 #include "core/operations/IFolderNameView.h"
 
 #include <QDir>

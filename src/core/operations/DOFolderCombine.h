@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/operations/DOClipCtrl.h"
+#include "core/card/DOClipCtrl.h"
 
 #include <QList>
 #include <QString>

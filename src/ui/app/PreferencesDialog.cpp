@@ -1,7 +1,7 @@
 #include "ui/app/PreferencesDialog.h"
 
 #include "core/app/BLPreferencesCtrl.h"
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QButtonGroup>

@@ -1,6 +1,6 @@
 #include "ui/common/LocalizedTitle.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/IProgressView.h"
+#include "core/services/IProgressView.h"
 
 #include <QDialog>
 

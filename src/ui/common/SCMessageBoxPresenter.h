@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/common/IMessagePresenter.h"
+#include "core/services/IMessagePresenter.h"
 
 #include <QPointer>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/export/IMPEG2TSConvertView.h"
+#include "core/operations/export/IMPEG2TSConvertView.h"
 
 #include <QDialog>
 

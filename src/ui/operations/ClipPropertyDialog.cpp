@@ -1,6 +1,6 @@
 #include "ui/operations/ClipPropertyDialog.h"
 
-#include "core/panes/BLClipPropertyCtrl.h"
+#include "core/operations/BLClipPropertyCtrl.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/panes/IClipPropertyView.h"
+#include "core/operations/IClipPropertyView.h"
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #include "ui/operations/ClipSearchDialog.h"
 
-#include "core/model/BLClipSearchCtrl.h"
+#include "core/operations/search/BLClipSearchCtrl.h"
 #include "ui/common/LocalizedTitle.h"
 #include "ui/panes/SCThumbView.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/model/IClipSearchView.h"
+#include "core/operations/search/IClipSearchView.h"
 
 #include <QDialog>
 

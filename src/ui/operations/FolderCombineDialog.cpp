@@ -1,6 +1,6 @@
 #include "ui/operations/FolderCombineDialog.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 
 #include <QCheckBox>

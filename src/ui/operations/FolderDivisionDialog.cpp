@@ -1,6 +1,6 @@
 #include "ui/operations/FolderDivisionDialog.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 
 #include <QComboBox>

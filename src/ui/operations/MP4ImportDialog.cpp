@@ -1,6 +1,6 @@
 #include "ui/operations/MP4ImportDialog.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/mp4/IMP4ImportView.h"
+#include "core/operations/import/IMP4ImportView.h"
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #include "ui/operations/MediaNameChangeDialog.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
 
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/offload/IOffloadView.h"
+#include "core/operations/offload/IOffloadView.h"
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/panes/IMediaInfoView.h"
+#include "core/app/panes/IMediaInfoView.h"
 
 #include <QMap>
 #include <QPointer>

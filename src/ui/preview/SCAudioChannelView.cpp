@@ -1,6 +1,6 @@
 #include "ui/preview/SCAudioChannelView.h"
 
-#include "core/preview/BLAudioChannelCtrl.h"
+#include "core/app/preview/BLAudioChannelCtrl.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

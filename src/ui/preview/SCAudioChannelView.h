@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/preview/IAudioChannelView.h"
+#include "core/app/preview/IAudioChannelView.h"
 
 #include <QWidget>
 

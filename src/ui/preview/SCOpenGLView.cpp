@@ -1,6 +1,6 @@
 #include "ui/preview/SCOpenGLView.h"
 
-#include "core/preview/BLPreviewCtrl.h"
+#include "core/app/preview/BLPreviewCtrl.h"
 #include "ui/preview/SCPreviewView.h"
 
 #include <QKeyEvent>

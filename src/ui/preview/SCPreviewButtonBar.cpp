@@ -1,6 +1,6 @@
 #include "ui/preview/SCPreviewButtonBar.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "ui/preview/SCImageButton.h"
 
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/preview/BLPreviewButtonCtrl.h"
-#include "core/preview/IPreviewButtonView.h"
+#include "core/app/preview/BLPreviewButtonCtrl.h"
+#include "core/app/preview/IPreviewButtonView.h"
 
 #include <QWidget>
 

@@ -1,9 +1,9 @@
 #include "ui/preview/SCPreviewView.h"
 
-#include "core/preview/BLAudioChannelCtrl.h"
-#include "core/preview/BLPreviewButtonCtrl.h"
-#include "core/preview/BLPreviewCtrl.h"
-#include "core/preview/BLTimeSliderCtrl.h"
+#include "core/app/preview/BLAudioChannelCtrl.h"
+#include "core/app/preview/BLPreviewButtonCtrl.h"
+#include "core/app/preview/BLPreviewCtrl.h"
+#include "core/app/preview/BLTimeSliderCtrl.h"
 #include "ui/preview/SCAudioChannelView.h"
 #include "ui/preview/SCFullScreenWindow.h"
 #include "ui/preview/SCImageButton.h"

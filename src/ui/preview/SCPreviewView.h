@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/preview/IPreviewView.h"
+#include "core/app/preview/IPreviewView.h"
 
 #include <QImage>
 #include <QWidget>

@@ -1,6 +1,6 @@
 #include "ui/preview/SCTimeCodeField.h"
 
-#include "core/preview/BLTimeCodeCtrl.h"
+#include "core/app/preview/BLTimeCodeCtrl.h"
 
 #include <QFontDatabase>
 #include <QPainter>

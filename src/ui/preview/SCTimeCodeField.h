@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/preview/ITimeCodeView.h"
+#include "core/app/preview/ITimeCodeView.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "ui/preview/SCTimeSlider.h"
 
-#include "core/preview/BLTimeSliderCtrl.h"
+#include "core/app/preview/BLTimeSliderCtrl.h"
 
 #include <QMouseEvent>
 #include <QSignalBlocker>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/preview/ITimeSliderView.h"
+#include "core/app/preview/ITimeSliderView.h"
 
 #include <QSlider>
 

@@ -1,4 +1,4 @@
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QFile>
 #include <QRegularExpression>

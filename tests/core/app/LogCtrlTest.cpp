@@ -1,4 +1,4 @@
-#include "core/app/BLLogCtrl.h"
+#include "core/services/BLLogCtrl.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>

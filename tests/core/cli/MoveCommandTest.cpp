@@ -3,7 +3,7 @@
 // moment of a move leaves once both folders have been scanned again.
 #include "CliTestSupport.h"
 
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"

@@ -2,8 +2,8 @@
 // against what the generator's manifest says the card holds.
 #include "CliTestSupport.h"
 
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 

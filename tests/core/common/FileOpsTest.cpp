@@ -1,6 +1,6 @@
-#include "core/app/BLPlistCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLProgressThread.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressThread.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/TestEnvironment.h"
 

@@ -1,4 +1,4 @@
-#include "core/common/BLCommon.h"
+#include "core/services/BLCommon.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 

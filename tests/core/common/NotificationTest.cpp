@@ -1,7 +1,7 @@
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/DOTakeData.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/DOTakeData.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
-#include "core/common/BLCommon.h"
-#include "core/metadata/DOLtcChange.h"
-#include "core/model/DOTakeData.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/DOLtcChange.h"
+#include "core/card/DOTakeData.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "core/app/BLPlistCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/BLLocalizedStrings.h"
-#include "core/model/BLDiskCtrl.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/card/BLDiskCtrl.h"
 #include "support/TestEnvironment.h"
 
 #include <QRegularExpression>

@@ -1,4 +1,4 @@
-#include "core/common/BLCommon.h"
+#include "core/services/BLCommon.h"
 #include "support/FakeVolumeProvider.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "core/metadata/BLBIMCtrl.h"
+#include "core/formats/metadata/BLBIMCtrl.h"
 #include "support/Mp4Builder.h"
 #include "support/TestEnvironment.h"
 

@@ -1,5 +1,5 @@
-#include "core/metadata/BLDomXmlParse.h"
-#include "core/common/BLAtomicFile.h"
+#include "core/formats/metadata/BLDomXmlParse.h"
+#include "core/services/BLAtomicFile.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,11 +1,11 @@
 // Housekeeping on generated cards: the takes a pane gets, the index files it
 // repairs, its cancel points and messages, and that nothing outside the
 // card's BPAV folder is ever touched.
-#include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/model/BLMediaProCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/card/BLMediaProCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"

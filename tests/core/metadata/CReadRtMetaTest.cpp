@@ -1,6 +1,6 @@
 #include "CReadRtMetaFile.h"
 
-#include "core/metadata/CReadRtMeta.h"
+#include "core/formats/metadata/CReadRtMeta.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
 #include "MetadataTestSupport.h"
 
-#include "core/metadata/BLCueupInfoAcss.h"
+#include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "MetadataTestSupport.h"
 
-#include "core/metadata/BLNonMetaAcss.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>

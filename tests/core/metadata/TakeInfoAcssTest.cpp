@@ -1,6 +1,6 @@
 #include "MetadataTestSupport.h"
 
-#include "core/metadata/BLTakeInfoAcss.h"
+#include "core/formats/metadata/BLTakeInfoAcss.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

@@ -1,14 +1,14 @@
 // The media-profile upkeep on generated cards: what the checking side decides
 // for each listed and unlisted clip and take, and what a rewrite writes and
 // deletes.
-#include "core/model/BLMediaProCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/metadata/BLCueupInfoAcss.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/operations/DOClipCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/formats/metadata/BLCueupInfoAcss.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/card/DOClipCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"

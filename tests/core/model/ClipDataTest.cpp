@@ -1,4 +1,4 @@
-#include "core/model/DOClipData.h"
+#include "core/card/DOClipData.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "core/model/DOTakeData.h"
+#include "core/card/DOTakeData.h"
 
-#include "core/app/BLLogCtrl.h"
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 #include "support/TestEnvironment.h"
 
 #include <QCoreApplication>

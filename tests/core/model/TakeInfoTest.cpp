@@ -1,4 +1,4 @@
-#include "core/model/DOTakeInfo.h"
+#include "core/card/DOTakeInfo.h"
 
 #include <gtest/gtest.h>
 

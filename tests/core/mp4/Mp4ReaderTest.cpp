@@ -1,7 +1,7 @@
 #include "Mp4TestSupport.h"
 
-#include "core/mp4/CFileException.h"
-#include "core/mp4/CMP4File.h"
+#include "core/formats/mp4/CFileException.h"
+#include "core/formats/mp4/CMP4File.h"
 
 #include <QFileInfo>
 

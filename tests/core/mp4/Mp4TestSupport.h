@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/mp4/CCreatePPT.h"
 #include "support/Mp4Builder.h"
 
 #include <QFile>

@@ -1,8 +1,8 @@
 // File > Offload Card through its controller: the room check before anything
 // is copied, and a run to one destination with its summary.
-#include "core/offload/BLMhlHistory.h"
-#include "core/offload/BLOffloadCtrl.h"
-#include "core/offload/IOffloadView.h"
+#include "core/formats/mhl/BLMhlHistory.h"
+#include "core/operations/offload/BLOffloadCtrl.h"
+#include "core/operations/offload/IOffloadView.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

@@ -1,6 +1,6 @@
 #include "OperationsTestSupport.h"
 
-#include "core/operations/BLCardPath.h"
+#include "core/card/BLCardPath.h"
 #include "support/QtPrinters.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/common/BLCommon.h"
-#include "core/model/BLDiskCtrl.h"
-#include "core/operations/BLClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
 

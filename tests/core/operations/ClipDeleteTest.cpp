@@ -1,7 +1,7 @@
 // Deleting takes through the controller on a generated card, each deletion
 // run as a pane would run it after the last one.
 #include "OperationsTestSupport.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"

@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/operations/BLClipCtrl.h"
-#include "core/operations/DOClipCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/DOClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
 

@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/common/BLCommon.h"
-#include "core/operations/BLClipCtrl.h"
-#include "core/operations/DOClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/DOClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/MessageRecorder.h"

@@ -2,9 +2,9 @@
 // the candidates and the collision checks across sources, and a cancel
 // putting every take back.
 #include "OperationsTestSupport.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
 #include "core/operations/BLFolderDivisionCtrl.h"

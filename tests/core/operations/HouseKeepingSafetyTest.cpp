@@ -2,11 +2,11 @@
 // damage, on a write-protected mount and on every kind of card the generator
 // makes, checked against the generator's manifest and the bytes on disk.
 #include "OperationsTestSupport.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/operations/BLClipCtrl.h"
-#include "core/operations/DOClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/DOClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"

@@ -3,12 +3,12 @@
 // their messages, the re-import of a loose file of the destination, and what
 // a cancel leaves (the folder as it was).
 #include "OperationsTestSupport.h"
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
-#include "core/metadata/BLNonMetaAcss.h"
-#include "core/mp4/BLMP4ImportCtrl.h"
-#include "core/mp4/BLMP4ImportThread.h"
-#include "core/preview/BLCacheImageCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/operations/import/BLMP4ImportCtrl.h"
+#include "core/operations/import/BLMP4ImportThread.h"
+#include "core/app/preview/BLCacheImageCtrl.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/ForeignMp4.h"

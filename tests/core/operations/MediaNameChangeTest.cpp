@@ -1,8 +1,8 @@
 // The media-name dialog on a generated card: the name shown, the lengths
 // accepted in UTF-8 bytes, and an unchanged name announced without a write.
 #include "OperationsTestSupport.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
 #include "core/operations/IMediaNameChangeView.h"
 #include "support/CardFolder.h"

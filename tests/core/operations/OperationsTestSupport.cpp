@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/operations/BLClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/card/BLClipCtrl.h"
 #include "support/CardFolder.h"
 
 #include <QCryptographicHash>

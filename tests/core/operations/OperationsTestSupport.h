@@ -1,11 +1,11 @@
 #pragma once
 
 #include "cardgen/CardGenerator.h"
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/DOTakeData.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/DOTakeData.h"
 #include "core/operations/IClipTransferView.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

@@ -1,11 +1,11 @@
 // The thumbnail cache: requests by notification, pictures from the viewer
 // library and from the cache folder, de-duplication, cancels and clean-up.
-#include "core/preview/BLCacheImageCtrl.h"
+#include "core/app/preview/BLCacheImageCtrl.h"
 
-#include "core/common/BLCommon.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
-#include "core/model/DOTakeData.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
+#include "core/card/DOTakeData.h"
 #include "support/CardFolder.h"
 #include "support/FrameCounter.h"
 #include "support/QtPrinters.h"

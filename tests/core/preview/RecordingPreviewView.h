@@ -2,12 +2,12 @@
 
 #include "PreviewTestSupport.h"
 #include "cardgen/FrameCounter.h"
-#include "core/preview/BLPreviewCtrl.h"
-#include "core/preview/IAudioChannelView.h"
-#include "core/preview/IPreviewButtonView.h"
-#include "core/preview/IPreviewView.h"
-#include "core/preview/ITimeCodeView.h"
-#include "core/preview/ITimeSliderView.h"
+#include "core/app/preview/BLPreviewCtrl.h"
+#include "core/app/preview/IAudioChannelView.h"
+#include "core/app/preview/IPreviewButtonView.h"
+#include "core/app/preview/IPreviewView.h"
+#include "core/app/preview/ITimeCodeView.h"
+#include "core/app/preview/ITimeSliderView.h"
 
 #include <QMap>
 #include <QPair>

@@ -2,7 +2,7 @@
 // frame, counted here independently from the manifest's start time code.
 #include "CrossCheckSupport.h"
 
-#include "core/metadata/CReadRtMeta.h"
+#include "core/formats/metadata/CReadRtMeta.h"
 
 #include <QRegularExpression>
 

@@ -1,9 +1,9 @@
 // cardgen's MP4 files through the MP4 checker and the import's BLBIMCtrl.
 #include "CrossCheckSupport.h"
 
-#include "core/metadata/BLBIMCtrl.h"
-#include "core/metadata/BLNonMetaAcss.h"
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/metadata/BLBIMCtrl.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/formats/mp4/CCreatePPT.h"
 
 using crosscheck::clipFile;
 using crosscheck::local;

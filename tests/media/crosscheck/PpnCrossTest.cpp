@@ -2,7 +2,7 @@
 // byte for byte, the one cardgen wrote with its own writer.
 #include "CrossCheckSupport.h"
 
-#include "core/mp4/CCreatePPT.h"
+#include "core/formats/mp4/CCreatePPT.h"
 
 #include <QTemporaryDir>
 

@@ -2,11 +2,11 @@
 // UMIDs, durations, time codes and titles come back.
 #include "CrossCheckSupport.h"
 
-#include "core/common/BLCommon.h"
-#include "core/metadata/BLCueupInfoAcss.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/metadata/BLNonMetaAcss.h"
-#include "core/metadata/BLTakeInfoAcss.h"
+#include "core/services/BLCommon.h"
+#include "core/formats/metadata/BLCueupInfoAcss.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/formats/metadata/BLTakeInfoAcss.h"
 
 using crosscheck::clipFile;
 

@@ -1,4 +1,4 @@
-#include "core/app/BLPlistCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 

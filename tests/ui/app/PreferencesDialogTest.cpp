@@ -1,8 +1,8 @@
 #include "ui/app/PreferencesDialog.h"
-#include "core/app/BLPlistCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/app/BLPreferencesCtrl.h"
-#include "core/common/SCNotificationCenter.h"
-#include "core/common/SCNotificationNames.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 

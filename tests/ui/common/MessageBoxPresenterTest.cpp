@@ -1,5 +1,5 @@
-#include "core/common/BLCommon.h"
-#include "core/common/BLLocalizedStrings.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "support/QtPrinters.h"
 #include "ui/common/SCMessageBoxPresenter.h"
 

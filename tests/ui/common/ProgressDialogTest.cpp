@@ -1,7 +1,7 @@
 #include "ui/common/ProgressDialog.h"
-#include "core/common/BLLocalizedStrings.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/common/BLProgressThread.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
 // The dialogs of Divide Folder and Combine Folders driven as a user would.
-#include "core/common/BLHeadlessProgressView.h"
-#include "core/common/BLProgressCtrl.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "support/CardFolder.h"

@@ -1,4 +1,4 @@
-#include "core/model/BLTreeViewCtrl.h"
+#include "core/card/BLTreeViewCtrl.h"
 #include "support/FakeTreePane.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

@@ -1,9 +1,0 @@
-#include "core/export/BLMPEG2TSConvertCallback.h"
-
-#include "core/export/BLMPEG2TSConvertCtrl.h"
-
-void BLMPEG2TSConvertCallback::OnProgress(int percent)
-{
-    if (m_ctrl)
-        m_ctrl->setStateCount(percent);
-}

@@ -1,9 +1,0 @@
-#pragma once
-
-#include "core/metadata/DOLtcChange.h"
-
-// One entry of the body UMID where change table; the same three attributes
-// (frame count, value, status) as an LTC change entry.
-class DOBodyUmidWhereChange : public DOLtcChange
-{
-};

@@ -1,8 +1,0 @@
-#pragma once
-
-#include "core/metadata/DOTRef.h"
-
-// A "metastream" element of a take-info group; same attributes as a "ref".
-class DOTMetastream : public DOTRef
-{
-};

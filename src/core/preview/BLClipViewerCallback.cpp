@@ -1,8 +1,0 @@
-#include "core/preview/BLClipViewerCallback.h"
-
-#include "core/preview/BLPreviewCtrl.h"
-
-void BLClipViewerCallback::EndOfJob()
-{
-    m_ctrl.endOfViewerJob();
-}
