@@ -59,6 +59,17 @@ void writeSettings(const QString& configHome, const QVariantMap& values)
     BLPlistCtrl::writePlistFile(configHome + "/Clipwright/Clipwright.plist", values);
 }
 
+QStringList logMessages()
+{
+    QFile log(QString::fromUtf8(qgetenv("XDG_STATE_HOME")) + "/Clipwright/Clipwright.log");
+    QStringList messages;
+    if (log.open(QIODevice::ReadOnly)) {
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            messages << line.mid(20); // after "YYYY/MM/DD hh:mm:ss "
+    }
+    return messages;
+}
+
 void isolateProcessHome()
 {
     // One temporary home for the whole process; never removed before exit so

@@ -33,6 +33,9 @@ void releaseSingletons();
 // Writes a settings file (key -> value) before the store is created.
 void writeSettings(const QString& configHome, const QVariantMap& values);
 
+// The current home's log lines without their time stamps ("PPPP:message").
+QStringList logMessages();
+
 // Base fixture: a fresh home per test.
 class HomeTest : public ::testing::Test
 {

@@ -9,12 +9,9 @@
 #include "support/TestEnvironment.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
-#include <QStringList>
 
 #include <gtest/gtest.h>
 
@@ -36,16 +33,7 @@ public:
 
     QRectF screenFrame() const override { return screen; }
     QRectF windowFrame() const override { return frame; }
-    void setWindowFrame(const QRectF& f) override
-    {
-        frame = f;
-        journal << QStringLiteral("frame %1,%2 %3x%4%5")
-                       .arg(f.x())
-                       .arg(f.y())
-                       .arg(f.width())
-                       .arg(f.height())
-                       .arg(locked ? " locked" : "");
-    }
+    void setWindowFrame(const QRectF& f) override { frame = f; }
     QSizeF minimumWindowSize() const override { return minimum; }
     bool isWindowVisible() const override { return visible; }
     bool isKeyWindow() const override { return key; }
@@ -64,17 +52,6 @@ public:
     }
 };
 
-QStringList logMessages(const cwtest::ScopedHome& home)
-{
-    QFile file(home.stateHome() + "/Clipwright/Clipwright.log");
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-        messages << line.mid(20); // after "YYYY/MM/DD hh:mm:ss "
-    return messages;
-}
-
 } // namespace
 
 class MainWindowCtrlTest : public cwtest::HomeTest
@@ -84,47 +61,37 @@ protected:
     FakeMainWindowView view;
 };
 
-TEST_F(MainWindowCtrlTest, FirstStartCentresTheDefaultSizeAndStoresNoOrigin)
+TEST_F(MainWindowCtrlTest, AStoredOriginIsUsedOnlyWhenBothCoordinatesArePresent)
 {
-    view.screen = QRectF(100, 24, 1921, 1057); // odd sizes: the half is cut to a whole number
-    BLMainWindowCtrl ctrl(view);
-    ctrl.awakeFromNib();
-    EXPECT_EQ(view.frame, QRectF(100 + 448, 24 + 144, 1024, 768));
-    EXPECT_FALSE(view.locked);
-
-    const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
-    ASSERT_TRUE(onDisk.has_value());
-    EXPECT_EQ(onDisk->value("MAIN_WIN_WIDTH").toDouble(), 1024.0);
-    EXPECT_EQ(onDisk->value("MAIN_WIN_HEIGHT").toDouble(), 768.0);
-    EXPECT_FALSE(onDisk->contains("MAIN_WIN_X"));
-    EXPECT_FALSE(onDisk->contains("MAIN_WIN_Y"));
-}
-
-TEST_F(MainWindowCtrlTest, StoredOriginIsUsedOnlyWhenBothCoordinatesArePresent)
-{
-    cwtest::writeSettings(home().configHome(),
-                          {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0}, {"MAIN_WIN_X", 40.0}});
+    // Odd screen sizes: the half is cut to a whole number.
+    view.screen = QRectF(100, 24, 1921, 1057);
+    const struct
     {
+        QVariantMap stored;
+        QRectF frame;
+    } cases[] = {
+        {{}, {100 + 448, 24 + 144, 1024, 768}},
+        {{{"MAIN_WIN_X", 40.0}}, {100 + 360, 24 + 78, 1200, 900}},
+        {{{"MAIN_WIN_Y", 30.0}}, {100 + 360, 24 + 78, 1200, 900}},
+        {{{"MAIN_WIN_X", -40.0}, {"MAIN_WIN_Y", 30.0}}, {-40, 30, 1200, 900}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.stored.keys().join(',').toStdString());
+        cwtest::ScopedHome fresh;
+        QVariantMap settings = c.stored;
+        if (!settings.isEmpty()) {
+            settings["MAIN_WIN_WIDTH"] = 1200.0;
+            settings["MAIN_WIN_HEIGHT"] = 900.0;
+            cwtest::writeSettings(fresh.configHome(), settings);
+        }
         BLMainWindowCtrl ctrl(view);
-        ctrl.readData();
-        EXPECT_EQ(view.frame, QRectF(360, 90, 1200, 900)); // X alone: centred, stored size
+        ctrl.awakeFromNib();
+        EXPECT_EQ(view.frame, c.frame);
+        // A first start stores the default size but no origin.
+        const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
+        ASSERT_TRUE(onDisk.has_value());
+        EXPECT_EQ(onDisk->contains("MAIN_WIN_X") || onDisk->contains("MAIN_WIN_Y"), !settings.isEmpty());
     }
-    cwtest::releaseSingletons();
-    cwtest::writeSettings(home().configHome(),
-                          {{"MAIN_WIN_WIDTH", 1200.0}, {"MAIN_WIN_HEIGHT", 900.0}, {"MAIN_WIN_Y", 30.0}});
-    {
-        BLMainWindowCtrl ctrl(view);
-        ctrl.readData();
-        EXPECT_EQ(view.frame, QRectF(360, 90, 1200, 900)); // Y alone: centred as well
-    }
-    cwtest::releaseSingletons();
-    cwtest::writeSettings(home().configHome(), {{"MAIN_WIN_WIDTH", 1200.0},
-                                                {"MAIN_WIN_HEIGHT", 900.0},
-                                                {"MAIN_WIN_X", -40.0},
-                                                {"MAIN_WIN_Y", 30.0}});
-    BLMainWindowCtrl ctrl(view);
-    ctrl.readData();
-    EXPECT_EQ(view.frame, QRectF(-40, 30, 1200, 900));
 }
 
 TEST_F(MainWindowCtrlTest, ClosingSavesTheFrameThenLogsTheEndBanner)
@@ -144,7 +111,7 @@ TEST_F(MainWindowCtrlTest, ClosingSavesTheFrameThenLogsTheEndBanner)
     EXPECT_EQ(QRectF(x, y, plist->getMainWindowWidth(), plist->getMainWindowHeight()),
               QRectF(12, 34, 1111, 777));
 
-    EXPECT_EQ(logMessages(home()),
+    EXPECT_EQ(cwtest::logMessages(),
               QStringList({"0000:[BLMainWindowCtrl windowWillCloseNotification]",
                            "0000:**************************************** Application end   "
                            "****************************************",
@@ -197,94 +164,17 @@ TEST_F(MainWindowCtrlTest, ClosingRemovesThumbnailsOlderThanTheCacheLifeTime)
     SCNotificationCenter::defaultCenter()->removeObserver(this);
 }
 
-TEST_F(MainWindowCtrlTest, ResetWindowSizeIsOfferedOnlyToTheVisibleKeyWindow)
-{
-    BLMainWindowCtrl ctrl(view);
-    bool enable = false;
-    EXPECT_TRUE(ctrl.isSupportMenuItem(MENU_ITEM_ID_RESET_WINDOW_SIZE, &enable));
-    EXPECT_TRUE(enable);
-
-    view.key = false; // a modal dialog in front
-    enable = true;
-    EXPECT_TRUE(ctrl.isSupportMenuItem(MENU_ITEM_ID_RESET_WINDOW_SIZE, &enable));
-    EXPECT_FALSE(enable);
-
-    view.key = true;
-    view.visible = false;
-    EXPECT_TRUE(ctrl.isSupportMenuItem(MENU_ITEM_ID_RESET_WINDOW_SIZE, &enable));
-    EXPECT_FALSE(enable);
-
-    enable = true;
-    EXPECT_FALSE(ctrl.isSupportMenuItem(12345, &enable)); // not a tag of the frame
-    EXPECT_FALSE(enable);
-}
-
-TEST_F(MainWindowCtrlTest, ResetWindowSizeLogsAndCentresTheDefaultSizeWithTheDefaultSplit)
-{
-    cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"},
-                                                {"MAIN_WIN_WIDTH", 1500.0},
-                                                {"MAIN_WIN_HEIGHT", 1000.0},
-                                                {"MAIN_WIN_X", 5.0},
-                                                {"MAIN_WIN_Y", 6.0}});
-    BLMainWindowCtrl ctrl(view);
-    ctrl.awakeFromNib();
-    view.journal.clear();
-
-    ctrl.selectMenuItem(MENU_ITEM_ID_RESET_WINDOW_SIZE);
-    EXPECT_EQ(view.journal, QStringList({"frame 448,156 1024x768 locked", "split default"}));
-    EXPECT_FALSE(view.locked);
-    EXPECT_TRUE(logMessages(home()).contains(
-        "0631:[BLMainWindowCtrl selectMenuItem] menuItemID:MENU_ITEM_ID_RESET_WINDOW_SIZE"));
-
-    view.journal.clear();
-    ctrl.selectMenuItem(4711); // unknown tags change nothing
-    EXPECT_TRUE(view.journal.isEmpty());
-}
-
-TEST_F(MainWindowCtrlTest, ResizeAndZoomKeepTheMinimumSize)
+TEST_F(MainWindowCtrlTest, ResizeKeepsTheMinimumSizeAndOnlyAZoomLocksTheDividers)
 {
     BLMainWindowCtrl ctrl(view);
     EXPECT_EQ(ctrl.windowWillResize(QSizeF(700, 900)), QSizeF(800, 900));
     EXPECT_EQ(ctrl.windowWillResize(QSizeF(900, 500)), QSizeF(900, 600));
     EXPECT_EQ(ctrl.windowWillResize(QSizeF(1000, 700)), QSizeF(1000, 700));
 
-    // Below the minimum in either dimension: refused, nothing changes.
-    EXPECT_FALSE(ctrl.windowShouldZoom(QRectF(0, 0, 799, 1000)));
-    EXPECT_FALSE(ctrl.windowShouldZoom(QRectF(0, 0, 1000, 599)));
-    EXPECT_FALSE(ctrl.isZoom());
-    EXPECT_FALSE(view.locked);
-    EXPECT_TRUE(view.journal.isEmpty());
-
     // A resize that is not a zoom leaves locked dividers alone.
     view.locked = true;
     ctrl.windowDidResize();
     EXPECT_TRUE(view.locked);
-    view.locked = false;
-
-    // Accepted: dividers locked until the resize (the preview keeps its height).
-    EXPECT_TRUE(ctrl.windowShouldZoom(QRectF(0, 0, 800, 600)));
-    EXPECT_TRUE(ctrl.isZoom());
-    EXPECT_TRUE(view.locked);
-    EXPECT_TRUE(view.journal.isEmpty());
-    ctrl.windowDidResize();
-    EXPECT_FALSE(ctrl.isZoom());
-    EXPECT_FALSE(view.locked);
-}
-
-TEST_F(MainWindowCtrlTest, HousekeepingNotificationsShowAndCloseTheSheetOnce)
-{
-    BLMainWindowCtrl ctrl(view);
-    ctrl.awakeFromNib();
-    view.journal.clear();
-    BLCommon* common = BLCommon::sharedCtrl();
-
-    common->sendNotificationNow(this, SC::SCCloseHouseKeepingWindowNotification); // not shown: nothing
-    common->sendNotificationNow(this, SC::SCShowHouseKeepingWindowNotification);
-    common->sendNotificationNow(this, SC::SCShowHouseKeepingWindowNotification); // already shown
-    EXPECT_TRUE(view.sheetVisible);
-    common->sendNotificationNow(nullptr, SC::SCCloseHouseKeepingWindowNotification);
-    EXPECT_FALSE(view.sheetVisible);
-    EXPECT_EQ(view.journal, QStringList({"show sheet", "close sheet"}));
 }
 
 TEST_F(MainWindowCtrlTest, AControllerThatIsGoneNoLongerObserves)
