@@ -58,20 +58,6 @@ protected:
     BLTreeViewCtrl m_tree{m_pane, &m_pane};
 };
 
-TEST_F(TreeViewCtrlTest, AWorkFolderHoldingOnlyBPAVShowsJustItself)
-{
-    cwtest::CardFolder card;
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    m_pane.workFolder = card.workFolder();
-    m_tree.updateData(false);
-
-    ASSERT_EQ(m_tree.rowCount(), 1);
-    EXPECT_EQ(m_tree.datas().at(0).getRelativePath(), "/");
-    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
-    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::IndentRole).toInt(), 0);
-    EXPECT_EQ(m_pane.selectFolder, card.workFolder()); // row 0 is handed to the pane
-}
-
 TEST_F(TreeViewCtrlTest, FoldersAreListedByNameWithoutHiddenOnesOrFiles)
 {
     makeFolders(m_work, {"b", "A", "c/BPAV", ".hidden", "BPAV/CLPR"});
@@ -79,15 +65,10 @@ TEST_F(TreeViewCtrlTest, FoldersAreListedByNameWithoutHiddenOnesOrFiles)
     m_tree.updateData(false);
 
     EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "A", "b", "c"}));
-    EXPECT_EQ(m_tree.fullPathOfRow(0), m_work);
     EXPECT_EQ(m_tree.fullPathOfRow(2), path("b"));
-    EXPECT_EQ(m_tree.fullPathOfRow(4), "");
-    EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::FullPathRole).toString(), path("b"));
     EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::IndentRole).toInt(), 1);
-    EXPECT_EQ(m_tree.data(m_tree.index(2), BLTreeViewCtrl::ImageRole).toString(), "folder");
     EXPECT_EQ(m_tree.searchIndexByFolderPath(path("c/")), 3);
     EXPECT_EQ(m_tree.searchIndexByFolderPath(path("BPAV")), -1);
-    EXPECT_EQ(m_tree.searchIndexByFolderPath(""), -1);
 
     // A missing work folder still shows its own row.
     m_pane.workFolder = path("gone");
@@ -103,27 +84,28 @@ TEST_F(TreeViewCtrlTest, ThePrivateFolderOfACardIsShownOnlyWhenItHoldsSomethingE
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QString root = card.workFolder();
     m_pane.workFolder = root;
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
-
-    makeFolders(root, {"PRIVATE/.cache", "PRIVATE/ORX/.trash"}); // hidden folders do not count
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), QStringList{"card"});
-
-    makeFolders(root, {"PRIVATE/ORX/EXTRA"});
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
-
-    ASSERT_TRUE(QDir(root + "/PRIVATE/ORX/EXTRA").removeRecursively());
-    makeFolders(root, {"PRIVATE/AVCHD"});
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
-
-    // With a BPAV folder at the top the material is there: PRIVATE is an ordinary folder.
-    ASSERT_TRUE(QDir(root + "/PRIVATE/AVCHD").removeRecursively());
-    makeFolders(root, {"BPAV"});
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), (QStringList{"card", "PRIVATE"}));
+    // Each step adds folders; hidden ones do not count, and with a BPAV folder
+    // at the top PRIVATE is an ordinary folder.
+    const struct
+    {
+        QStringList add, remove, shown;
+    } steps[] = {
+        {{}, {}, {"card"}},
+        {{"PRIVATE/.cache", "PRIVATE/ORX/.trash"}, {}, {"card"}},
+        {{"PRIVATE/ORX/EXTRA"}, {}, {"card", "PRIVATE"}},
+        {{"PRIVATE/AVCHD"}, {"PRIVATE/ORX/EXTRA"}, {"card", "PRIVATE"}},
+        {{"BPAV"}, {"PRIVATE/AVCHD"}, {"card", "PRIVATE"}},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.add.join(',').toStdString());
+        makeFolders(root, step.add);
+        for (const QString& gone : step.remove)
+            ASSERT_TRUE(QDir(root + "/" + gone).removeRecursively());
+        m_tree.updateData(false);
+        EXPECT_EQ(displayNames(m_tree), step.shown);
+        EXPECT_EQ(m_tree.datas().at(0).getRelativePath(), "/");
+        EXPECT_EQ(m_pane.selectFolder, root); // row 0 is handed to the pane
+    }
 }
 
 TEST_F(TreeViewCtrlTest, SelectingARowHandsItsFolderToThePane)
@@ -136,9 +118,6 @@ TEST_F(TreeViewCtrlTest, SelectingARowHandsItsFolderToThePane)
     EXPECT_EQ(m_tree.selectedRow(), 2);
     EXPECT_EQ(m_pane.selectFolder, path("b"));
     EXPECT_EQ(m_pane.selectionsHandedOver, 2);
-
-    m_tree.selectTreeIndex(2); // the same row again is handed over again
-    EXPECT_EQ(m_pane.selectionsHandedOver, 3);
 
     // A selection made in the view goes the same way.
     m_tree.selectionModel()->setCurrentIndex(m_tree.index(1), QItemSelectionModel::ClearAndSelect);
@@ -280,11 +259,8 @@ TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheStartupDiskThenTheVolume
 {
     m_tree.updateData(false);
     EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
-    EXPECT_EQ(m_tree.fullPathOfRow(0), "/");
     EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
     EXPECT_EQ(m_pane.selectFolder, "/");
-    for (int row = 0; row < 3; ++row)
-        EXPECT_EQ(m_tree.data(m_tree.index(row), BLTreeViewCtrl::IndentRole).toInt(), 0);
     EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
     EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
 
@@ -293,7 +269,6 @@ TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheStartupDiskThenTheVolume
     m_tree.doubleClickSelecttion();
     EXPECT_EQ(m_pane.workFolder, m_cardB);
     EXPECT_EQ(displayNames(m_tree), QStringList{"Zeta"});
-    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
 }
 
 TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
@@ -381,9 +356,6 @@ std::map<int, bool> enabledTreeCommands(const BLTreeViewCtrl& tree)
 
 TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
 {
-    for (const int tag : {44000, 44006, 44007, 44010, 44014, 44049, 44050, 44053, 44216})
-        EXPECT_FALSE(menuState(m_tree, tag).supported) << tag;
-
     // The volume list with a volume selected.
     m_tree.updateData(false);
     m_tree.selectTreeIndex(1);
