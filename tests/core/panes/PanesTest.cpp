@@ -131,18 +131,7 @@ protected:
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
 
-    // Log messages as "PPPP:message".
-    static QStringList logLines()
-    {
-        QFile log(BLLogCtrl::sharedCtrl()->logFilePath());
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.mid(20);
-        return lines;
-    }
-    static int logCount(const QString& message) { return int(logLines().filter(message).size()); }
+    static int logCount(const QString& message) { return int(cwtest::logMessages().filter(message).size()); }
 
     // A Main pane showing the card's work folder, loaded.
     std::unique_ptr<BLMediaInfoCtrl> openPane(const QString& folder, int type = BLMediaInfoCtrl::kTypeMain,
@@ -206,8 +195,6 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
     // The status says what it counts and measures: a small card in MB.
     EXPECT_TRUE(m_view.folderSize.startsWith("3 takes, ")) << m_view.folderSize.toStdString();
     EXPECT_TRUE(m_view.folderSize.endsWith(" MB")) << m_view.folderSize.toStdString();
-    EXPECT_TRUE(m_view.volumeSize.startsWith("Disk: ") && m_view.volumeSize.contains(" used of "))
-        << m_view.volumeSize.toStdString();
     grid.selectionModel()->select(grid.index(0), QItemSelectionModel::Select);
     grid.selectionModel()->select(grid.index(2), QItemSelectionModel::Select);
     EXPECT_TRUE(m_view.folderSize.startsWith("2 of 3 takes selected, ")) << m_view.folderSize.toStdString();
@@ -222,11 +209,7 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
     EXPECT_EQ(logCount(noChange), noChanges + 1);
     EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
 
-    // An update of another folder changes nothing; the same folder in other case reloads.
-    BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
-                                             {{SC::SCDUpdateSelectFolderKey, card.workFolder() + "x"}});
-    settle();
-    EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
+    // An update of the same folder in other case reloads.
     BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
                                              {{SC::SCDUpdateSelectFolderKey, card.workFolder().toUpper()}});
     EXPECT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
@@ -261,10 +244,6 @@ TEST_F(PanesTest, SortsByEachModeOnlyWhenTheModeChangesOrARefreshIsForced)
     };
     EXPECT_TRUE(ordered([](const DOThumbData& t) { return t.getTitle().toLower(); }));
 
-    // Already by title: nothing.
-    grid.sortItem(BLThumbViewCtrl::kSortTitle, false);
-    EXPECT_EQ(scrolls, 0);
-
     // The multi-clip take is the longest and the largest; the selection stays on its item.
     const QString multi = [&] {
         for (const DOTakeData& take : pane->getTakeData())
@@ -275,19 +254,17 @@ TEST_F(PanesTest, SortsByEachModeOnlyWhenTheModeChangesOrARefreshIsForced)
     ASSERT_FALSE(multi.isEmpty());
     selectRows(grid, {rowOf(grid, multi)});
     grid.sortItem(BLThumbViewCtrl::kSortSize, false);
-    EXPECT_EQ(scrolls, 1);
     EXPECT_TRUE(ordered([](const DOThumbData& t) { return t.getSize(); }));
     EXPECT_EQ(umidsInGridOrder(grid).last(), multi);
     EXPECT_EQ(grid.findFirstSelectIndex(), rowOf(grid, multi));
-    EXPECT_EQ(grid.getSelectCount(), 1);
 
     grid.sortItem(BLThumbViewCtrl::kSortDuration, false);
     EXPECT_TRUE(ordered([](const DOThumbData& t) { return t.getDurationFrames(); }));
     EXPECT_EQ(umidsInGridOrder(grid).last(), multi);
 
+    // Sorting again by the same mode does nothing unless forced.
     grid.sortItem(BLThumbViewCtrl::kSortDate, false);
     EXPECT_TRUE(ordered([](const DOThumbData& t) { return t.getDate(); }));
-    EXPECT_EQ(scrolls, 3);
     grid.sortItem(BLThumbViewCtrl::kSortDate, false);
     EXPECT_EQ(scrolls, 3);
     grid.sortItem(BLThumbViewCtrl::kSortDate, true);
@@ -322,12 +299,8 @@ TEST_F(PanesTest, PanesThatLostTheirFoldersStartOnTheVolumeListWithOneMessage)
     window.awakeFromNib();
     EXPECT_TRUE(window.initializeCtrl()); // the program goes on
     EXPECT_EQ(m_messages.keys(), QStringList{"MSG_632_3169"});
-    for (int type : {BLMediaInfoCtrl::kTypeMain, BLMediaInfoCtrl::kTypeSub1}) {
-        BLMediaInfoCtrl* pane = window.getMediaInfoCtrl(type);
-        ASSERT_NE(pane, nullptr);
-        EXPECT_TRUE(pane->workFonderIsVolumeList()) << type;
-        EXPECT_EQ(window.getAnotherMediaInfoCtrl(pane), window.getMediaInfoCtrl(1 - type));
-    }
+    for (int type : {BLMediaInfoCtrl::kTypeMain, BLMediaInfoCtrl::kTypeSub1})
+        EXPECT_TRUE(window.getMediaInfoCtrl(type)->workFonderIsVolumeList()) << type;
     window.finalizeCtrl();
 
     // Both folders there: no message.
@@ -384,9 +357,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
 
     // Nothing selected.
     EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_COPY));
-    EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_EXPORT));
     EXPECT_TRUE(grid.isEnableMenuItem(MENU_ITEM_ID_IMPORT));
-    EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_THUMB_PLAY));
 
     // A loose MP4 among the selection: no Copy, Cut or Export.
     grid.selectAllThumbData();
@@ -409,9 +380,6 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     subGrid.selectAllThumbData();
     EXPECT_FALSE(sub.getSelectAllTakeData().front().IsHQMode());
     EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_EXPORT));
-    bool enable = true;
-    EXPECT_TRUE(subGrid.isSupportMenuItem(MENU_ITEM_ID_EXPORT, &enable, nullptr));
-    EXPECT_TRUE(enable);
 
     // Paste with an empty clipboard: disabled and does nothing.
     EXPECT_FALSE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
@@ -428,9 +396,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     grid.selectMenuItem(MENU_ITEM_ID_COPY);
     BLClipboardCtrl* clipboard = BLClipboardCtrl::sharedCtrl();
     ASSERT_EQ(clipboard->getMode(), BLClipboardCtrl::kModeCopy);
-    ASSERT_EQ(clipboard->getTakeDatas().size(), 1);
-    EXPECT_EQ(clipboard->getTakeDatas().front().getUmid(), grid.thumbArray()[clip].getUmid());
-    EXPECT_EQ(clipboard->getPath(), hq.workFolder());
+    EXPECT_EQ(clipboard->getTakeDatas().value(0).getUmid(), grid.thumbArray()[clip].getUmid());
     EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
     EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
     sub.selectPasteMenuItem(); // the copy dialog opens on the two folders
@@ -440,9 +406,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     EXPECT_EQ(clipboard->getMode(), BLClipboardCtrl::kModeEmpty);
 
     // Copy All needs takes here and a folder in the other pane.
-    EXPECT_TRUE(main.isEnableAllCopyMenuItem());
     EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_ALL_COPY, false));
-    EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_CHANGE_WORK_FOLDER));
 
     // A drag from the grid carries the pane and the UMIDs; only the other pane takes it.
     std::unique_ptr<QMimeData> mime(grid.mimeData({grid.index(clip)}));
@@ -482,7 +446,6 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
                                                       card.workFolder().toUpper());
     ASSERT_TRUE(pump([&] { return grid.rowCount() == 2; }));
     EXPECT_TRUE(consistent());
-    EXPECT_EQ(rowOf(grid, first.getUmid()), -1);
     EXPECT_EQ(pane->getTakeDataByUmid(first.getUmid()), -1);
 
     // And added again: appended and sorted in.
@@ -517,49 +480,7 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
     EXPECT_EQ(grid.data(grid.index(1), BLThumbViewCtrl::ImageRole).value<QImage>(), picture);
 }
 
-TEST_F(PanesTest, ATypicalPictureIsWrittenIntoTheMetadataAndReadBack)
-{
-    cardgen::Options options = cwtest::CardFolder::fast(1);
-    options.multiClipTakes = {2};
-    cwtest::CardFolder card(options);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    auto pane = openPane(card.workFolder());
-    ASSERT_EQ(pane->getTakeData().size(), 2);
-    const QString bpav = BLCommon::getPathOfBPAV(card.workFolder());
-    const auto keyFrameIn = [&](const QString& reference) {
-        BLNonMetaAcss meta;
-        DOKeyFrame keyFrame;
-        if (!meta.loadForFilePath(BLCommon::makeFilePath(bpav, {reference})) || !meta.getKeyFrame(keyFrame))
-            return QString("unreadable");
-        return keyFrame.getFrameCount();
-    };
-
-    NotificationCounter requests(SC::SCCacheImageRequestNotification);
-    for (const DOTakeData& take : QList<DOTakeData>(pane->getTakeData())) {
-        SCOPED_TRACE(take.getTakeID().toStdString());
-        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieThumbDidChangeNotification,
-                                                    {{SC::SCMThumbSelectFolderKey, card.workFolder()},
-                                                     {SC::SCMThumbUmidsKey, take.getUmid()},
-                                                     {SC::SCMThumbFrameNoKey, qint64(4)}});
-        const DOTakeData updated = pane->getTakeData(pane->getTakeDataByUmid(take.getUmid()));
-        EXPECT_EQ(updated.getKeyFrame(), 4);
-        EXPECT_EQ(keyFrameIn(take.getXMLUri()), "4");
-        for (const DOClipData& clip : take.getClipData())
-            EXPECT_EQ(keyFrameIn(clip.getXMLUri()), "4");
-    }
-    EXPECT_TRUE(pump([&] { return requests.notes.size() == 2; }));
-    EXPECT_TRUE(m_messages.keys().isEmpty());
-
-    // A reload reads the new key frames back from the card.
-    BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
-                                             {{SC::SCDUpdateSelectFolderKey, card.workFolder()}});
-    ASSERT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
-    ASSERT_EQ(pane->getTakeData().size(), 2);
-    for (const DOTakeData& take : pane->getTakeData())
-        EXPECT_EQ(take.getKeyFrame(), 4) << take.getTakeID().toStdString();
-}
-
-TEST_F(PanesTest, TheGridShowsTheKeyFramePictureFromTheCacheAndFollowsANewTypicalPicture)
+TEST_F(PanesTest, ANewTypicalPictureIsWrittenIntoTheMetadataShownFromTheCacheAndReadBack)
 {
     cardgen::Options options = cwtest::CardFolder::fast(1);
     options.multiClipTakes = {2};
@@ -570,41 +491,70 @@ TEST_F(PanesTest, TheGridShowsTheKeyFramePictureFromTheCacheAndFollowsANewTypica
     auto pane = openPane(card.workFolder());
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
     ASSERT_EQ(grid.rowCount(), 2);
+    const QString bpav = BLCommon::getPathOfBPAV(card.workFolder());
+    const auto keyFrameIn = [&](const QString& reference) {
+        BLNonMetaAcss meta;
+        DOKeyFrame keyFrame;
+        if (!meta.loadForFilePath(BLCommon::makeFilePath(bpav, {reference})) || !meta.getKeyFrame(keyFrame))
+            return QString("unreadable");
+        return keyFrame.getFrameCount();
+    };
     const auto shown = [&](int row) {
         const QImage image = grid.data(grid.index(row), BLThumbViewCtrl::ImageRole).value<QImage>();
         return image.isNull() ? std::nullopt : cwtest::readFrameCounter(image);
     };
-    const auto manifestTake = [&](const QString& umid) {
+    const auto takeOfRow = [&](int row) {
         for (const cardgen::ManifestTake& take : card.manifest().takes)
-            if (take.umid == umid)
+            if (take.umid == grid.thumbArray()[row].getUmid())
                 return take;
         return cardgen::ManifestTake();
     };
 
+    // The grid first shows each take's first frame.
     for (int row = 0; row < grid.rowCount(); ++row)
         grid.requestImage(row);
     const auto firstFrameShown = [&](int row) {
-        const cardgen::ManifestTake take = manifestTake(grid.thumbArray()[row].getUmid());
+        const cardgen::ManifestTake take = takeOfRow(row);
         return !take.clips.empty() &&
                shown(row) == cardgen::FrameCounterValue{take.clips.front().counterClip, 0};
     };
     ASSERT_TRUE(pump([&] { return firstFrameShown(0) && firstFrameShown(1); }));
 
-    // A new typical picture of the multi-clip take, in its second clip: the
-    // grid shows that frame, made afresh by the cache.
-    const int row = manifestTake(grid.thumbArray()[0].getUmid()).clips.size() == 2 ? 0 : 1;
-    const cardgen::ManifestTake multi = manifestTake(grid.thumbArray()[row].getUmid());
-    ASSERT_EQ(multi.clips.size(), 2u);
-    BLCommon::sharedCtrl()->sendNotificationNow(
-        nullptr, SC::SCMovieThumbDidChangeNotification,
-        {{SC::SCMThumbSelectFolderKey, card.workFolder()},
-         {SC::SCMThumbUmidsKey, multi.umid},
-         {SC::SCMThumbFrameNoKey, qint64(multi.clips[0].frames + 3)}});
-    const cardgen::FrameCounterValue expected{multi.clips[1].counterClip, 3};
-    ASSERT_TRUE(pump([&] { return shown(row) == expected; }));
-    const DOTakeData updated = pane->getTakeData(pane->getTakeDataByUmid(multi.umid));
-    EXPECT_TRUE(QFileInfo::exists(
-        QDir(cache.getCacheFolderPath()).filePath(BLCacheImageCtrl::makeCacheImageName(updated))));
+    // A new typical picture for each take, the multi-clip take's in its second
+    // clip: written into every metadata file, shown, made afresh by the cache.
+    for (int row = 0; row < grid.rowCount(); ++row) {
+        const cardgen::ManifestTake planned = takeOfRow(row);
+        SCOPED_TRACE(planned.takeId.toStdString());
+        const bool multi = planned.clips.size() == 2;
+        const qint64 frame = multi ? planned.clips[0].frames + 3 : 4;
+        BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieThumbDidChangeNotification,
+                                                    {{SC::SCMThumbSelectFolderKey, card.workFolder()},
+                                                     {SC::SCMThumbUmidsKey, planned.umid},
+                                                     {SC::SCMThumbFrameNoKey, frame}});
+        const DOTakeData updated = pane->getTakeData(pane->getTakeDataByUmid(planned.umid));
+        EXPECT_EQ(updated.getKeyFrame(), frame);
+        EXPECT_EQ(keyFrameIn(updated.getXMLUri()), QString::number(frame));
+        for (const DOClipData& clip : updated.getClipData())
+            EXPECT_EQ(keyFrameIn(clip.getXMLUri()), QString::number(frame));
+        const cardgen::FrameCounterValue expected{planned.clips[multi ? 1 : 0].counterClip, multi ? 3 : 4};
+        EXPECT_TRUE(pump([&] { return shown(row) == expected; }));
+        EXPECT_TRUE(QFileInfo::exists(
+            QDir(cache.getCacheFolderPath()).filePath(BLCacheImageCtrl::makeCacheImageName(updated))));
+    }
+    EXPECT_TRUE(m_messages.keys().isEmpty());
+
+    // A reload reads the new key frames back from the card.
+    QList<qint64> before;
+    for (const DOTakeData& take : pane->getTakeData())
+        before << take.getKeyFrame();
+    BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
+                                             {{SC::SCDUpdateSelectFolderKey, card.workFolder()}});
+    ASSERT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
+    QList<qint64> after;
+    for (const DOTakeData& take : pane->getTakeData())
+        after << take.getKeyFrame();
+    EXPECT_EQ(after, before);
+    EXPECT_FALSE(after.contains(0));
 }
 
 TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndReturnsToTheVolumeList)
@@ -622,9 +572,7 @@ TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndRetur
     EXPECT_EQ(m_messages.keys(), QStringList{"MSG_632_3199"});
     EXPECT_FALSE(stops.notes.isEmpty());
     EXPECT_TRUE(pane->workFonderIsVolumeList());
-    EXPECT_EQ(BLClipboardCtrl::sharedCtrl()->getMode(), BLClipboardCtrl::kModeEmpty);
-    // The list of volumes selects its first volume.
-    EXPECT_TRUE(BLCommon::isVolume(pane->getSelectFolder()));
+    EXPECT_TRUE(BLCommon::isVolume(pane->getSelectFolder())); // the list selects its first volume
 }
 
 TEST_F(PanesTest, AChosenSearchResultShowsItsFolderWithTheTakeSelected)
