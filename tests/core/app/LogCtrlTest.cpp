@@ -10,12 +10,13 @@
 #include <thread>
 #include <vector>
 
-class LogTest : public cwtest::HomeTest
-{
-};
+using LogTest = cwtest::HomeTest;
 
 namespace {
-QString logDir(const cwtest::ScopedHome& home) { return home.stateHome() + "/Clipwright"; }
+QString logDir(const cwtest::ScopedHome& home)
+{
+    return home.stateHome() + "/Clipwright";
+}
 
 QByteArray readAll(const QString& path)
 {

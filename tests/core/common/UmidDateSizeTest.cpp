@@ -19,9 +19,7 @@ bool isUpperHex(const QString& text)
 
 } // namespace
 
-class UmidTest : public cwtest::HomeTest
-{
-};
+using UmidTest = cwtest::HomeTest;
 
 TEST_F(UmidTest, UmidAndMediaIdLayout)
 {
@@ -116,9 +114,7 @@ TEST(DateTest, NowTextCarriesTheLocalOffsetWithAColon)
     EXPECT_EQ(parsed.offsetFromUtc(), QDateTime::currentDateTime().offsetFromUtc());
 }
 
-class DateSettingsTest : public cwtest::HomeTest
-{
-};
+using DateSettingsTest = cwtest::HomeTest;
 
 TEST_F(DateSettingsTest, DateOrdersAndTheScreenForm)
 {
