@@ -49,15 +49,6 @@ TEST(VolumePathTest, BpavIsFoundInBothLayouts)
     EXPECT_FALSE(BLCommon::isBPAVFolder(none));
 }
 
-TEST(VolumePathTest, ReferencesJoinToTheBpavFolder)
-{
-    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV", {"./CLPR/C0001/C0001M01.XML"}),
-              "/v/BPAV/CLPR/C0001/C0001M01.XML");
-    EXPECT_EQ(BLCommon::makeFilePath("/v/BPAV/", {"CLPR", "C0001"}), "/v/BPAV/CLPR/C0001");
-    EXPECT_EQ(BLCommon::makeFilePath("/", {"BPAV"}), "/BPAV");
-    EXPECT_EQ(BLCommon::addDot("/CLPR/C0001/C0001.MP4"), "./CLPR/C0001/C0001.MP4");
-}
-
 TEST(VolumePathTest, FolderAndFileTests)
 {
     QTemporaryDir dir;

@@ -31,7 +31,6 @@ public:
     QDate from, to;
     bool searching = false, cancelEnabled = false, pickersEnabled = true;
     QList<QVariantMap> rows;
-    int selected = -1;
     std::function<void(BLClipSearchCtrl*)> script;
     int endCode = -1;
 
@@ -55,7 +54,7 @@ public:
         EXPECT_EQ(index, rows.size());
         rows.append(row);
     }
-    int selectedRow() const override { return selected; }
+    int selectedRow() const override { return -1; }
     int runModal(BLClipSearchCtrl* ctrl) override
     {
         endCode = -1;
@@ -225,7 +224,7 @@ TEST_F(ClipSearchTest, AFolderRemovedAfterTheDialogOpenedEndsItWithTheMessage)
     EXPECT_EQ(m_messages.keys(), QStringList{"MSG_632_3169"});
 }
 
-TEST_F(ClipSearchTest, CancelStopsWithoutAMessageAndAChoiceEndsTheDialogWithItsTake)
+TEST_F(ClipSearchTest, CancelStopsWithoutAMessage)
 {
     makeCard("A", 2);
     makeCard("B", 2);
@@ -240,20 +239,6 @@ TEST_F(ClipSearchTest, CancelStopsWithoutAMessageAndAChoiceEndsTheDialogWithItsT
     EXPECT_TRUE(FakeSearchView::pump([&] { return !ctrl.isSearching(); }));
     EXPECT_LT(m_view.rows.size(), 4);
     EXPECT_EQ(m_view.message, "");
-
-    // A double click on a found row ends the dialog with it.
-    m_view.script = [&](BLClipSearchCtrl* c) {
-        c->onSearch();
-        FakeSearchView::pump([&] { return !c->isSearching(); });
-        ASSERT_EQ(m_view.rows.size(), 4);
-        m_view.selected = 2;
-        c->doubleClickAction();
-    };
-    QString umid, path;
-    ASSERT_TRUE(ctrl.showModal(&umid, &path));
-    EXPECT_EQ(umid, m_view.rows[2]["umid"].toString());
-    EXPECT_EQ(path, m_view.rows[2]["path"].toString());
-    EXPECT_TRUE(m_messages.keys().isEmpty());
 }
 
 } // namespace
