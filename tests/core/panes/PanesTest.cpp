@@ -54,7 +54,7 @@ public:
     IClipTransferView& clipCopyView() override { return *this; }
     IClipTransferView& clipMoveView() override { return *this; }
 
-    // Dialogs answer Cancel / No; the copy dialog keeps what it was shown.
+    // Dialogs answer Cancel / No.
     void setTitle(const QString&) override {}
     void setMessage(const QString&) override {}
     void setFolderPath(const QString&) override {}
@@ -63,16 +63,10 @@ public:
     int runModal(BLFolderNameCtrl*) override { return 0; }
     void endModal(int) override {}
     bool confirmDelete(const QString&, const QString&) override { return false; }
-    void setSource(const QString& name) override { copySource = name; }
-    void setDestination(const QString& name) override { copyDestination = name; }
-    QString destination() const override { return copyDestination; }
-    int runModal(IClipTransferCtrl*) override
-    {
-        ++copyDialogs;
-        return 0;
-    }
-    QString copySource, copyDestination;
-    int copyDialogs = 0;
+    void setSource(const QString&) override {}
+    void setDestination(const QString&) override {}
+    QString destination() const override { return {}; }
+    int runModal(IClipTransferCtrl*) override { return 0; }
 };
 
 class FakeMainWindowView : public IMainWindowView
@@ -381,39 +375,8 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     EXPECT_FALSE(sub.getSelectAllTakeData().front().IsHQMode());
     EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_EXPORT));
 
-    // Paste with an empty clipboard: disabled and does nothing.
-    EXPECT_FALSE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
-    {
-        NotificationCounter stops(SC::SCMovieStopNotification);
-        sub.selectPasteMenuItem();
-        EXPECT_TRUE(stops.notes.isEmpty());
-    }
-    EXPECT_EQ(BLClipboardCtrl::sharedCtrl()->getMode(), BLClipboardCtrl::kModeEmpty);
-    EXPECT_TRUE(m_messages.keys().isEmpty());
-
-    // Copy the HQ take: the other pane may paste it, its own pane not; a
-    // paste empties the clipboard.
-    grid.selectMenuItem(MENU_ITEM_ID_COPY);
-    BLClipboardCtrl* clipboard = BLClipboardCtrl::sharedCtrl();
-    ASSERT_EQ(clipboard->getMode(), BLClipboardCtrl::kModeCopy);
-    EXPECT_EQ(clipboard->getTakeDatas().value(0).getUmid(), grid.thumbArray()[clip].getUmid());
-    EXPECT_TRUE(subGrid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
-    EXPECT_FALSE(grid.isEnableMenuItem(MENU_ITEM_ID_PASTE));
-    sub.selectPasteMenuItem(); // the copy dialog opens on the two folders
-    EXPECT_EQ(subView.copyDialogs, 1);
-    EXPECT_EQ(subView.copySource, QFileInfo(hq.workFolder()).fileName());
-    EXPECT_EQ(subView.copyDestination, QFileInfo(sub.getSelectFolder()).fileName());
-    EXPECT_EQ(clipboard->getMode(), BLClipboardCtrl::kModeEmpty);
-
     // Copy All needs takes here and a folder in the other pane.
     EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_ALL_COPY, false));
-
-    // A drag from the grid carries the pane and the UMIDs; only the other pane takes it.
-    std::unique_ptr<QMimeData> mime(grid.mimeData({grid.index(clip)}));
-    EXPECT_EQ(QString::fromUtf8(mime->data(BLThumbViewCtrl::kTakesMimeType)),
-              "0\n" + grid.thumbArray()[clip].getUmid());
-    EXPECT_FALSE(grid.canDropMimeData(mime.get(), Qt::CopyAction, -1, -1, {}));
-    EXPECT_TRUE(subGrid.canDropMimeData(mime.get(), Qt::MoveAction, -1, -1, {}));
 
     // A drop of the loose MP4 is refused with a message.
     selectRows(grid, {loose});
