@@ -116,17 +116,7 @@ protected:
         optest::openTree(card.workFolder());
         return card.workFolder();
     }
-    // Log lines as "PPPP:message", without the line that opened the log.
-    QStringList logLines()
-    {
-        QFile file(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.mid(20);
-        return lines.mid(1);
-    }
+    QStringList logLines() { return optest::logLinesOf(home(), 655); }
     static void idle()
     {
         for (int i = 0; i < 3; ++i)
@@ -150,7 +140,7 @@ protected:
     QList<SCNotification> posted;
 };
 
-static const QString kCtrl = "0655:[BLDeleteFolderCtrl deleteProcessOfFolder]";
+static const QString kCtrl = "[BLDeleteFolderCtrl deleteProcessOfFolder]";
 
 TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgressDialog)
 {
@@ -179,10 +169,9 @@ TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgres
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCDeletePathKey, folder}}));
 
     // The take goes first, then the clips one by one, then the rest with the folder.
-    const QStringList log = logLines();
     QStringList removed;
-    for (const QString& line : log)
-        if (line.startsWith("9002:[BLDeleteFolderThread loopProcess]    path : "))
+    for (const QString& line : optest::logLinesOf(home(), 9002))
+        if (line.startsWith("[BLDeleteFolderThread loopProcess]    path : "))
             removed << line.section(" : ", 1);
     const QString bpav = folder + "/BPAV";
     ASSERT_EQ(removed.size(), 1 + 5 + 1);
@@ -365,7 +354,7 @@ TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
     BLDeleteFolderCtrl ctrl(&view);
     EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
     EXPECT_TRUE(messages.alerts().isEmpty());
-    EXPECT_TRUE(logLines().contains("9001:[BLDeleteFolderThread loopProcess]    Cancel"));
+    EXPECT_TRUE(optest::logLinesOf(home(), 9001).contains("[BLDeleteFolderThread loopProcess]    Cancel"));
 
     const QStringList after = tree(folder);
     ASSERT_FALSE(after.isEmpty());
@@ -393,22 +382,4 @@ TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
     progress.onProgress = nullptr;
     EXPECT_TRUE(ctrl.deleteProcessOfFolder(folder));
     EXPECT_FALSE(QFileInfo::exists(folder));
-}
-
-TEST(BLDeleteFolderCtrlCountTest, CountsSeeVisibleItemsAndTheListingSeesEverything)
-{
-    cwtest::ScopedHome home;
-    const QString folder = home.path("work");
-    writeFile(folder + "/BPAV/CLPR/C0001/C0001.MP4");
-    writeFile(folder + "/notes.txt");
-    writeFile(folder + "/.hidden");
-    writeFile(folder + "/.cache/thumb");
-    ASSERT_TRUE(QDir().mkpath(folder + "/Stills"));
-    ASSERT_TRUE(QFile::link(folder + "/BPAV", folder + "/link-to-bpav"));
-
-    EXPECT_EQ(BLDeleteFolderCtrl::getFolderCount(folder), 3); // BPAV, Stills and the link to a folder
-    EXPECT_EQ(BLDeleteFolderCtrl::getFileCount(folder), 1);
-    EXPECT_EQ(BLDeleteFolderCtrl::getAllContentsOfFolder(folder),
-              QStringList({".cache", ".cache/thumb", ".hidden", "BPAV", "BPAV/CLPR", "BPAV/CLPR/C0001",
-                           "BPAV/CLPR/C0001/C0001.MP4", "Stills", "link-to-bpav", "notes.txt"}));
 }
