@@ -5,6 +5,8 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +28,17 @@ CliRun cli(const QStringList& args)
     QProcess p;
     p.start(kCli, args);
     return finish(p);
+}
+
+QStringList scannedUmids(const QString& workFolder)
+{
+    QStringList umids;
+    const QJsonArray takes =
+        QJsonDocument::fromJson(cli({"scan", "--json", workFolder}).out)["takes"].toArray();
+    for (const QJsonValue& take : takes)
+        umids << take["umid"].toString();
+    umids.sort();
+    return umids;
 }
 
 QMap<QString, QByteArray> files(const QString& root)

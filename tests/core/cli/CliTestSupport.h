@@ -22,6 +22,9 @@ struct CliRun
 CliRun finish(QProcess& p);
 CliRun cli(const QStringList& args);
 
+// The UMIDs of the takes a scan of the folder lists, sorted.
+QStringList scannedUmids(const QString& workFolder);
+
 // Every file under a folder by its relative path, with its contents' hash.
 QMap<QString, QByteArray> files(const QString& root);
 

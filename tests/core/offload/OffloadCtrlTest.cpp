@@ -60,8 +60,8 @@ TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
 
     // A sparse file makes the card larger than the destination's free space.
     QFile big(card.workFolder() + "/BIG.BIN");
-    ASSERT_TRUE(big.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(big.resize(QStorageInfo(target).bytesAvailable() + (qint64(1) << 30)));
+    ASSERT_TRUE(big.open(QIODevice::WriteOnly) &&
+                big.resize(QStorageInfo(target).bytesAvailable() + (qint64(1) << 30)));
     big.close();
     view.script = [&](BLOffloadCtrl& ctrl) {
         ASSERT_TRUE(ctrl.addDestination(target));
@@ -70,17 +70,13 @@ TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
         ctrl.onStart();
         EXPECT_FALSE(view.ended); // the dialog stays for another choice
     };
-    {
-        BLOffloadCtrl ctrl(&view, card.workFolder());
-        EXPECT_FALSE(ctrl.showModal());
-        EXPECT_EQ(ctrl.lastRun(), nullptr);
-    }
+    EXPECT_FALSE(BLOffloadCtrl(&view, card.workFolder()).showModal());
     ASSERT_EQ(messages.alerts().size(), 1);
     EXPECT_TRUE(messages.alerts()[0].messageKey.contains("no room"))
         << messages.alerts()[0].messageKey.toStdString();
     EXPECT_FALSE(QFileInfo::exists(copy));
 
-    ASSERT_TRUE(QFile::remove(big.fileName()));
+    ASSERT_TRUE(big.remove());
     messages.clear();
     view.script = [&](BLOffloadCtrl& ctrl) {
         ctrl.addDestination(target);
@@ -93,11 +89,6 @@ TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
         << messages.alerts()[0].infoKey.toStdString();
     EXPECT_TRUE(messages.alerts()[0].infoKey.contains(" verified"));
     EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
-    BLMhlHistory history(copy);
-    ASSERT_TRUE(history.load());
-    EXPECT_EQ(history.lastGeneration(), 1);
-    const BLMhlHistory::Check check = history.check(nullptr);
-    EXPECT_TRUE(check.ok() && check.added.isEmpty());
     EXPECT_TRUE(BLOffloadCtrl::verifyFolder(copy));
 }
 

@@ -116,17 +116,7 @@ protected:
         optest::openTree(card.workFolder());
         return card.workFolder();
     }
-    // Log lines as "PPPP:message", without the line that opened the log.
-    QStringList logLines()
-    {
-        QFile file(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.mid(20);
-        return lines.mid(1);
-    }
+    QStringList logLines() { return optest::logLinesOf(home(), 655); }
     static void idle()
     {
         for (int i = 0; i < 3; ++i)
@@ -150,7 +140,7 @@ protected:
     QList<SCNotification> posted;
 };
 
-static const QString kCtrl = "0655:[BLDeleteFolderCtrl deleteProcessOfFolder]";
+static const QString kCtrl = "[BLDeleteFolderCtrl deleteProcessOfFolder]";
 
 TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgressDialog)
 {
@@ -167,14 +157,11 @@ TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgres
     EXPECT_EQ(view.asked, QStringList{asked});
     EXPECT_FALSE(QFileInfo::exists(folder));
     EXPECT_TRUE(messages.alerts().isEmpty());
-    EXPECT_EQ(ctrl.getFileMax(), before.size());
-    EXPECT_EQ(ctrl.getArrContents().first(), folder);
 
     // The bar counts every item up to the last.
     EXPECT_EQ(progress.shownMessage, BLLocalizedString("MSG_655_3200"));
     ASSERT_FALSE(progress.values.isEmpty());
     EXPECT_EQ(progress.values.last(), before.size() + 1);
-    EXPECT_EQ(progress.maximum(), before.size() + 1);
 
     // Posted at once, before the program is idle again.
     ASSERT_EQ(posted.size(), 1);
@@ -182,10 +169,9 @@ TEST_F(BLDeleteFolderCtrlTest, AFolderHoldingOnlyItsCardIsDeletedUnderTheProgres
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCDeletePathKey, folder}}));
 
     // The take goes first, then the clips one by one, then the rest with the folder.
-    const QStringList log = logLines();
     QStringList removed;
-    for (const QString& line : log)
-        if (line.startsWith("9002:[BLDeleteFolderThread loopProcess]    path : "))
+    for (const QString& line : optest::logLinesOf(home(), 9002))
+        if (line.startsWith("[BLDeleteFolderThread loopProcess]    path : "))
             removed << line.section(" : ", 1);
     const QString bpav = folder + "/BPAV";
     ASSERT_EQ(removed.size(), 1 + 5 + 1);
@@ -224,91 +210,96 @@ TEST_F(BLDeleteFolderCtrlTest, EmptyFoldersAndCardLayoutsGoNoKeepsEverything)
     EXPECT_EQ(posted[1].userInfo.value(SC::SCDeletePathKey), privateCard);
 }
 
-TEST_F(BLDeleteFolderCtrlTest, AnythingBesideTheCardKeepsTheFolder)
+// Refused before the question, each by its own rule: the folder stays.
+TEST_F(BLDeleteFolderCtrlTest, FoldersHoldingMoreThanACardOrThatCannotGoAreRefused)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(1));
     const QString folder = cardIn(card);
+    const QString other = home().path("media/Other");
+    cwtest::FakeVolumeProvider volumes;
+    const struct
+    {
+        const char* what;
+        std::function<QString()> arrange; // the folder to delete
+        const char* key;
+        QString log; // the rule's log line, or the name the message gives
+    } cases[] = {
+        {"a file beside BPAV",
+         [&] {
+             writeFile(folder + "/notes.txt");
+             return folder;
+         },
+         "MSG_655_3142", "The file is included."},
+        {"a folder beside BPAV",
+         [&] {
+             QFile::remove(folder + "/notes.txt");
+             QDir().mkpath(folder + "/Stills");
+             return folder;
+         },
+         "MSG_655_3142", "FolderCount>=2"},
+        {"a folder without BPAV",
+         [&] {
+             QDir().mkpath(other + "/Stills");
+             return other;
+         },
+         "MSG_655_3142", "The folder is not BPAV"},
+        {"a hidden item",
+         [&] {
+             QDir(folder + "/Stills").removeRecursively();
+             writeFile(folder + "/.git/config");
+             return folder;
+         },
+         "MSG_655_3301", "\".git\""},
+        {"a folder that has gone", [&] { return home().path("media/gone"); }, "MSG_632_3169",
+         "Not Exist WorkFolder"},
+        {"an unusable drive",
+         [&] {
+             volumes.addVolume({home().path("media"), "ntfs", "DISK", 64'000'000'000, 32'000'000'000});
+             return folder;
+         },
+         "MSG_651_3232", "The folder cannot delete."},
+    };
     AnsweringDeleteView view(true);
     BLDeleteFolderCtrl ctrl(&view);
-
-    writeFile(folder + "/notes.txt");
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
-    QFile::remove(folder + "/notes.txt");
-
-    ASSERT_TRUE(QDir().mkpath(folder + "/Stills"));
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
-
-    const QString other = home().path("media/Other");
-    ASSERT_TRUE(QDir().mkpath(other + "/Stills"));
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(other));
-
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_655_3142", "MSG_655_3142", "MSG_655_3142"}));
-    EXPECT_TRUE(view.asked.isEmpty()) << "refused before the question";
-    const QStringList log = logLines();
-    // Each case is refused by its own rule.
-    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The file is included.)"));
-    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (FolderCount>=2)"));
-    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The folder is not BPAV)"));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        messages.clear();
+        const QString path = c.arrange();
+        EXPECT_FALSE(ctrl.deleteProcessOfFolder(path));
+        ASSERT_EQ(messages.keys(), QStringList{c.key});
+        EXPECT_TRUE(logLines().contains(kCtrl + "    Delete fail (" + c.log + ")") ||
+                    messages.alerts()[0].message.contains(c.log));
+        EXPECT_EQ(ctrl.isFolderNotFound(), QString(c.key) == "MSG_632_3169");
+    }
+    EXPECT_TRUE(view.asked.isEmpty());
     EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
+    EXPECT_TRUE(QFileInfo::exists(folder + "/.git/config"));
     EXPECT_TRUE(QFileInfo(other + "/Stills").isDir());
     EXPECT_TRUE(progress.values.isEmpty());
     EXPECT_TRUE(posted.isEmpty());
 }
 
-TEST_F(BLDeleteFolderCtrlTest, HiddenItemsKeepTheFolderAndWhatCameAfterTheCheckStays)
+// A desktop's leftovers go with the folder; a file written while the deletion
+// runs is not one of the items checked, so it stays, and so do the folders
+// that hold it, and panes showing the folder reload.
+TEST_F(BLDeleteFolderCtrlTest, WhatCameAfterTheCheckStays)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     const QString folder = cardIn(card);
-    AnsweringDeleteView view(true);
-    BLDeleteFolderCtrl ctrl(&view);
-
-    writeFile(folder + "/.git/config");
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
-    ASSERT_EQ(messages.keys(), QStringList({"MSG_655_3301"}));
-    EXPECT_TRUE(messages.alerts()[0].message.contains("\".git\""))
-        << messages.alerts()[0].message.toStdString();
-    EXPECT_TRUE(QFileInfo::exists(folder + "/.git/config"));
-    EXPECT_TRUE(QFileInfo::exists(card.bpav() + "/MEDIAPRO.XML"));
-    QDir(folder + "/.git").removeRecursively();
-
-    // A desktop's leftovers go with the folder; a file written while the
-    // deletion runs is not one of the items checked, so it stays, and so do
-    // the folders that hold it.
     writeFile(folder + "/._BPAV");
     writeFile(card.bpav() + "/CLPR/.DS_Store");
-    messages.clear();
     progress.onProgress = [&](double) {
         if (!QFileInfo::exists(card.bpav() + "/late.txt"))
             writeFile(card.bpav() + "/late.txt");
     };
+    AnsweringDeleteView view(true);
+    BLDeleteFolderCtrl ctrl(&view);
     EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
     EXPECT_EQ(messages.keys(), QStringList({"MSG_6510_3203"}));
     EXPECT_EQ(tree(folder), QStringList({"._BPAV", "BPAV", "BPAV/late.txt"}));
     idle();
-    ASSERT_EQ(posted.size(), 1); // panes showing the folder reload
+    ASSERT_EQ(posted.size(), 1);
     EXPECT_EQ(posted[0].name, SC::SCSelectFolderDataDidUpdateNotification);
-}
-
-TEST_F(BLDeleteFolderCtrlTest, AFolderThatHasGoneOrLiesOnAnUnusableDriveStays)
-{
-    AnsweringDeleteView view(true);
-    BLDeleteFolderCtrl ctrl(&view);
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(home().path("media/gone")));
-    EXPECT_TRUE(ctrl.isFolderNotFound());
-    EXPECT_TRUE(view.asked.isEmpty()) << "nothing asked for a folder that cannot go";
-
-    const QString folder = home().path("media/Card");
-    ASSERT_TRUE(QDir().mkpath(folder + "/BPAV"));
-    cwtest::FakeVolumeProvider volumes;
-    volumes.addVolume({home().path("media"), "ntfs", "DISK", 64'000'000'000, 32'000'000'000});
-    EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
-    EXPECT_FALSE(ctrl.isFolderNotFound());
-
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_632_3169", "MSG_651_3232"}));
-    const QStringList log = logLines();
-    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (Not Exist WorkFolder)"));
-    EXPECT_TRUE(log.contains(kCtrl + "    Delete fail (The folder cannot delete.)"));
-    EXPECT_TRUE(QFileInfo(folder + "/BPAV").isDir());
 }
 
 TEST_F(BLDeleteFolderCtrlTest, OneItemThatCannotBeDeletedKeepsEverything)
@@ -363,7 +354,7 @@ TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
     BLDeleteFolderCtrl ctrl(&view);
     EXPECT_FALSE(ctrl.deleteProcessOfFolder(folder));
     EXPECT_TRUE(messages.alerts().isEmpty());
-    EXPECT_TRUE(logLines().contains("9001:[BLDeleteFolderThread loopProcess]    Cancel"));
+    EXPECT_TRUE(optest::logLinesOf(home(), 9001).contains("[BLDeleteFolderThread loopProcess]    Cancel"));
 
     const QStringList after = tree(folder);
     ASSERT_FALSE(after.isEmpty());
@@ -391,29 +382,4 @@ TEST_F(BLDeleteFolderCtrlTest, CancelLeavesTheFolderWithWholeClipsAndItsIndex)
     progress.onProgress = nullptr;
     EXPECT_TRUE(ctrl.deleteProcessOfFolder(folder));
     EXPECT_FALSE(QFileInfo::exists(folder));
-}
-
-TEST(BLDeleteFolderCtrlCountTest, CountsSeeVisibleItemsAndTheListingSeesEverything)
-{
-    cwtest::ScopedHome home;
-    const QString folder = home.path("work");
-    writeFile(folder + "/BPAV/CLPR/C0001/C0001.MP4");
-    writeFile(folder + "/notes.txt");
-    writeFile(folder + "/.hidden");
-    writeFile(folder + "/.cache/thumb");
-    ASSERT_TRUE(QDir().mkpath(folder + "/Stills"));
-    ASSERT_TRUE(QFile::link(folder + "/BPAV", folder + "/link-to-bpav"));
-
-    EXPECT_EQ(BLDeleteFolderCtrl::getFolderCount(folder), 3); // BPAV, Stills and the link to a folder
-    EXPECT_EQ(BLDeleteFolderCtrl::getFileCount(folder), 1);
-    EXPECT_EQ(BLDeleteFolderCtrl::getAllContentsOfFolder(folder),
-              QStringList({".cache", ".cache/thumb", ".hidden", "BPAV", "BPAV/CLPR", "BPAV/CLPR/C0001",
-                           "BPAV/CLPR/C0001/C0001.MP4", "Stills", "link-to-bpav", "notes.txt"}));
-
-    BLDeleteFolderCtrl ctrl;
-    EXPECT_TRUE(ctrl.allCheck(folder));
-    EXPECT_EQ(ctrl.getFileMax(), 10);
-    ASSERT_EQ(ctrl.getArrContents().size(), 11);
-    EXPECT_EQ(ctrl.getArrContents()[0], folder);
-    EXPECT_EQ(ctrl.getArrContents()[1], folder + "/.cache");
 }

@@ -1,7 +1,7 @@
 #include "core/operations/BLFolderNameCtrl.h"
+#include "OperationsTestSupport.h"
 #include "core/services/BLLogCtrl.h"
 #include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "core/operations/IFolderNameView.h"
@@ -26,8 +26,8 @@ class ScriptedFolderNameView : public IFolderNameView
 public:
     explicit ScriptedFolderNameView(QStringList script = {}) : typed(std::move(script)) {}
 
-    void setTitle(const QString& t) override { title = t; }
-    void setMessage(const QString& m) override { message = m; }
+    void setTitle(const QString&) override {}
+    void setMessage(const QString&) override {}
     void setFolderPath(const QString& l) override { location = l; }
     void setInputFolderName(const QString& name) override { m_field = name; }
     QString inputFolderName() const override { return m_field; }
@@ -53,7 +53,7 @@ public:
     }
 
     QStringList typed;
-    QString title, message, location, initialName;
+    QString location, initialName;
     int okPresses = 0;
 
 private:
@@ -103,17 +103,6 @@ protected:
     {
         return QDir(root).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
-    // Log lines as "PPPP:message".
-    QStringList logLines()
-    {
-        QFile file(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(file.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.mid(20);
-        return lines.mid(1); // without the line that opened the log
-    }
     static void idle()
     {
         for (int i = 0; i < 3; ++i)
@@ -125,146 +114,99 @@ protected:
     QList<SCNotification> posted;
 };
 
-static const QString kFail = "0651:[BLFolderNameCtrl checkFolderName]    Create or Edit Folder Name fail : ";
+static const QString kFail = "[BLFolderNameCtrl checkFolderName]    Create or Edit Folder Name fail : ";
 
-TEST_F(BLFolderNameCtrlTest, NewFolderIsMadeInTheParentWithItsNameTrimmed)
+// Each refused name keeps the dialog open with its message; the name that
+// fits is made in the parent, trimmed, and announced when the program is idle.
+TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
 {
-    ScriptedFolderNameView view({"  Shoot 1  "});
+    makeFolder("Existing");
+    const QString name80(80, QChar(u'é'));
+    const QStringList script = {
+        "",         "   ",      "bpav",         " BPAV ", "existing",           QString(81, 'x'), "Shoot:1",
+        "Shoot\\1", "Shoot\n1", "Shoot\u00A51", ".Shoot", "  " + name80 + "  ", "never typed"};
+    ScriptedFolderNameView view(script);
     BLFolderNameCtrl ctrl(&view);
     EXPECT_TRUE(ctrl.showNewFolder(root));
 
-    EXPECT_EQ(view.title, BLLocalizedString("LOCALIZED_FOLDER_CREATE_TITLE"));
-    EXPECT_EQ(view.message, BLLocalizedString("LOCALIZED_FOLDER_MESSAGE"));
     EXPECT_EQ(view.location, "media");
-    EXPECT_EQ(view.initialName, "");
-    EXPECT_EQ(entries(), QStringList({"Shoot 1"}));
-    EXPECT_TRUE(QFileInfo(root + "/Shoot 1").isDir());
-    EXPECT_EQ(ctrl.getNewFolderPath(), root + "/Shoot 1");
-    EXPECT_TRUE(messages.alerts().isEmpty());
-
-    EXPECT_TRUE(posted.isEmpty()); // posted when the program is next idle
+    EXPECT_EQ(view.okPresses, script.size() - 1);
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_651_3129", "MSG_651_3129", "MSG_651_3132", "MSG_651_3132",
+                                            "MSG_651_3130", "MSG_651_3146", "MSG_651_3147", "MSG_651_3147",
+                                            "MSG_651_3147", "MSG_651_3147", "MSG_651_3147"}));
+    EXPECT_EQ(entries(), QStringList({"Existing", name80}));
+    EXPECT_EQ(ctrl.getNewFolderPath(), root + '/' + name80);
+    EXPECT_TRUE(posted.isEmpty());
     idle();
     ASSERT_EQ(posted.size(), 1);
     EXPECT_EQ(posted[0].name, SC::SCNewFolderDidMakeNotification);
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCParentPathKey, root}}));
 }
 
-TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
+TEST_F(BLFolderNameCtrlTest, RenameChangesTheCaseThroughATemporaryNameAndRefusesWhatIsTaken)
 {
-    makeFolder("Existing");
-    const QString name80(80, QChar(u'é'));
-    QStringList script = {"", "   ", "bpav", " BPAV ", "existing", QString(81, 'x')};
-    const QStringList refusedCharacters = {":", "\\", "\n", "\u00A5"};
-    for (const QString& c : refusedCharacters)
-        script << "Shoot" + c + "1";
-    script << ".Shoot" << name80 << "never typed";
-    ScriptedFolderNameView view(script);
-    BLFolderNameCtrl ctrl(&view);
-    EXPECT_TRUE(ctrl.showNewFolder(root));
-
-    EXPECT_EQ(view.okPresses, script.size() - 1);
-    QStringList keys = {"MSG_651_3129", "MSG_651_3129", "MSG_651_3132",
-                        "MSG_651_3132", "MSG_651_3130", "MSG_651_3146"};
-    for (qsizetype i = 0; i <= refusedCharacters.size(); ++i)
-        keys << "MSG_651_3147";
-    EXPECT_EQ(messages.keys(), keys);
-    EXPECT_EQ(entries(), QStringList({"Existing", name80}));
-    EXPECT_EQ(ctrl.getNewFolderPath(), root + '/' + name80);
-    idle();
-    ASSERT_EQ(posted.size(), 1);
-}
-
-TEST_F(BLFolderNameCtrlTest, CancelChangesNothing)
-{
-    ScriptedFolderNameView create;
-    BLFolderNameCtrl ctrl(&create);
-    EXPECT_FALSE(ctrl.showNewFolder(root));
     const QString shoot = makeFolder("Shoot");
-    ScriptedFolderNameView rename;
-    BLFolderNameCtrl renamer(&rename);
-    EXPECT_FALSE(renamer.showRename(shoot, root));
+    makeFolder("Other");
+    optest::writeFile(shoot + "/clip.txt", "x");
 
+    // Cancel, or the same name: nothing happens.
+    for (const QStringList& typed : {QStringList(), QStringList{"Shoot"}}) {
+        ScriptedFolderNameView view(typed);
+        BLFolderNameCtrl ctrl(&view);
+        EXPECT_FALSE(ctrl.showRename(shoot, root));
+        EXPECT_EQ(view.initialName, "Shoot");
+        EXPECT_EQ(ctrl.getSameFlag(), !typed.isEmpty());
+    }
     idle();
-    EXPECT_EQ(entries(), QStringList({"Shoot"}));
     EXPECT_TRUE(posted.isEmpty());
-    EXPECT_TRUE(messages.alerts().isEmpty());
-}
-
-TEST_F(BLFolderNameCtrlTest, RenameChangesTheCaseOnlyThroughATemporaryName)
-{
-    const QString shoot = makeFolder("Shoot");
-    QFile marker(shoot + "/clip.txt");
-    ASSERT_TRUE(marker.open(QIODevice::WriteOnly));
-    marker.close();
 
     ScriptedFolderNameView view({"SHOOT"});
     BLFolderNameCtrl ctrl(&view);
     EXPECT_TRUE(ctrl.showRename(shoot, root));
-    EXPECT_EQ(view.title, BLLocalizedString("LOCALIZED_FOLDER_CHANGE_TITLE"));
-    EXPECT_EQ(view.location, "media");
-    EXPECT_EQ(view.initialName, "Shoot");
-    EXPECT_EQ(entries(), QStringList({"SHOOT"})); // no temporary name left behind
+    EXPECT_EQ(entries(), QStringList({"Other", "SHOOT"})); // no temporary name left behind
     EXPECT_TRUE(QFileInfo::exists(root + "/SHOOT/clip.txt"));
-    EXPECT_EQ(ctrl.getNewFolderPath(), root + "/SHOOT");
     EXPECT_TRUE(messages.alerts().isEmpty());
-
     idle();
     ASSERT_EQ(posted.size(), 1);
     EXPECT_EQ(posted[0].name, SC::SCFolderNameDidChangeNotification);
     EXPECT_EQ(posted[0].userInfo, QVariantMap({{SC::SCSourcePathKey, shoot},
                                                {SC::SCDestinationPathKey, root + "/SHOOT"},
                                                {SC::SCParentPathKey, root}}));
-}
 
-TEST_F(BLFolderNameCtrlTest, RenameToTheSameNameDoesNothingAndToASiblingsNameIsRefused)
-{
-    const QString shoot = makeFolder("Shoot");
-    makeFolder("Other");
-    ScriptedFolderNameView same({"Shoot"});
-    BLFolderNameCtrl ctrl(&same);
-    EXPECT_FALSE(ctrl.showRename(shoot, root));
-    EXPECT_TRUE(ctrl.getSameFlag());
-    EXPECT_TRUE(messages.alerts().isEmpty());
-
-    // The rename refusals use their own keys.
+    // A case-sensitive file system holds both spellings: the other one is not
+    // replaced. The rename refusals use their own keys.
+    makeFolder("Shoot");
+    ScriptedFolderNameView caseOnly({"SHOOT"});
+    EXPECT_FALSE(BLFolderNameCtrl(&caseOnly).showRename(shoot, root));
     ScriptedFolderNameView refused({"", "OTHER", "a|b", QString(81, 'y'), "Renamed"});
-    BLFolderNameCtrl renamer(&refused);
-    EXPECT_TRUE(renamer.showRename(shoot, shoot)); // the pane's work folder itself
+    EXPECT_TRUE(BLFolderNameCtrl(&refused).showRename(shoot, shoot)); // the pane's work folder itself
     EXPECT_EQ(refused.location, "");
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_652_3132", "MSG_652_3133", "MSG_652_3149", "MSG_652_3148"}));
-    EXPECT_EQ(entries(), QStringList({"Other", "Renamed"}));
-
-    idle();
-    ASSERT_EQ(posted.size(), 1);
-    EXPECT_EQ(posted[0].userInfo.value(SC::SCDestinationPathKey), root + "/Renamed");
+    EXPECT_EQ(messages.keys(),
+              QStringList({"MSG_652_3133", "MSG_652_3132", "MSG_652_3133", "MSG_652_3149", "MSG_652_3148"}));
+    EXPECT_EQ(entries(), QStringList({"Other", "Renamed", "SHOOT"}));
 }
 
-TEST_F(BLFolderNameCtrlTest, CaseOnlyRenameIsRefusedWhenASiblingHasThatSpelling)
-{
-    // A case-sensitive file system can hold both spellings; the other one is not replaced.
-    const QString shoot = makeFolder("Shoot");
-    makeFolder("SHOOT");
-    ScriptedFolderNameView view({"SHOOT"});
-    BLFolderNameCtrl ctrl(&view);
-    EXPECT_FALSE(ctrl.showRename(shoot, root));
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_652_3133"}));
-    EXPECT_EQ(entries(), QStringList({"SHOOT", "Shoot"}));
-}
-
-TEST_F(BLFolderNameCtrlTest, AFolderThatHasGoneEndsTheDialog)
+// A folder that has gone, or a drive of a kind that cannot be used, ends the
+// dialog at the first OK.
+TEST_F(BLFolderNameCtrlTest, AFolderThatHasGoneOrAnUnusableDriveEndsTheDialog)
 {
     ScriptedFolderNameView create({"New", "never typed"});
     BLFolderNameCtrl ctrl(&create);
     EXPECT_FALSE(ctrl.showNewFolder(root + "/gone"));
     EXPECT_EQ(create.okPresses, 1);
     EXPECT_TRUE(ctrl.isFolderNotFound());
-
     ScriptedFolderNameView rename({"New"});
     BLFolderNameCtrl renamer(&rename);
     EXPECT_FALSE(renamer.showRename(root + "/gone", root));
     EXPECT_TRUE(renamer.isFolderNotFound());
 
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_632_3169", "MSG_632_3169"}));
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({root, "exfat", "CARD", 64'000'000'000, 32'000'000'000});
+    ScriptedFolderNameView onCard({"New", "never typed"});
+    EXPECT_FALSE(BLFolderNameCtrl(&onCard).showNewFolder(root));
+    EXPECT_EQ(onCard.location, "CARD"); // a volume shows its own name
+    EXPECT_EQ(onCard.okPresses, 1);
+    EXPECT_EQ(messages.keys(), QStringList({"MSG_632_3169", "MSG_632_3169", "MSG_651_3232"}));
     EXPECT_EQ(entries(), QStringList());
 }
 
@@ -296,24 +238,11 @@ TEST_F(BLFolderNameCtrlTest, AParentThatCannotBeWrittenEndsTheDialog)
     QFile::setPermissions(shoot, kOpenDir);
 
     EXPECT_EQ(messages.keys(), QStringList({"MSG_6510_3213", "MSG_6510_3212", "MSG_6510_3212"}));
-    const QStringList log = logLines();
+    const QStringList log = optest::logLinesOf(home(), 651);
     EXPECT_EQ(log.count(kFail + "isWritable"), 2);
     EXPECT_EQ(log.count(kFail + "isDeletable"), 1);
     EXPECT_EQ(entries(), QStringList({"Locked", "Shoot"}));
     EXPECT_EQ(QDir(locked).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList({"Inner"}));
-}
-
-TEST_F(BLFolderNameCtrlTest, ADriveOfAnUnusableKindEndsTheDialog)
-{
-    cwtest::FakeVolumeProvider volumes;
-    volumes.addVolume({root, "exfat", "CARD", 64'000'000'000, 32'000'000'000});
-    ScriptedFolderNameView view({"New", "never typed"});
-    BLFolderNameCtrl ctrl(&view);
-    EXPECT_FALSE(ctrl.showNewFolder(root));
-    EXPECT_EQ(view.location, "CARD"); // a volume shows its own name
-    EXPECT_EQ(view.okPresses, 1);
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_651_3232"}));
-    EXPECT_EQ(entries(), QStringList());
 }
 
 TEST_F(BLFolderNameCtrlTest, CopyAndMoveDestinationsAcceptAnExistingFolder)

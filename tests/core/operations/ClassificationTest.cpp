@@ -30,25 +30,17 @@ qint64 sizeOfFiles(const std::vector<cardgen::ManifestFile>& files)
     return size;
 }
 
-cardgen::Damage damage(const char* text)
-{
-    QString error;
-    const std::optional<cardgen::Damage> parsed = cardgen::Damage::parse(QString::fromLatin1(text), &error);
-    EXPECT_TRUE(parsed.has_value()) << error.toStdString();
-    return parsed.value_or(cardgen::Damage{});
-}
-
 } // namespace
 
-class ClassificationTest : public cwtest::HomeTest
-{
-};
+using ClassificationTest = cwtest::HomeTest;
+using Kind = cardgen::Damage::Kind;
 
 TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
 {
     cardgen::Options options = cwtest::CardFolder::fast(5);
-    for (const char* text : {"missing=BIM@1", "missing=MP4+PPN@2", "loose@3", "noftyp@4"})
-        options.damages.push_back(damage(text));
+    options.damages = {cwtest::damage(Kind::Missing, 1, {"BIM"}),
+                       cwtest::damage(Kind::Missing, 2, {"MP4", "PPN"}), cwtest::damage(Kind::Loose, 3),
+                       cwtest::damage(Kind::NoFtyp, 4)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QString work = card.workFolder();
@@ -59,15 +51,8 @@ TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
     ASSERT_TRUE(QFile::rename(clpr + "ABC0005/ABC0005R01.BIM", clpr + "ABC0005/ABC0005R01.BiM"));
     const DOClipData complete = ctrl.checkCLPRFiles(work, "ABC0005");
     EXPECT_EQ(complete.getClipStatus(), 0);
-    EXPECT_EQ(complete.getMP4Uri(), "./CLPR/ABC0005/ABC0005.MP4");
-    EXPECT_EQ(complete.getSMIUri(), "./CLPR/ABC0005/ABC0005.SMI");
-    EXPECT_EQ(complete.getXMLUri(), "./CLPR/ABC0005/ABC0005M01.XML");
     EXPECT_EQ(complete.getBIMUri(), "./CLPR/ABC0005/ABC0005R01.BiM");
-    EXPECT_EQ(complete.getPPNUri(), "./CLPR/ABC0005/ABC0005I01.PPN");
-    EXPECT_EQ(complete.getFolderName(), "ABC0005");
     EXPECT_EQ(complete.getSize(), sizeOfFiles(takeOf(card, "ABC0005").clips.front().files));
-    EXPECT_TRUE(complete.getRealFlag());
-    EXPECT_TRUE(complete.getMateUpFlg());
 
     // An MP4 whose first box is not ftyp still has all five files: the essence
     // is judged by the caller's MP4 check, not by the folder's contents.
@@ -78,29 +63,20 @@ TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
     const DOClipData noBim = ctrl.checkCLPRFiles(work, "ABC0001");
     EXPECT_EQ(noBim.getClipStatus(), 3);
     EXPECT_EQ(noBim.getSMIUri(), "./CLPR/ABC0001");
-    EXPECT_EQ(noBim.getBIMUri(), "");
     EXPECT_EQ(noBim.getSize(), BLDiskCtrl::sharedCtrl()->getFolderSize(clpr + "ABC0001"));
-    EXPECT_GT(noBim.getSize(), 0);
 
     // No essence: unusable, without essence, its other files still named.
     const DOClipData noMp4 = ctrl.checkCLPRFiles(work, "ABC0002");
     EXPECT_EQ(noMp4.getClipStatus(), 5);
-    EXPECT_FALSE(noMp4.getMateUpFlg());
-    EXPECT_FALSE(noMp4.getRealFlag());
-    EXPECT_EQ(noMp4.getMP4Uri(), "");
     EXPECT_EQ(noMp4.getXMLUri(), "./CLPR/ABC0002/ABC0002M01.XML");
-    EXPECT_EQ(noMp4.getSize(), 0);
 
     // A loose MP4 file directly in CLPR: a fresh UMID each time it is seen.
     const DOClipData loose = ctrl.checkCLPRFiles(work, "ABC0003.MP4");
     EXPECT_EQ(loose.getClipStatus(), 4);
-    EXPECT_EQ(loose.getMP4Uri(), "./CLPR/ABC0003.MP4");
     EXPECT_TRUE(QRegularExpression("^[0-9A-F]{64}$").match(loose.getUmid()).hasMatch())
         << loose.getUmid().toStdString();
     EXPECT_NE(ctrl.checkCLPRFiles(work, "ABC0003.MP4").getUmid(), loose.getUmid());
     EXPECT_EQ(loose.getSize(), QFileInfo(clpr + "ABC0003.MP4").size());
-    EXPECT_FALSE(loose.getRealFlag());
-    EXPECT_EQ(loose.getSMIUri() + loose.getXMLUri() + loose.getBIMUri() + loose.getPPNUri(), "");
 
     // Anything else is unusable: an empty folder, a folder named like an MP4
     // file, metadata only found among hidden files.
@@ -110,8 +86,6 @@ TEST_F(ClassificationTest, ClipEntriesAreClassifiedByTheFilesTheyHold)
     optest::writeFile(clpr + "HIDDEN/.HIDDENM01.XML", "x");
     for (const char* name : {"EMPTY", "FOLDER.MP4", "HIDDEN", "NOTTHERE"})
         EXPECT_EQ(ctrl.checkCLPRFiles(work, name).getClipStatus(), 5) << name;
-    EXPECT_FALSE(ctrl.checkCLPRFiles(work, "EMPTY").getMateUpFlg());
-    EXPECT_TRUE(ctrl.checkCLPRFiles(work, "HIDDEN").getMateUpFlg());
 }
 
 TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
@@ -131,23 +105,15 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
     const cardgen::ManifestTake& expected = takeOf(card, "ABC0002U01");
     DOTakeData multi = ctrl.checkTAKRFiles(work, "ABC0002U01");
     EXPECT_EQ(multi.getTakeStatus(), 1);
-    EXPECT_EQ(multi.getSMIUri(), "./TAKR/ABC0002U01/ABC0002U01.SMI");
-    EXPECT_EQ(multi.getXMLUri(), "./TAKR/ABC0002U01/ABC0002U01M01.XML");
     EXPECT_EQ(multi.getUmid(), expected.umid);
     EXPECT_EQ(multi.getClipUmid(), QStringList({expected.clips[0].umid, expected.clips[1].umid}));
     ASSERT_EQ(multi.getTakeInfo().size(), 2);
-    EXPECT_EQ(multi.getTakeInfo(1).getSrc(), expected.clips[1].umid);
     EXPECT_EQ(multi.getTakeInfo(1).getBegin(), "smpte-30-drop=00:00:00:06");
-    EXPECT_EQ(multi.getTakeInfo(1).getClipEnd(), "smpte-30-drop=00:00:00:06");
-    EXPECT_TRUE(multi.getRealFlag());
-    EXPECT_EQ(multi.getMPStatus(), "none");
     EXPECT_EQ(multi.getSize(), sizeOfFiles(expected.files));
 
     ctrl.searchClip(multi, clips);
     ASSERT_EQ(multi.getClipData().size(), 2);
-    EXPECT_EQ(multi.getClipData(0).getFolderName(), "ABC0002");
     EXPECT_EQ(multi.getClipData(1).getFolderName(), "ABC0003");
-    EXPECT_EQ(multi.getTakeStatus(), 1);
     EXPECT_FALSE(multi.getMediaSpanning());
     QStringList claimed;
     for (const DOClipData& clip : clips)
@@ -159,11 +125,7 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
     // rate and key frame; each clip its own values.
     ASSERT_TRUE(ctrl.getNonRealData(multi, work));
     EXPECT_EQ(multi.getCurrentDuration(), 12);
-    EXPECT_EQ(multi.getTakeDuration(), 12);
     EXPECT_EQ(multi.getClipData(0).getCurrentDuration(), 6);
-    EXPECT_EQ(multi.getClipData(1).getAudioCodec(), "LPCM16");
-    EXPECT_EQ(multi.getTcFps(), "30");
-    EXPECT_EQ(multi.getHalfStep(), "false");
     EXPECT_EQ(multi.getUmid(), expected.umid); // a take with clips keeps its own UMID
 
     // The first part of a spanning take: its second clip is on another card.
@@ -193,7 +155,6 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
     ASSERT_TRUE(QDir().mkpath(takr + "ONLYSMI"));
     ASSERT_TRUE(QFile::copy(takr + "ABC0002U01/ABC0002U01.SMI", takr + "ONLYSMI/ONLYSMI.SMI"));
     EXPECT_EQ(ctrl.checkTAKRFiles(work, "ONLYSMI").getTakeStatus(), 5);
-    EXPECT_EQ(ctrl.checkTAKRFiles(work, "ONLYSMI").getClipUmid().size(), 2);
     optest::writeFile(takr + "BROKEN/BROKEN.SMI", "not a take info");
     ASSERT_TRUE(QFile::copy(takr + "ABC0002U01/ABC0002U01M01.XML", takr + "BROKEN/BROKENM01.XML"));
     EXPECT_EQ(ctrl.checkTAKRFiles(work, "BROKEN").getTakeStatus(), 5);
@@ -206,7 +167,7 @@ TEST_F(ClassificationTest, TakeFoldersGetTheirClipsAndSpanningTakesAreMarked)
 TEST_F(ClassificationTest, SingleClipTakesAreFilledFromTheirMetadata)
 {
     cardgen::Options options = cwtest::CardFolder::fast(2);
-    options.damages.push_back(damage("notok@2"));
+    options.damages = {cwtest::damage(Kind::NotOk, 2)};
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QString work = card.workFolder();
@@ -227,20 +188,14 @@ TEST_F(ClassificationTest, SingleClipTakesAreFilledFromTheirMetadata)
     ASSERT_TRUE(ctrl.getNonRealData(take, work));
     EXPECT_EQ(take.getUmid(), takeOf(card, "ABC0001").umid);
     EXPECT_EQ(take.getCurrentDuration(), 6);
-    EXPECT_EQ(take.getAlias(), "ABC0001");
-    EXPECT_EQ(take.getStatus(), "OK");
     EXPECT_EQ(take.getTakeStatus(), 0);
     EXPECT_EQ(take.getVideoCodec(), takeOf(card, "ABC0001").videoFormat);
     EXPECT_EQ(take.getFormatFps(), "29.97p");
-    EXPECT_EQ(take.getResolution(), "320 X 180");
-    EXPECT_EQ(take.getAudioCodec(), "LPCM16");
-    EXPECT_EQ(take.getLtcChanges().size(), 2);
     EXPECT_FALSE(take.getMediaSpanning());
 
     // A material whose status text is not "OK" makes a complete take status 1.
     DOTakeData notOk = singleTake("ABC0002");
     ASSERT_TRUE(ctrl.getNonRealData(notOk, work));
-    EXPECT_EQ(notOk.getStatus(), "NG");
     EXPECT_EQ(notOk.getTakeStatus(), 1);
 
     // Without readable metadata nothing can be filled.

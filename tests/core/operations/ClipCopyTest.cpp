@@ -8,6 +8,7 @@
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/card/BLCardPath.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "support/CardFolder.h"
@@ -255,21 +256,49 @@ TEST_F(ClipCopyTest, OkRefusesABpavNameAClipAlreadyThereAndAFolderOverItsLimits)
     EXPECT_TRUE(updates.size() == 1) << "only the copy that was made";
 }
 
-// The second half of a take recorded across two cards, copied next to the
-// first half, makes one whole take again.
+// Either half of a take recorded across two cards, copied next to the other,
+// makes one whole take: its clips in order, one time code over both, one take
+// folder and one take material for the whole take.
 TEST_F(ClipCopyTest, AHalfCopiedNextToTheOtherMakesOneTake)
 {
-    cardgen::Options options = cwtest::CardFolder::fast(0);
-    options.spanningClips = 2;
-    cwtest::CardFolder card(options);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QList<DOTakeData> secondHalf = copyable(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder(1)));
-    ASSERT_EQ(secondHalf.size(), 1);
+    for (const int from : {1, 0}) {
+        SCOPED_TRACE(from);
+        cardgen::Options options = cwtest::CardFolder::fast(0);
+        options.spanningClips = 2;
+        cwtest::CardFolder card(options);
+        ASSERT_TRUE(card.ok()) << card.error().toStdString();
+        ASSERT_EQ(card.manifest().takes.size(), 2u);
+        const cardgen::ManifestTake& first = card.manifest().takes[0];
+        const cardgen::ManifestTake& second = card.manifest().takes[1];
+        const int frames = first.frames + second.frames;
+        const QList<DOTakeData> half = copyable(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder(from)));
+        ASSERT_EQ(half.size(), 1);
+        const QString to = card.workFolder(1 - from);
 
-    ASSERT_TRUE(copy(record(card.workFolder(1), secondHalf, card.workFolder()), {"card"}));
-    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
-    ASSERT_EQ(takes.size(), 1);
-    EXPECT_EQ(takes[0].getClipData().size(), 2);
-    EXPECT_LT(takes[0].getTakeStatus(), 2);
-    EXPECT_FALSE(takes[0].getMediaSpanning());
+        ASSERT_TRUE(copy(record(card.workFolder(from), half, to), {QFileInfo(to).fileName()}));
+        const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(to);
+        ASSERT_EQ(takes.size(), 1);
+        const DOTakeData& take = takes[0];
+        EXPECT_EQ(take.getUmid(), first.umid);
+        EXPECT_EQ(take.getClipUmid(), QStringList({first.clips[0].umid, second.clips[0].umid}));
+        EXPECT_LT(take.getTakeStatus(), 2);
+        EXPECT_FALSE(take.getMediaSpanning());
+        EXPECT_EQ(take.getCurrentDuration(), frames);
+        ASSERT_FALSE(take.getLtcChanges().isEmpty());
+        EXPECT_EQ(take.getLtcChanges().first().getValue(),
+                  take.getClipData().first().getLtcChanges().first().getValue());
+        EXPECT_EQ(take.getLtcChanges().last().getFrameCount(), QString::number(frames - 1));
+        EXPECT_EQ(take.getLtcChanges().last().getValue(),
+                  take.getClipData().last().getLtcChanges().last().getValue());
+
+        BLMediaProfileAcss profile;
+        ASSERT_TRUE(profile.loadForFolderPath(BLCommon::getPathOfBPAV(to)));
+        QStringList takeMaterials;
+        for (const DOMaterial& material : profile.getMaterialData(QString(), 0))
+            if (!BLCommon::isClipReference(material.getUri()))
+                takeMaterials << material.getUmid() + " " + material.getDur();
+        EXPECT_EQ(takeMaterials, QStringList{first.umid + " " + QString::number(frames)});
+        EXPECT_EQ(QDir(BLCommon::getPathOfBPAV(to) + "/TAKR").entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                  QStringList{first.takeId});
+    }
 }

@@ -1,13 +1,11 @@
-// Combining folders: a divided card combined back gives every take as it was,
-// the candidates and the collision checks across sources, and a cancel
-// putting every take back.
+// Combining folders: the candidates and the collision checks across sources,
+// and a cancel putting every take back.
 #include "OperationsTestSupport.h"
 #include "core/services/BLHeadlessProgressView.h"
 #include "core/services/BLProgressCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
-#include "core/operations/BLFolderDivisionCtrl.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
@@ -20,15 +18,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// The takes of a folder by UMID, each with its clip UMIDs in order.
-QMap<QString, QStringList> takeMap(const QList<DOTakeData>& takes)
-{
-    QMap<QString, QStringList> map;
-    for (const DOTakeData& take : takes)
-        map.insert(take.getUmid(), take.getClipUmid());
-    return map;
-}
 
 // The record of a combine into the folder, with its takes.
 DOClipCtrl destinationRecord(const QString& folder)
@@ -77,38 +66,6 @@ protected:
 };
 
 } // namespace
-
-// Divided into one folder per clip and combined back with the emptied
-// folders deleted: the same takes with the same clips in the same order,
-// every clip file as it was, and nothing left to repair.
-TEST_F(FolderCombineTest, ADividedFolderCombinedBackIsWhatItWas)
-{
-    const QString shoot = makeCard("SHOOT", "ABC", 4, {3, 2}, 1);
-    const QList<DOTakeData> before = BLHouseKeepingCtrl().doHouseKeeping(shoot);
-    const QMap<QString, QByteArray> files = optest::snapshot(shoot + "/BPAV/CLPR");
-    qint64 largest = 0;
-    for (const DOTakeData& take : before)
-        for (const DOClipData& clip : take.getClipData())
-            largest = std::max(largest, clip.getSize());
-
-    BLFolderDivisionCtrl division(nullptr, before, shoot, nullptr);
-    QList<DOClipCtrl> records;
-    ASSERT_TRUE(division.planDivision(double(largest) * 1.5, records));
-    ASSERT_TRUE(division.runDivision(records));
-    QStringList divided = QDir(parent).entryList({"SHOOT_*"}, QDir::Dirs);
-    ASSERT_GE(divided.size(), 5);
-    EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(shoot).isEmpty());
-
-    BLFolderCombineCtrl combine(nullptr, destinationRecord(shoot));
-    ASSERT_TRUE(combine.execFolderCombine(divided, true));
-    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
-    EXPECT_TRUE(QDir(parent).entryList({"SHOOT_*"}, QDir::Dirs).isEmpty());
-    BLHouseKeepingCtrl houseKeeping;
-    const auto after = houseKeeping.doHouseKeeping(shoot);
-    EXPECT_EQ(takeMap(after), takeMap(before));
-    EXPECT_TRUE(houseKeeping.getRepairs().isEmpty());
-    EXPECT_EQ(optest::snapshot(shoot + "/BPAV/CLPR"), files);
-}
 
 // The candidates leave out the destination and BPAV; a clip the third of
 // three sources shares with the first (by name and UMID) ends the combine

@@ -5,7 +5,6 @@
 #include "OperationsTestSupport.h"
 #include "core/services/BLCommon.h"
 #include "core/card/BLHouseKeepingCtrl.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
 #include "core/operations/import/BLMP4ImportCtrl.h"
 #include "core/operations/import/BLMP4ImportThread.h"
 #include "core/app/preview/BLCacheImageCtrl.h"
@@ -173,7 +172,7 @@ TEST_F(MP4ImportTest, FilesBecomeClipsNamedByTheImportTimeThatLoadWithThumbnails
     EXPECT_EQ(additions, QStringList{destination});
 
     // The folder loads with the three takes: their MP4 as it was, their
-    // metadata readable, their thumbnails the pictures of the sources.
+    // thumbnails the pictures of the sources.
     const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(destination);
     ASSERT_EQ(takes.size(), 3);
     for (const DOTakeData& take : takes) {
@@ -182,11 +181,6 @@ TEST_F(MP4ImportTest, FilesBecomeClipsNamedByTheImportTimeThatLoadWithThumbnails
         const int n = clip.right(2).toInt();
         EXPECT_EQ(take.getTakeStatus(), 3) << clip.toStdString();
         EXPECT_EQ(contents(folder + "/" + clip + ".MP4"), contents(files.at(n - 1))) << clip.toStdString();
-        BLNonMetaAcss meta;
-        DOTargetMaterial target;
-        ASSERT_TRUE(meta.loadForFilePath(folder + "/" + clip + "M01.XML")) << clip.toStdString();
-        ASSERT_TRUE(meta.getTargetMaterial(target));
-        EXPECT_EQ(target.getUmidRef(), take.getUmid());
         const auto counter = cwtest::readFrameCounter(thumbnail(destination, take));
         ASSERT_TRUE(counter.has_value()) << clip.toStdString();
         EXPECT_EQ(counter, cwtest::readFrameCounter(thumbnail(card.workFolder(), sources.at(n - 1))));

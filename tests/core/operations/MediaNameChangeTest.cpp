@@ -44,11 +44,6 @@ protected:
         SCNotificationCenter::defaultCenter()->removeObserver(this);
         HomeTest::TearDown();
     }
-    QByteArray profile(const cwtest::CardFolder& card) const
-    {
-        QFile file(card.bpav() + "/MEDIAPRO.XML");
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
     void settle()
     {
         for (int i = 0; i < 5; ++i)
@@ -91,12 +86,12 @@ TEST_F(MediaNameChangeTest, AnUnchangedNameIsAnnouncedWithoutAWrite)
     const cwtest::CardFolder named(options);
     const cwtest::CardFolder unnamed(cwtest::CardFolder::fast(1));
     ASSERT_TRUE(named.ok() && unnamed.ok());
-    const QByteArray before = profile(named);
+    const QMap<QString, QByteArray> before = optest::snapshot(named.bpav());
 
     AnsweringView same({"", "SHOOT"});
     ASSERT_TRUE(BLMediaNameChangeCtrl(&same, nullptr).showModal(named.workFolder()));
     settle();
-    EXPECT_EQ(profile(named), before);
+    EXPECT_EQ(optest::snapshot(named.bpav()), before);
     EXPECT_EQ(messages.keys(), QStringList({"MSG_6512_3196"}));
     EXPECT_EQ(announced, QStringList({"SHOOT"}));
 

@@ -67,41 +67,6 @@ TEST(SegmentTest, EdgeCases)
     EXPECT_EQ(Segment(tooLarge.data(), 2, 79, &disks), kSegmentTooLarge);
 }
 
-// Both the partitioning (Quick_Real) and QuickSort (which inserts when only
-// a few values are out of order) sort largest first, carrying the indices.
-TEST(SegmentTest, SortsOrderLargestFirstWithTheirIndices)
-{
-    QRandomGenerator random(7);
-    for (int round = 0; round < 300; ++round) {
-        const int count = random.bounded(1, 400);
-        std::vector<double> values(count);
-        std::vector<int> indices(count);
-        for (int i = 0; i < count; ++i) {
-            values[i] = round % 2 ? random.bounded(6) : 1000 - i; // many ties, or a few out of order
-            indices[i] = i;
-        }
-        if (round % 2 == 0)
-            for (int k = 0; k < 3; ++k)
-                values[random.bounded(count)] = random.bounded(1000);
-        const std::vector<double> original = values;
-        double sum = -1;
-        if (round % 4 == 1)
-            Quick_Real(values.data(), indices.data(), 0, count - 1);
-        else
-            QuickSort(values.data(), count, indices.data(), &sum);
-        EXPECT_TRUE(std::is_sorted(values.rbegin(), values.rend())) << "round " << round;
-        if (round % 4 != 1) {
-            EXPECT_EQ(sum, std::accumulate(original.begin(), original.end(), 0.0));
-        }
-        std::vector<int> seen(indices);
-        std::sort(seen.begin(), seen.end());
-        for (int i = 0; i < count; ++i) {
-            EXPECT_EQ(seen[i], i);
-            EXPECT_EQ(values[i], original[indices[i]]);
-        }
-    }
-}
-
 // Seeded random folders: every clip on exactly one disk, each disk a run of
 // each take's clips in order, no disk over the capacity, and no more disks
 // than twice the lower bound.
