@@ -1,5 +1,11 @@
-#include "core/metadata/BLDomXmlParse.h"
+#include "MetadataTestSupport.h"
+
 #include "core/common/BLAtomicFile.h"
+#include "core/metadata/BLCueupInfoAcss.h"
+#include "core/metadata/BLDomXmlParse.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/metadata/BLNonMetaAcss.h"
+#include "core/metadata/BLTakeInfoAcss.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -8,6 +14,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace {
 const QByteArray kProfile = R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -23,11 +31,6 @@ const QByteArray kProfile = R"(<?xml version="1.0" encoding="UTF-8"?>
 </MediaProfile>
 )";
 
-QByteArray readFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 } // namespace
 
 TEST(DomXmlParseTest, QueriesMatchDefaultNamespacePrefixesAndLanguage)
@@ -175,51 +178,78 @@ TEST(DomXmlParseTest, CreatedDocumentsHeadersAndNamespaces)
     EXPECT_EQ(again.selectNodeArray("/CueUpInfo/lib:Alias"), 1);
 }
 
-TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuickly)
+TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuicklyByTheParserAndEveryReader)
 {
     QElapsedTimer timer;
     timer.start();
-    const QList<QByteArray> hostile = {
-        // external entity
-        R"(<?xml version="1.0"?><!DOCTYPE r [<!ENTITY x SYSTEM "file:///etc/passwd">]><r>&x;</r>)",
-        // entity expansion bomb
-        R"(<?xml version="1.0"?><!DOCTYPE r [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;">)"
-        R"(<!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;"><!ENTITY d "&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;">)"
-        R"(<!ENTITY e "&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;"><!ENTITY f "&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;">]>)"
-        R"(<r a="&f;&f;&f;&f;&f;&f;&f;&f;">&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;</r>)",
-        // invalid UTF-8
-        QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><r>\xc3\x28\xff</r>"),
-        // UTF-16 hiding a doctype
-        QByteArray("\xff\xfe<\0r\0/\0>\0", 10),
-        // nesting far beyond any card file
-        QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000),
-        // not well formed
-        "<r><a></r>",
-        "",
-    };
+    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
+    QList<QByteArray> hostile = cwmeta::hostileDocuments("r");
+    hostile << QByteArray("\xff\xfe<\0r\0/\0>\0", 10)                               // UTF-16 hiding a doctype
+            << QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000) // deep nesting
+            << "";
     for (const QByteArray& doc : hostile) {
         BLDomXmlParse xml;
         EXPECT_FALSE(xml.loadXmlData(doc)) << doc.left(60).constData();
         EXPECT_FALSE(xml.hasDocument());
         EXPECT_EQ(xml.selectNodeArray("/r"), -1);
     }
-
-    // A 50 MB attribute value: refused by size before parsing.
-    QTemporaryDir dir;
-    const QString big = dir.filePath("big.xml");
-    {
-        QFile f(big);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("<r a=\"");
-        f.write(QByteArray(50 * 1024 * 1024, 'x'));
-        f.write("\"/>");
-    }
-    BLDomXmlParse xml;
-    EXPECT_FALSE(xml.loadXml(big));
-    EXPECT_EQ(xml.fileLocation(), big);
     // An attribute value above the parser's own limit, in a file within the size limit.
-    EXPECT_FALSE(xml.loadXmlData("<r a=\"" + QByteArray(12 * 1024 * 1024, 'x') + "\"/>"));
+    EXPECT_FALSE(BLDomXmlParse().loadXmlData("<r a=\"" + QByteArray(12 * 1024 * 1024, 'x') + "\"/>"));
+
+    // Each card file reader refuses the same documents with its own root, and
+    // a 50 MB attribute by size; nothing is read, written or saved.
+    QTemporaryDir dir;
+    const struct
+    {
+        QByteArray root;
+        QString file;
+        std::function<bool(const QString&)> anythingDone; // load, read or save succeeded
+    } readers[] = {
+        {"MediaProfile", "MEDIAPRO.XML",
+         [](const QString& folder) {
+             BLMediaProfileAcss acss;
+             DOMediaProfileData data;
+             return acss.loadForFolderPath(folder) || acss.isLoaded() || acss.getMediaPro(data, "", 0) ||
+                    !acss.getMaterialData("", 0).isEmpty() || acss.save("");
+         }},
+        {"cueupinfo", "CUEUP.XML",
+         [](const QString& folder) {
+             BLCueupInfoAcss acss;
+             DOClip clip;
+             return acss.loadForFolderPath(folder) || acss.isLoaded() || acss.getClipData(clip) ||
+                    acss.save();
+         }},
+        {"NonRealTimeMeta", "C0001M01.XML",
+         [](const QString& folder) {
+             BLNonMetaAcss acss;
+             DONonRealTimeMeta meta;
+             return acss.loadForFilePath(folder + "/C0001M01.XML") || acss.isLoaded() ||
+                    acss.getNonMetaData(meta, "en") || acss.setCreator("x") || acss.save();
+         }},
+        {"smil", "C0001.SMI",
+         [](const QString& folder) {
+             BLTakeInfoAcss acss;
+             DOTSmil smil;
+             return acss.loadForFilePath(folder + "/C0001.SMI") || acss.isLoaded() ||
+                    acss.getSmilData(smil, "") || !acss.getRefData("", 1).isEmpty() ||
+                    acss.delParData("", 1) != 0 || acss.save();
+         }},
+    };
+    for (const auto& reader : readers) {
+        SCOPED_TRACE(reader.file.toStdString());
+        const QString path = dir.filePath(reader.file);
+        for (const QByteArray& doc : cwmeta::hostileDocuments(reader.root)) {
+            ASSERT_TRUE(cwmeta::writeBytes(path, doc));
+            EXPECT_FALSE(reader.anythingDone(dir.path())) << doc.left(60).constData();
+            EXPECT_EQ(cwmeta::readBytes(path), doc);
+        }
+        ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(path, reader.root));
+        EXPECT_FALSE(reader.anythingDone(dir.path()));
+        QFile::remove(path);
+        EXPECT_FALSE(reader.anythingDone(dir.path())) << "a missing file";
+    }
     EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 TEST(DomXmlParseTest, SavesAreAtomic)
@@ -229,7 +259,7 @@ TEST(DomXmlParseTest, SavesAreAtomic)
     BLDomXmlParse xml;
     ASSERT_TRUE(xml.loadXmlData(kProfile));
     ASSERT_TRUE(xml.saveXml(path));
-    const QByteArray before = readFile(path);
+    const QByteArray before = cwmeta::readBytes(path);
     ASSERT_FALSE(before.isEmpty());
     QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     const QFileDevice::Permissions permissions = QFile::permissions(path);
@@ -240,12 +270,12 @@ TEST(DomXmlParseTest, SavesAreAtomic)
     BLAtomicFile::setRenameHookForTesting([](const QString&, const QString&) { return false; });
     EXPECT_FALSE(xml.saveXml(path));
     BLAtomicFile::setRenameHookForTesting(nullptr);
-    EXPECT_EQ(readFile(path), before);
+    EXPECT_EQ(cwmeta::readBytes(path), before);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"MEDIAPRO.XML"}));
 
     // A successful save replaces the content and keeps the file's permissions.
     ASSERT_TRUE(xml.saveXml(path));
-    EXPECT_NE(readFile(path), before);
+    EXPECT_NE(cwmeta::readBytes(path), before);
     EXPECT_EQ(QFile::permissions(path), permissions);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
 

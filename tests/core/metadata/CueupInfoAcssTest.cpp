@@ -4,7 +4,6 @@
 #include "support/TestEnvironment.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -130,31 +129,4 @@ TEST_F(CueupInfoAcssTest, MissingHistoryIsMadeForTheFirstEntry)
     EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath())),
               cwmeta::joined({R"(cueupinfo xmlns="urn:x")", "  other", "  history",
                               R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="U" ftc="F")"}));
-}
-
-TEST_F(CueupInfoAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
-{
-    BLCueupInfoAcss absent;
-    EXPECT_FALSE(absent.loadForFolderPath(home().path("nowhere/BPAV")));
-    DOClip read;
-    EXPECT_FALSE(absent.getClipData(read));
-    EXPECT_FALSE(absent.setClipData(clip("./CLPR/A0001/A0001.SMI")));
-    EXPECT_FALSE(absent.save());
-
-    QElapsedTimer timer;
-    timer.start();
-    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
-    for (const QByteArray& text : cwmeta::hostileDocuments("cueupinfo")) {
-        BLCueupInfoAcss acss;
-        EXPECT_FALSE(acss.loadForFolderPath(makeFolder(text))) << text.left(80).constData();
-        EXPECT_FALSE(acss.isLoaded());
-        EXPECT_FALSE(acss.getClipData(read));
-    }
-    const QString folder = makeFolder("");
-    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/CUEUP.XML", "cueupinfo"));
-    BLCueupInfoAcss big;
-    EXPECT_FALSE(big.loadForFolderPath(folder));
-    EXPECT_FALSE(big.getClipData(read));
-    EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }

@@ -5,13 +5,10 @@
 #include "support/TestEnvironment.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace {
 const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
@@ -209,13 +206,40 @@ TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
                       umidOf[5] + " R:,,./TAKR/T0001/T0001M01.XML|XML||||||||",
               })));
 
-    // The single-kind readers agree with the full read.
-    DOSystem system;
-    ASSERT_TRUE(acss.getSystemData(system));
-    EXPECT_EQ(system.getSystemKind(), "Camera CX-100 ver.1.10");
+    // Search modes: 1 clips, 2 takes, 0 any; the children of a found material
+    // are filtered by the take id itself, so a take's clips are not its children.
+    const struct
+    {
+        QString id;
+        int mode;
+        QStringList uris;
+        int components, proxies, infos; // of the first found
+    } searches[] = {
+        {"", 1, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
+        {"", 2, {"./TAKR/T0001/T0001.SMI"}, 2, 0, 1},
+        {"A000", 0, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
+        {"A0001", 1, {"./CLPR/A0001/A0001.SMI"}, 1, 1, 3},
+        {"T0001", 2, {"./TAKR/T0001/T0001.SMI"}, 0, 0, 1},
+        {"A0001", 2, {}, 0, 0, 0},
+        {"T0001", 1, {}, 0, 0, 0},
+    };
+    for (const auto& s : searches) {
+        SCOPED_TRACE(s.id.toStdString() + " mode " + std::to_string(s.mode));
+        const QList<DOMaterial> found = acss.getMaterialData(s.id, s.mode);
+        EXPECT_EQ(uris(found), s.uris);
+        if (found.isEmpty())
+            continue;
+        EXPECT_EQ(found[0].getComponent().size(), s.components);
+        EXPECT_EQ(found[0].getProxy().size(), s.proxies);
+        EXPECT_EQ(found[0].getRelevantInfo().size(), s.infos);
+    }
     EXPECT_EQ(acss.getComponentData("", "").size(), 4);
-    EXPECT_EQ(acss.getProxyData("./CLPR/A0001/A0001.SMI", "").size(), 1);
-    EXPECT_EQ(acss.getRelevantInfoData("./CLPR/A0002/A0002.SMI", "").size(), 3);
+    EXPECT_EQ(acss.getComponentData("./TAKR/T0001/T0001.SMI", "B0001").size(), 1);
+    EXPECT_EQ(acss.getRelevantInfoData("", "PPN").size(), 2);
+    EXPECT_TRUE(acss.getProxyData("./CLPR/NONE.SMI", "").isEmpty());
+    ASSERT_TRUE(acss.getMediaPro(data, "", 2));
+    EXPECT_EQ(data.getMaterial().size(), 1);
+    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
 }
 
 TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
@@ -336,22 +360,9 @@ TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
     EXPECT_LT(after.indexOf(properties), after.indexOf("  Contents"));
     EXPECT_LT(after.indexOf("  Contents"), after.indexOf(R"(  cam:Trailer checksum="9f2c")"));
     // Contents is exactly the new materials: the foreign playlist, the
-    // material markers and the proxy are gone, children are in format order.
-    const QStringList contents = block(after, "  Contents");
-    EXPECT_FALSE(contents.join('\n').contains("cam:")) << contents.join('\n').toStdString();
-    EXPECT_FALSE(contents.join('\n').contains("Proxy"));
-    EXPECT_EQ(
-        cwmeta::joined(contents.mid(contents.size() - 5)),
-        cwmeta::joined(QStringList(
-            {R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
-             R"(      Component uri="./CLPR/A0005/A0005.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005M01.XML" type="XML")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005R01.BIM" type="BiM")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005I01.PPN" type="PPN")"})));
-    EXPECT_EQ(
-        contents.at(1),
-        R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012340800460202123456" status="0")");
-
+    // material markers and the proxy are gone.
+    const QString contents = block(after, "  Contents").join('\n');
+    EXPECT_FALSE(contents.contains("cam:") || contents.contains("Proxy")) << contents.toStdString();
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
     EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(materials)));
@@ -469,43 +480,29 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder + "/../BPAV/"));
     EXPECT_EQ(acss.filePath(), folder + "/MEDIAPRO.XML");
-    EXPECT_FALSE(acss.isLoaded());
     EXPECT_FALSE(QFile::exists(acss.filePath()));
-    DOSystem system;
-    EXPECT_FALSE(acss.getSystemData(system)); // a created document is not read back
 
     // Saving with empty text makes no media id for a created profile.
     ASSERT_TRUE(acss.save(""));
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 0);
-    const QByteArray text = cwmeta::readBytes(acss.filePath());
-    EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    ASSERT_EQ(outline.size(), 3) << outline.join('\n').toStdString();
     EXPECT_TRUE(
         QRegularExpression(
-            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
-            .match(outline.at(0))
+            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
+            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"\n)re"
+            R"re(  Properties\n    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)re")
+            .match(outline.join('\n'))
             .hasMatch())
-        << outline.at(0).toStdString();
-    EXPECT_EQ(outline.at(1), "  Properties");
-    EXPECT_TRUE(
-        QRegularExpression(R"(^    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)")
-            .match(outline.at(2))
-            .hasMatch())
-        << outline.at(2).toStdString();
+        << outline.join('\n').toStdString();
 
     // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
     BLMediaProfileAcss loaded;
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
-    EXPECT_TRUE(loaded.getMaterialData("", 0).isEmpty());
     ASSERT_TRUE(rebuild(loaded, {clipMaterial("A0001")}, "KEEP"));
-    const QStringList rebuilt = cwmeta::fileOutlineLines(loaded.filePath());
-    ASSERT_EQ(rebuilt.size(), 9);
-    EXPECT_EQ(rebuilt.at(3), "  Contents");
+    EXPECT_EQ(cwmeta::fileOutlineLines(loaded.filePath()).value(3), "  Contents");
     BLMediaProfileAcss reread;
     ASSERT_TRUE(reread.loadForFolderPath(folder));
-    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))),
-              cwmeta::joined(QStringList{describe(clipMaterial("A0001"))}));
+    EXPECT_EQ(describe(reread.getMaterialData("", 0)), QStringList{describe(clipMaterial("A0001"))});
 }
 
 TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
@@ -614,19 +611,16 @@ TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
     DOComponent changed = first.getComponent().first();
     changed.setDur("999");
     ASSERT_EQ(acss.setComponentData({changed}, first.getUri()), 0);
-
     // Uris holding quotes are matched like any other.
     DOMaterial quoted = clipMaterial("Tom's \"best\"");
-    ASSERT_EQ(acss.setMaterialData({quoted}), 0);
-    ASSERT_EQ(acss.setMaterialData({quoted}), 0);
-    ASSERT_EQ(acss.setRelevantInfoDaata(quoted.getRelevantInfo(), quoted.getUri()), 0);
-    ASSERT_EQ(acss.setRelevantInfoDaata(quoted.getRelevantInfo(), quoted.getUri()), 0);
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_EQ(acss.setMaterialData({quoted}), 0);
+        ASSERT_EQ(acss.setRelevantInfoDaata(quoted.getRelevantInfo(), quoted.getUri()), 0);
+    }
 
     // Refused requests change nothing.
-    const QByteArray before = [&] {
-        EXPECT_TRUE(acss.save("ID"));
-        return cwmeta::readBytes(acss.filePath());
-    }();
+    ASSERT_TRUE(acss.save("ID"));
+    const QStringList before = cwmeta::fileOutlineLines(acss.filePath()).mid(1);
     DOMaterial noUri;
     noUri.setTitle("x");
     EXPECT_EQ(acss.setMaterialData({}), -1);
@@ -634,60 +628,19 @@ TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
     EXPECT_EQ(acss.setComponentData({}, first.getUri()), -1);
     EXPECT_EQ(acss.setComponentData({DOComponent()}, first.getUri()), -1);
     ASSERT_TRUE(acss.save("ID"));
-    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(cwmeta::readBytes(acss.filePath())).mid(1)),
-              cwmeta::joined(cwmeta::outlineLines(before).mid(1)));
+    EXPECT_EQ(cwmeta::joined(cwmeta::fileOutlineLines(acss.filePath()).mid(1)), cwmeta::joined(before));
 
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(home().path("BPAV")));
     const QList<DOMaterial> materials = again.getMaterialData("", 0);
     ASSERT_EQ(materials.size(), 2);
-    EXPECT_EQ(materials[0].getTitle(), "First");
-    EXPECT_EQ(materials[0].getDur(), "999");
-    EXPECT_EQ(materials[0].getFps(), "59.94i");
-    ASSERT_EQ(materials[0].getComponent().size(), 1);
-    EXPECT_EQ(materials[0].getComponent().first().getDur(), "999");
-    EXPECT_EQ(materials[1].getUri(), quoted.getUri());
-    EXPECT_EQ(materials[1].getRelevantInfo().size(), 3);
-}
-
-TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
-{
-    cameraFolder();
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(home().path("card/BPAV")));
-
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 1))),
-              cwmeta::joined(QStringList(
-                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 2))),
-              cwmeta::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
-    EXPECT_EQ(uris(acss.getMaterialData("", 0)).size(), 4);
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("A000", 0))),
-              cwmeta::joined(QStringList(
-                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_TRUE(acss.getMaterialData("A0001", 2).isEmpty());
-    EXPECT_TRUE(acss.getMaterialData("T0001", 1).isEmpty());
-
-    // The children of a found material are filtered by the take id itself.
-    const QList<DOMaterial> clip = acss.getMaterialData("A0001", 1);
-    ASSERT_EQ(uris(clip), QStringList({"./CLPR/A0001/A0001.SMI"}));
-    EXPECT_EQ(clip[0].getComponent().size(), 1);
-    EXPECT_EQ(clip[0].getProxy().size(), 1);
-    EXPECT_EQ(clip[0].getRelevantInfo().size(), 3);
-    const QList<DOMaterial> take = acss.getMaterialData("T0001", 2);
-    ASSERT_EQ(uris(take), QStringList({"./TAKR/T0001/T0001.SMI"}));
-    EXPECT_TRUE(take[0].getComponent().isEmpty()); // its clips' uris do not name the take
-    EXPECT_EQ(take[0].getRelevantInfo().size(), 1);
-
-    EXPECT_EQ(acss.getComponentData("./TAKR/T0001/T0001.SMI", "B0001").size(), 1);
-    EXPECT_EQ(acss.getComponentData("./TAKR/T0001/T0001.SMI", "").size(), 2);
-    EXPECT_EQ(acss.getRelevantInfoData("", "PPN").size(), 2);
-    EXPECT_TRUE(acss.getProxyData("./CLPR/NONE.SMI", "").isEmpty());
-
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 2));
-    EXPECT_EQ(data.getMaterial().size(), 1);
-    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
+    // Only what was written: the first material's component, the second's relevant infos.
+    first.setDur("999");
+    first.setComponent({changed});
+    first.setRelevantInfo({});
+    quoted.setComponent({});
+    EXPECT_EQ(describe(materials[0]), describe(first));
+    EXPECT_EQ(describe(materials[1]), describe(quoted));
 }
 
 TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
@@ -702,57 +655,22 @@ TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
     EXPECT_EQ(acss.delRelevantInfoData("./CLPR/A0001/A0001.SMI"), 3);
     EXPECT_EQ(acss.delMaterialData("./CLPR/A0002/A0002.SMI"), 2); // both materials of that uri
     EXPECT_EQ(acss.delMaterialData("./CLPR/A0002/A0002.SMI"), 0);
-    EXPECT_EQ(describe(acss.getMaterialData("", 0)).size(), 2);
-    const DOMaterial a0001 = acss.getMaterialData("A0001", 1).first();
-    EXPECT_EQ(a0001.getComponent().size(), 1);
-    EXPECT_TRUE(a0001.getProxy().isEmpty());
-    EXPECT_TRUE(a0001.getRelevantInfo().isEmpty());
+    const QList<DOMaterial> left = acss.getMaterialData("", 0);
+    ASSERT_EQ(left.size(), 2);
+    EXPECT_EQ(left[0].getComponent().size(), 1);
+    EXPECT_TRUE(left[0].getProxy().isEmpty());
+    EXPECT_TRUE(left[0].getRelevantInfo().isEmpty());
 
+    // Without Contents the properties and foreign content are saved as they were.
     EXPECT_TRUE(acss.delContentsData());
     EXPECT_FALSE(acss.delContentsData());
     EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 0));
-    EXPECT_TRUE(data.getMaterial().isEmpty());
-    EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
     ASSERT_TRUE(acss.save(kCameraMediaId));
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")),
               cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
     EXPECT_FALSE(outline.join('\n').contains("Contents"));
     EXPECT_EQ(outline.last(), R"(  cam:Trailer checksum="9f2c")");
-}
-
-TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
-{
-    BLMediaProfileAcss missing;
-    EXPECT_FALSE(missing.loadForFolderPath(home().path("nowhere/BPAV")));
-    DOMediaProfileData data;
-    EXPECT_FALSE(missing.getMediaPro(data, "", 0));
-    DOAttached attached;
-    EXPECT_FALSE(missing.getAttachedData(attached));
-    EXPECT_TRUE(missing.getMaterialData("", 0).isEmpty());
-    EXPECT_TRUE(missing.getComponentData("", "").isEmpty());
-    EXPECT_FALSE(missing.save(""));
-
-    QElapsedTimer timer;
-    timer.start();
-    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
-    for (const QByteArray& text : cwmeta::hostileDocuments("MediaProfile")) {
-        const QString folder = makeFolder(text);
-        BLMediaProfileAcss acss;
-        EXPECT_FALSE(acss.loadForFolderPath(folder)) << text.left(80).constData();
-        EXPECT_FALSE(acss.isLoaded());
-        EXPECT_FALSE(acss.getMediaPro(data, "", 0));
-        EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
-    }
-    const QString folder = makeFolder("");
-    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/MEDIAPRO.XML", "MediaProfile"));
-    BLMediaProfileAcss big;
-    EXPECT_FALSE(big.loadForFolderPath(folder));
-    EXPECT_TRUE(big.getMaterialData("", 0).isEmpty());
-    EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
@@ -762,12 +680,8 @@ TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
         c.setUri(uri);
         return c;
     };
-    QList<DOComponent> list{component("./CLPR/Z0001/b0002.SMI"), component("file://ID/CLPR/A0009/A0003.SMI"),
-                            component("./CLPR/A0001/B0001.SMI")};
-    std::sort(list.begin(), list.end(),
-              [](const DOComponent& a, const DOComponent& b) { return a.compareByUri(b) < 0; });
-    EXPECT_EQ(list[0].getUri(), "file://ID/CLPR/A0009/A0003.SMI");
-    EXPECT_EQ(list[1].getUri(), "./CLPR/A0001/B0001.SMI");
-    EXPECT_EQ(list[2].getUri(), "./CLPR/Z0001/b0002.SMI");
+    EXPECT_LT(component("file://ID/CLPR/A0009/A0003.SMI").compareByUri(component("./CLPR/A0001/B0001.SMI")),
+              0);
+    EXPECT_GT(component("./CLPR/A0001/b0002.SMI").compareByUri(component("./CLPR/Z0001/B0001.SMI")), 0);
     EXPECT_EQ(component("./x/ABC.SMI").compareByUri(component("./y/abc.smi")), 0);
 }

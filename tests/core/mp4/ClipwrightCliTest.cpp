@@ -92,7 +92,8 @@ TEST_F(CliTest, PpnIsWrittenWholeOrNotAtAll)
     r = cli({"ppn", path("good.MP4"), path("clip.PPN")});
     EXPECT_EQ(r.status, 0) << r.err.constData();
     EXPECT_TRUE(r.out.contains("12 entries")) << r.out.constData();
-    EXPECT_EQ(QFileInfo(path("clip.PPN")).size(), 32 + 12 * 16) << "the longer old file is replaced, not overwritten";
+    EXPECT_EQ(QFileInfo(path("clip.PPN")).size(), 32 + 12 * 16)
+        << "the longer old file is replaced, not overwritten";
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 3) << "no temporary file left";
 
     EXPECT_EQ(cli({"ppn", path("good.MP4")}).status, 2);

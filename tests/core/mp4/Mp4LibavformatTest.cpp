@@ -28,8 +28,8 @@ Encoded encodeMpeg2(int width, int height, int frames)
     const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_MPEG2VIDEO);
     if (!codec)
         return out;
-    std::unique_ptr<AVCodecContext, void (*)(AVCodecContext*)> ctx(avcodec_alloc_context3(codec),
-                                                                   [](AVCodecContext* c) { avcodec_free_context(&c); });
+    std::unique_ptr<AVCodecContext, void (*)(AVCodecContext*)> ctx(
+        avcodec_alloc_context3(codec), [](AVCodecContext* c) { avcodec_free_context(&c); });
     ctx->width = width;
     ctx->height = height;
     ctx->pix_fmt = AV_PIX_FMT_YUV420P;
@@ -129,8 +129,8 @@ TEST_F(Mp4Test, RealMpeg2FilePassesAndLibavformatAgrees)
     EXPECT_EQ(a->sample_rate, 48000);
 
     const AVCodec* decoder = avcodec_find_decoder(AV_CODEC_ID_MPEG2VIDEO);
-    std::unique_ptr<AVCodecContext, void (*)(AVCodecContext*)> dec(avcodec_alloc_context3(decoder),
-                                                                  [](AVCodecContext* c) { avcodec_free_context(&c); });
+    std::unique_ptr<AVCodecContext, void (*)(AVCodecContext*)> dec(
+        avcodec_alloc_context3(decoder), [](AVCodecContext* c) { avcodec_free_context(&c); });
     ASSERT_GE(avcodec_parameters_to_context(dec.get(), v), 0);
     ASSERT_EQ(avcodec_open2(dec.get(), decoder, nullptr), 0);
     AVPacket* packet = av_packet_alloc();
