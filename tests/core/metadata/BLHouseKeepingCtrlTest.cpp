@@ -1,9 +1,11 @@
 // Housekeeping on generated cards: the takes a pane gets, the index files it
 // repairs, its cancel points and messages, and that nothing outside the
 // card's BPAV folder is ever touched.
-#include "core/metadata/BLHouseKeepingCtrl.h"
+#include "MetadataTestSupport.h"
+
 #include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
 #include "core/model/BLMediaProCtrl.h"
 #include "support/AsOrdinaryUser.h"
@@ -90,12 +92,6 @@ void writeFile(const QString& path, const QByteArray& data)
     file.write(data);
 }
 
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 class HouseKeepingTest : public cwtest::HomeTest
 {
 protected:
@@ -160,37 +156,30 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     for (qsizetype i = 1; i < takes.size(); ++i)
         EXPECT_LE(takes[i - 1].compareByCreationDate(takes[i]), 0) << i;
 
+    // Each kind of take as "status duration clips spanning": complete, with an
+    // essence the MP4 reader rejects, loose, whole multi-clip, missing a clip.
+    auto summary = [](const DOTakeData* take) {
+        return take ? QString("%1 %2 %3 %4")
+                          .arg(take->getTakeStatus())
+                          .arg(take->getTakeDuration())
+                          .arg(take->getClipData().size())
+                          .arg(take->getMediaSpanning())
+                          .toStdString()
+                    : std::string("missing");
+    };
+    const std::pair<const DOTakeData*, std::string> kinds[] = {
+        {takeWithId(takes, "ABC0005"), "0 6 0 0"},     {takeWithUmid(takes, planned[2].umid), "5 0 0 0"},
+        {takeWithId(takes, "ABC0002"), "4 0 0 0"},     {takeWithId(takes, planned[5].takeId), "1 12 2 0"},
+        {takeWithId(takes, broken.takeId), "2 6 1 1"},
+    };
+    for (const auto& [take, expected] : kinds)
+        EXPECT_EQ(summary(take), expected);
     const DOTakeData* complete = takeWithId(takes, "ABC0005");
-    ASSERT_NE(complete, nullptr);
-    EXPECT_EQ(complete->getTakeStatus(), 0);
-    EXPECT_TRUE(complete->getSingleClipFlag());
-    EXPECT_EQ(complete->getTakeDuration(), 6);
     EXPECT_EQ(complete->getUmid(), planned[4].umid);
     EXPECT_GT(complete->getTakeSize(), 0);
     EXPECT_EQ(complete->getMPStatus(), "none");
-
-    const DOTakeData* rejected = takeWithUmid(takes, planned[2].umid);
-    ASSERT_NE(rejected, nullptr);
-    EXPECT_EQ(rejected->getTakeStatus(), 5) << "the MP4 reader rejects its essence";
-    EXPECT_EQ(rejected->getTakeDuration(), 0);
-
-    const DOTakeData* loose = takeWithId(takes, "ABC0002");
-    ASSERT_NE(loose, nullptr);
-    EXPECT_EQ(loose->getTakeStatus(), 4);
-
-    const DOTakeData* whole = takeWithId(takes, planned[5].takeId);
-    ASSERT_NE(whole, nullptr);
-    EXPECT_EQ(whole->getClipData().size(), 2);
-    EXPECT_FALSE(whole->getMediaSpanning());
-    EXPECT_LE(whole->getTakeStatus(), 1);
-    EXPECT_EQ(whole->getTakeInfo().size(), 2) << "take-info entries are not doubled";
-    EXPECT_EQ(whole->getTakeDuration(), 12);
-
-    const DOTakeData* spanning = takeWithId(takes, broken.takeId);
-    ASSERT_NE(spanning, nullptr);
-    EXPECT_TRUE(spanning->getMediaSpanning()) << "it names a clip that is not there";
-    EXPECT_EQ(spanning->getTakeStatus(), 2);
-    EXPECT_EQ(spanning->getClipData().size(), 1);
+    EXPECT_EQ(takeWithId(takes, planned[5].takeId)->getTakeInfo().size(), 2)
+        << "take-info entries are not doubled";
 
     // The new media profile lists every clip with essence and both takes;
     // the clip folder without essence stays on disk.
@@ -224,43 +213,6 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     const QStringList lines = logLines();
     EXPECT_EQ(lines.count("0700:[BLHouseKeepingCtrl doHouseKeeping] Start"), 2);
     EXPECT_EQ(lines.count("0700:[BLHouseKeepingCtrl doHouseKeeping] End"), 2);
-}
-
-TEST_F(HouseKeepingTest, AListedFolderIsCheckedAndRepairedWhereTheProfileMissesAFolder)
-{
-    cardgen::Options options = cwtest::CardFolder::fast(4, {2});
-    options.spanningClips = 2;
-    options.damages = {damage(Kind::Missing, 1, {"BIM"}), damage(Kind::Unlisted, 2), damage(Kind::Hidden, 3)};
-    cwtest::CardFolder card(options);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QString work = card.workFolder();
-    const QStringList listedBefore = materialUris(work);
-    ASSERT_FALSE(listedBefore.contains("./CLPR/ABC0002/ABC0002.SMI"));
-
-    cwtest::MessageRecorder messages;
-    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
-    for (const cardgen::ManifestTake& planned : card.manifest().takes) {
-        if (planned.card != 0)
-            continue;
-        const DOTakeData* take = takeWithUmid(takes, planned.umid);
-        if (planned.expectedStatus < 0) {
-            EXPECT_EQ(take, nullptr) << planned.takeId.toStdString();
-            continue;
-        }
-        ASSERT_NE(take, nullptr) << planned.takeId.toStdString();
-        EXPECT_EQ(take->getTakeStatus(), planned.expectedStatus) << planned.takeId.toStdString();
-        EXPECT_EQ(take->getMediaSpanning(), planned.spanPart > 0) << planned.takeId.toStdString();
-    }
-    const DOTakeData* noBim = takeWithUmid(takes, card.manifest().takes.front().umid);
-    ASSERT_NE(noBim, nullptr);
-    EXPECT_EQ(noBim->getTakeSize(), 0);
-    EXPECT_TRUE(messages.keys().isEmpty());
-
-    // The unlisted clip is now listed; everything listed before still is.
-    const QStringList listedAfter = materialUris(work);
-    EXPECT_TRUE(listedAfter.contains("./CLPR/ABC0002/ABC0002.SMI"));
-    for (const QString& uri : listedBefore)
-        EXPECT_TRUE(listedAfter.contains(uri)) << uri.toStdString();
 }
 
 TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
@@ -340,7 +292,7 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
     // A duration of almost two hours at 29.97 frames per second fails the check.
     ASSERT_TRUE(editFile(bpav + "/CLPR/ABC0001/ABC0001M01.XML", "<Duration value=\"6\"/>",
                          "<Duration value=\"200000\"/>"));
-    const QByteArray profile = readFile(bpav + "/MEDIAPRO.XML");
+    const QByteArray profile = cwmeta::readBytes(bpav + "/MEDIAPRO.XML");
     QFile::setPermissions(QFileInfo(work).path(), QFile::Permissions(0x7777)); // reachable for "nobody"
     QFile::setPermissions(bpav + "/MEDIAPRO.XML", QFile::Permissions(0x4444));
     BLLogCtrl::sharedCtrl(); // made by this thread, not by the worker
@@ -363,31 +315,10 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
 
     EXPECT_EQ(messages.keys(), QStringList({"MSG_732_3176", "MSG_111_3225"}));
     EXPECT_EQ(takes.size(), 2) << "the takes are still shown";
-    EXPECT_EQ(readFile(bpav + "/MEDIAPRO.XML"), profile);
-
-    // A folder whose media profile cannot be made at all: its takes are read
-    // from the folders, nothing is written, and the message is shown once.
-    QTemporaryDir dir;
-    QFile::setPermissions(dir.path(), QFile::Permissions(0x7777));
-    const QString locked = dir.filePath("locked");
-    ASSERT_TRUE(QDir().mkpath(locked + "/BPAV/CLPR"));
-    ASSERT_TRUE(BLCommon::copyFile(bpav + "/CUEUP.XML", locked + "/BPAV/CUEUP.XML"));
-    ASSERT_TRUE(BLCommon::copyFile(bpav + "/CLPR/ABC0002", locked + "/BPAV/CLPR/ABC0002"));
-    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x5555));
-    messages.clear();
-    {
-        cwtest::AsOrdinaryUser nobody;
-        const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(locked);
-        ASSERT_EQ(read.size(), 1);
-        EXPECT_EQ(read[0].getTakeID(), "ABC0002");
-        EXPECT_EQ(read[0].getTakeStatus(), 0);
-    }
-    QFile::setPermissions(locked + "/BPAV", QFile::Permissions(0x7777));
-    EXPECT_EQ(messages.keys(), QStringList{"MSG_732_3176"});
-    EXPECT_EQ(QDir(locked + "/BPAV").entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
-              QStringList({"CLPR", "CUEUP.XML"}));
+    EXPECT_EQ(cwmeta::readBytes(bpav + "/MEDIAPRO.XML"), profile);
 
     // No BPAV folder: nothing, and a log line.
+    QTemporaryDir dir;
     EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(dir.path()).isEmpty());
     EXPECT_TRUE(logLines().contains("0700:[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : " +
                                     dir.path()));
@@ -449,9 +380,9 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
                          "src=\"" + takeInfo + "M01.XML\"", "src=\"../../../../outside/file/fileM01.XML\""));
 
     auto sentinelsIntact = [&] {
-        EXPECT_EQ(readFile(outside + "/file/fileM01.XML"), "sentinel 1");
-        EXPECT_EQ(readFile(outside + "/linked/linkedM01.XML"), "sentinel 2");
-        EXPECT_EQ(readFile(absolute + "/fileM01.XML"), "sentinel 3");
+        EXPECT_EQ(cwmeta::readBytes(outside + "/file/fileM01.XML"), "sentinel 1");
+        EXPECT_EQ(cwmeta::readBytes(outside + "/linked/linkedM01.XML"), "sentinel 2");
+        EXPECT_EQ(cwmeta::readBytes(absolute + "/fileM01.XML"), "sentinel 3");
         EXPECT_EQ(QDir(outside).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
                   QStringList({"file", "linked"}));
         EXPECT_EQ(QDir(outside + "/file").entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
@@ -493,12 +424,4 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     absoluteFolder.setMateUpFlg(false);
     ASSERT_TRUE(BLMediaProCtrl().createMediaPro({}, work, {escaping, throughLink, absoluteFolder}));
     sentinelsIntact();
-
-    // The material counts against the folder limit.
-    BLHouseKeepingCtrl counted;
-    counted.setCLPRMateCount(600);
-    counted.setTAKRMateCount(600);
-    EXPECT_FALSE(BLCommon::isExceedFolderLimitByMaterial(counted));
-    counted.setTAKRMateCount(601);
-    EXPECT_TRUE(BLCommon::isExceedFolderLimitByMaterial(counted));
 }
