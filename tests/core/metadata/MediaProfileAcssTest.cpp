@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace {
 const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
 const QString kCameraMediaId = "1234567890ABCDEF1234567890ABCDEF";
@@ -95,40 +97,45 @@ QStringList uris(const QList<DOMaterial>& materials)
     return list;
 }
 
+// A record from the fields describeFile lists, '|' between them; missing ones stay empty.
+template <class Record> Record fileRecord(const QString& fields)
+{
+    const QStringList f = fields.split('|');
+    Record r;
+    r.setUri(f.value(0));
+    r.setType(f.value(1));
+    r.setVideoType(f.value(2));
+    r.setAudioType(f.value(3));
+    r.setFps(f.value(4));
+    r.setDur(f.value(5));
+    r.setCh(f.value(6));
+    r.setAspectRatio(f.value(7));
+    r.setOffset(f.value(8));
+    r.setUmid(f.value(9));
+    return r;
+}
+
+// The record on a medium of the card kind.
+template <class Record> Record onMedium(Record r, const QString& mediaId, const QString& mediaName = {})
+{
+    r.setMediaId(mediaId);
+    r.setMediaKind("ProfessionalMemoryCard");
+    if constexpr (std::is_same_v<Record, DOComponent>)
+        r.setMediaName(mediaName);
+    return r;
+}
+
 // A clip material as the folder scanner builds it: take info, its MP4 and
 // three metadata files.
 DOMaterial clipMaterial(const QString& clip)
 {
     const QString base = QStringLiteral("./CLPR/%1/%1").arg(clip);
-    DOMaterial material;
-    material.setUri(base + ".SMI");
-    material.setType("PD-EDL");
-    material.setFps("59.94i");
-    material.setDur("600");
-    material.setCh("4");
-    material.setAspectRatio("16:9");
-    material.setOffset("0");
-    material.setUmid("UMID-" + clip);
+    DOMaterial material = fileRecord<DOMaterial>(base + ".SMI|PD-EDL|||59.94i|600|4|16:9|0|UMID-" + clip);
     material.setMPStatus("0");
-    DOComponent essence;
-    essence.setUri(base + ".MP4");
-    essence.setType("MP4");
-    essence.setVideoType("MPEG2HD35_1920_1080_MP@HL");
-    essence.setAudioType("LPCM16");
-    essence.setFps("59.94i");
-    essence.setDur("600");
-    essence.setCh("4");
-    essence.setAspectRatio("16:9");
-    essence.setOffset("0");
-    material.addComponent(essence);
-    const QStringList files{"M01.XML", "R01.BIM", "I01.PPN"};
-    const QStringList types{"XML", "BiM", "PPN"};
-    for (int i = 0; i < 3; ++i) {
-        DORelevantInfo info;
-        info.setUri(base + files.at(i));
-        info.setType(types.at(i));
-        material.addRelevantInfo(info);
-    }
+    material.addComponent(
+        fileRecord<DOComponent>(base + ".MP4|MP4|MPEG2HD35_1920_1080_MP@HL|LPCM16|59.94i|600|4|16:9|0"));
+    for (const char* info : {"M01.XML|XML", "R01.BIM|BiM", "I01.PPN|PPN"})
+        material.addRelevantInfo(fileRecord<DORelevantInfo>(base + info));
     return material;
 }
 
@@ -262,22 +269,17 @@ TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
     a0002.setMPStatus("5");
     EXPECT_EQ(acss.setMaterialData({a0002}), 0);
     // New children land after their own kind, before the kinds that follow it.
-    DOProxy proxy;
-    proxy.setUri("./CLPR/A0002/A0002P.MP4");
-    proxy.setType("MP4");
-    EXPECT_EQ(acss.setProxyData({proxy}, "./CLPR/A0002/A0002.SMI"), 0);
-    DOComponent remote;
-    remote.setMediaId("00112233445566778899AABBCCDDEEFF");
-    remote.setMediaKind("ProfessionalMemoryCard");
-    remote.setMediaName("Wedding C");
-    remote.setUri("file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI");
-    remote.setType("PD-EDL");
-    remote.setUmid("UMID-C0001");
+    EXPECT_EQ(
+        acss.setProxyData({fileRecord<DOProxy>("./CLPR/A0002/A0002P.MP4|MP4")}, "./CLPR/A0002/A0002.SMI"), 0);
+    const auto remote =
+        onMedium(fileRecord<DOComponent>(
+                     "file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI|PD-EDL||||||||UMID-C0001"),
+                 "00112233445566778899AABBCCDDEEFF", "Wedding C");
     EXPECT_EQ(acss.setComponentData({remote}, "./TAKR/T0001/T0001.SMI"), 0);
-    DORelevantInfo nrt;
-    nrt.setUri("./CLPR/A0001/A0001M01.XML");
-    nrt.setUmid("UMID-NRT");
-    EXPECT_EQ(acss.setRelevantInfoDaata({nrt}, "./CLPR/A0001/A0001.SMI"), 0);
+    EXPECT_EQ(
+        acss.setRelevantInfoDaata({fileRecord<DORelevantInfo>("./CLPR/A0001/A0001M01.XML|||||||||UMID-NRT")},
+                                  "./CLPR/A0001/A0001.SMI"),
+        0);
     // A new material with its files.
     const DOMaterial a0004 = clipMaterial("A0004");
     EXPECT_EQ(acss.setMaterialData({a0004}), 0);
@@ -333,85 +335,49 @@ TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
     EXPECT_EQ(describe(materials.last()), describe(a0004));
 }
 
-TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
+TEST_F(MediaProfileAcssTest, RebuildsKeepTheHeaderAndReadBackExactlyAtTheFolderLimit)
 {
     const QString folder = cameraFolder();
     const QStringList before = savedOutline(kFixture);
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
-    DOAttached attached;
-    ASSERT_TRUE(acss.getAttachedData(attached));
 
     // The clip A0002 left the folder; the take and A0001 stay (without the
-    // proxy, which a rewrite does not carry), A0005 came in.
+    // proxy, which a rewrite does not carry), clips up to the 600 limit came in.
     QList<DOMaterial> materials = acss.getMaterialData("", 0);
     materials.removeAt(1);
     materials[0].setProxy({});
-    materials.append(clipMaterial("A0005"));
-    ASSERT_TRUE(rebuild(acss, materials, attached.getMediaId()));
+    for (int i = 5; materials.size() < 600; ++i)
+        materials.append(clipMaterial(QStringLiteral("A%1").arg(i, 4, 10, QLatin1Char('0'))));
+    ASSERT_TRUE(rebuild(acss, materials, kCameraMediaId));
 
     const QStringList after = savedOutline(acss.filePath());
-    // Root (but the version), Properties and the foreign trailer are kept.
+    // Root (but the version), Properties and the foreign trailer are kept, in their order.
     EXPECT_EQ(rootLine(after).toStdString(),
               QString(rootLine(before)).replace(R"(version="1.20")", R"(version="1.10")").toStdString());
-    const QString properties = "  Properties";
-    EXPECT_EQ(cwmeta::joined(block(after, properties)), cwmeta::joined(block(before, properties)));
-    EXPECT_TRUE(after.contains(R"(  cam:Trailer checksum="9f2c")"));
-    EXPECT_LT(after.indexOf(properties), after.indexOf("  Contents"));
+    EXPECT_EQ(cwmeta::joined(block(after, "  Properties")), cwmeta::joined(block(before, "  Properties")));
+    EXPECT_LT(after.indexOf("  Properties"), after.indexOf("  Contents"));
     EXPECT_LT(after.indexOf("  Contents"), after.indexOf(R"(  cam:Trailer checksum="9f2c")"));
     // Contents is exactly the new materials: the foreign playlist, the
     // material markers and the proxy are gone.
     const QString contents = block(after, "  Contents").join('\n');
-    EXPECT_FALSE(contents.contains("cam:") || contents.contains("Proxy")) << contents.toStdString();
+    EXPECT_FALSE(contents.contains("cam:") || contents.contains("Proxy"));
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
     EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(materials)));
-    DOAttached kept;
-    ASSERT_TRUE(again.getAttachedData(kept));
-    EXPECT_EQ(kept.getMediaId(), kCameraMediaId);
-}
 
-TEST_F(MediaProfileAcssTest, FullFolderRewritesReadBackExactly)
-{
-    // A folder at the 600-clip limit, rewritten twice: once from scratch and
-    // once in a different order with every third clip gone and a take added.
-    const QString folder = home().path("full/BPAV");
-    QDir().mkpath(folder);
-    QList<DOMaterial> materials;
-    for (int i = 1; i <= 600; ++i)
-        materials.append(clipMaterial(QStringLiteral("A%1").arg(i, 4, 10, QLatin1Char('0'))));
-    BLMediaProfileAcss created;
-    ASSERT_TRUE(created.createForFolderPath(folder));
-    ASSERT_TRUE(rebuild(created, materials, "ID"));
-
+    // Rewritten over itself in another order with every third material gone.
     QList<DOMaterial> second;
     for (qsizetype i = materials.size() - 1; i >= 0; --i)
         if (i % 3 != 0)
             second.append(materials.at(i));
-    DOMaterial take;
-    take.setUri("./TAKR/T0001/T0001.SMI");
-    take.setType("PD-EDL");
-    for (int i = 1; i <= 3; ++i) {
-        DOComponent part;
-        part.setUri(second.at(i).getUri());
-        part.setType("PD-EDL");
-        part.setUmid(second.at(i).getUmid());
-        take.addComponent(part);
-    }
-    DORelevantInfo nrt;
-    nrt.setUri("./TAKR/T0001/T0001M01.XML");
-    nrt.setType("XML");
-    take.addRelevantInfo(nrt);
-    second.insert(200, take);
-
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(folder));
-    EXPECT_EQ(acss.getMaterialData("", 0).size(), 600);
-    ASSERT_TRUE(rebuild(acss, second, "ID"));
-    BLMediaProfileAcss again;
-    ASSERT_TRUE(again.loadForFolderPath(folder));
-    EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(second)));
-    EXPECT_EQ(again.getMaterialData("", 2).size(), 1);
+    ASSERT_TRUE(rebuild(again, second, kCameraMediaId));
+    BLMediaProfileAcss reread;
+    ASSERT_TRUE(reread.loadForFolderPath(folder));
+    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))), cwmeta::joined(describe(second)));
+    DOAttached kept;
+    ASSERT_TRUE(reread.getAttachedData(kept));
+    EXPECT_EQ(kept.getMediaId(), kCameraMediaId);
 }
 
 TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
@@ -552,31 +518,15 @@ TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
     QDir().mkpath(folder);
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder));
-    DOMaterial material;
-    material.setUri("./TAKR/T0001/T0001.SMI");
-    material.setType("PD-EDL");
+    const auto material = fileRecord<DOMaterial>("./TAKR/T0001/T0001.SMI|PD-EDL");
     ASSERT_EQ(acss.setMaterialData({material}), 0);
 
-    // Media attributes only for a component on another medium, and only when set.
-    DOComponent local;
-    local.setMediaId("ID1");
-    local.setMediaKind("ProfessionalMemoryCard");
-    local.setMediaName("Name");
-    local.setUri("./CLPR/A0001/A0001.SMI");
-    local.setType("PD-EDL");
-    DOComponent remote = local;
-    remote.setUri("file://ID1/CLPR/B0001/B0001.SMI");
-    remote.setMediaName("");
-    // A proxy always names its medium, even without an id; relevant infos never do.
-    DOProxy proxy;
-    proxy.setMediaKind("ProfessionalMemoryCard");
-    proxy.setUri("./CLPR/A0001/A0001P.MP4");
-    proxy.setFps("59.94i");
-    DORelevantInfo info;
-    info.setMediaId("ID1");
-    info.setMediaKind("ProfessionalMemoryCard");
-    info.setUri("./TAKR/T0001/T0001M01.XML");
-    info.setType("XML");
+    // Media attributes only for a component on another medium, and only when
+    // set; a proxy always names its medium, even without an id; relevant infos never do.
+    const auto local = onMedium(fileRecord<DOComponent>("./CLPR/A0001/A0001.SMI|PD-EDL"), "ID1", "Name");
+    const auto remote = onMedium(fileRecord<DOComponent>("file://ID1/CLPR/B0001/B0001.SMI|PD-EDL"), "ID1");
+    const auto proxy = onMedium(fileRecord<DOProxy>("./CLPR/A0001/A0001P.MP4||||59.94i"), "");
+    const auto info = onMedium(fileRecord<DORelevantInfo>("./TAKR/T0001/T0001M01.XML|XML"), "ID1");
     // Written out of format order on purpose: each lands among its own kind.
     ASSERT_EQ(acss.setRelevantInfoDaata({info}, material.getUri()), 0);
     ASSERT_EQ(acss.setProxyData({proxy}, material.getUri()), 0);

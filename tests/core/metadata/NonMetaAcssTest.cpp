@@ -81,34 +81,18 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     DONonRealTimeMeta meta;
     ASSERT_TRUE(acss.getNonMetaData(meta, "ja"));
 
-    // One value of each kind of element: root attribute, single value, table
-    // rows, nested elements, repeated children and the language's alias.
+    // What the card generator's files do not hold (their standard values are
+    // cross-checked elsewhere): the header, the "who" and packet tables, the
+    // pull-down setting, device elements and the language's alias.
     EXPECT_EQ(meta.getNonMetaHeader().getXmlns_lib(), "urn:schemas-professionalDisc:lib:ver.1.20");
     EXPECT_EQ(meta.getNonMetaHeader().getLastUpdate(), "2009-03-05T14:07:59+09:00");
-    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), kUmid1);
-    EXPECT_EQ(meta.getDuration(), "300");
-    const DOLtcChangeTable& ltc = meta.getLtcChangeTable();
-    EXPECT_EQ(ltc.getTcFps(), "30");
-    ASSERT_EQ(ltc.getLtcChangeArray().size(), 2);
-    EXPECT_EQ(ltc.getLtcChangeArray()[0].getValue(), "44030201");
-    EXPECT_EQ(ltc.getLtcChangeArray()[1].getFrameCount(), "299");
-    EXPECT_EQ(ltc.getLtcChangeArray()[1].getStatus(), "end");
+    EXPECT_EQ(meta.getLtcChangeTable().getLtcChangeArray().value(1).getStatus(), "end");
     EXPECT_EQ(meta.getKeyFrame().getFrameCount(), "15");
-    EXPECT_EQ(meta.getBasicChangeArray().value(0).getValue(), kUmid1);
     EXPECT_EQ(meta.getWhoChangeArray().value(0).getValue(), "CREW7");
-    ASSERT_EQ(meta.getKlvPacketArray().size(), 2);
-    EXPECT_EQ(meta.getKlvPacketArray()[1].getLengthValue(), "0B02");
-    const DOVideoFormat& video = meta.getVideoFormat();
-    EXPECT_EQ(video.getVideoFrame().getVideoCodec(), "MPEG2HD35_1920_1080_MP@HL");
-    EXPECT_EQ(video.getVideoFrame().getCaptureFps(), "29.97p");
-    EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getFramePhase(), "0");
-    ASSERT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
-    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getTrackDst(), "CH2");
-    ASSERT_EQ(meta.getDevice().getElementArray().size(), 2);
-    EXPECT_EQ(meta.getDevice().getElementArray()[1].getSoftware(), "0.90");
+    EXPECT_EQ(meta.getKlvPacketArray().value(1).getLengthValue(), "0B02");
+    EXPECT_EQ(meta.getVideoFormat().getVideoLayout().getPullDownSetting().getFramePhase(), "0");
+    EXPECT_EQ(meta.getDevice().getElementArray().value(1).getSoftware(), "0.90");
     EXPECT_EQ(meta.getLens(), "ZOOM-14");
-    EXPECT_EQ(meta.getCreator(), "");
-    EXPECT_EQ(meta.getTitle().getUsAscii(), "Harbour at dawn");
     EXPECT_EQ(meta.getTitle().getAlias().getLang(), "ja");
     EXPECT_EQ(meta.getTitle().getAlias().getValue(), QString::fromUtf8("夜明けの港"));
     EXPECT_EQ(meta.getDescription(), "Two boats & a crane");
@@ -138,9 +122,7 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     EXPECT_EQ(few.getNonMetaHeader().getXsi_schema(), "");
     EXPECT_EQ(few.getTargetMaterial().getStatus(), "NG");
     EXPECT_TRUE(few.getBasicChangeArray().isEmpty());
-    EXPECT_EQ(few.getVideoFormat().getVideoFrame().getFormatFps(), "25p");
     EXPECT_TRUE(few.getAudioFormat().getRecPortArray().isEmpty());
-    EXPECT_EQ(few.getTitle().getUsAscii(), "");
 }
 
 TEST_F(NonMetaAcssTest, SavedWithoutChangesKeepsEverything)
