@@ -121,16 +121,12 @@ TEST(DomXmlParseTest, EditsFollowTheCursorAndTheEmptyValueRule)
     ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/lib:Alias"), 1);
     EXPECT_EQ(xml.getIndexByParent(), 3);
 
-    // Removal: children counted, removed node no longer current.
-    ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Unknown"), 1);
-    EXPECT_EQ(xml.removeChildNode(), 0);
+    // Removal: the removed node is no longer current.
     ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[2]"), 1);
-    EXPECT_EQ(xml.removeChildNode(), 1);
     EXPECT_EQ(xml.removeAttribute("umid"), 1);
     EXPECT_EQ(xml.getAttributeValue("umid"), "");
     EXPECT_EQ(xml.removeElement(), 1);
     EXPECT_EQ(xml.removeElement(), -1);
-    EXPECT_EQ(xml.removeChildNode(), -1);
     EXPECT_EQ(xml.removeAttribute("x"), -1);
     EXPECT_EQ(xml.addElement("X", ""), 0);
     EXPECT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material"), 2);

@@ -253,11 +253,7 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     b.setFrameCount("100");
     b.setValue("B");
     ASSERT_TRUE(acss.updateBasicChangeTable({a, b}));
-    ASSERT_TRUE(acss.setLens("WIDE-1"));
     ASSERT_TRUE(acss.setDescription("note"));
-    DOSubStream sub;
-    sub.setCodec("AVC");
-    ASSERT_TRUE(acss.setSubStream(sub));
     DOAudioFormat audio;
     DOAudioRecPort port;
     port.setPort("OTHERS");
@@ -277,13 +273,11 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     ASSERT_TRUE(acss.save());
 
     const XmlNode root = readXmlOutline(path);
-    EXPECT_EQ(root.childNames(), Names({"TargetMaterial", "Duration",       "Genlock",
-                                        "LtcChangeTable", "CreationDate",   "LastUpdate",
-                                        "TypicalUbit",    "KeyFrame",       "BodyUmidBasicChangeTable",
-                                        "Battery",        "KlvPacketTable", "VideoFormat",
-                                        "AudioFormat",    "SubStream",      "Device",
-                                        "Lens",           "Creator",        "Title",
-                                        "Description",    "RecordingMode"}));
+    EXPECT_EQ(
+        root.childNames(),
+        Names({"TargetMaterial", "Duration", "Genlock", "LtcChangeTable", "CreationDate", "LastUpdate",
+               "TypicalUbit", "KeyFrame", "BodyUmidBasicChangeTable", "Battery", "KlvPacketTable",
+               "VideoFormat", "AudioFormat", "Device", "Creator", "Title", "Description", "RecordingMode"}));
     EXPECT_EQ(root.child("Title")->attributes, (QList<std::pair<QString, QString>>{{"usAscii", ""}}));
     EXPECT_TRUE(root.child("Title")->children.isEmpty());
     EXPECT_EQ(root.child("LtcChangeTable")->attributes,
@@ -300,7 +294,6 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     EXPECT_FALSE(root.child("AudioFormat")->hasAttribute("numOfChannel"));
     EXPECT_EQ(root.child("TargetMaterial")->attribute("status"), "NG");
     EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), "X");
-    EXPECT_FALSE(root.child("SubStream")->hasAttribute("clipBegin"));
     for (const XmlNode& element : root.children)
         EXPECT_EQ(element.namespaceUri, "urn:example:camera:nonRealTimeMeta") << element.name.toStdString();
 }
