@@ -112,15 +112,4 @@ TEST_F(TakeInfoAcssTest, ListsAreValidatedWholeBeforeAnyChange)
     EXPECT_FALSE(acss.setRefData({makeRef(kClip3, "0", "1", "")}, 1));
     EXPECT_FALSE(acss.setRefData({makeRef("urn:x'y", "0", "1", "0")}, 1));
     EXPECT_EQ(outline(), original);
-
-    // A ref may have an empty clipEnd; a known src is updated in place, not added.
-    ASSERT_TRUE(acss.setRefData({makeRef(kClip3, "5", "", "9"), makeRef(kClip1, "1", "299", "0")}, 1));
-    const XmlNode edited = outline();
-    const XmlNode* par = edited.child("body")->child("par");
-    EXPECT_EQ(par->childNames(), Names({"ref", "video", "audio", "audio", "metastream", "vx:Marker", "ref"}));
-    EXPECT_EQ(par->child("ref", 0)->attribute("clipBegin"), "1");
-    EXPECT_EQ(par->child("ref", 0)->attribute("vx:checksum"), "abc");
-    EXPECT_EQ(par->child("ref", 0)->attribute("header"), "h1"); // empty record fields leave values alone
-    EXPECT_EQ(par->child("ref", 1)->attribute("src"), kClip3);
-    EXPECT_FALSE(par->child("ref", 1)->hasAttribute("clipEnd"));
 }
