@@ -18,6 +18,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -61,35 +62,17 @@ const DOTakeData* takeWithUmid(const QList<DOTakeData>& takes, const QString& um
 }
 
 // Replaces the first match of a pattern in a file.
-bool editFile(const QString& path, const QString& from, const QString& to)
+bool editFile(const QString& path, const QString& pattern, const QString& to)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    QString text = QString::fromUtf8(file.readAll());
-    file.close();
-    if (!text.contains(from))
-        return false;
-    text.replace(text.indexOf(from), from.size(), to);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) > 0;
+    QString text = QString::fromUtf8(cwmeta::readBytes(path));
+    const QRegularExpressionMatch match = QRegularExpression(pattern).match(text);
+    return match.hasMatch() &&
+           cwmeta::writeBytes(path, text.replace(match.capturedStart(), match.capturedLength(), to).toUtf8());
 }
 
-QString creationDateAttribute(const QString& xmlPath)
+bool writeFile(const QString& path, const QByteArray& data)
 {
-    QFile file(xmlPath);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    const QString text = QString::fromUtf8(file.readAll());
-    const qsizetype at = text.indexOf("<CreationDate value=\"");
-    return at < 0 ? QString() : text.mid(at, text.indexOf('>', at) - at + 1);
-}
-
-void writeFile(const QString& path, const QByteArray& data)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(data);
+    return QDir().mkpath(QFileInfo(path).path()) && cwmeta::writeBytes(path, data);
 }
 
 class HouseKeepingTest : public cwtest::HomeTest
@@ -130,12 +113,12 @@ TEST_F(HouseKeepingTest, AFolderWithoutMediaProfileGetsOneListingEveryClipAndTak
     ASSERT_TRUE(QFile::remove(bpav + "/CUEUP.XML"));
     // The first clip was recorded last; the second multi-clip take lost a clip.
     const QString first = bpav + "/CLPR/ABC0001/ABC0001M01.XML";
-    ASSERT_TRUE(
-        editFile(first, creationDateAttribute(first), "<CreationDate value=\"2099-01-01T00:00:00+00:00\"/>"));
+    ASSERT_TRUE(editFile(first, "<CreationDate value=\"[^\"]*\"",
+                         "<CreationDate value=\"2099-01-01T00:00:00+00:00\""));
     const auto& broken = planned[6];
     ASSERT_EQ(broken.kind, "multi");
     ASSERT_TRUE(QDir(card.path(broken.clips[1].folder)).removeRecursively());
-    writeFile(bpav + "/CLPR/ABC0099/ABC0099M01.XML", "no essence"); // a folder without MP4
+    ASSERT_TRUE(writeFile(bpav + "/CLPR/ABC0099/ABC0099M01.XML", "no essence")); // a folder without MP4
 
     cwtest::MessageRecorder messages;
     BLHouseKeepingCtrl houseKeeping;
@@ -338,9 +321,9 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     const QString outside = outer.filePath("a/outside");
     const QString absolute = outer.filePath("absolute");
     // Folders without essence, the kind a rewrite deletes inside the card.
-    writeFile(outside + "/file/fileM01.XML", "sentinel 1");
-    writeFile(outside + "/linked/linkedM01.XML", "sentinel 2");
-    writeFile(absolute + "/fileM01.XML", "sentinel 3");
+    ASSERT_TRUE(writeFile(outside + "/file/fileM01.XML", "sentinel 1"));
+    ASSERT_TRUE(writeFile(outside + "/linked/linkedM01.XML", "sentinel 2"));
+    ASSERT_TRUE(writeFile(absolute + "/fileM01.XML", "sentinel 3"));
     ASSERT_TRUE(QFile::link(outside + "/linked", bpav + "/CLPR/LINKED"));
 
     // The media profile names files outside the card, relatively and absolutely.
@@ -383,9 +366,10 @@ TEST_F(HouseKeepingTest, NothingOutsideTheBpavFolderIsTouched)
     cwtest::MessageRecorder messages;
     QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
     sentinelsIntact();
-    for (const DOTakeData& t : takes)
-        if (t.getUmid() == QString(64, 'B') || t.getUmid() == QString(64, 'C'))
-            EXPECT_EQ(t.getTakeStatus(), 5);
+    for (const QChar umid : {'B', 'C'}) {
+        ASSERT_NE(takeWithUmid(takes, QString(64, umid)), nullptr);
+        EXPECT_EQ(takeWithUmid(takes, QString(64, umid))->getTakeStatus(), 5);
+    }
     ASSERT_TRUE(BLMediaProCtrl().createMediaPro(takes, work));
     sentinelsIntact();
     ASSERT_TRUE(QFile::remove(bpav + "/MEDIAPRO.XML"));
