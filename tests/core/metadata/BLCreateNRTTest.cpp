@@ -12,12 +12,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 using cwmeta::describe;
+using cwmeta::isDateTime;
 using cwmeta::readXmlOutline;
 using cwmeta::XmlNode;
 using cwtest::Mp4Builder;
@@ -28,11 +28,6 @@ namespace {
 
 const QString kClip = "P20260116093015_01";
 const QString kTakeDate = "2026-01-16T09:30:15+00:00";
-
-bool isDateTime(const QString& text)
-{
-    return QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)").match(text).hasMatch();
-}
 
 bool isRecent(const QString& text)
 {

@@ -42,12 +42,6 @@ QStringList savedOutline(const QString& path)
     return lines;
 }
 
-QString rootLine(const QStringList& outline)
-{
-    const qsizetype at = outline.indexOf(QRegularExpression("MediaProfile .*")); // whole lines
-    return at < 0 ? QString() : outline.at(at);
-}
-
 // The lines of the element that a line starts, up to its next sibling.
 QStringList block(const QStringList& outline, const QString& start)
 {

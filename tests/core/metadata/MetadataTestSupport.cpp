@@ -92,6 +92,12 @@ XmlNode readXmlOutline(const QString& path)
     return reader.hasError() ? XmlNode() : root;
 }
 
+bool isDateTime(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)"));
+    return form.match(text).hasMatch();
+}
+
 QString fixturePath(const QString& relative)
 {
     return QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/") + relative;

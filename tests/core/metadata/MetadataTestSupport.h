@@ -44,6 +44,9 @@ inline void PrintTo(const XmlNode& node, std::ostream* os)
 // The root element of a file; a node with an empty name when it is not well formed.
 XmlNode readXmlOutline(const QString& path);
 
+// A date and time as the card files write it: "2026-01-16T09:30:15+09:00".
+bool isDateTime(const QString& text);
+
 // Path of a committed fixture ("smi/C0001.SMI").
 QString fixturePath(const QString& relative);
 // Copies a fixture into a folder; answers the copy's path.
