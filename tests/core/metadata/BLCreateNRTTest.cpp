@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -105,13 +106,9 @@ protected:
     // The messages of the import's metadata lines (process 7001).
     QStringList logLines()
     {
-        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
         QStringList lines;
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            if (line.section(' ', 2).startsWith("7001:"))
-                lines << line.section(' ', 2).mid(5);
+        for (const QString& line : cwmeta::logLines(home().stateHome()).filter(QRegularExpression("^7001:")))
+            lines << line.mid(5);
         return lines;
     }
 

@@ -84,16 +84,7 @@ protected:
         cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
     }
 
-    QStringList logLines()
-    {
-        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
-        QStringList lines;
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            lines << line.section(' ', 2); // "PPPP:message"
-        return lines;
-    }
+    QStringList logLines() { return cwmeta::logLines(home().stateHome()); }
 
     QStringList cancelLines() { return logLines().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step"); }
 };
