@@ -1,5 +1,3 @@
-// What the import learns of an MP4 file; the formats a camera records are
-// checked against the card generator elsewhere, these are the edges.
 #include "core/metadata/BLBIMCtrl.h"
 #include "support/Mp4Builder.h"
 #include "support/TestEnvironment.h"
@@ -10,6 +8,8 @@
 
 using cwtest::Mp4Builder;
 
+// What the import learns of an MP4 file; the formats a camera records are
+// checked against the card generator elsewhere, these are the edges.
 namespace {
 
 class BIMCtrlTest : public cwtest::HomeTest

@@ -1,16 +1,16 @@
-#include "MetadataTestSupport.h"
-
-#include "core/common/BLAtomicFile.h"
-#include "core/metadata/BLCueupInfoAcss.h"
 #include "core/metadata/BLDomXmlParse.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/metadata/BLNonMetaAcss.h"
-#include "core/metadata/BLTakeInfoAcss.h"
+#include "core/common/BLAtomicFile.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include "MetadataTestSupport.h"
+#include "core/metadata/BLCueupInfoAcss.h"
+#include "core/metadata/BLMediaProfileAcss.h"
+#include "core/metadata/BLNonMetaAcss.h"
+#include "core/metadata/BLTakeInfoAcss.h"
 
 #include <gtest/gtest.h>
 

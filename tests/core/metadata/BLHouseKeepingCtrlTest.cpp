@@ -1,11 +1,9 @@
 // Housekeeping on generated cards: the takes a pane gets, the index files it
 // repairs, its cancel points and messages, and that nothing outside the
 // card's BPAV folder is ever touched.
-#include "MetadataTestSupport.h"
-
+#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/app/BLLogCtrl.h"
 #include "core/common/BLCommon.h"
-#include "core/metadata/BLHouseKeepingCtrl.h"
 #include "core/metadata/BLMediaProfileAcss.h"
 #include "core/model/BLMediaProCtrl.h"
 #include "support/AsOrdinaryUser.h"
@@ -13,6 +11,8 @@
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
+
+#include "MetadataTestSupport.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
