@@ -7,15 +7,8 @@
 #include <QTemporaryDir>
 
 #include "MetadataTestSupport.h"
-#include "core/metadata/BLCueupInfoAcss.h"
-#include "core/metadata/BLMediaProfileAcss.h"
-#include "core/metadata/BLNonMetaAcss.h"
-#include "core/metadata/BLTakeInfoAcss.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <tuple>
 
 namespace {
 const QByteArray kProfile = R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -172,11 +165,10 @@ TEST(DomXmlParseTest, CreatedDocumentsHeadersAndNamespaces)
     EXPECT_EQ(again.selectNodeArray("/CueUpInfo/lib:Alias"), 1);
 }
 
-TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuicklyByTheParserAndEveryReader)
+TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuickly)
 {
     QElapsedTimer timer;
     timer.start();
-    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
     QList<QByteArray> hostile = cwmeta::hostileDocuments("r");
     hostile << QByteArray("\xff\xfe<\0r\0/\0>\0", 10)                               // UTF-16 hiding a doctype
             << QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000) // deep nesting
@@ -190,52 +182,7 @@ TEST(DomXmlParseTest, HostileDocumentsAreRefusedQuicklyByTheParserAndEveryReader
     // An attribute value above the parser's own limit, in a file within the size limit.
     EXPECT_FALSE(BLDomXmlParse().loadXmlData("<r a=\"" + QByteArray(12 * 1024 * 1024, 'x') + "\"/>"));
 
-    // Each card file reader refuses the same documents with its own root, and
-    // a 50 MB attribute by size; nothing is read, written or saved.
-    QTemporaryDir dir;
-    using Reader = std::function<bool(const QString&)>; // true when a load, read or save succeeded
-    const std::tuple<QByteArray, QString, Reader> readers[] = {
-        {"MediaProfile", "MEDIAPRO.XML",
-         [](const QString& folder) {
-             BLMediaProfileAcss acss;
-             DOMediaProfileData data;
-             return acss.loadForFolderPath(folder) || acss.getMediaPro(data, "", 0) || acss.save("");
-         }},
-        {"cueupinfo", "CUEUP.XML",
-         [](const QString& folder) {
-             BLCueupInfoAcss acss;
-             DOClip clip;
-             return acss.loadForFolderPath(folder) || acss.getClipData(clip) || acss.save();
-         }},
-        {"NonRealTimeMeta", "C0001M01.XML",
-         [](const QString& folder) {
-             BLNonMetaAcss acss;
-             DONonRealTimeMeta meta;
-             return acss.loadForFilePath(folder + "/C0001M01.XML") || acss.getNonMetaData(meta, "en") ||
-                    acss.setCreator("x") || acss.save();
-         }},
-        {"smil", "C0001.SMI",
-         [](const QString& folder) {
-             BLTakeInfoAcss acss;
-             DOTSmil smil;
-             return acss.loadForFilePath(folder + "/C0001.SMI") || acss.getSmilData(smil, "") || acss.save();
-         }},
-    };
-    for (const auto& [root, file, anythingDone] : readers) {
-        SCOPED_TRACE(file.toStdString());
-        const QString path = dir.filePath(file);
-        for (const QByteArray& doc : cwmeta::hostileDocuments(root)) {
-            ASSERT_TRUE(cwmeta::writeBytes(path, doc));
-            EXPECT_FALSE(anythingDone(dir.path())) << doc.left(60).constData();
-            EXPECT_EQ(cwmeta::readBytes(path), doc);
-        }
-        ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(path, root));
-        EXPECT_FALSE(anythingDone(dir.path()));
-        QFile::remove(path);
-        EXPECT_FALSE(anythingDone(dir.path())) << "a missing file";
-    }
     EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 TEST(DomXmlParseTest, SavesAreAtomic)

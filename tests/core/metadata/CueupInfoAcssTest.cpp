@@ -125,3 +125,12 @@ TEST_F(CueupInfoAcssTest, CameraFileIsEditedInPlaceAndKeepsForeignContent)
               cwmeta::joined({R"(cueupinfo xmlns="urn:x")", "  other", "  history",
                               R"(    clip uri="./CLPR/A0001/A0001.SMI" umid="U" ftc="F")"}));
 }
+
+TEST_F(CueupInfoAcssTest, HostileFilesAreRefused)
+{
+    cwmeta::expectHostileFilesRefused("cueupinfo", "CUEUP.XML", [](const QString& folder) {
+        BLCueupInfoAcss acss;
+        DOClip clip;
+        return acss.loadForFolderPath(folder) || acss.getClipData(clip) || acss.save();
+    });
+}

@@ -506,3 +506,12 @@ TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
     EXPECT_GT(component("./CLPR/A0001/b0002.SMI").compareByUri(component("./CLPR/Z0001/B0001.SMI")), 0);
     EXPECT_EQ(component("./x/ABC.SMI").compareByUri(component("./y/abc.smi")), 0);
 }
+
+TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)
+{
+    cwmeta::expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
+        BLMediaProfileAcss acss;
+        DOMediaProfileData data;
+        return acss.loadForFolderPath(folder) || acss.getMediaPro(data, "", 0) || acss.save("");
+    });
+}

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 #include <ostream>
 #include <string>
 #include <utility>
@@ -69,9 +71,11 @@ std::string joined(const QStringList& lines);
 // Documents a metadata reader must refuse, each with the given root element:
 // an external entity, an entity-expansion bomb, invalid UTF-8, a broken tag.
 QList<QByteArray> hostileDocuments(const QByteArray& root);
-// Writes a document whose one attribute value is 50 MB, in pieces.
-bool writeHugeAttributeDocument(const QString& path, const QByteArray& root);
-// The process's peak resident memory in KiB (0 when unknown).
-qint64 peakMemoryKiB();
+// Writes each of those documents as folder/file, then one whose attribute is
+// 50 MB, then none at all: anythingDone (a load, read or save of a reader
+// that succeeded) must answer false every time, the file must stay as it
+// was written, and the whole must take little time and memory.
+void expectHostileFilesRefused(const QByteArray& root, const QString& file,
+                               const std::function<bool(const QString& folder)>& anythingDone);
 
 } // namespace cwmeta

@@ -395,3 +395,13 @@ TEST_F(NonMetaAcssTest, NewDocumentsAndTheHeaderRecord)
     DONonRealTimeMeta meta;
     EXPECT_FALSE(wrongKind.getNonMetaData(meta, "en"));
 }
+
+TEST_F(NonMetaAcssTest, HostileFilesAreRefused)
+{
+    expectHostileFilesRefused("NonRealTimeMeta", "C0001M01.XML", [](const QString& folder) {
+        BLNonMetaAcss acss;
+        DONonRealTimeMeta meta;
+        return acss.loadForFilePath(folder + "/C0001M01.XML") || acss.getNonMetaData(meta, "en") ||
+               acss.setCreator("x") || acss.save();
+    });
+}

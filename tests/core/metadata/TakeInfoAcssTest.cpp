@@ -113,3 +113,12 @@ TEST_F(TakeInfoAcssTest, ListsAreValidatedWholeBeforeAnyChange)
     EXPECT_FALSE(acss.setRefData({makeRef("urn:x'y", "0", "1", "0")}, 1));
     EXPECT_EQ(outline(), original);
 }
+
+TEST_F(TakeInfoAcssTest, HostileFilesAreRefused)
+{
+    expectHostileFilesRefused("smil", "C0001.SMI", [](const QString& folder) {
+        BLTakeInfoAcss acss;
+        DOTSmil smil;
+        return acss.loadForFilePath(folder + "/C0001.SMI") || acss.getSmilData(smil, "") || acss.save();
+    });
+}
