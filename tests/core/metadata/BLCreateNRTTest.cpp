@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 using cwmeta::describe;
+using cwmeta::isDateTime;
 using cwmeta::readXmlOutline;
 using cwmeta::XmlNode;
 using cwtest::Mp4Builder;
@@ -28,11 +29,6 @@ namespace {
 
 const QString kClip = "P20260116093015_01";
 const QString kTakeDate = "2026-01-16T09:30:15+00:00";
-
-bool isDateTime(const QString& text)
-{
-    return QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)").match(text).hasMatch();
-}
 
 bool isRecent(const QString& text)
 {
@@ -110,13 +106,9 @@ protected:
     // The messages of the import's metadata lines (process 7001).
     QStringList logLines()
     {
-        QFile log(home().stateHome() + "/Clipwright/Clipwright.log");
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
         QStringList lines;
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            if (line.section(' ', 2).startsWith("7001:"))
-                lines << line.section(' ', 2).mid(5);
+        for (const QString& line : cwmeta::logLines(home().stateHome()).filter(QRegularExpression("^7001:")))
+            lines << line.mid(5);
         return lines;
     }
 
@@ -208,62 +200,37 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
         QByteArray sequenceStart;
         QString takeLtc;      // first LTC value of a re-imported take
         QString tcFps;        // overrides the examined base when set ("" clears it)
-        qint64 duration = -1; // overrides the examined frame count
-        const char* expected;
+        qint64 duration;      // overrides the examined frame count when not -1
+        QStringList expected; // tcFps, first frame and value, last frame and value
     };
     const QByteArray i5994 = mpeg2SequenceStart(1920, 1080, 3, 4, false);
     const QByteArray p50 = mpeg2SequenceStart(1280, 720, 3, 6, true);
     const QByteArray p2398 = mpeg2SequenceStart(1920, 1080, 3, 1, true);
     const Case cases[] = {
-        {"one frame",
-         1,
-         i5994,
-         {},
-         "-",
-         -1,
-         "<LtcChangeTable tcFps=\"30\">\n"
-         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
+        {"one frame", 1, i5994, {}, "-", -1, {"30", "...", "00000000", "...", "00000000"}},
         {"50p counts time code frames at half the rate",
          12,
          p50,
          {},
          "-",
          -1,
-         "<LtcChangeTable tcFps=\"25\">\n"
-         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"11\" value=\"45000000\" status=\"end\">\n"},
-        {"23.98p",
-         30,
-         p2398,
-         {},
+         {"25", "0", "40000000", "11", "45000000"}},
+        {"23.98p", 30, p2398, {}, "-", -1, {"24", "0", "40000000", "29", "45010000"}},
+        {"a non-drop take at 59.94i",
+         1802,
+         i5994,
+         "01000000",
          "-",
          -1,
-         "<LtcChangeTable tcFps=\"24\">\n"
-         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"29\" value=\"45010000\" status=\"end\">\n"},
-        {"a non-drop take at 59.94i", 1802, i5994, "01000000", "-", -1,
-         "<LtcChangeTable tcFps=\"30\">\n"
-         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"1801\" value=\"41000100\" status=\"end\">\n"},
-        {"no time-code base",
-         12,
-         i5994,
-         {},
-         "",
-         -1,
-         "<LtcChangeTable tcFps=\"...\">\n"
-         "  <LtcChange frameCount=\"0\" value=\"00000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"11\" value=\"00000000\" status=\"end\">\n"},
+         {"30", "0", "40000000", "1801", "41000100"}},
+        {"no time-code base", 12, i5994, {}, "", -1, {"...", "0", "00000000", "11", "00000000"}},
         {"duration and last frame disagree",
          12,
          i5994,
          {},
          "-",
          20,
-         "<LtcChangeTable tcFps=\"30\">\n"
-         "  <LtcChange frameCount=\"0\" value=\"40000000\" status=\"increment\">\n"
-         "  <LtcChange frameCount=\"...\" value=\"00000000\" status=\"end\">\n"},
+         {"30", "0", "40000000", "...", "00000000"}},
     };
     BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
     for (const Case& c : cases) {
@@ -284,7 +251,12 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
         if (c.duration >= 0)
             bim->setDuration(quint32(c.duration));
         ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
-        EXPECT_EQ(outline(readXmlOutline(nonMeta()).child("LtcChangeTable")), c.expected);
+        const QStringList& e = c.expected;
+        EXPECT_EQ(outline(readXmlOutline(nonMeta()).child("LtcChangeTable")),
+                  QString("<LtcChangeTable tcFps=\"%1\">\n"
+                          "  <LtcChange frameCount=\"%2\" value=\"%3\" status=\"increment\">\n"
+                          "  <LtcChange frameCount=\"%4\" value=\"%5\" status=\"end\">\n")
+                      .arg(e[0], e[1], e[2], e[3], e[4]));
     }
 }
 

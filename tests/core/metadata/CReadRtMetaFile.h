@@ -22,12 +22,15 @@ struct BimFile
 {
     QByteArray schemaUri = "urn:schemas-professionalDisc:realTimeMeta:cameraMeta";
     QByteArray locationHint = "./RealTimeMetaCameraMeta.xsd";
-    QList<quint32> timeCodes;     // one unit per entry: bytes frames, seconds, minutes, hours
-    qint64 unitCount = -1;        // N; -1: timeCodes.size() + 1
-    qint64 lengthDelta = 0;       // added to the initial description length the reader expects
-    quint32 skipBits = 8 * 12;    // B: the header announces B / 8 bytes to skip
+    QList<quint32> timeCodes;  // one unit per entry: bytes frames, seconds, minutes, hours
+    qint64 unitCount = -1;     // N; -1: timeCodes.size() + 1
+    qint64 lengthDelta = 0;    // added to the initial description length the reader expects
+    quint32 skipBits = 8 * 12; // B: the header announces B / 8 bytes to skip
 
-    quint64 units() const { return unitCount < 0 ? quint64(timeCodes.size()) : unitCount > 0 ? quint64(unitCount - 1) : 0; }
+    quint64 units() const
+    {
+        return unitCount < 0 ? quint64(timeCodes.size()) : unitCount > 0 ? quint64(unitCount - 1) : 0;
+    }
 
     QByteArray bytes() const
     {

@@ -5,13 +5,12 @@
 #include "support/TestEnvironment.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <type_traits>
 
 namespace {
 const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
@@ -41,12 +40,6 @@ QStringList savedOutline(const QString& path)
     for (QString& line : lines)
         line.replace(stamp, R"(createdAt="*")");
     return lines;
-}
-
-QString rootLine(const QStringList& outline)
-{
-    const qsizetype at = outline.indexOf(QRegularExpression("MediaProfile .*")); // whole lines
-    return at < 0 ? QString() : outline.at(at);
 }
 
 // The lines of the element that a line starts, up to its next sibling.
@@ -98,57 +91,56 @@ QStringList uris(const QList<DOMaterial>& materials)
     return list;
 }
 
+// A record from the fields describeFile lists, '|' between them; missing ones stay empty.
+template <class Record> Record fileRecord(const QString& fields)
+{
+    const QStringList f = fields.split('|');
+    Record r;
+    r.setUri(f.value(0));
+    r.setType(f.value(1));
+    r.setVideoType(f.value(2));
+    r.setAudioType(f.value(3));
+    r.setFps(f.value(4));
+    r.setDur(f.value(5));
+    r.setCh(f.value(6));
+    r.setAspectRatio(f.value(7));
+    r.setOffset(f.value(8));
+    r.setUmid(f.value(9));
+    return r;
+}
+
+// The record on a medium of the card kind.
+template <class Record> Record onMedium(Record r, const QString& mediaId, const QString& mediaName = {})
+{
+    r.setMediaId(mediaId);
+    r.setMediaKind("ProfessionalMemoryCard");
+    if constexpr (std::is_same_v<Record, DOComponent>)
+        r.setMediaName(mediaName);
+    return r;
+}
+
 // A clip material as the folder scanner builds it: take info, its MP4 and
 // three metadata files.
 DOMaterial clipMaterial(const QString& clip)
 {
     const QString base = QStringLiteral("./CLPR/%1/%1").arg(clip);
-    DOMaterial material;
-    material.setUri(base + ".SMI");
-    material.setType("PD-EDL");
-    material.setFps("59.94i");
-    material.setDur("600");
-    material.setCh("4");
-    material.setAspectRatio("16:9");
-    material.setOffset("0");
-    material.setUmid("UMID-" + clip);
+    DOMaterial material = fileRecord<DOMaterial>(base + ".SMI|PD-EDL|||59.94i|600|4|16:9|0|UMID-" + clip);
     material.setMPStatus("0");
-    DOComponent essence;
-    essence.setUri(base + ".MP4");
-    essence.setType("MP4");
-    essence.setVideoType("MPEG2HD35_1920_1080_MP@HL");
-    essence.setAudioType("LPCM16");
-    essence.setFps("59.94i");
-    essence.setDur("600");
-    essence.setCh("4");
-    essence.setAspectRatio("16:9");
-    essence.setOffset("0");
-    material.addComponent(essence);
-    const QStringList files{"M01.XML", "R01.BIM", "I01.PPN"};
-    const QStringList types{"XML", "BiM", "PPN"};
-    for (int i = 0; i < 3; ++i) {
-        DORelevantInfo info;
-        info.setUri(base + files.at(i));
-        info.setType(types.at(i));
-        material.addRelevantInfo(info);
-    }
+    material.addComponent(
+        fileRecord<DOComponent>(base + ".MP4|MP4|MPEG2HD35_1920_1080_MP@HL|LPCM16|59.94i|600|4|16:9|0"));
+    for (const char* info : {"M01.XML|XML", "R01.BIM|BiM", "I01.PPN|PPN"})
+        material.addRelevantInfo(fileRecord<DORelevantInfo>(base + info));
     return material;
 }
 
-// Runs the rewrite a folder gets after an operation: replace the contents
-// with these materials, set the version, save with the media id.
-bool rebuild(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials, const QString& mediaId)
+// The rewrite a folder gets after an operation: the materials replaced, the
+// version set, saved with the stored media id.
+bool replace(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials)
 {
-    acss.delContentsData(); // false when there was no Contents yet
-    if (acss.setMaterialData(materials) != 0)
-        return false;
-    for (const DOMaterial& m : materials) {
-        if (!m.getComponent().isEmpty() && acss.setComponentData(m.getComponent(), m.getUri()) != 0)
-            return false;
-        if (!m.getRelevantInfo().isEmpty() && acss.setRelevantInfoDaata(m.getRelevantInfo(), m.getUri()) != 0)
-            return false;
-    }
-    return acss.updateVersion("1.10") && acss.save(mediaId);
+    DOAttached attached;
+    acss.getAttachedData(attached);
+    return acss.replaceMaterialData(materials) == 0 && acss.updateVersion("1.10") &&
+           acss.save(attached.getMediaId());
 }
 
 } // namespace
@@ -209,21 +201,42 @@ TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
                       umidOf[5] + " R:,,./TAKR/T0001/T0001M01.XML|XML||||||||",
               })));
 
-    // The single-kind readers agree with the full read.
-    DOSystem system;
-    ASSERT_TRUE(acss.getSystemData(system));
-    EXPECT_EQ(system.getSystemKind(), "Camera CX-100 ver.1.10");
-    EXPECT_EQ(acss.getComponentData("", "").size(), 4);
-    EXPECT_EQ(acss.getProxyData("./CLPR/A0001/A0001.SMI", "").size(), 1);
-    EXPECT_EQ(acss.getRelevantInfoData("./CLPR/A0002/A0002.SMI", "").size(), 3);
+    // Search modes: 1 clips, 2 takes, 0 any; the children of a found material
+    // are filtered by the take id itself, so a take's clips are not its children.
+    const struct
+    {
+        QString id;
+        int mode;
+        QStringList uris;
+        int components, proxies, infos; // of the first found
+    } searches[] = {
+        {"", 1, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
+        {"", 2, {"./TAKR/T0001/T0001.SMI"}, 2, 0, 1},
+        {"A000", 0, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
+        {"A0001", 1, {"./CLPR/A0001/A0001.SMI"}, 1, 1, 3},
+        {"T0001", 2, {"./TAKR/T0001/T0001.SMI"}, 0, 0, 1},
+        {"A0001", 2, {}, 0, 0, 0},
+        {"T0001", 1, {}, 0, 0, 0},
+    };
+    for (const auto& s : searches) {
+        SCOPED_TRACE(s.id.toStdString() + " mode " + std::to_string(s.mode));
+        const QList<DOMaterial> found = acss.getMaterialData(s.id, s.mode);
+        EXPECT_EQ(uris(found), s.uris);
+        if (found.isEmpty())
+            continue;
+        EXPECT_EQ(found[0].getComponent().size(), s.components);
+        EXPECT_EQ(found[0].getProxy().size(), s.proxies);
+        EXPECT_EQ(found[0].getRelevantInfo().size(), s.infos);
+    }
+    ASSERT_TRUE(acss.getMediaPro(data, "", 2));
+    EXPECT_EQ(data.getMaterial().size(), 1);
+    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
 }
 
-TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
+TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
 {
     const QString folder = cameraFolder();
     const QStringList before = savedOutline(kFixture);
-    ASSERT_FALSE(before.isEmpty());
-
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
     DOAttached attached;
@@ -231,176 +244,73 @@ TEST_F(MediaProfileAcssTest, EditsKeepForeignContentAndFormatOrder)
     attached.setMediaName("Wedding A2");
     EXPECT_EQ(acss.setAttachedData(attached), 0);
 
-    // An existing material: changed values in place, empty fields leave stored ones.
-    DOMaterial a0002;
-    a0002.setUri("./CLPR/A0002/A0002.SMI");
-    a0002.setDur("451");
-    a0002.setMPStatus("5");
-    EXPECT_EQ(acss.setMaterialData({a0002}), 0);
-    // New children land after their own kind, before the kinds that follow it.
-    DOProxy proxy;
-    proxy.setUri("./CLPR/A0002/A0002P.MP4");
-    proxy.setType("MP4");
-    EXPECT_EQ(acss.setProxyData({proxy}, "./CLPR/A0002/A0002.SMI"), 0);
-    DOComponent remote;
-    remote.setMediaId("00112233445566778899AABBCCDDEEFF");
-    remote.setMediaKind("ProfessionalMemoryCard");
-    remote.setMediaName("Wedding C");
-    remote.setUri("file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI");
-    remote.setType("PD-EDL");
-    remote.setUmid("UMID-C0001");
-    EXPECT_EQ(acss.setComponentData({remote}, "./TAKR/T0001/T0001.SMI"), 0);
-    DORelevantInfo nrt;
-    nrt.setUri("./CLPR/A0001/A0001M01.XML");
-    nrt.setUmid("UMID-NRT");
-    EXPECT_EQ(acss.setRelevantInfoDaata({nrt}, "./CLPR/A0001/A0001.SMI"), 0);
-    // A new material with its files.
-    const DOMaterial a0004 = clipMaterial("A0004");
-    EXPECT_EQ(acss.setMaterialData({a0004}), 0);
-    EXPECT_EQ(acss.setComponentData(a0004.getComponent(), a0004.getUri()), 0);
-    EXPECT_EQ(acss.setRelevantInfoDaata(a0004.getRelevantInfo(), a0004.getUri()), 0);
-    EXPECT_TRUE(acss.updateVersion("1.10"));
+    // A0002 left the folder, the take comes first, A0001 is shorter and its
+    // record carries no proxy, A0004 came in.
+    QList<DOMaterial> materials = acss.getMaterialData("", 0);
+    ASSERT_EQ(materials.size(), 4);
+    materials[0].setDur("301");
+    materials[0].setProxy({});
+    DOMaterial noUri;
+    noUri.setTitle("x");
+    EXPECT_EQ(acss.replaceMaterialData({materials[0], noUri}), -1);
+    ASSERT_EQ(acss.replaceMaterialData({materials[3], materials[0], materials[2], clipMaterial("A0004")}), 0);
+    ASSERT_TRUE(acss.updateVersion("1.10"));
     ASSERT_TRUE(acss.save(kCameraMediaId));
 
+    // Foreign attributes and children, A0001's proxy and the playlist stay.
     QStringList expected = before;
-    auto replace = [&expected](const QString& from, const QString& to) {
-        const qsizetype at = expected.indexOf(from);
-        ASSERT_GE(at, 0) << from.toStdString();
-        expected[at] = to;
+    auto at = [&expected](const QString& text) { return expected.indexOf(expected.filter(text).value(0)); };
+    auto take = [&](const QString& text) {
+        const QStringList lines = block(expected, expected.value(at(text)));
+        expected.remove(at(text), lines.size());
+        return lines;
     };
-    auto insertAfter = [&expected](const QString& line, const QStringList& lines) {
-        const qsizetype at = expected.indexOf(line);
-        ASSERT_GE(at, 0) << line.toStdString();
+    auto insert = [&expected](qsizetype where, const QStringList& lines) {
         for (qsizetype i = 0; i < lines.size(); ++i)
-            expected.insert(at + 1 + i, lines.at(i));
+            expected.insert(where + i, lines.at(i));
     };
-    const QString root = rootLine(expected);
-    replace(root, QString(root).replace(R"(version="1.20")", R"(version="1.10")"));
-    replace(
-        R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")",
-        R"(    Attached mediaId="1234567890ABCDEF1234567890ABCDEF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A2" cam:slot="A")");
-    const QString oldA0002 =
-        R"(    Material uri="./CLPR/A0002/A0002.SMI" type="PD-EDL" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012350800460202123456" status="0")";
-    replace(
-        oldA0002,
-        QString(oldA0002).replace(R"(dur="450")", R"(dur="451")").replace(R"(status="0")", R"(status="5")"));
-    insertAfter(
-        R"(      Component uri="./CLPR/A0002/A0002.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="450" ch="2" aspectRatio="16:9" offset="0")",
-        {R"(      Proxy mediaId="" uri="./CLPR/A0002/A0002P.MP4" type="MP4")"});
-    insertAfter(
-        R"(      Component mediaId="FEDCBA0987654321FEDCBA0987654321" mediaKind="ProfessionalMemoryCard" mediaName="Wedding B" uri="file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI" type="PD-EDL" umid="060A2B340101010501010D431300000000123456789012380800460202123456")",
-        {R"(      Component mediaId="00112233445566778899AABBCCDDEEFF" mediaKind="ProfessionalMemoryCard" mediaName="Wedding C" uri="file://00112233445566778899AABBCCDDEEFF/CLPR/C0001/C0001.SMI" type="PD-EDL" umid="UMID-C0001")"});
-    replace(R"(      RelevantInfo uri="./CLPR/A0001/A0001M01.XML" type="XML")",
-            R"(      RelevantInfo uri="./CLPR/A0001/A0001M01.XML" type="XML" umid="UMID-NRT")");
-    insertAfter(
-        R"(      "./CLPR/A0002/A0002.SMI")",
+    expected[at("MediaProfile xmlns")].replace(R"(version="1.20")", R"(version="1.10")");
+    expected[at("mediaName=")].replace(R"(mediaName="Wedding A")", R"(mediaName="Wedding A2")");
+    expected[at("Material uri=\"./CLPR/A0001/")].replace(R"(dur="300")", R"(dur="301")");
+    take("Material uri=\"./CLPR/A0002/");
+    const QStringList takeBlock = take("Material uri=\"./TAKR/T0001/");
+    insert(at("Material uri=\"./CLPR/A0001/"), takeBlock);
+    insert(
+        at("cam:Playlist"),
         {R"(    Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0")",
          R"(      Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
          R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
          R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
          R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
     EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(expected));
-
-    // The saved file reads back with the same values.
-    BLMediaProfileAcss again;
-    ASSERT_TRUE(again.loadForFolderPath(folder));
-    const QList<DOMaterial> materials = again.getMaterialData("", 0);
-    ASSERT_EQ(materials.size(), 5);
-    EXPECT_EQ(describe(materials.last()), describe(a0004));
 }
 
-TEST_F(MediaProfileAcssTest, RebuildKeepsTheHeaderAndReplacesTheContents)
+TEST_F(MediaProfileAcssTest, ReplacementsReadBackExactlyAtTheFolderLimit)
 {
     const QString folder = cameraFolder();
-    const QStringList before = savedOutline(kFixture);
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
-    DOAttached attached;
-    ASSERT_TRUE(acss.getAttachedData(attached));
-
-    // The clip A0002 left the folder; the take and A0001 stay (without the
-    // proxy, which a rewrite does not carry), A0005 came in.
     QList<DOMaterial> materials = acss.getMaterialData("", 0);
-    materials.removeAt(1);
-    materials[0].setProxy({});
-    materials.append(clipMaterial("A0005"));
-    ASSERT_TRUE(rebuild(acss, materials, attached.getMediaId()));
-
-    const QStringList after = savedOutline(acss.filePath());
-    // Root (but the version), Properties and the foreign trailer are kept.
-    EXPECT_EQ(rootLine(after).toStdString(),
-              QString(rootLine(before)).replace(R"(version="1.20")", R"(version="1.10")").toStdString());
-    const QString properties = "  Properties";
-    EXPECT_EQ(cwmeta::joined(block(after, properties)), cwmeta::joined(block(before, properties)));
-    EXPECT_TRUE(after.contains(R"(  cam:Trailer checksum="9f2c")"));
-    EXPECT_LT(after.indexOf(properties), after.indexOf("  Contents"));
-    EXPECT_LT(after.indexOf("  Contents"), after.indexOf(R"(  cam:Trailer checksum="9f2c")"));
-    // Contents is exactly the new materials: the foreign playlist, the
-    // material markers and the proxy are gone, children are in format order.
-    const QStringList contents = block(after, "  Contents");
-    EXPECT_FALSE(contents.join('\n').contains("cam:")) << contents.join('\n').toStdString();
-    EXPECT_FALSE(contents.join('\n').contains("Proxy"));
-    EXPECT_EQ(
-        cwmeta::joined(contents.mid(contents.size() - 5)),
-        cwmeta::joined(QStringList(
-            {R"(    Material uri="./CLPR/A0005/A0005.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0005" status="0")",
-             R"(      Component uri="./CLPR/A0005/A0005.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005M01.XML" type="XML")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005R01.BIM" type="BiM")",
-             R"(      RelevantInfo uri="./CLPR/A0005/A0005I01.PPN" type="PPN")"})));
-    EXPECT_EQ(
-        contents.at(1),
-        R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="300" ch="2" aspectRatio="16:9" offset="0" umid="060A2B340101010501010D431300000000123456789012340800460202123456" status="0")");
-
+    for (int i = 5; materials.size() < 600; ++i)
+        materials.append(clipMaterial(QStringLiteral("A%1").arg(i, 4, 10, QLatin1Char('0'))));
+    ASSERT_TRUE(replace(acss, materials));
     BLMediaProfileAcss again;
     ASSERT_TRUE(again.loadForFolderPath(folder));
     EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(materials)));
-    DOAttached kept;
-    ASSERT_TRUE(again.getAttachedData(kept));
-    EXPECT_EQ(kept.getMediaId(), kCameraMediaId);
-}
 
-TEST_F(MediaProfileAcssTest, FullFolderRewritesReadBackExactly)
-{
-    // A folder at the 600-clip limit, rewritten twice: once from scratch and
-    // once in a different order with every third clip gone and a take added.
-    const QString folder = home().path("full/BPAV");
-    QDir().mkpath(folder);
-    QList<DOMaterial> materials;
-    for (int i = 1; i <= 600; ++i)
-        materials.append(clipMaterial(QStringLiteral("A%1").arg(i, 4, 10, QLatin1Char('0'))));
-    BLMediaProfileAcss created;
-    ASSERT_TRUE(created.createForFolderPath(folder));
-    ASSERT_TRUE(rebuild(created, materials, "ID"));
-
+    // Replaced over itself in another order with every third material gone.
     QList<DOMaterial> second;
     for (qsizetype i = materials.size() - 1; i >= 0; --i)
         if (i % 3 != 0)
             second.append(materials.at(i));
-    DOMaterial take;
-    take.setUri("./TAKR/T0001/T0001.SMI");
-    take.setType("PD-EDL");
-    for (int i = 1; i <= 3; ++i) {
-        DOComponent part;
-        part.setUri(second.at(i).getUri());
-        part.setType("PD-EDL");
-        part.setUmid(second.at(i).getUmid());
-        take.addComponent(part);
-    }
-    DORelevantInfo nrt;
-    nrt.setUri("./TAKR/T0001/T0001M01.XML");
-    nrt.setType("XML");
-    take.addRelevantInfo(nrt);
-    second.insert(200, take);
-
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(folder));
-    EXPECT_EQ(acss.getMaterialData("", 0).size(), 600);
-    ASSERT_TRUE(rebuild(acss, second, "ID"));
-    BLMediaProfileAcss again;
-    ASSERT_TRUE(again.loadForFolderPath(folder));
-    EXPECT_EQ(cwmeta::joined(describe(again.getMaterialData("", 0))), cwmeta::joined(describe(second)));
-    EXPECT_EQ(again.getMaterialData("", 2).size(), 1);
+    ASSERT_TRUE(replace(again, second));
+    BLMediaProfileAcss reread;
+    ASSERT_TRUE(reread.loadForFolderPath(folder));
+    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))), cwmeta::joined(describe(second)));
+    const QStringList outline = cwmeta::fileOutlineLines(reread.filePath());
+    EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")),
+              cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
+    EXPECT_EQ(outline.last(), R"(  cam:Trailer checksum="9f2c")");
 }
 
 TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
@@ -469,43 +379,30 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder + "/../BPAV/"));
     EXPECT_EQ(acss.filePath(), folder + "/MEDIAPRO.XML");
-    EXPECT_FALSE(acss.isLoaded());
     EXPECT_FALSE(QFile::exists(acss.filePath()));
-    DOSystem system;
-    EXPECT_FALSE(acss.getSystemData(system)); // a created document is not read back
 
     // Saving with empty text makes no media id for a created profile.
     ASSERT_TRUE(acss.save(""));
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 0);
-    const QByteArray text = cwmeta::readBytes(acss.filePath());
-    EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    ASSERT_EQ(outline.size(), 3) << outline.join('\n').toStdString();
     EXPECT_TRUE(
         QRegularExpression(
-            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"$)re")
-            .match(outline.at(0))
+            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
+            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"\n)re"
+            R"re(  Properties\n    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)re")
+            .match(outline.join('\n'))
             .hasMatch())
-        << outline.at(0).toStdString();
-    EXPECT_EQ(outline.at(1), "  Properties");
-    EXPECT_TRUE(
-        QRegularExpression(R"(^    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)")
-            .match(outline.at(2))
-            .hasMatch())
-        << outline.at(2).toStdString();
+        << outline.join('\n').toStdString();
 
     // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
     BLMediaProfileAcss loaded;
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
-    EXPECT_TRUE(loaded.getMaterialData("", 0).isEmpty());
-    ASSERT_TRUE(rebuild(loaded, {clipMaterial("A0001")}, "KEEP"));
-    const QStringList rebuilt = cwmeta::fileOutlineLines(loaded.filePath());
-    ASSERT_EQ(rebuilt.size(), 9);
-    EXPECT_EQ(rebuilt.at(3), "  Contents");
+    ASSERT_TRUE(replace(loaded, {clipMaterial("A0001")}));
+    const QStringList replaced = cwmeta::fileOutlineLines(loaded.filePath());
+    EXPECT_GT(replaced.indexOf("  Contents"), replaced.indexOf("  Properties"));
     BLMediaProfileAcss reread;
     ASSERT_TRUE(reread.loadForFolderPath(folder));
-    EXPECT_EQ(cwmeta::joined(describe(reread.getMaterialData("", 0))),
-              cwmeta::joined(QStringList{describe(clipMaterial("A0001"))}));
+    EXPECT_EQ(describe(reread.getMaterialData("", 0)), QStringList{describe(clipMaterial("A0001"))});
 }
 
 TEST_F(MediaProfileAcssTest, PropertiesWritersFollowTheirRules)
@@ -555,36 +452,21 @@ TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
     QDir().mkpath(folder);
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder));
-    DOMaterial material;
-    material.setUri("./TAKR/T0001/T0001.SMI");
-    material.setType("PD-EDL");
-    ASSERT_EQ(acss.setMaterialData({material}), 0);
+    const auto material = fileRecord<DOMaterial>("./TAKR/T0001/T0001.SMI|PD-EDL");
 
-    // Media attributes only for a component on another medium, and only when set.
-    DOComponent local;
-    local.setMediaId("ID1");
-    local.setMediaKind("ProfessionalMemoryCard");
-    local.setMediaName("Name");
-    local.setUri("./CLPR/A0001/A0001.SMI");
-    local.setType("PD-EDL");
-    DOComponent remote = local;
-    remote.setUri("file://ID1/CLPR/B0001/B0001.SMI");
-    remote.setMediaName("");
-    // A proxy always names its medium, even without an id; relevant infos never do.
-    DOProxy proxy;
-    proxy.setMediaKind("ProfessionalMemoryCard");
-    proxy.setUri("./CLPR/A0001/A0001P.MP4");
-    proxy.setFps("59.94i");
-    DORelevantInfo info;
-    info.setMediaId("ID1");
-    info.setMediaKind("ProfessionalMemoryCard");
-    info.setUri("./TAKR/T0001/T0001M01.XML");
-    info.setType("XML");
-    // Written out of format order on purpose: each lands among its own kind.
-    ASSERT_EQ(acss.setRelevantInfoDaata({info}, material.getUri()), 0);
-    ASSERT_EQ(acss.setProxyData({proxy}, material.getUri()), 0);
-    ASSERT_EQ(acss.setComponentData({local, remote}, material.getUri()), 0);
-    EXPECT_EQ(acss.setComponentData({local}, "./TAKR/T9999/T9999.SMI"), -1); // no such material
+    // Media attributes only for a component on another medium, and only when
+    // set; relevant infos never name their medium.
+    const auto local = onMedium(fileRecord<DOComponent>("./CLPR/A0001/A0001.SMI|PD-EDL"), "ID1", "Name");
+    const auto remote = onMedium(fileRecord<DOComponent>("file://ID1/CLPR/B0001/B0001.SMI|PD-EDL"), "ID1");
+    const auto proxy = onMedium(fileRecord<DOProxy>("./CLPR/A0001/A0001P.MP4||||59.94i"), "");
+    const auto info = onMedium(fileRecord<DORelevantInfo>("./TAKR/T0001/T0001M01.XML|XML"), "ID1");
+    // Given out of format order on purpose: each lands among its own kind; the
+    // proxy is not written by a replacement.
+    DOMaterial take = material;
+    take.setRelevantInfo({info});
+    take.setProxy({proxy});
+    take.setComponent({local, remote});
+    ASSERT_EQ(acss.replaceMaterialData({take}), 0);
     ASSERT_TRUE(acss.save(""));
 
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
@@ -594,100 +476,7 @@ TEST_F(MediaProfileAcssTest, ChildAttributesFollowTheFormatRules)
             {R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
              R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
              R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
-             R"(      Proxy mediaId="" mediaKind="ProfessionalMemoryCard" uri="./CLPR/A0001/A0001P.MP4" fps="59.94i")",
              R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
-}
-
-TEST_F(MediaProfileAcssTest, WritingTheSameUriUpdatesOneElement)
-{
-    QDir().mkpath(home().path("BPAV"));
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.createForFolderPath(home().path("BPAV")));
-    DOMaterial first = clipMaterial("A0001");
-    first.setTitle("First");
-    ASSERT_EQ(acss.setMaterialData({first}), 0);
-    DOMaterial second;
-    second.setUri(first.getUri());
-    second.setDur("999");
-    ASSERT_EQ(acss.setMaterialData({second}), 0);
-    ASSERT_EQ(acss.setComponentData(first.getComponent(), first.getUri()), 0);
-    DOComponent changed = first.getComponent().first();
-    changed.setDur("999");
-    ASSERT_EQ(acss.setComponentData({changed}, first.getUri()), 0);
-
-    // Uris holding quotes are matched like any other.
-    DOMaterial quoted = clipMaterial("Tom's \"best\"");
-    ASSERT_EQ(acss.setMaterialData({quoted}), 0);
-    ASSERT_EQ(acss.setMaterialData({quoted}), 0);
-    ASSERT_EQ(acss.setRelevantInfoDaata(quoted.getRelevantInfo(), quoted.getUri()), 0);
-    ASSERT_EQ(acss.setRelevantInfoDaata(quoted.getRelevantInfo(), quoted.getUri()), 0);
-
-    // Refused requests change nothing.
-    const QByteArray before = [&] {
-        EXPECT_TRUE(acss.save("ID"));
-        return cwmeta::readBytes(acss.filePath());
-    }();
-    DOMaterial noUri;
-    noUri.setTitle("x");
-    EXPECT_EQ(acss.setMaterialData({}), -1);
-    EXPECT_EQ(acss.setMaterialData({clipMaterial("A0009"), noUri}), -1);
-    EXPECT_EQ(acss.setComponentData({}, first.getUri()), -1);
-    EXPECT_EQ(acss.setComponentData({DOComponent()}, first.getUri()), -1);
-    ASSERT_TRUE(acss.save("ID"));
-    EXPECT_EQ(cwmeta::joined(cwmeta::outlineLines(cwmeta::readBytes(acss.filePath())).mid(1)),
-              cwmeta::joined(cwmeta::outlineLines(before).mid(1)));
-
-    BLMediaProfileAcss again;
-    ASSERT_TRUE(again.loadForFolderPath(home().path("BPAV")));
-    const QList<DOMaterial> materials = again.getMaterialData("", 0);
-    ASSERT_EQ(materials.size(), 2);
-    EXPECT_EQ(materials[0].getTitle(), "First");
-    EXPECT_EQ(materials[0].getDur(), "999");
-    EXPECT_EQ(materials[0].getFps(), "59.94i");
-    ASSERT_EQ(materials[0].getComponent().size(), 1);
-    EXPECT_EQ(materials[0].getComponent().first().getDur(), "999");
-    EXPECT_EQ(materials[1].getUri(), quoted.getUri());
-    EXPECT_EQ(materials[1].getRelevantInfo().size(), 3);
-}
-
-TEST_F(MediaProfileAcssTest, SearchModesSelectClipsTakesOrAnyUri)
-{
-    cameraFolder();
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(home().path("card/BPAV")));
-
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 1))),
-              cwmeta::joined(QStringList(
-                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("", 2))),
-              cwmeta::joined(QStringList({"./TAKR/T0001/T0001.SMI"})));
-    EXPECT_EQ(uris(acss.getMaterialData("", 0)).size(), 4);
-    EXPECT_EQ(cwmeta::joined(uris(acss.getMaterialData("A000", 0))),
-              cwmeta::joined(QStringList(
-                  {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"})));
-    EXPECT_TRUE(acss.getMaterialData("A0001", 2).isEmpty());
-    EXPECT_TRUE(acss.getMaterialData("T0001", 1).isEmpty());
-
-    // The children of a found material are filtered by the take id itself.
-    const QList<DOMaterial> clip = acss.getMaterialData("A0001", 1);
-    ASSERT_EQ(uris(clip), QStringList({"./CLPR/A0001/A0001.SMI"}));
-    EXPECT_EQ(clip[0].getComponent().size(), 1);
-    EXPECT_EQ(clip[0].getProxy().size(), 1);
-    EXPECT_EQ(clip[0].getRelevantInfo().size(), 3);
-    const QList<DOMaterial> take = acss.getMaterialData("T0001", 2);
-    ASSERT_EQ(uris(take), QStringList({"./TAKR/T0001/T0001.SMI"}));
-    EXPECT_TRUE(take[0].getComponent().isEmpty()); // its clips' uris do not name the take
-    EXPECT_EQ(take[0].getRelevantInfo().size(), 1);
-
-    EXPECT_EQ(acss.getComponentData("./TAKR/T0001/T0001.SMI", "B0001").size(), 1);
-    EXPECT_EQ(acss.getComponentData("./TAKR/T0001/T0001.SMI", "").size(), 2);
-    EXPECT_EQ(acss.getRelevantInfoData("", "PPN").size(), 2);
-    EXPECT_TRUE(acss.getProxyData("./CLPR/NONE.SMI", "").isEmpty());
-
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 2));
-    EXPECT_EQ(data.getMaterial().size(), 1);
-    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
 }
 
 TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
@@ -696,63 +485,13 @@ TEST_F(MediaProfileAcssTest, DeletionsCountWhatTheyRemove)
         makeFolder(cwmeta::readBytes(kFixture).replace("./CLPR/A0003/A0003.MP4", "./CLPR/A0002/A0002.SMI"));
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(folder));
-    EXPECT_EQ(acss.delComponentData("./TAKR/T0001/T0001.SMI"), 2);
-    EXPECT_EQ(acss.delComponentData("./TAKR/T0001/T0001.SMI"), 0);
-    EXPECT_EQ(acss.delProxyData("./CLPR/A0001/A0001.SMI"), 1);
-    EXPECT_EQ(acss.delRelevantInfoData("./CLPR/A0001/A0001.SMI"), 3);
     EXPECT_EQ(acss.delMaterialData("./CLPR/A0002/A0002.SMI"), 2); // both materials of that uri
     EXPECT_EQ(acss.delMaterialData("./CLPR/A0002/A0002.SMI"), 0);
-    EXPECT_EQ(describe(acss.getMaterialData("", 0)).size(), 2);
-    const DOMaterial a0001 = acss.getMaterialData("A0001", 1).first();
-    EXPECT_EQ(a0001.getComponent().size(), 1);
-    EXPECT_TRUE(a0001.getProxy().isEmpty());
-    EXPECT_TRUE(a0001.getRelevantInfo().isEmpty());
+    EXPECT_EQ(uris(acss.getMaterialData("", 0)),
+              QStringList({"./CLPR/A0001/A0001.SMI", "./TAKR/T0001/T0001.SMI"}));
 
-    EXPECT_TRUE(acss.delContentsData());
-    EXPECT_FALSE(acss.delContentsData());
-    EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 0));
-    EXPECT_TRUE(data.getMaterial().isEmpty());
-    EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
     ASSERT_TRUE(acss.save(kCameraMediaId));
-    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    EXPECT_EQ(cwmeta::joined(block(outline, "  Properties")),
-              cwmeta::joined(block(cwmeta::fileOutlineLines(kFixture), "  Properties")));
-    EXPECT_FALSE(outline.join('\n').contains("Contents"));
-    EXPECT_EQ(outline.last(), R"(  cam:Trailer checksum="9f2c")");
-}
-
-TEST_F(MediaProfileAcssTest, UnreadableFilesLeaveTheAccessorNotLoaded)
-{
-    BLMediaProfileAcss missing;
-    EXPECT_FALSE(missing.loadForFolderPath(home().path("nowhere/BPAV")));
-    DOMediaProfileData data;
-    EXPECT_FALSE(missing.getMediaPro(data, "", 0));
-    DOAttached attached;
-    EXPECT_FALSE(missing.getAttachedData(attached));
-    EXPECT_TRUE(missing.getMaterialData("", 0).isEmpty());
-    EXPECT_TRUE(missing.getComponentData("", "").isEmpty());
-    EXPECT_FALSE(missing.save(""));
-
-    QElapsedTimer timer;
-    timer.start();
-    const qint64 memoryBefore = cwmeta::peakMemoryKiB();
-    for (const QByteArray& text : cwmeta::hostileDocuments("MediaProfile")) {
-        const QString folder = makeFolder(text);
-        BLMediaProfileAcss acss;
-        EXPECT_FALSE(acss.loadForFolderPath(folder)) << text.left(80).constData();
-        EXPECT_FALSE(acss.isLoaded());
-        EXPECT_FALSE(acss.getMediaPro(data, "", 0));
-        EXPECT_TRUE(acss.getMaterialData("", 0).isEmpty());
-    }
-    const QString folder = makeFolder("");
-    ASSERT_TRUE(cwmeta::writeHugeAttributeDocument(folder + "/MEDIAPRO.XML", "MediaProfile"));
-    BLMediaProfileAcss big;
-    EXPECT_FALSE(big.loadForFolderPath(folder));
-    EXPECT_TRUE(big.getMaterialData("", 0).isEmpty());
-    EXPECT_LT(timer.elapsed(), 5000);
-    EXPECT_LT(cwmeta::peakMemoryKiB() - memoryBefore, 64 * 1024);
+    EXPECT_EQ(cwmeta::fileOutlineLines(acss.filePath()).filter("Material uri=").size(), 2);
 }
 
 TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
@@ -762,12 +501,17 @@ TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
         c.setUri(uri);
         return c;
     };
-    QList<DOComponent> list{component("./CLPR/Z0001/b0002.SMI"), component("file://ID/CLPR/A0009/A0003.SMI"),
-                            component("./CLPR/A0001/B0001.SMI")};
-    std::sort(list.begin(), list.end(),
-              [](const DOComponent& a, const DOComponent& b) { return a.compareByUri(b) < 0; });
-    EXPECT_EQ(list[0].getUri(), "file://ID/CLPR/A0009/A0003.SMI");
-    EXPECT_EQ(list[1].getUri(), "./CLPR/A0001/B0001.SMI");
-    EXPECT_EQ(list[2].getUri(), "./CLPR/Z0001/b0002.SMI");
+    EXPECT_LT(component("file://ID/CLPR/A0009/A0003.SMI").compareByUri(component("./CLPR/A0001/B0001.SMI")),
+              0);
+    EXPECT_GT(component("./CLPR/A0001/b0002.SMI").compareByUri(component("./CLPR/Z0001/B0001.SMI")), 0);
     EXPECT_EQ(component("./x/ABC.SMI").compareByUri(component("./y/abc.smi")), 0);
+}
+
+TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)
+{
+    cwmeta::expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
+        BLMediaProfileAcss acss;
+        DOMediaProfileData data;
+        return acss.loadForFolderPath(folder) || acss.getMediaPro(data, "", 0) || acss.save("");
+    });
 }

@@ -1,9 +1,13 @@
 #include "MetadataTestSupport.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QXmlStreamReader>
+
+#include <gtest/gtest.h>
 
 namespace cwmeta {
 
@@ -92,6 +96,21 @@ XmlNode readXmlOutline(const QString& path)
     return reader.hasError() ? XmlNode() : root;
 }
 
+bool isDateTime(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)"));
+    return form.match(text).hasMatch();
+}
+
+QStringList logLines(const QString& stateHome)
+{
+    QStringList lines;
+    const QString log = QString::fromUtf8(readBytes(stateHome + "/Clipwright/Clipwright.log"));
+    for (const QString& line : log.split("\r\n", Qt::SkipEmptyParts))
+        lines << line.section(' ', 2);
+    return lines;
+}
+
 QString fixturePath(const QString& relative)
 {
     return QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/") + relative;
@@ -166,22 +185,7 @@ std::string joined(const QStringList& lines)
     return lines.join(QLatin1Char('\n')).toStdString();
 }
 
-QList<QByteArray> hostileDocuments(const QByteArray& root)
-{
-    return {
-        "<?xml version=\"1.0\"?><!DOCTYPE " + root + " [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><" + root +
-            " a=\"&x;\">&x;</" + root + ">",
-        "<?xml version=\"1.0\"?><!DOCTYPE " + root +
-            " [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
-            "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
-            "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">"
-            "<!ENTITY g \"&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;\">]><" +
-            root + " uri=\"&g;&g;&g;&g;&g;&g;&g;&g;\">&g;</" + root + ">",
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><" + root + " uri=\"\xc3\x28\xfe\"/>",
-        "<" + root + "><a></" + root + ">",
-    };
-}
-
+namespace {
 bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
 {
     QFile file(path);
@@ -202,6 +206,44 @@ qint64 peakMemoryKiB()
     static const QRegularExpression peak(QStringLiteral(R"(VmHWM:\s+(\d+))"));
     const QRegularExpressionMatch match = peak.match(QString::fromLatin1(status.readAll()));
     return match.hasMatch() ? match.captured(1).toLongLong() : 0;
+}
+} // namespace
+
+QList<QByteArray> hostileDocuments(const QByteArray& root)
+{
+    return {
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root + " [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><" + root +
+            " a=\"&x;\">&x;</" + root + ">",
+        "<?xml version=\"1.0\"?><!DOCTYPE " + root +
+            " [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
+            "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
+            "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">"
+            "<!ENTITY g \"&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;\">]><" +
+            root + " uri=\"&g;&g;&g;&g;&g;&g;&g;&g;\">&g;</" + root + ">",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><" + root + " uri=\"\xc3\x28\xfe\"/>",
+        "<" + root + "><a></" + root + ">",
+    };
+}
+
+void expectHostileFilesRefused(const QByteArray& root, const QString& file,
+                               const std::function<bool(const QString& folder)>& anythingDone)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(file);
+    QElapsedTimer timer;
+    timer.start();
+    const qint64 memoryBefore = peakMemoryKiB();
+    for (const QByteArray& doc : hostileDocuments(root)) {
+        ASSERT_TRUE(writeBytes(path, doc));
+        EXPECT_FALSE(anythingDone(dir.path())) << doc.left(60).constData();
+        EXPECT_EQ(readBytes(path), doc);
+    }
+    ASSERT_TRUE(writeHugeAttributeDocument(path, root));
+    EXPECT_FALSE(anythingDone(dir.path())) << "a 50 MB attribute";
+    QFile::remove(path);
+    EXPECT_FALSE(anythingDone(dir.path())) << "a missing file";
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_LT(peakMemoryKiB() - memoryBefore, 64 * 1024);
 }
 
 } // namespace cwmeta

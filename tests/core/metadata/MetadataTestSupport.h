@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 #include <ostream>
 #include <string>
 #include <utility>
@@ -44,6 +46,12 @@ inline void PrintTo(const XmlNode& node, std::ostream* os)
 // The root element of a file; a node with an empty name when it is not well formed.
 XmlNode readXmlOutline(const QString& path);
 
+// A date and time as the card files write it: "2026-01-16T09:30:15+09:00".
+bool isDateTime(const QString& text);
+
+// The log's lines below a state folder as "PPPP:message", without their time stamps.
+QStringList logLines(const QString& stateHome);
+
 // Path of a committed fixture ("smi/C0001.SMI").
 QString fixturePath(const QString& relative);
 // Copies a fixture into a folder; answers the copy's path.
@@ -63,9 +71,11 @@ std::string joined(const QStringList& lines);
 // Documents a metadata reader must refuse, each with the given root element:
 // an external entity, an entity-expansion bomb, invalid UTF-8, a broken tag.
 QList<QByteArray> hostileDocuments(const QByteArray& root);
-// Writes a document whose one attribute value is 50 MB, in pieces.
-bool writeHugeAttributeDocument(const QString& path, const QByteArray& root);
-// The process's peak resident memory in KiB (0 when unknown).
-qint64 peakMemoryKiB();
+// Writes each of those documents as folder/file, then one whose attribute is
+// 50 MB, then none at all: anythingDone (a load, read or save of a reader
+// that succeeded) must answer false every time, the file must stay as it
+// was written, and the whole must take little time and memory.
+void expectHostileFilesRefused(const QByteArray& root, const QString& file,
+                               const std::function<bool(const QString& folder)>& anythingDone);
 
 } // namespace cwmeta

@@ -2,8 +2,6 @@
 
 #include "core/formats/metadata/BLNonMetaAcss.h"
 
-#include <QElapsedTimer>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -38,11 +36,6 @@ const Names kCameraOrder = {"TargetMaterial",
                             "Description",
                             "RecordingMode",
                             "vx:Extension"};
-
-bool isDateTime(const QString& text)
-{
-    return QRegularExpression(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d[+-]\d\d:\d\d$)").match(text).hasMatch();
-}
 
 DOAlias makeAlias(const QString& lang, const QString& value)
 {
@@ -82,34 +75,18 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     DONonRealTimeMeta meta;
     ASSERT_TRUE(acss.getNonMetaData(meta, "ja"));
 
-    // One value of each kind of element: root attribute, single value, table
-    // rows, nested elements, repeated children and the language's alias.
+    // What the card generator's files do not hold (their standard values are
+    // cross-checked elsewhere): the header, the "who" and packet tables, the
+    // pull-down setting, device elements and the language's alias.
     EXPECT_EQ(meta.getNonMetaHeader().getXmlns_lib(), "urn:schemas-professionalDisc:lib:ver.1.20");
     EXPECT_EQ(meta.getNonMetaHeader().getLastUpdate(), "2009-03-05T14:07:59+09:00");
-    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), kUmid1);
-    EXPECT_EQ(meta.getDuration(), "300");
-    const DOLtcChangeTable& ltc = meta.getLtcChangeTable();
-    EXPECT_EQ(ltc.getTcFps(), "30");
-    ASSERT_EQ(ltc.getLtcChangeArray().size(), 2);
-    EXPECT_EQ(ltc.getLtcChangeArray()[0].getValue(), "44030201");
-    EXPECT_EQ(ltc.getLtcChangeArray()[1].getFrameCount(), "299");
-    EXPECT_EQ(ltc.getLtcChangeArray()[1].getStatus(), "end");
+    EXPECT_EQ(meta.getLtcChangeTable().getLtcChangeArray().value(1).getStatus(), "end");
     EXPECT_EQ(meta.getKeyFrame().getFrameCount(), "15");
-    EXPECT_EQ(meta.getBasicChangeArray().value(0).getValue(), kUmid1);
     EXPECT_EQ(meta.getWhoChangeArray().value(0).getValue(), "CREW7");
-    ASSERT_EQ(meta.getKlvPacketArray().size(), 2);
-    EXPECT_EQ(meta.getKlvPacketArray()[1].getLengthValue(), "0B02");
-    const DOVideoFormat& video = meta.getVideoFormat();
-    EXPECT_EQ(video.getVideoFrame().getVideoCodec(), "MPEG2HD35_1920_1080_MP@HL");
-    EXPECT_EQ(video.getVideoFrame().getCaptureFps(), "29.97p");
-    EXPECT_EQ(video.getVideoLayout().getPullDownSetting().getFramePhase(), "0");
-    ASSERT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
-    EXPECT_EQ(meta.getAudioFormat().getRecPortArray()[1].getTrackDst(), "CH2");
-    ASSERT_EQ(meta.getDevice().getElementArray().size(), 2);
-    EXPECT_EQ(meta.getDevice().getElementArray()[1].getSoftware(), "0.90");
+    EXPECT_EQ(meta.getKlvPacketArray().value(1).getLengthValue(), "0B02");
+    EXPECT_EQ(meta.getVideoFormat().getVideoLayout().getPullDownSetting().getFramePhase(), "0");
+    EXPECT_EQ(meta.getDevice().getElementArray().value(1).getSoftware(), "0.90");
     EXPECT_EQ(meta.getLens(), "ZOOM-14");
-    EXPECT_EQ(meta.getCreator(), "");
-    EXPECT_EQ(meta.getTitle().getUsAscii(), "Harbour at dawn");
     EXPECT_EQ(meta.getTitle().getAlias().getLang(), "ja");
     EXPECT_EQ(meta.getTitle().getAlias().getValue(), QString::fromUtf8("夜明けの港"));
     EXPECT_EQ(meta.getDescription(), "Two boats & a crane");
@@ -139,9 +116,7 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     EXPECT_EQ(few.getNonMetaHeader().getXsi_schema(), "");
     EXPECT_EQ(few.getTargetMaterial().getStatus(), "NG");
     EXPECT_TRUE(few.getBasicChangeArray().isEmpty());
-    EXPECT_EQ(few.getVideoFormat().getVideoFrame().getFormatFps(), "25p");
     EXPECT_TRUE(few.getAudioFormat().getRecPortArray().isEmpty());
-    EXPECT_EQ(few.getTitle().getUsAscii(), "");
 }
 
 TEST_F(NonMetaAcssTest, SavedWithoutChangesKeepsEverything)
@@ -218,32 +193,19 @@ TEST_F(NonMetaAcssTest, EditedCameraFileKeepsUnknownsAndSchemaOrder)
     EXPECT_EQ(root.child("vx:Extension")->child("vx:Item")->text, "kept");
 
     // The edits.
-    const XmlNode* title = root.child("Title");
-    EXPECT_EQ(title->attributes,
-              (QList<std::pair<QString, QString>>{{"usAscii", "Harbour at noon"}, {"vx:edited", "no"}}));
-    EXPECT_EQ(title->childNames(), Names({"lib:Alias", "lib:Alias"}));
-    EXPECT_EQ(title->child("lib:Alias", 0)->text, "Harbour at noon");
-    EXPECT_EQ(title->child("lib:Alias", 1)->text, QString::fromUtf8("夜明けの港"));
-    EXPECT_EQ(title->child("lib:Alias", 1)->attribute("xml:lang"), "ja");
+    EXPECT_EQ(describe(*root.child("Title")),
+              QString::fromUtf8("<Title usAscii=\"Harbour at noon\" vx:edited=\"no\">\n"
+                                "  <lib:Alias xml:lang=\"en\">Harbour at noon\n"
+                                "  <lib:Alias xml:lang=\"ja\">夜明けの港\n"));
     EXPECT_EQ(root.child("Creator")->attribute("name"), "Ann Example");
     EXPECT_EQ(root.child("Description")->text, "Two boats\nand a crane <&>");
     EXPECT_TRUE(isDateTime(root.child("LastUpdate")->attribute("value")));
-    const XmlNode* table = root.child("LtcChangeTable");
-    EXPECT_EQ(table->attributes, (QList<std::pair<QString, QString>>{{"tcFps", "30"}}));
-    ASSERT_EQ(table->children.size(), 1);
-    EXPECT_EQ(table->children[0].attribute("value"), "40000000");
-    EXPECT_EQ(root.child("BodyUmidBasicChangeTable")->children.size(), 1);
-    EXPECT_EQ(root.child("BodyUmidBasicChangeTable")->children[0].attribute("value"), basic.getValue());
-
-    // Read back through the accessor.
-    BLNonMetaAcss again;
-    ASSERT_TRUE(again.loadForFilePath(path));
-    DONonRealTimeMeta meta;
-    ASSERT_TRUE(again.getNonMetaData(meta, "en"));
-    EXPECT_EQ(meta.getCreator(), "Ann Example");
-    EXPECT_EQ(meta.getTitle().getAlias().getValue(), "Harbour at noon");
-    EXPECT_EQ(meta.getNonMetaHeader().getXmlns_lib(), BLNonMetaAcss::kLibNameSpace);
-    EXPECT_EQ(meta.getLtcChangeTable().getLtcChangeArray().size(), 1);
+    EXPECT_EQ(describe(*root.child("LtcChangeTable")),
+              "<LtcChangeTable tcFps=\"30\">\n  <LtcChange frameCount=\"0\" value=\"40000000\" "
+              "status=\"increment\">\n");
+    EXPECT_EQ(describe(*root.child("BodyUmidBasicChangeTable")),
+              "<BodyUmidBasicChangeTable>\n  <BodyUmidBasicChange frameCount=\"0\" value=\"" +
+                  basic.getValue() + "\" status=\"start\">\n");
 }
 
 TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
@@ -272,11 +234,7 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     b.setFrameCount("100");
     b.setValue("B");
     ASSERT_TRUE(acss.updateBasicChangeTable({a, b}));
-    ASSERT_TRUE(acss.setLens("WIDE-1"));
     ASSERT_TRUE(acss.setDescription("note"));
-    DOSubStream sub;
-    sub.setCodec("AVC");
-    ASSERT_TRUE(acss.setSubStream(sub));
     DOAudioFormat audio;
     DOAudioRecPort port;
     port.setPort("OTHERS");
@@ -296,13 +254,11 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     ASSERT_TRUE(acss.save());
 
     const XmlNode root = readXmlOutline(path);
-    EXPECT_EQ(root.childNames(), Names({"TargetMaterial", "Duration",       "Genlock",
-                                        "LtcChangeTable", "CreationDate",   "LastUpdate",
-                                        "TypicalUbit",    "KeyFrame",       "BodyUmidBasicChangeTable",
-                                        "Battery",        "KlvPacketTable", "VideoFormat",
-                                        "AudioFormat",    "SubStream",      "Device",
-                                        "Lens",           "Creator",        "Title",
-                                        "Description",    "RecordingMode"}));
+    EXPECT_EQ(
+        root.childNames(),
+        Names({"TargetMaterial", "Duration", "Genlock", "LtcChangeTable", "CreationDate", "LastUpdate",
+               "TypicalUbit", "KeyFrame", "BodyUmidBasicChangeTable", "Battery", "KlvPacketTable",
+               "VideoFormat", "AudioFormat", "Device", "Creator", "Title", "Description", "RecordingMode"}));
     EXPECT_EQ(root.child("Title")->attributes, (QList<std::pair<QString, QString>>{{"usAscii", ""}}));
     EXPECT_TRUE(root.child("Title")->children.isEmpty());
     EXPECT_EQ(root.child("LtcChangeTable")->attributes,
@@ -319,209 +275,94 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     EXPECT_FALSE(root.child("AudioFormat")->hasAttribute("numOfChannel"));
     EXPECT_EQ(root.child("TargetMaterial")->attribute("status"), "NG");
     EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), "X");
-    EXPECT_FALSE(root.child("SubStream")->hasAttribute("clipBegin"));
     for (const XmlNode& element : root.children)
         EXPECT_EQ(element.namespaceUri, "urn:example:camera:nonRealTimeMeta") << element.name.toStdString();
-
-    // Writers given nothing to write succeed without adding anything.
-    BLNonMetaAcss other;
-    ASSERT_TRUE(other.loadForFilePath(copy("C0003M01.XML")));
-    const XmlNode original = readXmlOutline(m_dir.filePath("C0003M01.XML"));
-    EXPECT_TRUE(other.setLens(""));
-    EXPECT_TRUE(other.setSubStream(DOSubStream()));
-    DORecordingMode mode;
-    mode.setType("normal");
-    EXPECT_TRUE(other.setRecordingMode(mode));
-    DODevice device;
-    device.setManufacturer("M");
-    EXPECT_TRUE(other.setDevice(device));
-    EXPECT_TRUE(other.setVideoFrame(frame));
-    EXPECT_TRUE(other.setVideoLayout(DOVideoLayout()));
-    EXPECT_TRUE(other.setDuration(""));
-    ASSERT_TRUE(other.save());
-    EXPECT_EQ(withoutStamp(readXmlOutline(m_dir.filePath("C0003M01.XML"))), withoutStamp(original));
 }
 
 TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
 {
-    // Clearing the only alias of a title without US-ASCII text removes Title.
-    {
-        const QString path = copy("C0003M01.XML");
-        BLNonMetaAcss acss;
-        ASSERT_TRUE(acss.loadForFilePath(path));
-        EXPECT_TRUE(acss.isDeletableTitle(makeAlias("de", "")));
-        EXPECT_FALSE(acss.isDeletableTitle(makeAlias("en", "")));
-        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
-        ASSERT_TRUE(acss.save());
-        EXPECT_EQ(readXmlOutline(path).childNames(),
-                  Names({"TargetMaterial", "Duration", "Creator", "Description"}));
-        // Clearing creator and description removes them; clearing them again fails.
-        ASSERT_TRUE(acss.setCreator(""));
-        ASSERT_TRUE(acss.setDescription(""));
-        EXPECT_FALSE(acss.delCreatorData());
-        EXPECT_FALSE(acss.delDescriptionData());
-        EXPECT_FALSE(acss.delTitleData());
-        ASSERT_TRUE(acss.save());
-        EXPECT_EQ(readXmlOutline(path).childNames(), Names({"TargetMaterial", "Duration"}));
-        // No title, no text: nothing is made; US-ASCII text alone makes a Title without alias.
-        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
-        ASSERT_TRUE(acss.save());
-        EXPECT_EQ(readXmlOutline(path).child("Title"), nullptr);
-        ASSERT_TRUE(acss.setTitle(makeTitle("Port", "de", "")));
-        ASSERT_TRUE(acss.save());
-        EXPECT_TRUE(readXmlOutline(path).child("Title")->children.isEmpty());
-    }
-    // With US-ASCII text the title stays, without its alias.
-    {
-        const QString path = copy("C0003M01.XML");
-        BLNonMetaAcss acss;
-        ASSERT_TRUE(acss.loadForFilePath(path));
-        ASSERT_TRUE(acss.setTitle(makeTitle("Harbour", "de", "")));
-        ASSERT_TRUE(acss.save());
-        const XmlNode saved = readXmlOutline(path);
-        const XmlNode* title = saved.child("Title");
-        ASSERT_NE(title, nullptr);
-        EXPECT_EQ(title->attribute("usAscii"), "Harbour");
-        EXPECT_TRUE(title->children.isEmpty());
-    }
-    // Two languages: a new language is appended, clearing one keeps the other.
-    {
-        const QString path = copy("C0003M01.XML");
-        BLNonMetaAcss acss;
-        ASSERT_TRUE(acss.loadForFilePath(path));
-        ASSERT_TRUE(acss.setTitle(makeTitle("", "en", "Harbour")));
-        EXPECT_FALSE(acss.isDeletableTitle(makeAlias("de", "")));
-        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "Hafen am Morgen")));
-        ASSERT_TRUE(acss.save());
-        const XmlNode saved = readXmlOutline(path);
-        const XmlNode* title = saved.child("Title");
-        ASSERT_EQ(title->children.size(), 2);
-        EXPECT_EQ(title->children[0].text, "Hafen am Morgen");
-        EXPECT_EQ(title->children[1].attributes, (QList<std::pair<QString, QString>>{{"xml:lang", "en"}}));
-        EXPECT_EQ(title->children[1].text, "Harbour");
+    const QString path = m_dir.filePath("C0003M01.XML");
+    auto saved = [&](BLNonMetaAcss& acss) {
+        EXPECT_TRUE(acss.save());
+        return readXmlOutline(path);
+    };
+    // Clearing the only alias of a title without US-ASCII text removes Title;
+    // clearing creator and description removes them, and again fails.
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(copy("C0003M01.XML")));
+    ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
+    EXPECT_EQ(saved(acss).childNames(), Names({"TargetMaterial", "Duration", "Creator", "Description"}));
+    ASSERT_TRUE(acss.setCreator(""));
+    ASSERT_TRUE(acss.setDescription(""));
+    EXPECT_FALSE(acss.delCreatorData() || acss.delDescriptionData() || acss.delTitleData());
+    EXPECT_EQ(saved(acss).childNames(), Names({"TargetMaterial", "Duration"}));
+    // No title, no text: nothing is made; US-ASCII text alone makes a Title without alias.
+    ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
+    EXPECT_EQ(saved(acss).child("Title"), nullptr);
+    ASSERT_TRUE(acss.setTitle(makeTitle("Port", "de", "")));
+    EXPECT_TRUE(saved(acss).child("Title")->children.isEmpty());
 
-        ASSERT_TRUE(acss.setTitle(makeTitle("", "de", "")));
-        ASSERT_TRUE(acss.save());
-        const XmlNode remaining = readXmlOutline(path);
-        const XmlNode* left = remaining.child("Title");
-        ASSERT_NE(left, nullptr);
-        EXPECT_EQ(left->childNames(), Names({"lib:Alias"}));
-        EXPECT_EQ(left->children[0].attribute("xml:lang"), "en");
-        // Aliases can be removed by language, once.
-        EXPECT_TRUE(acss.delAliasData("en"));
-        EXPECT_FALSE(acss.delAliasData("en"));
-        // An alias without a language, or with one that cannot be quoted, is refused.
-        EXPECT_FALSE(acss.setAlias(makeAlias("", "x")));
-        EXPECT_FALSE(acss.setAlias(makeAlias("e'n", "x")));
-    }
+    // With US-ASCII text a title whose alias is cleared stays, without its alias.
+    BLNonMetaAcss kept;
+    ASSERT_TRUE(kept.loadForFilePath(copy("C0003M01.XML")));
+    ASSERT_TRUE(kept.setTitle(makeTitle("Harbour", "de", "")));
+    EXPECT_EQ(saved(kept).child("Title")->attributes,
+              (QList<std::pair<QString, QString>>{{"usAscii", "Harbour"}}));
+    EXPECT_TRUE(saved(kept).child("Title")->children.isEmpty());
+
+    // Two languages: a new language is appended, clearing one keeps the other.
+    BLNonMetaAcss two;
+    ASSERT_TRUE(two.loadForFilePath(copy("C0003M01.XML")));
+    ASSERT_TRUE(two.setTitle(makeTitle("", "en", "Harbour")));
+    ASSERT_TRUE(two.setTitle(makeTitle("", "de", "Hafen am Morgen")));
+    XmlNode root = saved(two);
+    ASSERT_EQ(root.child("Title")->children.size(), 2);
+    EXPECT_EQ(root.child("Title")->children[0].text, "Hafen am Morgen");
+    EXPECT_EQ(root.child("Title")->children[1].attributes,
+              (QList<std::pair<QString, QString>>{{"xml:lang", "en"}}));
+    EXPECT_EQ(root.child("Title")->children[1].text, "Harbour");
+    ASSERT_TRUE(two.setTitle(makeTitle("", "de", "")));
+    root = saved(two);
+    ASSERT_EQ(root.child("Title")->children.size(), 1);
+    EXPECT_EQ(root.child("Title")->children[0].attribute("xml:lang"), "en");
+    // An alias without a language, or with one that cannot be quoted, is refused.
+    EXPECT_FALSE(two.setAlias(makeAlias("", "x")));
+    EXPECT_FALSE(two.setAlias(makeAlias("e'n", "x")));
+
     // A file without the "lib" namespace gets it declared before the first alias.
-    {
-        const QString path = copy("C0002M01.XML");
-        BLNonMetaAcss acss;
-        ASSERT_TRUE(acss.loadForFilePath(path));
-        EXPECT_FALSE(acss.setAlias(makeAlias("en", "x"))); // no Title to put it in
-        ASSERT_TRUE(acss.setTitle(makeTitle("Boats", "en", "Boats")));
-        ASSERT_TRUE(acss.save());
-        const XmlNode root = readXmlOutline(path);
-        ASSERT_FALSE(root.name.isEmpty()) << readBytes(path).constData();
-        EXPECT_EQ(root.child("Title")->child("lib:Alias")->namespaceUri, BLNonMetaAcss::kLibNameSpace);
-        BLNonMetaAcss again;
-        ASSERT_TRUE(again.loadForFilePath(path));
-        DOTitle title;
-        ASSERT_TRUE(again.getTitle(title, "en"));
-        EXPECT_EQ(title.getAlias().getValue(), "Boats");
-        EXPECT_EQ(title.getUsAscii(), "Boats");
-    }
+    BLNonMetaAcss sparse;
+    ASSERT_TRUE(sparse.loadForFilePath(copy("C0002M01.XML")));
+    EXPECT_FALSE(sparse.setAlias(makeAlias("en", "x"))); // no Title to put it in
+    ASSERT_TRUE(sparse.setTitle(makeTitle("Boats", "en", "Boats")));
+    ASSERT_TRUE(sparse.save());
+    BLNonMetaAcss again;
+    ASSERT_TRUE(again.loadForFilePath(m_dir.filePath("C0002M01.XML")));
+    DOTitle title;
+    ASSERT_TRUE(again.getTitle(title, "en"));
+    EXPECT_EQ(title.getAlias().getValue(), "Boats");
+    EXPECT_EQ(title.getUsAscii(), "Boats");
+    EXPECT_EQ(readXmlOutline(m_dir.filePath("C0002M01.XML")).child("Title")->child("lib:Alias")->namespaceUri,
+              BLNonMetaAcss::kLibNameSpace);
 }
 
-TEST_F(NonMetaAcssTest, HeaderAndNewDocuments)
+TEST_F(NonMetaAcssTest, NewDocumentsAndTheHeaderRecord)
 {
+    // A created document (the full table of an import is written by the
+    // import's own tests) declares the default and "lib" namespaces.
     const QString path = m_dir.filePath("C0009M01.XML");
     BLNonMetaAcss acss;
     EXPECT_FALSE(acss.setDuration("1")); // no document
     ASSERT_TRUE(acss.createForFilePath(path));
     EXPECT_FALSE(acss.isLoaded());
-    // Written in table order, as for an imported clip.
-    DOTargetMaterial target;
-    target.setUmidRef(kUmid1);
-    ASSERT_TRUE(acss.setTargetMaterial(target));
     ASSERT_TRUE(acss.setDuration("300"));
-    DOLtcChangeTable ltc;
-    ltc.setTcFps("30");
-    DOLtcChange first;
-    first.setFrameCount("0");
-    first.setValue("40000000");
-    first.setStatus("increment");
-    DOLtcChange last = first;
-    last.setFrameCount("299");
-    last.setStatus("end");
-    ltc.setLtcChangeArray({first, last});
-    ASSERT_TRUE(acss.setLtcChangeTable(ltc));
     ASSERT_TRUE(acss.setCreationDate(""));
-    ASSERT_TRUE(acss.setLastUpdate());
-    ASSERT_TRUE(acss.setTypicalUbit("0000000000000000"));
-    ASSERT_TRUE(acss.setKeyFrame("0"));
-    DOBodyUmidWhenChange when;
-    when.setFrameCount("0");
-    when.setStatus("none");
-    ASSERT_TRUE(acss.setWhenChangeTable({when}));
-    DOBodyUmidWhereChange where;
-    where.setFrameCount("0");
-    ASSERT_TRUE(acss.setWhereChangeTable({where}));
-    DOBodyUmidWhoChange who;
-    who.setFrameCount("0");
-    ASSERT_TRUE(acss.setWhoChangeTable({who}));
-    DOKlvPacket packet;
-    packet.setFrameCount("0");
-    packet.setStatus("none");
-    ASSERT_TRUE(acss.setKlvPacket({packet}));
-    DOVideoFormat video;
-    DOVideoFrame frame;
-    frame.setVideoCodec("MPEG2HD35");
-    frame.setFormatFps("59.94i");
-    video.setVideoFrame(frame);
-    DOVideoLayout layout;
-    layout.setPixel("1920");
-    layout.setNumOfVerticalLine("1080");
-    layout.setAspectRatio("16:9");
-    DOPullDownSetting pullDown;
-    pullDown.setPullDownKind("2-3");
-    pullDown.setFramePhase("1");
-    layout.setPullDownSetting(pullDown);
-    video.setVideoLayout(layout);
-    ASSERT_TRUE(acss.setVideoFormat(video));
-    DODevice device;
-    device.setManufacturer("Maker");
-    device.setModelName("CAM");
-    DOElement element;
-    element.setHardware("1");
-    device.setElementArray({element});
-    ASSERT_TRUE(acss.setDevice(device));
-    DORecordingMode mode;
-    mode.setType("normal");
-    mode.setCacheRec("false");
-    ASSERT_TRUE(acss.setRecordingMode(mode));
-    ASSERT_TRUE(acss.setTitle(makeTitle("", "en", "A001")));
     ASSERT_TRUE(acss.save());
-
-    const XmlNode root = readXmlOutline(path);
-    EXPECT_EQ(root.name, "NonRealTimeMeta");
-    EXPECT_EQ(root.namespaces, (QList<std::pair<QString, QString>>{{"", BLNonMetaAcss::kNameSpace},
-                                                                   {"lib", BLNonMetaAcss::kLibNameSpace}}));
-    EXPECT_TRUE(isDateTime(root.attribute("lastUpdate")));
-    EXPECT_EQ(
-        root.childNames(),
-        Names({"TargetMaterial", "Duration", "LtcChangeTable", "CreationDate", "LastUpdate", "TypicalUbit",
-               "KeyFrame", "BodyUmidWhenChangeTable", "BodyUmidWhereChangeTable", "BodyUmidWhoChangeTable",
-               "KlvPacketTable", "VideoFormat", "Device", "Title", "RecordingMode"}));
-    EXPECT_TRUE(isDateTime(root.child("CreationDate")->attribute("value")));
-    EXPECT_EQ(root.child("LtcChangeTable")->children.size(), 2);
-    EXPECT_EQ(root.child("VideoFormat")->childNames(), Names({"VideoFrame", "VideoLayout"}));
-    EXPECT_EQ(
-        root.child("VideoFormat")->child("VideoLayout")->child("PullDownSetting")->attribute("aFramePhase"),
-        "1");
-    EXPECT_EQ(root.child("Title")->attribute("usAscii"), "");
-    EXPECT_EQ(root.child("Title")->child("lib:Alias")->attribute("xml:lang"), "en");
+    XmlNode saved = readXmlOutline(path);
+    EXPECT_EQ(saved.name, "NonRealTimeMeta");
+    EXPECT_EQ(saved.namespaces, (QList<std::pair<QString, QString>>{{"", BLNonMetaAcss::kNameSpace},
+                                                                    {"lib", BLNonMetaAcss::kLibNameSpace}}));
+    EXPECT_TRUE(isDateTime(saved.attribute("lastUpdate")));
+    EXPECT_TRUE(isDateTime(saved.child("CreationDate")->attribute("value")));
 
     // The header record: namespaces and schema location; "xsi:schemaLocation" needs "xsi".
     BLNonMetaAcss header;
@@ -531,7 +372,7 @@ TEST_F(NonMetaAcssTest, HeaderAndNewDocuments)
     record.setXsi_schema("urn:x x.xsd");
     ASSERT_TRUE(header.setNonMetaHeader(record));
     ASSERT_TRUE(header.save());
-    XmlNode saved = readXmlOutline(path);
+    saved = readXmlOutline(path);
     EXPECT_EQ(saved.namespaces[1].second, "urn:schemas-professionalDisc:lib:ver.1.20");
     EXPECT_FALSE(saved.hasAttribute("xsi:schemaLocation"));
     record.setXmlns_xsi("http://www.w3.org/2001/XMLSchema-instance");
@@ -545,42 +386,22 @@ TEST_F(NonMetaAcssTest, HeaderAndNewDocuments)
     ASSERT_TRUE(header.updateVersion());
     ASSERT_TRUE(header.getNonMetaHeader(readBack));
     EXPECT_EQ(readBack.getXmlns_lib(), BLNonMetaAcss::kLibNameSpace);
-}
 
-TEST_F(NonMetaAcssTest, HostileFilesAreNotLoaded)
-{
-    QElapsedTimer timer;
-    timer.start();
-    const QList<QByteArray> documents = {
-        R"(<?xml version="1.0"?><!DOCTYPE NonRealTimeMeta [<!ENTITY x SYSTEM "file:///etc/passwd">]>)"
-        R"(<NonRealTimeMeta><Creator name="&x;"/></NonRealTimeMeta>)",
-        R"(<?xml version="1.0"?><!DOCTYPE NonRealTimeMeta [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;">)"
-        R"(<!ENTITY c "&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;"><!ENTITY d "&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;">)"
-        R"(<!ENTITY e "&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;">]><NonRealTimeMeta><Description>&e;&e;&e;&e;</Description></NonRealTimeMeta>)",
-        QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><NonRealTimeMeta><Creator "
-                   "name=\"\xc3\x28\xa0\xa1\"/></NonRealTimeMeta>"),
-        QByteArray("<NonRealTimeMeta><Creator name=\"") + QByteArray(50 * 1024 * 1024, 'x') +
-            "\"/></NonRealTimeMeta>",
-    };
-    for (const QByteArray& data : documents) {
-        const QString path = m_dir.filePath("C0666M01.XML");
-        ASSERT_TRUE(writeBytes(path, data));
-        BLNonMetaAcss acss;
-        EXPECT_FALSE(acss.loadForFilePath(path)) << data.left(60).constData();
-        EXPECT_FALSE(acss.isLoaded());
-        DONonRealTimeMeta meta;
-        EXPECT_FALSE(acss.getNonMetaData(meta, "en"));
-        EXPECT_EQ(meta.getCreator(), "");
-        EXPECT_FALSE(acss.setCreator("x"));
-        EXPECT_FALSE(acss.save());
-        EXPECT_EQ(readBytes(path).size(), data.size()); // the file is left alone
-    }
-    // A well-formed file of another kind is not read as metadata.
+    // A well-formed file of another kind is loaded but not read as metadata.
     const QString other = m_dir.filePath("OTHER.XML");
     ASSERT_TRUE(writeBytes(other, "<MediaProfile><Duration value=\"1\"/></MediaProfile>"));
-    BLNonMetaAcss acss;
-    ASSERT_TRUE(acss.loadForFilePath(other));
+    BLNonMetaAcss wrongKind;
+    ASSERT_TRUE(wrongKind.loadForFilePath(other));
     DONonRealTimeMeta meta;
-    EXPECT_FALSE(acss.getNonMetaData(meta, "en"));
-    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_FALSE(wrongKind.getNonMetaData(meta, "en"));
+}
+
+TEST_F(NonMetaAcssTest, HostileFilesAreRefused)
+{
+    expectHostileFilesRefused("NonRealTimeMeta", "C0001M01.XML", [](const QString& folder) {
+        BLNonMetaAcss acss;
+        DONonRealTimeMeta meta;
+        return acss.loadForFilePath(folder + "/C0001M01.XML") || acss.getNonMetaData(meta, "en") ||
+               acss.setCreator("x") || acss.save();
+    });
 }

@@ -81,13 +81,15 @@ TEST_F(TakeInfoCtrlTest, RestructuringReplacesTheClipList)
     const QString path = copy("T0001.SMI");
     const XmlNode before = readXmlOutline(path);
     ASSERT_TRUE(BLTakeInfoCtrl::restructuringTakeInfo(
-        path, {entry('2', "0", "450", "0", "450"), entry('1', "10", "300", "450", "740")}));
-    EXPECT_EQ(plainRefs(path), Names({line('2', "0 450 0 450"), line('1', "10 300 450 740")}));
+        path, {entry('2', "0", "450", "0", "450"), entry('1', "10", "", "450", "")}));
+    // Empty values are left out; new refs are in the file's own default namespace.
+    EXPECT_EQ(plainRefs(path), Names({line('2', "0 450 0 450"), line('1', "10 - 450 -")}));
     // Everything else stays: the switch group, the unknown marker, the root.
     const XmlNode after = readXmlOutline(path);
     EXPECT_EQ(after.attributes, before.attributes);
     EXPECT_EQ(*after.child("body")->child("switch"), *before.child("body")->child("switch"));
     EXPECT_EQ(after.child("body")->child("par")->childNames(), Names({"vx:Marker", "ref", "ref"}));
+    EXPECT_EQ(after.child("body")->child("par")->child("ref")->namespaceUri, "urn:example:foreign:takeInfo");
     EXPECT_EQ(*after.child("head"), *before.child("head"));
 
     // A list that cannot be written leaves the file byte for byte.

@@ -65,12 +65,13 @@ TEST_F(CliTest, Mp4InfoPrintsTheVerdictOfEachFile)
     EXPECT_FALSE(all[1]["ok"].toBool());
     EXPECT_EQ(all[1]["error"].toString(), "MP4 File Read Header Error");
 
-    EXPECT_EQ(cli({"mp4info"}).status, 2);
-    EXPECT_EQ(cli({}).status, 2);
-    EXPECT_EQ(cli({"frobnicate"}).status, 2);
+    // Wrong usage of either command exits 2; help names the commands.
+    for (const QStringList& args : {QStringList{"mp4info"}, QStringList{}, QStringList{"frobnicate"},
+                                    QStringList{"ppn", path("good.MP4")}})
+        EXPECT_EQ(cli(args).status, 2) << args.join(' ').toStdString();
     r = cli({"--help"});
     EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(r.out.contains("mp4info")) << r.out.constData();
+    EXPECT_TRUE(r.out.contains("mp4info") && r.out.contains("ppn")) << r.out.constData();
 }
 
 TEST_F(CliTest, PpnIsWrittenWholeOrNotAtAll)
@@ -87,13 +88,11 @@ TEST_F(CliTest, PpnIsWrittenWholeOrNotAtAll)
     QFile old(path("clip.PPN"));
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(), QByteArray("an older table that must survive a failure"));
-    old.close();
 
     r = cli({"ppn", path("good.MP4"), path("clip.PPN")});
     EXPECT_EQ(r.status, 0) << r.err.constData();
     EXPECT_TRUE(r.out.contains("12 entries")) << r.out.constData();
-    EXPECT_EQ(QFileInfo(path("clip.PPN")).size(), 32 + 12 * 16) << "the longer old file is replaced, not overwritten";
+    EXPECT_EQ(QFileInfo(path("clip.PPN")).size(), 32 + 12 * 16)
+        << "the longer old file is replaced, not overwritten";
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 3) << "no temporary file left";
-
-    EXPECT_EQ(cli({"ppn", path("good.MP4")}).status, 2);
 }

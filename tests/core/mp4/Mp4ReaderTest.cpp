@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <cstring>
+#include <functional>
 #include <random>
 
 using cwtest::be32;
@@ -14,7 +15,10 @@ using cwtest::Mp4Builder;
 
 namespace {
 
-Mp4Box* videoStbl(QList<Mp4Box>& boxes) { return boxes[2].find("trak:0/mdia/minf/stbl"); }
+Mp4Box* videoStbl(QList<Mp4Box>& boxes)
+{
+    return boxes[2].find("trak:0/mdia/minf/stbl");
+}
 
 // The reader's own text for a file, "" when every step passes.
 std::string readerError(const QByteArray& file)
@@ -65,100 +69,107 @@ TEST_F(Mp4Test, FileWrapperOpensOnlyExistingFilesAndThrowsOnShortReads)
     EXPECT_EQ(f.readAll(), QByteArray("AB23456789")) << "written from the start, not truncated";
 }
 
-TEST_F(Mp4Test, FirstBoxMustBeFtypAndNothingIsSearchedWithoutIt)
+TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
 {
+    using Boxes = QList<Mp4Box>;
+    // Inserts a box at the top level (""), into moov ("moov") or below it.
+    auto insertInto = [](const QString& parent, int at, const Mp4Box& box) {
+        return [=](Boxes& b) {
+            (parent.isEmpty()   ? b
+             : parent == "moov" ? b[2].children
+                                : b[2].find(parent)->children)
+                .insert(at, box);
+        };
+    };
+    auto body = [](const QString& box, std::function<void(QByteArray&)> edit) {
+        return [=](Boxes& b) { edit(b[2].find(box)->body); };
+    };
+    auto replaceAt = [](int at, const QByteArray& bytes) {
+        return [=](QByteArray& d) { d.replace(at, bytes.size(), bytes); };
+    };
+    auto truncate = [](int size) { return [=](QByteArray& d) { d.truncate(size); }; };
+    Mp4Box large("free", QByteArray(40, 'f'));
+    large.largeSize = true;
+    large.sizeHigh = 1; // the upper half of a 64-bit size is ignored
+    const QString video = "trak:0/mdia/minf/stbl";
+    const struct
+    {
+        const char* name;
+        std::function<void(Boxes&)> mutate;
+        const char* error; // "" when the file passes
+    } cases[] = {
+        {"free before ftyp", insertInto("", 0, Mp4Box("free", QByteArray(4, '\0'))),
+         "MP4 File Read Header Error"},
+        {"misspelt ftyp", [](Boxes& b) { b[0].type = "ftyq"; }, "MP4 File Read Header Error"},
+        {"unknown box before moov", insertInto("", 2, Mp4Box("junk", QByteArray(8, 'j'))),
+         "MP4 File Seek to Moov Error"},
+        {"unknown box in a track", insertInto("trak:1", 1, Mp4Box("wxyz")), "Seek Do not find Tag\n"},
+        {"known boxes are walked over",
+         [](Boxes& b) {
+             b[2].children.insert(1, Mp4Box("iods", QByteArray(12, 'i')));
+             b[2].find("trak:0")->children.insert(1,
+                                                  Mp4Box("edts", {}, {Mp4Box("elst", QByteArray(20, 'e'))}));
+             b[2].find("trak:0")->children.insert(1, Mp4Box("uuid", QByteArray(24, 'u')));
+             b.insert(1, Mp4Box("free", QByteArray(100, 'f')));
+         },
+         ""},
+        {"64-bit size in moov", insertInto("moov", 1, large), ""},
+        {"box between stsd and stsz",
+         [&](Boxes& b) {
+             Mp4Box* stbl = b[2].find(video);
+             stbl->children.insert(stbl->indexOf("stsz"), Mp4Box("free", QByteArray(4, '\0')));
+         },
+         "STSZ Header Error\n"},
+        {"box before the audio stco",
+         [](Boxes& b) {
+             Mp4Box* stbl = b[2].find("trak:1/mdia/minf/stbl");
+             stbl->children.insert(stbl->indexOf("stco"), Mp4Box("free"));
+         },
+         "STCO Header Error\n"},
+        {"64-bit chunk offsets", [&](Boxes& b) { b[2].find(video + "/stco")->type = "co64"; },
+         "STCO Header Error\n"},
+        {"no sdtp runs into the end of the file",
+         [&](Boxes& b) { b[2].find(video)->children.removeAt(b[2].find(video)->indexOf("sdtp")); },
+         "MP4 box Seek reached EOF\n"},
+        {"stsc count", body(video + "/stsc", replaceAt(4, be32(3))), "STSC Size Error \n"},
+        {"stco count high", body(video + "/stco", replaceAt(4, be32(3))), "Read stco Length Error\n"},
+        {"stts count zero", body(video + "/stts", replaceAt(4, be32(0))), "Read STTS Error\n"},
+        {"stts count high", body(video + "/stts", replaceAt(4, be32(2))), "Read STTS Error\n"},
+        {"sample count against stsz", body(video + "/stsz", replaceAt(8, be32(13))),
+         "MP4 File Moov Read Error"},
+        {"short video stsd", body(video + "/stsd", truncate(100)), "Read STSD  Error\n"},
+        {"short audio stsd", body("trak:1/mdia/minf/stbl/stsd", truncate(30)), "Read STSD  Error\n"},
+        {"short mdhd", body("trak:0/mdia/mdhd", truncate(12)), "Read MDHD Error\n"},
+        {"short sdtp", body(video + "/sdtp", truncate(2)), "Read SDTP Error\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Boxes boxes = cameraFile().boxes();
+        c.mutate(boxes);
+        EXPECT_EQ(check(boxes), c.error);
+    }
+
+    // Without the ftyp header no box is searched; a sample count that does not
+    // match the size table fails without a text of the reader.
     QList<Mp4Box> boxes = cameraFile().boxes();
-    ASSERT_EQ(check(boxes), "");
     boxes.prepend(Mp4Box("free", QByteArray(4, '\0')));
-    const QByteArray file = write(boxes);
     CMP4File reader;
-    ASSERT_EQ(reader.Open(file.constData(), CFileM::kModeRead), 1);
+    ASSERT_EQ(reader.Open(write(boxes).constData(), CFileM::kModeRead), 1);
     EXPECT_EQ(reader.ulCheckHeader(), 0u);
+    EXPECT_EQ(reader.ulSeekToMoov(), 0u);
     EXPECT_STREQ(reader.getLastError(), "ftyp header Error\n");
-    EXPECT_EQ(reader.ulSeekToMoov(), 0u) << "no box search without the ftyp header";
-    EXPECT_STREQ(reader.getLastError(), "ftyp header Error\n");
-    EXPECT_EQ(check(file), "MP4 File Read Header Error");
-
-    boxes.removeFirst();
-    boxes[0].type = "ftyq";
-    EXPECT_EQ(check(boxes), "MP4 File Read Header Error");
-}
-
-TEST_F(Mp4Test, UnknownBoxBeforeTheSearchedOneEndsTheWalk)
-{
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    boxes.insert(2, Mp4Box("junk", QByteArray(8, 'j')));
-    EXPECT_EQ(readerError(write(boxes)), "Seek Do not find Tag\n");
-    EXPECT_EQ(check(boxes), "MP4 File Seek to Moov Error");
-
     boxes = cameraFile().boxes();
-    Mp4Box* trak = boxes[2].find("trak:1");
-    trak->children.insert(1, Mp4Box("wxyz"));
-    EXPECT_EQ(check(boxes), "Seek Do not find Tag\n");
-
-    // Known boxes of every kind are walked over.
-    boxes = cameraFile().boxes();
-    boxes[2].children.insert(1, Mp4Box("iods", QByteArray(12, 'i')));
-    boxes[2].find("trak:0")->children.insert(1, Mp4Box("edts", {}, {Mp4Box("elst", QByteArray(20, 'e'))}));
-    boxes[2].find("trak:0")->children.insert(1, Mp4Box("uuid", QByteArray(24, 'u')));
-    boxes.insert(1, Mp4Box("free", QByteArray(100, 'f')));
-    EXPECT_EQ(check(boxes), "");
-}
-
-TEST_F(Mp4Test, SixtyFourBitSizesAreWalkedWithTheirLowHalf)
-{
+    boxes[2].find(video + "/stsz")->body.replace(8, 4, be32(13));
+    EXPECT_EQ(readerError(write(boxes)), "(no text)");
+    // A mdat with a 64-bit size; a size that does not even cover the box header.
     Mp4Builder b = cameraFile();
     b.mdatLargeSize = true;
     EXPECT_EQ(check(b.boxes()), "");
-
-    // The upper half of a 64-bit size is ignored.
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    Mp4Box free("free", QByteArray(40, 'f'));
-    free.largeSize = true;
-    free.sizeHigh = 1;
-    boxes[2].children.insert(1, free);
-    EXPECT_EQ(check(boxes), "");
-
-    // A size that does not even cover the box header is refused.
     boxes = cameraFile().boxes();
-    boxes[2].children.insert(1, free);
+    boxes[2].children.insert(1, large);
     QByteArray raw = Mp4Builder::serialize(boxes);
-    const qsizetype at = raw.indexOf(QByteArray("free"));
-    ASSERT_GT(at, 0);
-    raw.replace(at + 8, 4, be32(4));
+    raw.replace(raw.indexOf(QByteArray("free")) + 8, 4, be32(4));
     EXPECT_EQ(check(write(raw)), "MP4 box Size Error\n");
-}
-
-TEST_F(Mp4Test, SampleTablesMustFollowEachOtherDirectly)
-{
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    Mp4Box* stbl = videoStbl(boxes);
-    stbl->children.insert(stbl->indexOf("stsz"), Mp4Box("free", QByteArray(4, '\0')));
-    EXPECT_EQ(check(boxes), "STSZ Header Error\n");
-
-    boxes = cameraFile().boxes();
-    stbl = boxes[2].find("trak:1/mdia/minf/stbl");
-    stbl->children.insert(stbl->indexOf("stco"), Mp4Box("free"));
-    EXPECT_EQ(check(boxes), "STCO Header Error\n");
-
-    // 64-bit chunk offsets are not read.
-    boxes = cameraFile().boxes();
-    Mp4Box* stco = videoStbl(boxes)->find("stco");
-    QByteArray co64 = be32(0) + be32(2);
-    for (int i = 0; i < 2; ++i)
-        co64 += be32(0) + stco->body.mid(8 + 4 * i, 4);
-    *stco = Mp4Box("co64", co64);
-    EXPECT_EQ(check(boxes), "STCO Header Error\n");
-}
-
-TEST_F(Mp4Test, VideoTrackWithoutSdtpRunsIntoTheFollowingBoxes)
-{
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    Mp4Box* stbl = videoStbl(boxes);
-    stbl->children.removeAt(stbl->indexOf("sdtp"));
-    EXPECT_EQ(check(boxes), "MP4 box Seek reached EOF\n");
-    boxes.append(Mp4Box("abcd"));
-    EXPECT_EQ(check(boxes), "Seek Do not find Tag\n");
 }
 
 TEST_F(Mp4Test, AtMostEightAudioTracks)
@@ -176,9 +187,16 @@ TEST_F(Mp4Test, AtMostEightAudioTracks)
     ASSERT_EQ(ppt.blCheckMP4(file.constData()), 1) << ppt.getErrorText();
     EXPECT_EQ(ppt.getNumAudioStream(), 8);
     EXPECT_EQ(ppt.getAudioChannel(), 4 * 2 + 4);
-    for (int i = 0; i < 8; ++i)
-        EXPECT_EQ(ppt.getAudioESObjectID(i), 260u + quint32(i % 3)) << i;
-    EXPECT_EQ(ppt.getAudioESObjectID(8), 0u);
+    QString text;
+    EXPECT_TRUE(ppt.isAudioStereo());
+    ppt.getAudioFormatStr(1, text);
+    EXPECT_EQ(text, "LPCM24");
+    ppt.getAudioFormatStr(8, text);
+    EXPECT_EQ(text, "-----");
+    ppt.getAudioFormatStr(-1, text);
+    EXPECT_EQ(text, "-----");
+    ppt.getAudioChannelStr(text);
+    EXPECT_EQ(text, "12CH");
     ppt.CloseCheckMP4();
 
     b.tracks << Mp4Builder::audioTrack("twos", 1, {800});
@@ -230,10 +248,8 @@ TEST_F(Mp4Test, MalformedTablesAreRefusedWithTheirTexts)
     };
     // Offsets are into the box body (after the 8-byte header).
     const Case cases[] = {
-        {"stsc", 4, be32(3), "STSC Size Error \n"},
-        {"stco", 4, be32(1), "Read stco Length Error\n"},
-        {"stco", 4, be32(3), "Read stco Length Error\n"},
-        {"stts", 4, be32(0), "Read STTS Error\n"},
+        {"stsc", 4, be32(3), "STSC Size Error \n"},       {"stco", 4, be32(1), "Read stco Length Error\n"},
+        {"stco", 4, be32(3), "Read stco Length Error\n"}, {"stts", 4, be32(0), "Read STTS Error\n"},
         {"stts", 4, be32(2), "Read STTS Error\n"},
     };
     for (const Case& c : cases) {
@@ -305,7 +321,8 @@ TEST_F(Mp4Test, RandomCorruptionIsRefusedOrReadNeverACrash)
         for (int i = 0; i < flips; ++i) {
             // Mostly the box tree, sometimes the sequence header or the ftyp.
             const quint32 where = random() % 10;
-            const qsizetype at = where < 8   ? moovStart + qsizetype(random() % quint32(whole.size() - moovStart))
+            const qsizetype at = where < 8
+                                     ? moovStart + qsizetype(random() % quint32(whole.size() - moovStart))
                                  : where < 9 ? qsizetype(random() % 64)
                                              : qsizetype(24 + random() % 40);
             data[at] = char(random() % 4 == 0 ? 0xFF : random());
