@@ -1,17 +1,17 @@
 #include "core/card/BLMediaProCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationNames.h"
-#include "core/formats/metadata/BLCueupInfoAcss.h"
-#include "core/card/BLHouseKeepingCtrl.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/formats/mp4/CCreatePPT.h"
 #include "core/card/BLCardPath.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/formats/metadata/BLCueupInfoAcss.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/formats/mp4/CCreatePPT.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QFile>
@@ -151,6 +151,16 @@ template <class Entry> void appendWithUri(QList<Entry>& list, const Entry& entry
 }
 
 } // namespace
+
+// A new media profile's system entry names this machine by its network
+// address, which only the disk controller above the file formats knows.
+bool BLMediaProfileAcss::initMediaPro()
+{
+    DOSystem system;
+    system.setSystemId(BLDiskCtrl::sharedCtrl()->getMacAddress(false).toLower());
+    system.setSystemKind(kSystemKind);
+    return setSystemData(system) == 0;
+}
 
 // ---- checking side ----
 

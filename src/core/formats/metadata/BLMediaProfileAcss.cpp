@@ -1,8 +1,7 @@
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 
-#include "core/services/BLPlistCtrl.h"
 #include "core/services/BLCommon.h"
-#include "core/card/BLDiskCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <algorithm>
 
@@ -103,14 +102,6 @@ bool BLMediaProfileAcss::createForFolderPath(const QString& folderPath)
     return m_xml.createDocument(QStringLiteral("MediaProfile")) && m_xml.selectNodeArray(kRootPath) == 1 &&
            m_xml.setNameSpaceWithName(QString(), kNameSpace) == 1 && m_xml.setMediaProfileHeader() == 1 &&
            m_xml.setAttribute(QStringLiteral("version"), QStringLiteral("1.10")) == 1 && initMediaPro();
-}
-
-bool BLMediaProfileAcss::initMediaPro()
-{
-    DOSystem system;
-    system.setSystemId(BLDiskCtrl::sharedCtrl()->getMacAddress(false).toLower());
-    system.setSystemKind(kSystemKind);
-    return setSystemData(system) == 0;
 }
 
 bool BLMediaProfileAcss::save(const QString& mediaId)
