@@ -116,6 +116,43 @@ public:
     bool delAliasData(const QString& lang);
 
 private:
+    // Element paths and the schema's child order, shared by the reading and
+    // writing halves.
+    static inline const QString kRoot = QStringLiteral("/NonRealTimeMeta");
+    static inline const QString kTitle = QStringLiteral("/NonRealTimeMeta/Title");
+    static inline const QString kAlias = QStringLiteral("/NonRealTimeMeta/Title/lib:Alias");
+    static inline const QString kVideoFormat = QStringLiteral("/NonRealTimeMeta/VideoFormat");
+    static inline const QString kVideoLayout = QStringLiteral("/NonRealTimeMeta/VideoFormat/VideoLayout");
+    static inline const QString kAudioFormat = QStringLiteral("/NonRealTimeMeta/AudioFormat");
+    static inline const QString kDevice = QStringLiteral("/NonRealTimeMeta/Device");
+
+    // The order of the root's children in the card format's schema.
+    static inline const QStringList kRootOrder = {"TargetMaterial",
+                                                  "Duration",
+                                                  "LtcChangeTable",
+                                                  "CreationDate",
+                                                  "LastUpdate",
+                                                  "TypicalUbit",
+                                                  "KeyFrame",
+                                                  "BodyUmidBasicChangeTable",
+                                                  "BodyUmidWhenChangeTable",
+                                                  "BodyUmidWhereChangeTable",
+                                                  "BodyUmidWhoChangeTable",
+                                                  "KlvPacketTable",
+                                                  "VideoFormat",
+                                                  "AudioFormat",
+                                                  "SubStream",
+                                                  "Device",
+                                                  "Lens",
+                                                  "Creator",
+                                                  "Title",
+                                                  "Description",
+                                                  "RecordingMode"};
+    static inline const QStringList kVideoOrder = {"VideoRecPort", "VideoFrame", "VideoLayout"};
+    static inline const QStringList kLayoutOrder = {"PullDownSetting"};
+    static QString child(const QString& parentPath, const QString& name);
+    static QString aliasPath(const QString& lang);
+
     int select(const QString& path) { return m_xml.selectNodeArray(path); }
     QString attribute(const QString& path, const QString& name);
     bool createElement(const QString& parentPath, const QStringList& order, const QString& name,
