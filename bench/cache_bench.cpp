@@ -8,11 +8,11 @@
 // picture's notification on the main thread, with the worker idle.
 // BM_CacheMiss: decoding the key frame and writing the cache file.
 #include "BenchSupport.h"
+#include "core/app/preview/BLCacheImageCtrl.h"
+#include "core/card/DOTakeData.h"
 #include "core/services/BLCommon.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
-#include "core/app/preview/BLCacheImageCtrl.h"
 #include "support/CardFolder.h"
 
 #include <QCoreApplication>

@@ -4,9 +4,9 @@
 // (cardgen's fast mode); each run deletes from a fresh copy, made and read
 // outside the timing. 600 takes should go in well under 2 s.
 #include "BenchSupport.h"
-#include "core/services/BLCommon.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -4,11 +4,11 @@
 // division of a generated card of 600 single clips into folders of about ten
 // clips each on the same volume, checks, moves and index files included (the
 // card is copied afresh before each run, outside the timing).
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/Segment.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 

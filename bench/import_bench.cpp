@@ -9,10 +9,10 @@
 // current folder), which should lie on the disk to be measured;
 // IMPORT_BENCH_MIB the large file's size (default 1024).
 #include "BenchSupport.h"
+#include "core/operations/import/BLMP4ImportCtrl.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLHeadlessProgressView.h"
 #include "core/services/BLProgressCtrl.h"
-#include "core/operations/import/BLMP4ImportCtrl.h"
 #include "support/Mp4Builder.h"
 
 #include <QDir>

@@ -3,10 +3,10 @@
 // folders' index files. A generated card of n short single clips (cardgen's
 // fast mode) is copied afresh before each run, outside the timing.
 #include "BenchSupport.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

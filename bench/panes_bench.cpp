@@ -10,10 +10,10 @@
 //   each page painted, so every row is painted once (the pictures asked for on
 //   the way are decoded by the thumbnail cache's worker meanwhile).
 #include "core/app/BLMainWindowCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/card/BLTreeViewCtrl.h"
 #include "core/app/panes/BLMediaInfoCtrl.h"
 #include "core/app/panes/BLThumbViewCtrl.h"
+#include "core/card/BLTreeViewCtrl.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

@@ -6,10 +6,10 @@
 // thread and when the search ended. The property dialog is opened on a take
 // (the dialog built, filled and shown) and closed again.
 #include "BenchSupport.h"
-#include "core/services/BLCommon.h"
+#include "core/operations/BLClipPropertyCtrl.h"
 #include "core/operations/search/BLClipSearchCtrl.h"
 #include "core/operations/search/IClipSearchView.h"
-#include "core/operations/BLClipPropertyCtrl.h"
+#include "core/services/BLCommon.h"
 #include "ui/operations/ClipPropertyDialog.h"
 
 #include <QApplication>

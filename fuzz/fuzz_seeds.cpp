@@ -38,8 +38,7 @@ int main(int argc, char** argv)
     b.tracks << Mp4Builder::audioTrack("in24", 1, {100, 101});
     ok &= save(mp4Dir + "/camera-xml.MP4", b.bytes());
     Mp4Builder p;
-    p.tracks << Mp4Builder::videoTrack({"IBBPBB"}, 400,
-                                       cwtest::mpeg2SequenceStart(1440, 1080, 3, 3, true));
+    p.tracks << Mp4Builder::videoTrack({"IBBPBB"}, 400, cwtest::mpeg2SequenceStart(1440, 1080, 3, 3, true));
     p.tracks[0].sampleSizes.clear();
     p.tracks[0].constantSampleSize = 400;
     p.tracks[0].bytesPerSample = 400;

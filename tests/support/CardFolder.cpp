@@ -45,7 +45,8 @@ QString CardFolder::workFolder(int card) const
 
 QString CardFolder::bpav(int card) const
 {
-    return workFolder(card) + QLatin1Char('/') + (ok() ? m_manifest->cards.front().bpav : QStringLiteral("BPAV"));
+    return workFolder(card) + QLatin1Char('/') +
+           (ok() ? m_manifest->cards.front().bpav : QStringLiteral("BPAV"));
 }
 
 QString CardFolder::path(const QString& relative, int card) const

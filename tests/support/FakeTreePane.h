@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/card/BLTreeViewCtrl.h"
 #include "core/card/DOTakeData.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QFileInfo>
 

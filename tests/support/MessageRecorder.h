@@ -14,7 +14,10 @@ namespace cwtest {
 class MessageRecorder : public IMessagePresenter
 {
 public:
-    explicit MessageRecorder(int answer = kFirstButton) : m_answer(answer) { BLCommon::setMessagePresenter(this); }
+    explicit MessageRecorder(int answer = kFirstButton) : m_answer(answer)
+    {
+        BLCommon::setMessagePresenter(this);
+    }
     ~MessageRecorder() override { BLCommon::setMessagePresenter(nullptr); }
 
     int showAlert(const SCAlert& alert) override

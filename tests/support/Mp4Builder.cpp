@@ -20,7 +20,10 @@ QByteArray be32(quint32 v)
     return b;
 }
 
-QByteArray be64(quint64 v) { return be32(quint32(v >> 32)) + be32(quint32(v)); }
+QByteArray be64(quint64 v)
+{
+    return be32(quint32(v >> 32)) + be32(quint32(v));
+}
 
 // ---- boxes ----
 
@@ -41,7 +44,8 @@ static QByteArray header(const Mp4Box& box)
 {
     const quint64 size = box.size();
     if (box.largeSize)
-        return be32(1) + box.type + be32(box.sizeHigh ? box.sizeHigh : quint32(size >> 32)) + be32(quint32(size));
+        return be32(1) + box.type + be32(box.sizeHigh ? box.sizeHigh : quint32(size >> 32)) +
+               be32(quint32(size));
     return be32(quint32(size)) + box.type;
 }
 
@@ -185,7 +189,8 @@ Mp4Track Mp4Builder::videoTrack(const QList<QByteArray>& chunkTypes, int picture
     return t;
 }
 
-Mp4Track Mp4Builder::audioTrack(const QByteArray& format, quint16 channels, const QList<quint32>& samplesPerChunk)
+Mp4Track Mp4Builder::audioTrack(const QByteArray& format, quint16 channels,
+                                const QList<quint32>& samplesPerChunk)
 {
     Mp4Track t;
     t.format = format;
@@ -200,7 +205,10 @@ Mp4Track Mp4Builder::audioTrack(const QByteArray& format, quint16 channels, cons
 }
 
 namespace {
-Mp4Box ftypBox() { return Mp4Box("ftyp", QByteArray("mp42") + be32(1) + QByteArray("mp42isom")); }
+Mp4Box ftypBox()
+{
+    return Mp4Box("ftyp", QByteArray("mp42") + be32(1) + QByteArray("mp42isom"));
+}
 } // namespace
 
 Mp4Builder::Layout Mp4Builder::layout() const
@@ -240,7 +248,10 @@ Mp4Builder::Layout Mp4Builder::layout() const
     return l;
 }
 
-quint64 Mp4Builder::chunkOffset(int track, int chunk) const { return layout().offsets[track][chunk]; }
+quint64 Mp4Builder::chunkOffset(int track, int chunk) const
+{
+    return layout().offsets[track][chunk];
+}
 
 namespace {
 
@@ -257,16 +268,16 @@ Mp4Box fullBox(const QByteArray& type, const QByteArray& body, quint32 versionFl
 
 QByteArray visualSampleEntry(const Mp4Track& t)
 {
-    QByteArray e = QByteArray(6, '\0') + be16(1);            // reserved, data reference index
-    e += QByteArray(16, '\0');                               // pre-defined and reserved
+    QByteArray e = QByteArray(6, '\0') + be16(1); // reserved, data reference index
+    e += QByteArray(16, '\0');                    // pre-defined and reserved
     e += be16(t.width) + be16(t.height);
-    e += be32(0x00480000) + be32(0x00480000) + be32(0);      // resolution, reserved
-    e += be16(1);                                            // frames per sample
-    e += QByteArray(32, '\0');                               // compressor name
-    e += be16(0x18) + be16(0xFFFF);                          // depth, pre-defined
+    e += be32(0x00480000) + be32(0x00480000) + be32(0); // resolution, reserved
+    e += be16(1);                                       // frames per sample
+    e += QByteArray(32, '\0');                          // compressor name
+    e += be16(0x18) + be16(0xFFFF);                     // depth, pre-defined
     // esds with one-byte descriptor lengths: ES, decoder config, SL config.
-    QByteArray decoderConfig = QByteArray(1, char(t.objectType)) + char(0x11) + QByteArray("\x00\x10\x00", 3) +
-                               be32(t.maxBitrate) + be32(t.maxBitrate);
+    QByteArray decoderConfig = QByteArray(1, char(t.objectType)) + char(0x11) +
+                               QByteArray("\x00\x10\x00", 3) + be32(t.maxBitrate) + be32(t.maxBitrate);
     QByteArray es = be16(1) + char(0) + char(0x04) + char(decoderConfig.size()) + decoderConfig +
                     QByteArray("\x06\x01\x02", 3);
     QByteArray esds = be32(0) + char(0x03) + char(es.size()) + es;
@@ -277,7 +288,7 @@ QByteArray visualSampleEntry(const Mp4Track& t)
 QByteArray soundSampleEntry(const Mp4Track& t)
 {
     QByteArray e = QByteArray(6, '\0') + be16(1);
-    e += be16(0) + be16(0) + be32(0);                        // version, revision, vendor
+    e += be16(0) + be16(0) + be32(0); // version, revision, vendor
     e += be16(t.channels) + be16(t.bytesPerSample * 8 / qMax<quint32>(1, t.channels));
     e += be16(0) + be16(0) + be32(t.timescale << 16);
     return Mp4Box(t.format, e).bytes();
@@ -338,15 +349,15 @@ Mp4Box Mp4Builder::trak(int index, const QList<quint64>& chunkOffsets) const
     Mp4Box dinf("dinf", {}, {fullBox("dref", be32(1) + fullBox("url ", {}, 1).bytes())});
     Mp4Box minf("minf", {}, {mediaHeader, dinf, stbl});
     Mp4Box mdia("mdia", {},
-                {fullBox("mdhd", be32(0) + be32(0) + be32(t.timescale) + be32(quint32(duration)) + be16(0x55C4) +
-                                     be16(0)),
+                {fullBox("mdhd", be32(0) + be32(0) + be32(t.timescale) + be32(quint32(duration)) +
+                                     be16(0x55C4) + be16(0)),
                  fullBox("hdlr", be32(0) + handler + QByteArray(12, '\0') + QByteArray("Handler", 8)), minf});
-    Mp4Box tkhd = fullBox("tkhd",
-                          be32(0) + be32(0) + be32(quint32(index + 1)) + be32(0) + be32(quint32(duration)) +
-                              QByteArray(8, '\0') + be16(0) + be16(0) + be16(audio ? 0x0100 : 0) + be16(0) +
-                              matrix() + be32(video ? quint32(t.width) << 16 : 0) +
-                              be32(video ? quint32(t.height) << 16 : 0),
-                          7);
+    Mp4Box tkhd =
+        fullBox("tkhd",
+                be32(0) + be32(0) + be32(quint32(index + 1)) + be32(0) + be32(quint32(duration)) +
+                    QByteArray(8, '\0') + be16(0) + be16(0) + be16(audio ? 0x0100 : 0) + be16(0) + matrix() +
+                    be32(video ? quint32(t.width) << 16 : 0) + be32(video ? quint32(t.height) << 16 : 0),
+                7);
     return Mp4Box("trak", {}, {tkhd, mdia});
 }
 
@@ -360,12 +371,13 @@ QList<Mp4Box> Mp4Builder::boxes() const
     Mp4Box moov("moov");
     quint32 timescale = tracks.isEmpty() ? 30000 : tracks.first().timescale;
     moov.children << fullBox("mvhd", be32(0) + be32(0) + be32(timescale) + be32(0) + be32(0x00010000) +
-                                         be16(0x0100) + QByteArray(10, '\0') + matrix() + QByteArray(24, '\0') +
-                                         be32(quint32(tracks.size() + 1)));
+                                         be16(0x0100) + QByteArray(10, '\0') + matrix() +
+                                         QByteArray(24, '\0') + be32(quint32(tracks.size() + 1)));
     for (int i = 0; i < tracks.size(); ++i)
         moov.children << trak(i, l.offsets[i]);
     if (!xmlBody.isEmpty()) {
-        Mp4Box hdlr = fullBox("hdlr", be32(0) + QByteArray("meta") + QByteArray(12, '\0') + QByteArray(1, '\0'));
+        Mp4Box hdlr =
+            fullBox("hdlr", be32(0) + QByteArray("meta") + QByteArray(12, '\0') + QByteArray(1, '\0'));
         Mp4Box meta("meta", {}, {hdlr, Mp4Box("xml ", xmlBody)});
         moov.children << Mp4Box("udta", {}, {meta});
     }

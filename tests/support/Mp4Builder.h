@@ -55,10 +55,10 @@ struct Mp4Track
     quint32 bytesPerSample = 4; // chunk size of the constant-size form: samples x this
 
     QList<quint32> samplesPerChunk;
-    QList<quint32> sampleSizes;     // one per sample; empty: stsz gives constantSampleSize
+    QList<quint32> sampleSizes; // one per sample; empty: stsz gives constantSampleSize
     quint32 constantSampleSize = 1;
-    QList<QByteArray> chunkData;    // leading bytes of each chunk; the rest is zero
-    QByteArray dependencies;        // sdtp bytes (video)
+    QList<QByteArray> chunkData; // leading bytes of each chunk; the rest is zero
+    QByteArray dependencies;     // sdtp bytes (video)
 
     bool isVideo() const { return format == "mp4v"; }
     quint32 sampleCount() const;
@@ -98,7 +98,8 @@ public:
     // taken from it.
     static Mp4Track videoTrack(const QList<QByteArray>& chunkTypes, int pictureSize = 3000,
                                const QByteArray& sequenceStart = {});
-    static Mp4Track audioTrack(const QByteArray& format, quint16 channels, const QList<quint32>& samplesPerChunk);
+    static Mp4Track audioTrack(const QByteArray& format, quint16 channels,
+                               const QList<quint32>& samplesPerChunk);
 
     // File offset of chunk c of track t.
     quint64 chunkOffset(int track, int chunk) const;

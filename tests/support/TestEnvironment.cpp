@@ -1,10 +1,10 @@
 #include "support/TestEnvironment.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/formats/metadata/BLBIMCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <QDir>
 
@@ -22,8 +22,8 @@ void setXdg(const QString& home)
     qputenv("XDG_DATA_HOME", (home + "/.local/share").toUtf8());
     qputenv("XDG_RUNTIME_DIR", (home + "/.runtime").toUtf8());
     QDir().mkpath(home + "/.runtime");
-    QFile::setPermissions(home + "/.runtime", QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                  QFileDevice::ExeOwner);
+    QFile::setPermissions(home + "/.runtime",
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 } // namespace
 
@@ -48,10 +48,22 @@ ScopedHome::~ScopedHome()
     setXdg(QString::fromUtf8(m_previousHome));
 }
 
-QString ScopedHome::configHome() const { return m_dir.path() + "/.config"; }
-QString ScopedHome::stateHome() const { return m_dir.path() + "/.local/state"; }
-QString ScopedHome::cacheHome() const { return m_dir.path() + "/.cache"; }
-QString ScopedHome::path(const QString& relative) const { return m_dir.filePath(relative); }
+QString ScopedHome::configHome() const
+{
+    return m_dir.path() + "/.config";
+}
+QString ScopedHome::stateHome() const
+{
+    return m_dir.path() + "/.local/state";
+}
+QString ScopedHome::cacheHome() const
+{
+    return m_dir.path() + "/.cache";
+}
+QString ScopedHome::path(const QString& relative) const
+{
+    return m_dir.filePath(relative);
+}
 
 void writeSettings(const QString& configHome, const QVariantMap& values)
 {

@@ -53,7 +53,7 @@ struct Clip
 
 struct Take
 {
-    TakePlan plan;     // multi-clip takes only
+    TakePlan plan; // multi-clip takes only
     bool multi = false;
     int card = 0;
     std::vector<int> clips; // indices into the run's clip list
@@ -64,8 +64,8 @@ struct Take
 struct Card
 {
     QString workFolder;
-    QString bpav;          // absolute
-    QString createdTop;    // the folder this run created at the top of the work folder
+    QString bpav;       // absolute
+    QString createdTop; // the folder this run created at the top of the work folder
     bool createdWorkFolder = false;
     QString mediaId;
 };
@@ -73,9 +73,9 @@ struct Card
 // Whether the camera's media profile lists the clip.
 bool listed(const Clip& clip)
 {
-    return !clip.damage
-           || (clip.damage->kind != Damage::Kind::Unlisted && clip.damage->kind != Damage::Kind::Loose
-               && clip.damage->kind != Damage::Kind::Hidden);
+    return !clip.damage ||
+           (clip.damage->kind != Damage::Kind::Unlisted && clip.damage->kind != Damage::Kind::Loose &&
+            clip.damage->kind != Damage::Kind::Hidden);
 }
 
 // The folder scan's status for a single clip with this damage (-1: not seen).
@@ -86,12 +86,12 @@ int clipStatus(const Clip& clip)
     switch (clip.damage->kind) {
     case Damage::Kind::Missing:
         if (clip.has(QStringLiteral("SMI")))
-            return clip.has(QStringLiteral("MP4")) && clip.has(QStringLiteral("XML"))
-                           && clip.has(QStringLiteral("BIM")) && clip.has(QStringLiteral("PPN"))
+            return clip.has(QStringLiteral("MP4")) && clip.has(QStringLiteral("XML")) &&
+                           clip.has(QStringLiteral("BIM")) && clip.has(QStringLiteral("PPN"))
                        ? 0
                        : 5;
-        return clip.has(QStringLiteral("MP4")) && clip.has(QStringLiteral("XML"))
-                       && !clip.has(QStringLiteral("BIM")) && !clip.has(QStringLiteral("PPN"))
+        return clip.has(QStringLiteral("MP4")) && clip.has(QStringLiteral("XML")) &&
+                       !clip.has(QStringLiteral("BIM")) && !clip.has(QStringLiteral("PPN"))
                    ? 3
                    : 5;
     case Damage::Kind::Unlisted:
@@ -194,8 +194,8 @@ bool CardWriter::validate()
         total += n;
     if (total > 9999)
         return fail(QStringLiteral("at most 9999 clips"));
-    const std::optional<TimeCode> start = TimeCode::parse(o.startTimecode, rate->tcBase,
-                                                          rate->dropCapable && !o.nonDropFrame);
+    const std::optional<TimeCode> start =
+        TimeCode::parse(o.startTimecode, rate->tcBase, rate->dropCapable && !o.nonDropFrame);
     if (!start)
         return fail(QStringLiteral("bad start time code %1").arg(o.startTimecode));
     m_start = *start;
@@ -216,8 +216,8 @@ bool CardWriter::prepareCard(const QString& workFolder)
     card.workFolder = QDir(workFolder).absolutePath();
     if (QFileInfo::exists(card.workFolder) && !QFileInfo(card.workFolder).isDir())
         return fail(QStringLiteral("%1 is not a folder").arg(card.workFolder));
-    if (QFileInfo::exists(card.workFolder + QStringLiteral("/BPAV"))
-        || QFileInfo::exists(card.workFolder + QStringLiteral("/PRIVATE")))
+    if (QFileInfo::exists(card.workFolder + QStringLiteral("/BPAV")) ||
+        QFileInfo::exists(card.workFolder + QStringLiteral("/PRIVATE")))
         return fail(QStringLiteral("%1 already holds a card").arg(card.workFolder));
     card.createdWorkFolder = !QFileInfo::exists(card.workFolder);
     card.createdTop = card.workFolder + QLatin1Char('/') + m_options.layout.section(QLatin1Char('/'), 0, 0);
@@ -272,8 +272,8 @@ void CardWriter::plan()
         const ClipPlan& first = m_clips[size_t(take.clips.front())].plan;
         const ClipPlan& last = m_clips[size_t(take.clips.back())].plan;
         TakePlan& t = take.plan;
-        t.folder = (part == 2 ? m_clips[size_t(m_takes.back().clips.front())].plan.name : first.name)
-                   + QString::asprintf("U%02d", part == 2 ? 2 : 1);
+        t.folder = (part == 2 ? m_clips[size_t(m_takes.back().clips.front())].plan.name : first.name) +
+                   QString::asprintf("U%02d", part == 2 ? 2 : 1);
         t.frames = clipCount * m_options.frames;
         t.created = first.created;
         t.start = first.start;
@@ -371,8 +371,8 @@ std::vector<const ClipPlan*> CardWriter::clipsOf(const Take& take) const
     return plans;
 }
 
-bool CardWriter::writeFile(const QString& absolute, const QByteArray& data, const QString& kind,
-                           int card, std::vector<ManifestFile>& files)
+bool CardWriter::writeFile(const QString& absolute, const QByteArray& data, const QString& kind, int card,
+                           std::vector<ManifestFile>& files)
 {
     QFile file(absolute);
     if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.flush())
@@ -399,8 +399,8 @@ bool CardWriter::writeClip(Clip& clip, const CodedVideo& essence, ManifestClip& 
     out.lastTimecode = p.last.display();
     out.expectedStatus = clipStatus(clip);
 
-    const QByteArray xml = CardXml::nonRealTimeMeta(p.umid, p.frames, p.start, p.last, p.created,
-                                                    p.status, p.name, m_format);
+    const QByteArray xml =
+        CardXml::nonRealTimeMeta(p.umid, p.frames, p.start, p.last, p.created, p.status, p.name, m_format);
     if (clip.has(QStringLiteral("MP4"))) {
         CodedVideo video = essence;
         const TimeCodeClock clock(m_format.rate, p.start);
@@ -428,24 +428,24 @@ bool CardWriter::writeClip(Clip& clip, const CodedVideo& essence, ManifestClip& 
         out.files.push_back({QStringLiteral("MP4"), relativeToCard(clip.card, path), layout->fileSize});
         if (loose)
             return true;
-        if (clip.has(QStringLiteral("PPN"))
-            && !writeFile(folder + QLatin1Char('/') + p.ppn(), PpnWriter::build(*layout),
-                          QStringLiteral("PPN"), clip.card, out.files))
+        if (clip.has(QStringLiteral("PPN")) &&
+            !writeFile(folder + QLatin1Char('/') + p.ppn(), PpnWriter::build(*layout), QStringLiteral("PPN"),
+                       clip.card, out.files))
             return false;
     } else if (clip.has(QStringLiteral("PPN"))) {
         return fail(QStringLiteral("a picture pointer table needs its MP4 file; leave out PPN too"));
     }
-    if (clip.has(QStringLiteral("XML"))
-        && !writeFile(folder + QLatin1Char('/') + p.xml(), xml, QStringLiteral("XML"), clip.card, out.files))
+    if (clip.has(QStringLiteral("XML")) &&
+        !writeFile(folder + QLatin1Char('/') + p.xml(), xml, QStringLiteral("XML"), clip.card, out.files))
         return false;
-    if (clip.has(QStringLiteral("SMI"))
-        && !writeFile(folder + QLatin1Char('/') + p.smi(), CardXml::clipTakeInfo(p, m_format),
-                      QStringLiteral("SMI"), clip.card, out.files))
+    if (clip.has(QStringLiteral("SMI")) &&
+        !writeFile(folder + QLatin1Char('/') + p.smi(), CardXml::clipTakeInfo(p, m_format),
+                   QStringLiteral("SMI"), clip.card, out.files))
         return false;
-    if (clip.has(QStringLiteral("BIM"))
-        && !writeFile(folder + QLatin1Char('/') + p.bim(),
-                      BimWriter::build(TimeCodeClock(m_format.rate, p.start), p.frames),
-                      QStringLiteral("BIM"), clip.card, out.files))
+    if (clip.has(QStringLiteral("BIM")) &&
+        !writeFile(folder + QLatin1Char('/') + p.bim(),
+                   BimWriter::build(TimeCodeClock(m_format.rate, p.start), p.frames), QStringLiteral("BIM"),
+                   clip.card, out.files))
         return false;
     return true;
 }
@@ -457,11 +457,11 @@ bool CardWriter::writeTake(const Take& take, ManifestTake& out)
     if (!QDir().mkpath(folder))
         return fail(QStringLiteral("cannot create %1").arg(folder));
     return writeFile(folder + QLatin1Char('/') + t.smi(), CardXml::takeTakeInfo(t, clipsOf(take), m_format),
-                     QStringLiteral("SMI"), take.card, out.files)
-           && writeFile(folder + QLatin1Char('/') + t.xml(),
-                        CardXml::nonRealTimeMeta(t.umid, t.frames, t.start, t.last, t.created,
-                                                 QStringLiteral("OK"), t.folder, m_format),
-                        QStringLiteral("XML"), take.card, out.files);
+                     QStringLiteral("SMI"), take.card, out.files) &&
+           writeFile(folder + QLatin1Char('/') + t.xml(),
+                     CardXml::nonRealTimeMeta(t.umid, t.frames, t.start, t.last, t.created,
+                                              QStringLiteral("OK"), t.folder, m_format),
+                     QStringLiteral("XML"), take.card, out.files);
 }
 
 bool CardWriter::writeIndexes(int card)
@@ -484,9 +484,9 @@ bool CardWriter::writeIndexes(int card)
     const QString bpav = m_cards[size_t(card)].bpav;
     std::vector<ManifestFile>& files = m_manifest.cards[size_t(card)].files;
     return writeFile(bpav + QStringLiteral("/MEDIAPRO.XML"), CardXml::mediaProfile(profile, m_format),
-                     QStringLiteral("MEDIAPRO"), card, files)
-           && writeFile(bpav + QStringLiteral("/CUEUP.XML"), CardXml::cueUp(lastListed),
-                        QStringLiteral("CUEUP"), card, files);
+                     QStringLiteral("MEDIAPRO"), card, files) &&
+           writeFile(bpav + QStringLiteral("/CUEUP.XML"), CardXml::cueUp(lastListed), QStringLiteral("CUEUP"),
+                     card, files);
 }
 
 ManifestTake CardWriter::manifestTake(const Take& take) const
@@ -628,8 +628,8 @@ std::optional<Manifest> CardWriter::run(QString* error)
 
 std::optional<Damage> Damage::parse(const QString& text, QString* error)
 {
-    static const QRegularExpression pattern(
-        QStringLiteral("^(missing|unlisted|loose|noftyp|co64|hidden|notok)(?:=([A-Za-z0-9+]+))?(?:@(\\d+))?$"));
+    static const QRegularExpression pattern(QStringLiteral(
+        "^(missing|unlisted|loose|noftyp|co64|hidden|notok)(?:=([A-Za-z0-9+]+))?(?:@(\\d+))?$"));
     const QRegularExpressionMatch m = pattern.match(text.trimmed().toLower());
     auto bad = [&](const QString& why) -> std::optional<Damage> {
         if (error)
@@ -670,13 +670,20 @@ std::optional<Damage> Damage::parse(const QString& text, QString* error)
 QString Damage::name() const
 {
     switch (kind) {
-    case Kind::Missing: return QStringLiteral("missing");
-    case Kind::Unlisted: return QStringLiteral("unlisted");
-    case Kind::Loose: return QStringLiteral("loose");
-    case Kind::NoFtyp: return QStringLiteral("noftyp");
-    case Kind::Co64: return QStringLiteral("co64");
-    case Kind::Hidden: return QStringLiteral("hidden");
-    case Kind::NotOk: return QStringLiteral("notok");
+    case Kind::Missing:
+        return QStringLiteral("missing");
+    case Kind::Unlisted:
+        return QStringLiteral("unlisted");
+    case Kind::Loose:
+        return QStringLiteral("loose");
+    case Kind::NoFtyp:
+        return QStringLiteral("noftyp");
+    case Kind::Co64:
+        return QStringLiteral("co64");
+    case Kind::Hidden:
+        return QStringLiteral("hidden");
+    case Kind::NotOk:
+        return QStringLiteral("notok");
     }
     return QString();
 }
@@ -694,17 +701,35 @@ QString CardGenerator::videoCodecFor(int width, int height, int mbps)
     const bool cbr = mbps == 25;
     QString name = QString::asprintf(cbr ? "MPEG2HD%02dCBR_" : "MPEG2HD%02d_", mbps);
     switch (width) {
-    case 720: name += QStringLiteral("720_"); break;
-    case 1280: name += QStringLiteral("1280_"); break;
-    case 1440: name += QStringLiteral("1440_"); break;
-    case 1920: name += QStringLiteral("1920_"); break;
-    default: name += QStringLiteral("-_"); break;
+    case 720:
+        name += QStringLiteral("720_");
+        break;
+    case 1280:
+        name += QStringLiteral("1280_");
+        break;
+    case 1440:
+        name += QStringLiteral("1440_");
+        break;
+    case 1920:
+        name += QStringLiteral("1920_");
+        break;
+    default:
+        name += QStringLiteral("-_");
+        break;
     }
     switch (height) {
-    case 480: name += QStringLiteral("480"); break;
-    case 720: name += QStringLiteral("720"); break;
-    case 1080: name += QStringLiteral("1080"); break;
-    default: name += QStringLiteral("-"); break;
+    case 480:
+        name += QStringLiteral("480");
+        break;
+    case 720:
+        name += QStringLiteral("720");
+        break;
+    case 1080:
+        name += QStringLiteral("1080");
+        break;
+    default:
+        name += QStringLiteral("-");
+        break;
     }
     return name + (cbr ? QStringLiteral("_MP@H-14") : QStringLiteral("_MP@HL"));
 }

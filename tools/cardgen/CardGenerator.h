@@ -14,7 +14,8 @@ namespace cardgen {
 // One defect to build into a single-clip take of the card.
 struct Damage
 {
-    enum class Kind {
+    enum class Kind
+    {
         Missing,  // some of the clip's files are not written
         Unlisted, // the clip folder is not in MEDIAPRO.XML
         Loose,    // the clip is only its MP4 file, lying directly in CLPR
@@ -35,28 +36,28 @@ struct Damage
 
 struct Options
 {
-    QString outputFolder;              // the work folder that receives the card
-    QString layout = QStringLiteral("BPAV"); // or "PRIVATE/ORX/BPAV"
-    int clips = 3;                     // single-clip takes
-    std::vector<int> multiClipTakes;   // one take of N clips in TAKR per entry
-    int spanningClips = 0;             // a take of N clips spread over this card and the second one
-    QString secondCardFolder;          // work folder of the second card (spanning only)
-    int frames = 30;                   // per clip, a multiple of 3
+    QString outputFolder;                       // the work folder that receives the card
+    QString layout = QStringLiteral("BPAV");    // or "PRIVATE/ORX/BPAV"
+    int clips = 3;                              // single-clip takes
+    std::vector<int> multiClipTakes;            // one take of N clips in TAKR per entry
+    int spanningClips = 0;                      // a take of N clips spread over this card and the second one
+    QString secondCardFolder;                   // work folder of the second card (spanning only)
+    int frames = 30;                            // per clip, a multiple of 3
     QString size = QStringLiteral("1920x1080"); // "1440x1080", "1280x720" or "tiny" (320x180)
     QString frameRate = QStringLiteral("59.94i");
-    int gop = 0;                       // frames per GOP, a multiple of 3 up to 15; 0: 15 at 59.94 Hz / 23.98p, 12 at 50 Hz
-    int audioTracks = 1;               // 0 to 4
-    int audioChannelsPerTrack = 2;     // 1 or 2
-    bool embedXml = false;             // embed each clip's metadata in its MP4 file
+    int gop = 0;         // frames per GOP, a multiple of 3 up to 15; 0: 15 at 59.94 Hz / 23.98p, 12 at 50 Hz
+    int audioTracks = 1; // 0 to 4
+    int audioChannelsPerTrack = 2;          // 1 or 2
+    bool embedXml = false;                  // embed each clip's metadata in its MP4 file
     QString prefix = QStringLiteral("ABC"); // clip names are prefix + 4 digits
     std::vector<Damage> damages;
-    bool fast = false;                 // encode one essence and reuse it for every clip
-    QDateTime recorded;                // when the first clip was recorded (invalid: now)
+    bool fast = false;                                     // encode one essence and reuse it for every clip
+    QDateTime recorded;                                    // when the first clip was recorded (invalid: now)
     QString startTimecode = QStringLiteral("00:00:00:00"); // of the first clip; the others follow on
-    bool nonDropFrame = false;         // non-drop time code at 29.97 and 59.94 Hz
+    bool nonDropFrame = false;                             // non-drop time code at 29.97 and 59.94 Hz
     QString mediaName;
-    QString manifestPath;              // default: <outputFolder>/cardgen-manifest.json
-    int quantizer = 4;                 // MPEG-2 quantiser scale (2..31)
+    QString manifestPath; // default: <outputFolder>/cardgen-manifest.json
+    int quantizer = 4;    // MPEG-2 quantiser scale (2..31)
 };
 
 // Writes a synthetic camera card (and the manifest describing it) into a work

@@ -82,10 +82,8 @@ QJsonObject Manifest::toJson() const
         }
         takeArray.append(take);
     }
-    return QJsonObject{{"generator", "cardgen"},
-                       {"seconds", seconds},
-                       {"cards", cardArray},
-                       {"takes", takeArray}};
+    return QJsonObject{
+        {"generator", "cardgen"}, {"seconds", seconds}, {"cards", cardArray}, {"takes", takeArray}};
 }
 
 } // namespace cardgen

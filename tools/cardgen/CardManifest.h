@@ -11,15 +11,15 @@ namespace cardgen {
 // What the generator made, for the tests that read the card back.
 struct ManifestFile
 {
-    QString kind;  // "MP4", "XML", "SMI", "BIM", "PPN", "MEDIAPRO", "CUEUP"
-    QString path;  // relative to the card's work folder
+    QString kind; // "MP4", "XML", "SMI", "BIM", "PPN", "MEDIAPRO", "CUEUP"
+    QString path; // relative to the card's work folder
     qint64 size = 0;
 };
 
 struct ManifestClip
 {
     QString name;
-    QString folder;      // relative to the work folder ("BPAV/CLPR/ABC0001"); the file itself for a loose MP4
+    QString folder; // relative to the work folder ("BPAV/CLPR/ABC0001"); the file itself for a loose MP4
     QString umid;
     int frames = 0;
     int counterClip = 0; // the clip number drawn into its pictures
@@ -31,9 +31,9 @@ struct ManifestClip
 
 struct ManifestTake
 {
-    QString takeId;     // the folder that holds its metadata (clip or TAKR folder), or the loose file's name
+    QString takeId; // the folder that holds its metadata (clip or TAKR folder), or the loose file's name
     QString umid;
-    QString kind;       // "single", "multi", "loose"
+    QString kind; // "single", "multi", "loose"
     int card = 0;
     std::vector<ManifestClip> clips;
     std::vector<ManifestFile> files; // a multi-clip take's own SMI and XML
@@ -46,19 +46,19 @@ struct ManifestTake
     QString videoFormat;
     int audioTracks = 0;
     int audioChannels = 0;
-    qint64 size = 0;    // bytes of all its files
+    qint64 size = 0;                          // bytes of all its files
     QString damage = QStringLiteral("clean"); // or the damage kind
     QStringList missingFiles;
-    bool listed = true; // listed in the media profile
+    bool listed = true;     // listed in the media profile
     int expectedStatus = 0; // take status; -1 when the folder scan should not see the take
-    int spanPart = 0;   // 1 or 2 for the parts of a take spread over two cards
+    int spanPart = 0;       // 1 or 2 for the parts of a take spread over two cards
     QString spanOtherUmid;
 };
 
 struct ManifestCard
 {
-    QString folder;     // absolute path of the work folder
-    QString bpav;       // "BPAV" or "PRIVATE/ORX/BPAV"
+    QString folder; // absolute path of the work folder
+    QString bpav;   // "BPAV" or "PRIVATE/ORX/BPAV"
     QString mediaId;
     QString mediaName;
     std::vector<ManifestFile> files; // MEDIAPRO.XML and CUEUP.XML

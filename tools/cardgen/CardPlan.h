@@ -14,7 +14,7 @@ struct EssenceFormat
     FrameRate rate;
     int width = 1920;
     int height = 1080;
-    QString videoCodec;   // "MPEG2HD35_1920_1080_MP@HL", ...
+    QString videoCodec; // "MPEG2HD35_1920_1080_MP@HL", ...
     QString aspectRatio = QStringLiteral("16:9");
     int audioTracks = 1;
     int audioChannelsPerTrack = 2;
@@ -25,15 +25,15 @@ struct EssenceFormat
 // One clip as the generator lays it out.
 struct ClipPlan
 {
-    QString name;          // "ABC0001"
-    QString folderName;    // its folder in CLPR: the name, or "." + name when hidden
+    QString name;       // "ABC0001"
+    QString folderName; // its folder in CLPR: the name, or "." + name when hidden
     QString umid;
-    int number = 0;        // 1-based recording order on the card; drawn into the pictures
+    int number = 0; // 1-based recording order on the card; drawn into the pictures
     int frames = 0;
-    int takeOffset = 0;    // frames of its take before it
+    int takeOffset = 0; // frames of its take before it
     QDateTime created;
-    TimeCode start;        // time code of its first frame
-    TimeCode last;         // time code of its last frame
+    TimeCode start;                        // time code of its first frame
+    TimeCode last;                         // time code of its last frame
     QString status = QStringLiteral("OK"); // status of its target material
 
     QString mp4() const { return name + QStringLiteral(".MP4"); }
@@ -47,7 +47,7 @@ struct ClipPlan
 // two cards.
 struct TakePlan
 {
-    QString folder;        // "ABC0004U01"
+    QString folder; // "ABC0004U01"
     QString umid;
     int frames = 0;
     QDateTime created;

@@ -63,14 +63,13 @@ QString CardXml::dateTime(const QDateTime& when)
 {
     const int offset = when.offsetFromUtc();
     const int minutes = std::abs(offset) / 60;
-    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"))
-           + QString::asprintf("%c%02d:%02d", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
+    return when.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")) +
+           QString::asprintf("%c%02d:%02d", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
 QByteArray CardXml::nonRealTimeMeta(const QString& umid, int frames, const TimeCode& start,
-                                    const TimeCode& last, const QDateTime& created,
-                                    const QString& status, const QString& title,
-                                    const EssenceFormat& format)
+                                    const TimeCode& last, const QDateTime& created, const QString& status,
+                                    const QString& title, const EssenceFormat& format)
 {
     return document([&](QXmlStreamWriter& w) {
         w.writeStartElement(QStringLiteral("NonRealTimeMeta"));
@@ -159,7 +158,6 @@ QByteArray CardXml::nonRealTimeMeta(const QString& umid, int frames, const TimeC
     });
 }
 
-
 QByteArray CardXml::clipTakeInfo(const ClipPlan& clip, const EssenceFormat& format)
 {
     const bool df = clip.start.dropFrame;
@@ -231,8 +229,7 @@ QByteArray CardXml::takeTakeInfo(const TakePlan& take, const std::vector<const C
             w.writeAttribute(QStringLiteral("clipBegin"), smilTime(format.rate, df, 0));
             w.writeAttribute(QStringLiteral("clipEnd"), smilTime(format.rate, df, clip.frames));
             w.writeAttribute(QStringLiteral("begin"), smilTime(format.rate, df, clip.takeOffset));
-            w.writeAttribute(QStringLiteral("end"),
-                             smilTime(format.rate, df, clip.takeOffset + clip.frames));
+            w.writeAttribute(QStringLiteral("end"), smilTime(format.rate, df, clip.takeOffset + clip.frames));
             w.writeAttribute(QStringLiteral("type"), QStringLiteral("edlDoc"));
         }
         if (!take.nextPartUmid.isEmpty()) {

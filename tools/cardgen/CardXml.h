@@ -18,9 +18,8 @@ public:
 
     // <name>M01.XML of a clip or a take.
     static QByteArray nonRealTimeMeta(const QString& umid, int frames, const TimeCode& start,
-                                      const TimeCode& last, const QDateTime& created,
-                                      const QString& status, const QString& title,
-                                      const EssenceFormat& format);
+                                      const TimeCode& last, const QDateTime& created, const QString& status,
+                                      const QString& title, const EssenceFormat& format);
     // The take info (.SMI) of a clip: its essence, audio channels and real-time metadata.
     static QByteArray clipTakeInfo(const ClipPlan& clip, const EssenceFormat& format);
     // The take info of a multi-clip take: one ref per clip (and one to the next
@@ -46,7 +45,8 @@ public:
     static QByteArray cueUp(const ClipPlan* last);
 
     // The camera's own media-profile namespace; readers accept any.
-    static constexpr const char* kMediaProfileNamespace = "urn:schemas-professionalDisc:mediaProfile:ver.1.00";
+    static constexpr const char* kMediaProfileNamespace =
+        "urn:schemas-professionalDisc:mediaProfile:ver.1.00";
 };
 
 } // namespace cardgen

@@ -11,8 +11,7 @@ namespace {
 
 // Segments a..g (top, upper right, lower right, bottom, lower left, upper left,
 // middle) lit for each digit.
-constexpr std::array<uint8_t, 10> kSegments = {0x3F, 0x06, 0x5B, 0x4F, 0x66,
-                                               0x6D, 0x7D, 0x07, 0x7F, 0x6F};
+constexpr std::array<uint8_t, 10> kSegments = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
 
 // One row of digits, in thousandths of the picture's width and height.
 struct Row
@@ -53,13 +52,13 @@ std::array<Rect, 7> segmentRects(const Box& b)
     const double t = b.t;
     const double midTop = b.y + (b.h - t) / 2;
     return {{
-        {b.x, b.y, b.x + b.w, b.y + t},                           // a
-        {b.x + b.w - t, b.y, b.x + b.w, b.y + b.h / 2},           // b
-        {b.x + b.w - t, b.y + b.h / 2, b.x + b.w, b.y + b.h},     // c
-        {b.x, b.y + b.h - t, b.x + b.w, b.y + b.h},               // d
-        {b.x, b.y + b.h / 2, b.x + t, b.y + b.h},                 // e
-        {b.x, b.y, b.x + t, b.y + b.h / 2},                       // f
-        {b.x, midTop, b.x + b.w, midTop + t},                     // g
+        {b.x, b.y, b.x + b.w, b.y + t},                       // a
+        {b.x + b.w - t, b.y, b.x + b.w, b.y + b.h / 2},       // b
+        {b.x + b.w - t, b.y + b.h / 2, b.x + b.w, b.y + b.h}, // c
+        {b.x, b.y + b.h - t, b.x + b.w, b.y + b.h},           // d
+        {b.x, b.y + b.h / 2, b.x + t, b.y + b.h},             // e
+        {b.x, b.y, b.x + t, b.y + b.h / 2},                   // f
+        {b.x, midTop, b.x + b.w, midTop + t},                 // g
     }};
 }
 
@@ -189,15 +188,13 @@ void FrameCounter::draw(uint8_t* plane, int stride, int width, int height, int c
     drawRow(plane, stride, width, height, kFrameRow, frame % power10(kFrameDigits));
 }
 
-std::optional<FrameCounterValue> FrameCounter::read(const uint8_t* plane, int stride, int width,
-                                                    int height)
+std::optional<FrameCounterValue> FrameCounter::read(const uint8_t* plane, int stride, int width, int height)
 {
-    return readWith([&](int x, int y) { return int(plane[size_t(y) * stride + x]); }, width,
-                    height);
+    return readWith([&](int x, int y) { return int(plane[size_t(y) * stride + x]); }, width, height);
 }
 
-std::optional<FrameCounterValue> FrameCounter::readPacked(const uint8_t* pixels, int stride,
-                                                          int width, int height, int bytesPerPixel)
+std::optional<FrameCounterValue> FrameCounter::readPacked(const uint8_t* pixels, int stride, int width,
+                                                          int height, int bytesPerPixel)
 {
     if (bytesPerPixel < 3)
         return std::nullopt;

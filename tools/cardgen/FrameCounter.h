@@ -32,8 +32,7 @@ public:
 
     // Reads the numbers back from an 8-bit gray (luma) plane; nullopt when any
     // digit is not a clean seven-segment digit on white paper.
-    static std::optional<FrameCounterValue> read(const uint8_t* plane, int stride, int width,
-                                                 int height);
+    static std::optional<FrameCounterValue> read(const uint8_t* plane, int stride, int width, int height);
     // The same for packed pixels of bytesPerPixel bytes (RGB, BGR, RGBA, ...):
     // the picture is gray, so the mean of the first three bytes is its level.
     static std::optional<FrameCounterValue> readPacked(const uint8_t* pixels, int stride, int width,

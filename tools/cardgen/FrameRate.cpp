@@ -49,13 +49,12 @@ int64_t FrameRate::audioSamplesBefore(int64_t frame) const
 
 std::optional<TimeCode> TimeCode::parse(const QString& text, int tcBase, bool dropFrame)
 {
-    static const QRegularExpression pattern(
-        QStringLiteral("^(\\d\\d):(\\d\\d)[:.](\\d\\d)[:;.](\\d\\d)$"));
+    static const QRegularExpression pattern(QStringLiteral("^(\\d\\d):(\\d\\d)[:.](\\d\\d)[:;.](\\d\\d)$"));
     const QRegularExpressionMatch m = pattern.match(text);
     if (!m.hasMatch())
         return std::nullopt;
-    TimeCode tc{m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt(),
-                m.captured(4).toInt(), dropFrame};
+    TimeCode tc{m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt(), m.captured(4).toInt(),
+                dropFrame};
     if (tc.hours > 23 || tc.minutes > 59 || tc.seconds > 59 || tc.frames >= tcBase)
         return std::nullopt;
     // Drop-frame time code skips frames 0 and 1 at every minute except every tenth.
@@ -91,14 +90,12 @@ TimeCode TimeCode::fromCount(int64_t count, int tcBase, bool dropFrame)
 
 QString TimeCode::display() const
 {
-    return QString::asprintf("%02d:%02d:%02d%c%02d", hours, minutes, seconds, dropFrame ? ';' : ':',
-                             frames);
+    return QString::asprintf("%02d:%02d:%02d%c%02d", hours, minutes, seconds, dropFrame ? ';' : ':', frames);
 }
 
 QString TimeCode::ltcValue() const
 {
-    return QString::asprintf("%02d%02d%02d%02d", frames + (dropFrame ? 40 : 0), seconds, minutes,
-                             hours);
+    return QString::asprintf("%02d%02d%02d%02d", frames + (dropFrame ? 40 : 0), seconds, minutes, hours);
 }
 
 uint32_t TimeCode::bcdBytes() const

@@ -13,12 +13,12 @@ namespace cardgen {
 struct FrameRate
 {
     QString name;
-    int num = 0;            // frames per second = num / den (a frame holds both fields)
+    int num = 0; // frames per second = num / den (a frame holds both fields)
     int den = 1;
     bool interlaced = false;
-    int tcBase = 0;         // time-code frames per second: 24, 25 or 30
+    int tcBase = 0; // time-code frames per second: 24, 25 or 30
     bool dropCapable = false;
-    bool doubled = false;   // two frames per time-code frame (50p, 59.94p)
+    bool doubled = false; // two frames per time-code frame (50p, 59.94p)
     int defaultGop = 15;
 
     static std::optional<FrameRate> byName(const QString& name);

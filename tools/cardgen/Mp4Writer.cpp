@@ -75,8 +75,8 @@ void writeChunkOffsets(BoxBuilder& b, const std::vector<uint64_t>& offsets, bool
     b.end();
 }
 
-void writeTkhd(BoxBuilder& b, uint32_t trackId, uint32_t created, uint32_t duration, bool audio,
-               int width, int height)
+void writeTkhd(BoxBuilder& b, uint32_t trackId, uint32_t created, uint32_t duration, bool audio, int width,
+               int height)
 {
     b.beginFull("tkhd", 0, 7);
     b.u32(created);
@@ -85,7 +85,7 @@ void writeTkhd(BoxBuilder& b, uint32_t trackId, uint32_t created, uint32_t durat
     b.u32(0);
     b.u32(duration);
     b.zeros(8);
-    b.u16(0); // layer
+    b.u16(0);             // layer
     b.u16(audio ? 1 : 0); // alternate group
     b.u16(audio ? 0x0100 : 0);
     b.u16(0);
@@ -180,7 +180,7 @@ void writeVideoTrack(BoxBuilder& b, const CodedVideo& video, const Mp4Layout& la
     b.u32(0x00480000);
     b.u32(0x00480000);
     b.u32(0);
-    b.u16(1); // frames per sample
+    b.u16(1);    // frames per sample
     b.zeros(32); // compressor name
     b.u16(0x0018);
     b.u16(0xFFFF);
@@ -248,8 +248,7 @@ void writeVideoTrack(BoxBuilder& b, const CodedVideo& video, const Mp4Layout& la
 }
 
 void writeAudioTrack(BoxBuilder& b, const PcmAudio& audio, const std::vector<uint64_t>& offsets,
-                     uint32_t trackId, uint32_t movieDuration, const Mp4Options& options,
-                     uint32_t created)
+                     uint32_t trackId, uint32_t movieDuration, const Mp4Options& options, uint32_t created)
 {
     uint32_t samples = 0;
     for (int n : audio.chunkSamples)
@@ -320,9 +319,8 @@ void writeEmbeddedXml(BoxBuilder& b, const QByteArray& xml)
 
 } // namespace
 
-std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo& video,
-                                          const PcmAudio& audio, const Mp4Options& options,
-                                          QString* error)
+std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo& video, const PcmAudio& audio,
+                                          const Mp4Options& options, QString* error)
 {
     const VideoParams& params = video.params;
     Mp4Layout layout;
@@ -384,8 +382,7 @@ std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo&
     moov.end();
     writeVideoTrack(moov, video, layout, options, created);
     for (int t = 0; t < audio.tracks; ++t)
-        writeAudioTrack(moov, audio, audioOffsets[size_t(t)], uint32_t(t) + 2, duration, options,
-                        created);
+        writeAudioTrack(moov, audio, audioOffsets[size_t(t)], uint32_t(t) + 2, duration, options, created);
     if (!options.embeddedXml.isEmpty())
         writeEmbeddedXml(moov, options.embeddedXml);
     moov.end();
@@ -395,9 +392,9 @@ std::optional<Mp4Layout> Mp4Writer::write(const QString& path, const CodedVideo&
     mdatHeader.fourcc("mdat");
 
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(head.data()) != head.size()
-        || file.write(mdatHeader.data()) != 8 || file.write(media) != media.size()
-        || file.write(moov.data()) != moov.size() || !file.flush()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(head.data()) != head.size() ||
+        file.write(mdatHeader.data()) != 8 || file.write(media) != media.size() ||
+        file.write(moov.data()) != moov.size() || !file.flush()) {
         if (error)
             *error = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
         return std::nullopt;

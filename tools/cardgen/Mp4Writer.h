@@ -15,10 +15,10 @@ namespace cardgen {
 struct Mp4Options
 {
     QDateTime created;
-    QByteArray embeddedXml;          // written into moov/udta/meta/"xml " when not empty
-    uint32_t maxBitrate = 35000000;  // the nominal rate the decoder configuration announces
-    bool co64 = false;               // 64-bit chunk offsets instead of stco (damage)
-    bool leadingFree = false;        // a "free" box before ftyp (damage)
+    QByteArray embeddedXml;         // written into moov/udta/meta/"xml " when not empty
+    uint32_t maxBitrate = 35000000; // the nominal rate the decoder configuration announces
+    bool co64 = false;              // 64-bit chunk offsets instead of stco (damage)
+    bool leadingFree = false;       // a "free" box before ftyp (damage)
 };
 
 // Where the writer put things: what a picture pointer table describes.
@@ -28,8 +28,8 @@ struct Mp4Layout
     int height = 0;
     int timescale = 0;
     int sampleDelta = 0;
-    std::vector<uint32_t> sampleSizes;   // video, storage order
-    std::vector<char> sampleTypes;       // 'I', 'P', 'B'
+    std::vector<uint32_t> sampleSizes; // video, storage order
+    std::vector<char> sampleTypes;     // 'I', 'P', 'B'
     std::vector<int> chunkFrames;
     std::vector<uint64_t> videoChunkOffsets;
     // The first audio track (empty without audio).
@@ -47,9 +47,8 @@ struct Mp4Layout
 class Mp4Writer
 {
 public:
-    static std::optional<Mp4Layout> write(const QString& path, const CodedVideo& video,
-                                          const PcmAudio& audio, const Mp4Options& options,
-                                          QString* error);
+    static std::optional<Mp4Layout> write(const QString& path, const CodedVideo& video, const PcmAudio& audio,
+                                          const Mp4Options& options, QString* error);
 };
 
 } // namespace cardgen

@@ -48,10 +48,14 @@ char pictureType(const QByteArray& data)
     if (at < 0 || at + 1 >= data.size())
         return '?';
     switch ((uint8_t(data[at + 1]) >> 3) & 7) {
-    case 1: return 'I';
-    case 2: return 'P';
-    case 3: return 'B';
-    default: return '?';
+    case 1:
+        return 'I';
+    case 2:
+        return 'P';
+    case 3:
+        return 'B';
+    default:
+        return '?';
     }
 }
 
@@ -184,8 +188,7 @@ std::optional<CodedVideo> Mpeg2Encoder::encode(const VideoParams& params, QStrin
         return fail(QStringLiteral("the encoder did not produce one picture per frame"));
     CodedVideo video;
     video.params = params;
-    video.pictures.assign(std::make_move_iterator(coded.begin() + 1),
-                          std::make_move_iterator(coded.end()));
+    video.pictures.assign(std::make_move_iterator(coded.begin() + 1), std::make_move_iterator(coded.end()));
     for (int first = 0; first < params.frames; first += params.gop) {
         const int n = std::min(params.gop, params.frames - first);
         video.chunkFrames.push_back(n);
@@ -212,9 +215,9 @@ bool Mpeg2Encoder::setGopTimeCode(QByteArray& picture, const TimeCode& tc)
     // drop_frame_flag, hours (5), minutes (6), marker, seconds (6), pictures (6),
     // then closed_gop and broken_link, which are kept.
     const uint32_t flags = uint8_t(picture[at + 3]) & 0x7F;
-    const uint32_t bits = uint32_t(tc.dropFrame) << 31 | uint32_t(tc.hours) << 26
-                          | uint32_t(tc.minutes) << 20 | 1u << 19 | uint32_t(tc.seconds) << 13
-                          | uint32_t(tc.frames) << 7 | flags;
+    const uint32_t bits = uint32_t(tc.dropFrame) << 31 | uint32_t(tc.hours) << 26 |
+                          uint32_t(tc.minutes) << 20 | 1u << 19 | uint32_t(tc.seconds) << 13 |
+                          uint32_t(tc.frames) << 7 | flags;
     for (int i = 0; i < 4; ++i)
         picture[at + i] = char(bits >> (24 - 8 * i));
     return true;

@@ -15,17 +15,17 @@ struct VideoParams
     int width = 1920;
     int height = 1080;
     FrameRate rate;
-    int gop = 15;       // frames per GOP, a multiple of 3
-    int frames = 30;    // a multiple of 3
-    int quantizer = 4;  // fixed MPEG-2 quantiser scale (low bit rate for the plain pictures)
+    int gop = 15;        // frames per GOP, a multiple of 3
+    int frames = 30;     // a multiple of 3
+    int quantizer = 4;   // fixed MPEG-2 quantiser scale (low bit rate for the plain pictures)
     int counterClip = 0; // the clip number drawn into the pictures
 };
 
 struct CodedPicture
 {
     QByteArray data;
-    char type = 'I';  // 'I', 'P' or 'B'
-    int display = 0;  // index of the frame in presentation order
+    char type = 'I'; // 'I', 'P' or 'B'
+    int display = 0; // index of the frame in presentation order
 };
 
 // A clip's MPEG-2 video laid out as the camera stores it: one chunk per GOP;

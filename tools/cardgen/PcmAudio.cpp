@@ -26,8 +26,8 @@ PcmAudio PcmAudio::make(const FrameRate& rate, const std::vector<int>& chunkFram
             for (int i = 0; i < count; ++i, ++sample) {
                 for (int c = 0; c < channelsPerTrack; ++c) {
                     const int channel = t * channelsPerTrack + c + 1;
-                    const double phase = 2 * std::numbers::pi * 1000.0 * channel * double(sample)
-                                         / kSampleRate;
+                    const double phase =
+                        2 * std::numbers::pi * 1000.0 * channel * double(sample) / kSampleRate;
                     const auto v = int16_t(std::lround(8000 * std::sin(phase)));
                     chunk.append(char(uint16_t(v) >> 8));
                     chunk.append(char(uint16_t(v) & 0xFF));

@@ -39,21 +39,30 @@ int PpnWriter::aspectCode(int width, int height)
 int PpnWriter::widthCode(int width)
 {
     switch (width) {
-    case 720: return 1;
-    case 1280: return 3;
-    case 1440: return 4;
-    case 1920: return 7;
-    default: return 0;
+    case 720:
+        return 1;
+    case 1280:
+        return 3;
+    case 1440:
+        return 4;
+    case 1920:
+        return 7;
+    default:
+        return 0;
     }
 }
 
 int PpnWriter::heightCode(int height)
 {
     switch (height) {
-    case 480: return 1;
-    case 720: return 4;
-    case 1080: return 7;
-    default: return 0;
+    case 480:
+        return 1;
+    case 720:
+        return 4;
+    case 1080:
+        return 7;
+    default:
+        return 0;
     }
 }
 

@@ -21,8 +21,8 @@ int64_t modifiedJulianDate(const QDate& date)
 
 QString Umid::next(const QDateTime& when)
 {
-    const QString umid = QString::fromLatin1(kLabel) + QStringLiteral("13") + QStringLiteral("000000")
-                         + smpte309(when, m_serial) + machineNode();
+    const QString umid = QString::fromLatin1(kLabel) + QStringLiteral("13") + QStringLiteral("000000") +
+                         smpte309(when, m_serial) + machineNode();
     m_serial = m_serial >= 63 ? 1 : m_serial + 1;
     return umid;
 }
@@ -46,8 +46,8 @@ QString Umid::smpte309(const QDateTime& when, int serial)
     const QString mjd = QString::asprintf("%06lld", static_cast<long long>(modifiedJulianDate(utc.date())));
     // The date's digit pairs are stored last pair first.
     const QString reversed = mjd.mid(4, 2) + mjd.mid(2, 2) + mjd.mid(0, 2);
-    return QString::asprintf("%08lld", static_cast<long long>(ms % 100000000)) + reversed
-           + QString::asprintf("%02X", (serial % 64) | 0xC0);
+    return QString::asprintf("%08lld", static_cast<long long>(ms % 100000000)) + reversed +
+           QString::asprintf("%02X", (serial % 64) | 0xC0);
 }
 
 QString Umid::machineNode()

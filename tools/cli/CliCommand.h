@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/card/DOClipCtrl.h"
+#include "core/card/DOTakeData.h"
 #include "core/services/BLHeadlessProgressView.h"
 #include "core/services/IMessagePresenter.h"
 #include "core/services/TerminationSignals.h"
-#include "core/card/DOTakeData.h"
-#include "core/card/DOClipCtrl.h"
 
 #include <QStringList>
 #include <QTextStream>

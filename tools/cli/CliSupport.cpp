@@ -2,10 +2,10 @@
 // choice of takes by ID and the cancel by signal.
 #include "CliCommand.h"
 
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
 #include "core/services/BLProgressCtrl.h"
-#include "core/card/BLHouseKeepingCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

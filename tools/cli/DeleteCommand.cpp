@@ -5,8 +5,8 @@
 // progress is finished and no further take is deleted.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/operations/BLClipDeleteCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QFileInfo>
 

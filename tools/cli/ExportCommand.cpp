@@ -3,9 +3,9 @@
 // window. SIGINT and SIGTERM cancel like the dialog's Cancel button.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
-#include "core/operations/export/BLMPEG2TSConvertCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/operations/export/BLMPEG2TSConvertCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QEventLoop>
 #include <QFileInfo>

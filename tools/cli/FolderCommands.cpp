@@ -4,13 +4,13 @@
 // or combine like the dialog's Cancel button: every take goes back.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderDivisionThread.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -3,8 +3,8 @@
 // SIGTERM cancel like the progress dialog's Cancel button.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/operations/import/BLMP4ImportCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -1,9 +1,9 @@
 // clipwright-cli info: the properties the clip property dialog shows for a take.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/operations/BLClipPropertyCtrl.h"
 #include "core/operations/IClipPropertyView.h"
+#include "core/services/BLCommon.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

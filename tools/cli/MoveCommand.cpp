@@ -3,8 +3,8 @@
 // and SIGTERM cancel like the dialog's Cancel button.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/operations/BLClipMoveCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -3,10 +3,10 @@
 // folder against its history later. SIGINT and SIGTERM cancel an offload.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
-#include "core/services/BLProgressCtrl.h"
 #include "core/operations/offload/BLOffloadCtrl.h"
 #include "core/operations/offload/BLOffloadThread.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLProgressCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

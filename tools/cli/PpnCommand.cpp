@@ -3,8 +3,8 @@
 // behind and an existing one stays as it was.
 #include "CliCommand.h"
 
-#include "core/services/BLAtomicFile.h"
 #include "core/formats/mp4/CCreatePPT.h"
+#include "core/services/BLAtomicFile.h"
 
 #include <QFile>
 #include <QFileInfo>

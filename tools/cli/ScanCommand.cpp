@@ -3,8 +3,8 @@
 // the takes it finds.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -2,9 +2,9 @@
 // every folder below it, printing each take found as it is found.
 #include "CliCommand.h"
 
-#include "core/services/BLCommon.h"
 #include "core/operations/search/BLClipSearchCtrl.h"
 #include "core/operations/search/IClipSearchView.h"
+#include "core/services/BLCommon.h"
 
 #include <QEventLoop>
 #include <QJsonArray>

@@ -1,17 +1,17 @@
 #include "core/app/BLMainWindowCtrl.h"
 
-#include "core/services/AppBanners.h"
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
 #include "core/app/IMainWindowView.h"
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
-#include "core/operations/export/DOMPEG2TSConvert.h"
-#include "core/operations/search/BLClipSearchCtrl.h"
 #include "core/app/panes/BLMediaInfoCtrl.h"
 #include "core/app/preview/BLCacheImageCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
+#include "core/operations/export/DOMPEG2TSConvert.h"
+#include "core/operations/search/BLClipSearchCtrl.h"
+#include "core/services/AppBanners.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 #include "core/app/BLPreferencesCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
 #include "core/app/IPreferencesView.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/services/SCNotificationNames.h"
 
 #include <QDateTime>

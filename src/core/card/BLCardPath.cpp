@@ -1,7 +1,7 @@
 #include "core/card/BLCardPath.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/BLDiskCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,14 +1,14 @@
 // Re-joining multi-clip takes in a destination folder: a take recorded over
 // two cards, or copied in pieces, becomes one take again once its clips meet.
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
-#include "core/card/BLTakeInfoCtrl.h"
-#include "core/card/BLMediaProCtrl.h"
 #include "core/card/BLCardPath.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/card/BLTakeInfoCtrl.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,10 +1,10 @@
 #include "core/card/BLDiskCtrl.h"
 
+#include "core/card/DOTakeData.h"
+#include "core/services/BLCommon.h"
 #include "core/services/BLLogCtrl.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/services/BLVolumeProvider.h"
-#include "core/card/DOTakeData.h"
 
 #include <QDir>
 #include <QFileInfo>

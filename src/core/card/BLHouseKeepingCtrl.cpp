@@ -1,16 +1,16 @@
 #include "core/card/BLHouseKeepingCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLAtomicFile.h"
-#include "core/services/BLCommon.h"
+#include "core/card/BLCardPath.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/card/BLMoveJournal.h"
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/formats/metadata/BLTakeInfoAcss.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLCardPath.h"
-#include "core/card/BLClipCtrl.h"
-#include "core/card/BLMoveJournal.h"
+#include "core/services/BLAtomicFile.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/card/DOClipData.h"
+#include "core/card/DOTakeData.h"
 #include "core/formats/metadata/DOComponent.h"
 #include "core/formats/metadata/DOMaterial.h"
 #include "core/formats/metadata/DORelevantInfo.h"
-#include "core/card/DOClipData.h"
-#include "core/card/DOTakeData.h"
 
 #include <QList>
 #include <QString>

@@ -1,13 +1,13 @@
 #include "core/card/BLMoveJournal.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLAtomicFile.h"
-#include "core/services/BLCommon.h"
+#include "core/card/BLCardPath.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/card/DOClipCtrl.h"
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
-#include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLCardPath.h"
-#include "core/card/DOClipCtrl.h"
+#include "core/services/BLAtomicFile.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QFile>
 #include <QFileInfo>

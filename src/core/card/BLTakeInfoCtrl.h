@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/formats/metadata/DOTRef.h"
 #include "core/card/DOTakeData.h"
 #include "core/card/DOTakeInfo.h"
+#include "core/formats/metadata/DOTRef.h"
 
 #include <QList>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "core/card/BLTakeMover.h"
 
-#include "core/services/BLLogCtrl.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 #include "core/services/BLProgressThread.h"
 
 #include <QDir>

@@ -1,14 +1,14 @@
 #include "core/card/BLTreeViewCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/card/BLDiskCtrl.h"
-#include "core/services/BLVolumeProvider.h"
-#include "core/services/BLVolumeWatcher.h"
 #include "core/card/DOTakeData.h"
 #include "core/formats/mhl/BLMhlHistory.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLVolumeProvider.h"
+#include "core/services/BLVolumeWatcher.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>

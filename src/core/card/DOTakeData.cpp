@@ -1,8 +1,8 @@
 #include "core/card/DOTakeData.h"
 
-#include "core/services/BLLogCtrl.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <algorithm>
 #include <limits>

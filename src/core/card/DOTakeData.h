@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/formats/metadata/DOComponent.h"
-#include "core/formats/metadata/DOLtcChange.h"
 #include "core/card/DOClipData.h"
 #include "core/card/DOTakeInfo.h"
+#include "core/formats/metadata/DOComponent.h"
+#include "core/formats/metadata/DOLtcChange.h"
 
 #include <QList>
 #include <QMetaType>

@@ -1,11 +1,11 @@
 #include "core/operations/BLClipCopyCtrl.h"
 
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/services/BLCommon.h"
 #include "core/services/BLLogCtrl.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/services/BLProgressCtrl.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLClipCtrl.h"
 
 namespace {
 

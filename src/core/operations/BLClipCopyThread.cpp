@@ -1,11 +1,11 @@
 #include "core/operations/BLClipCopyThread.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLMediaProCtrl.h"
 #include "core/card/BLCardPath.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLMediaProCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QFileInfo>
 

@@ -1,13 +1,13 @@
 #include "core/operations/BLClipDeleteCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/IOperationPane.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/IMessagePresenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLClipCtrl.h"
-#include "core/card/IOperationPane.h"
 
 namespace {
 constexpr int kProcessId = 645;

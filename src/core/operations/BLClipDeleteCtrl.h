@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/operations/BLClipDeleteThread.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/operations/BLClipDeleteThread.h"
 
 #include <memory>
 

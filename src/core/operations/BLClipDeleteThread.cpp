@@ -1,10 +1,10 @@
 #include "core/operations/BLClipDeleteThread.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLClipCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <algorithm>
 #include <thread>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/services/BLProgressThread.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QStringList>
 

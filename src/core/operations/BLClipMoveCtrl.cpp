@@ -2,9 +2,9 @@
 
 #include "core/services/BLLogCtrl.h"
 
+#include "core/card/BLClipCtrl.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLProgressCtrl.h"
-#include "core/card/BLClipCtrl.h"
 
 namespace {
 

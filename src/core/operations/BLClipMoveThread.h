@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/services/BLProgressThread.h"
 #include "core/card/BLMoveJournal.h"
 #include "core/card/BLTakeMover.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QList>
 #include <QString>

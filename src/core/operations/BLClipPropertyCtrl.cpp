@@ -1,14 +1,14 @@
 #include "core/operations/BLClipPropertyCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/IOperationPane.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/operations/IClipPropertyView.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLClipCtrl.h"
-#include "core/card/IOperationPane.h"
-#include "core/operations/IClipPropertyView.h"
 
 #include <QDir>
 

@@ -1,13 +1,13 @@
 #include "core/operations/BLClipTransferCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/card/IOperationPane.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/BLHouseKeepingCtrl.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLClipCtrl.h"
-#include "core/card/IOperationPane.h"
 
 #include <QDir>
 

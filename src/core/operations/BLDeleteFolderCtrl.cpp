@@ -1,13 +1,13 @@
 #include "core/operations/BLDeleteFolderCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
-#include "core/services/BLProgressCtrl.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/operations/BLDeleteFolderThread.h"
 #include "core/operations/IDeleteFolderView.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QDirIterator>

@@ -1,7 +1,7 @@
 #include "core/operations/BLDeleteFolderThread.h"
 
-#include "core/services/BLLogCtrl.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QDir>
 #include <QFile>

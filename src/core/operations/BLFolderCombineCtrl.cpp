@@ -1,16 +1,16 @@
 #include "core/operations/BLFolderCombineCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
-#include "core/services/BLProgressCtrl.h"
-#include "core/services/SCNotificationNames.h"
-#include "core/card/BLHouseKeepingCtrl.h"
-#include "core/card/BLDiskCtrl.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
 #include "core/operations/IFolderCombineView.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,11 +1,11 @@
 #include "core/operations/BLFolderCombineThread.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLClipCtrl.h"
 #include "core/operations/BLClipMoveThread.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <algorithm>
 #include <thread>

@@ -1,16 +1,16 @@
 #include "core/operations/BLFolderDivisionCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
-#include "core/services/BLProgressCtrl.h"
-#include "core/services/SCNotificationNames.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLClipCtrl.h"
+#include "core/card/IOperationPane.h"
 #include "core/operations/BLFolderDivisionThread.h"
 #include "core/operations/IFolderDivisionView.h"
-#include "core/card/IOperationPane.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLProgressCtrl.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,14 +1,14 @@
 #include "core/operations/BLFolderDivisionThread.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLTakeInfoAcss.h"
-#include "core/card/BLTakeInfoCtrl.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
-#include "core/card/BLClipCtrl.h"
+#include "core/card/BLTakeInfoCtrl.h"
+#include "core/formats/metadata/BLTakeInfoAcss.h"
 #include "core/operations/BLClipMoveThread.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,11 +1,11 @@
 #include "core/operations/BLFolderNameCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/operations/IFolderNameView.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>

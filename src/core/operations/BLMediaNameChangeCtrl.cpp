@@ -1,14 +1,14 @@
 #include "core/operations/BLMediaNameChangeCtrl.h"
 
+#include "core/card/BLClipCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/card/IOperationPane.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/formats/metadata/DOAttached.h"
+#include "core/operations/IMediaNameChangeView.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
-#include "core/formats/metadata/DOAttached.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/card/BLClipCtrl.h"
-#include "core/operations/IMediaNameChangeView.h"
-#include "core/card/IOperationPane.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "core/services/BLLogCtrl.h"
 
-#include "core/services/BLPlistCtrl.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "core/services/BLVolumeWatcher.h"
 
 #include "core/services/BLCommon.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/services/BLVolumeProvider.h"
+#include "core/services/SCNotificationNames.h"
 
 #include <QCoreApplication>
 #include <QFile>

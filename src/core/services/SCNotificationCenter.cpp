@@ -82,8 +82,9 @@ void SCNotificationCenter::deliver(const SCNotification& notification)
         bool stillRegistered;
         {
             std::lock_guard lock(m_mutex);
-            stillRegistered = std::any_of(m_registrations.begin(), m_registrations.end(),
-                                          [token = token](const Registration& r) { return r.token == token; });
+            stillRegistered =
+                std::any_of(m_registrations.begin(), m_registrations.end(),
+                            [token = token](const Registration& r) { return r.token == token; });
         }
         if (stillRegistered)
             (*handler)(notification);

@@ -6,8 +6,10 @@
 namespace SC {
 
 inline const QString SCWorkFolderDidChangeNotification = QStringLiteral("SCWorkFolderDidChangeNotification");
-inline const QString SCMainSelectFolderDidChangeNotification = QStringLiteral("SCMainSelectFolderDidChangeNotification");
-inline const QString SCSelectFolderDataDidUpdateNotification = QStringLiteral("SCSelectFolderDataDidUpdateNotification");
+inline const QString SCMainSelectFolderDidChangeNotification =
+    QStringLiteral("SCMainSelectFolderDidChangeNotification");
+inline const QString SCSelectFolderDataDidUpdateNotification =
+    QStringLiteral("SCSelectFolderDataDidUpdateNotification");
 inline const QString SCTakeDidAddNotification = QStringLiteral("SCTakeDidAddNotification");
 inline const QString SCTakeDidDeleteNotification = QStringLiteral("SCTakeDidDeleteNotification");
 inline const QString SCTakeDidUpdateNotification = QStringLiteral("SCTakeDidUpdateNotification");
@@ -19,16 +21,20 @@ inline const QString SCMovieThumbDidChangeNotification = QStringLiteral("SCMovie
 inline const QString SCCacheImageRequestNotification = QStringLiteral("SCCacheImageRequestNotification");
 inline const QString SCCacheImageCancelNotification = QStringLiteral("SCCacheImageCancelNotification");
 inline const QString SCCacheImageDidGetNotification = QStringLiteral("SCCacheImageDidGetNotification");
-inline const QString SCClipPropertyDidChangeNotification = QStringLiteral("SCClipPropertyDidChangeNotification");
+inline const QString SCClipPropertyDidChangeNotification =
+    QStringLiteral("SCClipPropertyDidChangeNotification");
 inline const QString SCMediaNameDidChangeNotification = QStringLiteral("SCMediaNameDidChangeNotification");
 inline const QString SCFolderNameDidChangeNotification = QStringLiteral("SCFolderNameDidChangeNotification");
 inline const QString SCNewFolderDidMakeNotification = QStringLiteral("SCNewFolderDidMakeNotification");
 inline const QString SCFolderDidDeleteNotification = QStringLiteral("SCFolderDidDeleteNotification");
 inline const QString SCDateFormatDidChangeNotification = QStringLiteral("SCDateFormatDidChangeNotification");
 inline const QString SCResolutionDidChangeNotification = QStringLiteral("SCResolutionDidChangeNotification");
-inline const QString SCShowHouseKeepingWindowNotification = QStringLiteral("SCShowHouseKeepingWindowNotification");
-inline const QString SCCloseHouseKeepingWindowNotification = QStringLiteral("SCCloseHouseKeepingWindowNotification");
-inline const QString SCSub1SelectFolderDidChangeNotification = QStringLiteral("SCSub1SelectFolderDidChangeNotification");
+inline const QString SCShowHouseKeepingWindowNotification =
+    QStringLiteral("SCShowHouseKeepingWindowNotification");
+inline const QString SCCloseHouseKeepingWindowNotification =
+    QStringLiteral("SCCloseHouseKeepingWindowNotification");
+inline const QString SCSub1SelectFolderDidChangeNotification =
+    QStringLiteral("SCSub1SelectFolderDidChangeNotification");
 // A volume was mounted or unmounted (BLVolumeWatcher); NSDevicePath is its mount point.
 inline const QString SCWorkspaceDidMountNotification = QStringLiteral("SCWorkspaceDidMountNotification");
 inline const QString SCWorkspaceDidUnmountNotification = QStringLiteral("SCWorkspaceDidUnmountNotification");

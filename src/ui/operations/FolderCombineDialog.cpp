@@ -1,7 +1,7 @@
 #include "ui/operations/FolderCombineDialog.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLFolderCombineCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

@@ -1,7 +1,7 @@
 #include "ui/operations/FolderDivisionDialog.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

@@ -1,7 +1,7 @@
 #include "ui/operations/MediaNameChangeDialog.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

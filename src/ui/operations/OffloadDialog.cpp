@@ -1,7 +1,7 @@
 #include "ui/operations/OffloadDialog.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/offload/BLOffloadCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>

@@ -1,7 +1,7 @@
 #include "ui/panes/SCMediaInfoView.h"
 
-#include "core/card/BLTreeViewCtrl.h"
 #include "core/app/panes/BLMediaInfoCtrl.h"
+#include "core/card/BLTreeViewCtrl.h"
 #include "ui/common/LocalizedTitle.h"
 #include "ui/export/MPEG2TSConvertDialog.h"
 #include "ui/operations/ClipPropertyDialog.h"

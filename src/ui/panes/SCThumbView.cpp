@@ -1,8 +1,8 @@
 #include "ui/panes/SCThumbView.h"
 
-#include "core/services/BLLocalizedStrings.h"
-#include "core/card/BLTreeViewCtrl.h"
 #include "core/app/panes/BLThumbViewCtrl.h"
+#include "core/card/BLTreeViewCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QContextMenuEvent>

@@ -1,7 +1,7 @@
 #include "ui/panes/SCTreeView.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/BLTreeViewCtrl.h"
+#include "core/services/BLCommon.h"
 #include "ui/common/LocalizedTitle.h"
 
 #include <QContextMenuEvent>

@@ -1,10 +1,10 @@
 #include "core/app/BLMainWindowCtrl.h"
-#include "core/services/BLPlistCtrl.h"
 #include "core/app/IMainWindowView.h"
+#include "core/card/DOTakeData.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 

@@ -2,8 +2,8 @@
 // a cancel by signal and a real write failure leave (nothing of the copy).
 #include "CliTestSupport.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 

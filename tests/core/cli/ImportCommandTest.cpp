@@ -2,8 +2,8 @@
 // what a real write failure leaves (the folder as it was, a moved file back).
 #include "CliTestSupport.h"
 
-#include "core/services/BLLocalizedStrings.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "support/CardFolder.h"
 
 #include <QDir>

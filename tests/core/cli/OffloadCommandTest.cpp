@@ -2,9 +2,9 @@
 // clipwright-cli offload and verify with real faults, a cancel and a history.
 #include "CliTestSupport.h"
 
-#include "core/services/BLCommon.h"
 #include "core/formats/metadata/BLDomXmlParse.h"
 #include "core/operations/offload/BLOffloadThread.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 
 #include <QDir>

@@ -2,8 +2,8 @@
 // against what the generator's manifest says the card holds.
 #include "CliTestSupport.h"
 
-#include "core/services/BLCommon.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"
 

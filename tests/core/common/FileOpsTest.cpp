@@ -1,5 +1,5 @@
-#include "core/services/BLPlistCtrl.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/services/BLProgressThread.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/TestEnvironment.h"

@@ -1,5 +1,5 @@
-#include "core/services/BLCommon.h"
 #include "core/card/DOTakeData.h"
+#include "core/services/BLCommon.h"
 #include "support/FakeVolumeProvider.h"
 
 #include <QDir>

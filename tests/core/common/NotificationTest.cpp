@@ -1,7 +1,7 @@
+#include "core/card/DOTakeData.h"
 #include "core/services/BLCommon.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/DOLtcChange.h"
 #include "core/card/DOTakeData.h"
+#include "core/formats/metadata/DOLtcChange.h"
+#include "core/services/BLCommon.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "core/services/BLPlistCtrl.h"
+#include "core/card/BLDiskCtrl.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
-#include "core/card/BLDiskCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "support/TestEnvironment.h"
 
 #include <QRegularExpression>

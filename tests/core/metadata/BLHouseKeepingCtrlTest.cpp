@@ -2,10 +2,10 @@
 // repairs, its cancel points and messages, and that nothing outside the
 // card's BPAV folder is ever touched.
 #include "core/card/BLHouseKeepingCtrl.h"
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/card/BLMediaProCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"

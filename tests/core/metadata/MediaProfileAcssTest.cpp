@@ -1,7 +1,7 @@
 #include "MetadataTestSupport.h"
 
-#include "core/services/BLPlistCtrl.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLPlistCtrl.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "MetadataTestSupport.h"
 
-#include "core/formats/metadata/BLTakeInfoAcss.h"
 #include "core/card/BLTakeInfoCtrl.h"
+#include "core/formats/metadata/BLTakeInfoAcss.h"
 
 #include <QTemporaryDir>
 

@@ -2,13 +2,13 @@
 // for each listed and unlisted clip and take, and what a rewrite writes and
 // deletes.
 #include "core/card/BLMediaProCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
+#include "core/card/DOClipCtrl.h"
+#include "core/formats/metadata/BLCueupInfoAcss.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/services/BLCommon.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/formats/metadata/BLCueupInfoAcss.h"
-#include "core/card/BLHouseKeepingCtrl.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
-#include "core/card/DOClipCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/TestEnvironment.h"

@@ -3,8 +3,8 @@
 #include "core/formats/mp4/CCreatePPT.h"
 #include "support/Mp4Builder.h"
 
-#include <QFile>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 

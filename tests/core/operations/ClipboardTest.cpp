@@ -1,7 +1,7 @@
 #include "OperationsTestSupport.h"
 
-#include "core/operations/BLClipboardCtrl.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/operations/BLClipboardCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
 

@@ -1,7 +1,7 @@
 #include "OperationsTestSupport.h"
 
-#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/DOClipCtrl.h"
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"

@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/BLClipCtrl.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/MessageRecorder.h"

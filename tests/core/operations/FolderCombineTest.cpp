@@ -1,11 +1,11 @@
 // Combining folders: the candidates and the collision checks across sources,
 // and a cancel putting every take back.
 #include "OperationsTestSupport.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"

@@ -2,12 +2,12 @@
 // texts and folder names, a take split over three folders, what stays behind,
 // and a cancel or a vanished folder in the middle (everything back).
 #include "OperationsTestSupport.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderDivisionThread.h"
+#include "core/services/BLHeadlessProgressView.h"
+#include "core/services/BLProgressCtrl.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/MessageRecorder.h"

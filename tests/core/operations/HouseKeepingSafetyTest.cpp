@@ -2,11 +2,11 @@
 // damage, on a write-protected mount and on every kind of card the generator
 // makes, checked against the generator's manifest and the bytes on disk.
 #include "OperationsTestSupport.h"
-#include "core/services/BLCommon.h"
-#include "core/card/BLHouseKeepingCtrl.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"

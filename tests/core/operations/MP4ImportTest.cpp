@@ -3,11 +3,11 @@
 // their messages, the re-import of a loose file of the destination, and what
 // a cancel leaves (the folder as it was).
 #include "OperationsTestSupport.h"
-#include "core/services/BLCommon.h"
+#include "core/app/preview/BLCacheImageCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/import/BLMP4ImportCtrl.h"
 #include "core/operations/import/BLMP4ImportThread.h"
-#include "core/app/preview/BLCacheImageCtrl.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/ForeignMp4.h"

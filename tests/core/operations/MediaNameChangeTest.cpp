@@ -1,10 +1,10 @@
 // The media-name dialog on a generated card: the name shown, the lengths
 // accepted in UTF-8 bytes, and an unchanged name announced without a write.
 #include "OperationsTestSupport.h"
-#include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/operations/BLMediaNameChangeCtrl.h"
 #include "core/operations/IMediaNameChangeView.h"
+#include "core/services/SCNotificationCenter.h"
+#include "core/services/SCNotificationNames.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

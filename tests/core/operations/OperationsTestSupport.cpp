@@ -1,8 +1,8 @@
 #include "OperationsTestSupport.h"
 
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/card/BLClipCtrl.h"
+#include "core/formats/metadata/BLMediaProfileAcss.h"
+#include "core/services/BLCommon.h"
 #include "support/CardFolder.h"
 
 #include <QCryptographicHash>

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "cardgen/CardGenerator.h"
+#include "core/card/DOTakeData.h"
+#include "core/operations/IClipTransferView.h"
 #include "core/services/BLHeadlessProgressView.h"
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
-#include "core/operations/IClipTransferView.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 

@@ -2,10 +2,10 @@
 // library and from the cache folder, de-duplication, cancels and clean-up.
 #include "core/app/preview/BLCacheImageCtrl.h"
 
+#include "core/card/DOTakeData.h"
 #include "core/services/BLCommon.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
 #include "support/CardFolder.h"
 #include "support/FrameCounter.h"
 #include "support/QtPrinters.h"

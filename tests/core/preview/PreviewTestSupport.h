@@ -4,13 +4,13 @@
 // cards as the program's records, waiting on the event loop, the log.
 
 #include "cardgen/FrameCounter.h"
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationNames.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
-#include "core/formats/metadata/DONonRealTimeMeta.h"
-#include "core/card/DOTakeData.h"
 #include "core/app/preview/BLPreviewCtrl.h"
 #include "core/app/preview/BLTimeSliderCtrl.h"
+#include "core/card/DOTakeData.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/formats/metadata/DONonRealTimeMeta.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationNames.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

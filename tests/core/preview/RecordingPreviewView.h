@@ -166,10 +166,7 @@ public:
         ++fullScreenLoops;
         fullScreenPictureSeen = waitUntil([&] { return lastPicture().fullScreen; }, 5000);
     }
-    void leaveFullScreen() override
-    {
-        journal << QStringLiteral("leave full screen");
-    }
+    void leaveFullScreen() override { journal << QStringLiteral("leave full screen"); }
 
     void setButtonImages(int button, const QString& normal, const QString& pressed) override
     {

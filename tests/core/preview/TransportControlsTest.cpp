@@ -1,11 +1,11 @@
 #include "RecordingPreviewView.h"
-#include "core/services/BLCommon.h"
-#include "core/services/SCNotificationNames.h"
 #include "core/app/preview/BLAudioChannelCtrl.h"
 #include "core/app/preview/BLPreviewButtonCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
 #include "core/app/preview/BLTimeCodeCtrl.h"
 #include "core/app/preview/BLTimeSliderCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/SCNotificationNames.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 

@@ -50,8 +50,9 @@ TEST(CardgenDamage, EachDamageIsExactlyWhatTheManifestSays)
     cardgen::Options o = cwtest::CardFolder::quick();
     o.clips = 9;
     o.fast = true;
-    o.damages = {damage("missing=BIM@1"), damage("missing=SMI+BIM+PPN@2"), damage("unlisted@3"),
-                 damage("loose@4"),       damage("noftyp@5"),              damage("co64@6"),
+    o.damages = {damage("missing=BIM@1"), damage("missing=SMI+BIM+PPN@2"),
+                 damage("unlisted@3"),    damage("loose@4"),
+                 damage("noftyp@5"),      damage("co64@6"),
                  damage("hidden@7"),      damage("notok@8")};
     const cwtest::CardFolder card(o);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
@@ -61,9 +62,9 @@ TEST(CardgenDamage, EachDamageIsExactlyWhatTheManifestSays)
     const std::set<QString> listed = listedUmids(card.bpav());
     auto isListed = [&](const ManifestTake& t) { return listed.count(t.umid) == 1; };
 
-    const std::vector<std::pair<QString, int>> expected = {
-        {"missing", 5}, {"missing", 3}, {"unlisted", 0}, {"loose", 4}, {"noftyp", 5},
-        {"co64", 5},    {"hidden", -1}, {"notok", 1},    {"clean", 0}};
+    const std::vector<std::pair<QString, int>> expected = {{"missing", 5}, {"missing", 3}, {"unlisted", 0},
+                                                           {"loose", 4},   {"noftyp", 5},  {"co64", 5},
+                                                           {"hidden", -1}, {"notok", 1},   {"clean", 0}};
     for (size_t i = 0; i < takes.size(); ++i) {
         EXPECT_EQ(takes[i].damage, expected[i].first) << "take " << i + 1;
         EXPECT_EQ(takes[i].expectedStatus, expected[i].second) << "take " << i + 1;

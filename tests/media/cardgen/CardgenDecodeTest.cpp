@@ -94,7 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
                       EssenceCase{"tiny", "23.98p", 9, 12, 4, 2, false},
                       EssenceCase{"tiny", "25p", 0, 3, 1, 1, false}),
     [](const ::testing::TestParamInfo<EssenceCase>& info) {
-        QString name = QStringLiteral("%1_%2_%3frames").arg(info.param.size, info.param.rate).arg(info.param.frames);
+        QString name =
+            QStringLiteral("%1_%2_%3frames").arg(info.param.size, info.param.rate).arg(info.param.frames);
         return name.replace(QLatin1Char('.'), QLatin1Char('_')).toStdString();
     });
 

@@ -249,8 +249,15 @@ TEST(CardgenLayout, PictureTableDescribesEveryFrameInPresentationOrder)
     ASSERT_EQ(ppn.size(), 32 + 16 * 30);
     const QByteArray header = ppn.left(32);
     // Frame-rate code 9 (r = 2997) with aspect code 4, sizes 1920 (7) x 1080 (7), NTSC rate.
-    EXPECT_EQ(header.toHex(), "01500000000000" "4c" "77" "205110" "1f" "ffffff" "000000000000"
-                              "ffffff" "00000000000000");
+    EXPECT_EQ(header.toHex(), "01500000000000"
+                              "4c"
+                              "77"
+                              "205110"
+                              "1f"
+                              "ffffff"
+                              "000000000000"
+                              "ffffff"
+                              "00000000000000");
 
     // Entry k of GOP g: the picture shown k-th, whose temporal reference is k.
     int frame = 0;
@@ -276,8 +283,10 @@ TEST(CardgenLayout, PictureTableDescribesEveryFrameInPresentationOrder)
                         samples = perChunk;
                 }
                 EXPECT_EQ(audioSize, samples * 4); // a stereo 16-bit track: the chunk's bytes
-                const uint32_t videoChunk = be(d, path(*traks[0], {"mdia", "minf", "stbl", "stco"})->body() + 8 + 4 * gop, 4);
-                const uint32_t firstStored = be(d, path(*traks[0], {"mdia", "minf", "stbl", "stsz"})->body() + 12 + 4 * 15 * gop, 4);
+                const uint32_t videoChunk =
+                    be(d, path(*traks[0], {"mdia", "minf", "stbl", "stco"})->body() + 8 + 4 * gop, 4);
+                const uint32_t firstStored =
+                    be(d, path(*traks[0], {"mdia", "minf", "stbl", "stsz"})->body() + 12 + 4 * 15 * gop, 4);
                 EXPECT_EQ(be(e, 13, 3), audioChunks[size_t(gop)] - (videoChunk + firstStored));
             } else {
                 EXPECT_EQ(e.mid(10).toHex(), "400000000000");
@@ -297,7 +306,10 @@ TEST(CardgenLayout, RealTimeMetadataHoldsOneTimeCodePerFrame)
     };
     const std::vector<Case> cases = {
         // Drop-frame: 00:01:00;00 and ;01 do not exist.
-        {"29.97p", "00:00:59;28", 6, {"68590000", "69590000", "42000100", "43000100", "44000100", "45000100"}},
+        {"29.97p",
+         "00:00:59;28",
+         6,
+         {"68590000", "69590000", "42000100", "43000100", "44000100", "45000100"}},
         {"25p", "09:59:59:23", 3, {"23595909", "24595909", "00000010"}},
         // Two frames per time code at 50p.
         {"50p", "00:00:00:00", 6, {"00000000", "00000000", "01000000", "01000000", "02000000", "02000000"}},
@@ -346,7 +358,8 @@ TEST(CardgenLayout, RealTimeMetadataHoldsOneTimeCodePerFrame)
         at += 44 + bits / 8;
         ASSERT_EQ(bim.size() - at, qsizetype(units - 1) * 1024) << c.rate;
         for (int i = 0; i < c.frames; ++i)
-            EXPECT_EQ(bim.mid(at + 1024 * i + 12, 4).toHex(), c.expected[size_t(i)]) << c.rate << " frame " << i;
+            EXPECT_EQ(bim.mid(at + 1024 * i + 12, 4).toHex(), c.expected[size_t(i)])
+                << c.rate << " frame " << i;
     }
 }
 

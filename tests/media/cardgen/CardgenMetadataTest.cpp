@@ -32,7 +32,8 @@ QString fileOf(const std::vector<ManifestFile>& files, const QString& kind)
 std::map<QString, qint64> filesOnDisk(const QString& workFolder)
 {
     std::map<QString, qint64> files;
-    QDirIterator it(workFolder, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    QDirIterator it(workFolder, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
     const QDir base(workFolder);
     while (it.hasNext()) {
         it.next();
@@ -138,11 +139,13 @@ TEST(CardgenMetadata, XmlFilesCarryTheManifestsIdentifiersAndDurations)
     std::set<QString> listed;
     for (const XmlElement* material : materials) {
         listed.insert(material->attr("umid"));
-        EXPECT_TRUE(QFile::exists(card.bpav() + material->attr("uri").mid(1))) << material->attr("uri").toStdString();
+        EXPECT_TRUE(QFile::exists(card.bpav() + material->attr("uri").mid(1)))
+            << material->attr("uri").toStdString();
         EXPECT_EQ(material->attr("type"), "PD-EDL");
         for (const char* kind : {"Component", "RelevantInfo"}) {
             for (const XmlElement* e : material->all(kind))
-                EXPECT_TRUE(QFile::exists(card.bpav() + e->attr("uri").mid(1))) << e->attr("uri").toStdString();
+                EXPECT_TRUE(QFile::exists(card.bpav() + e->attr("uri").mid(1)))
+                    << e->attr("uri").toStdString();
         }
     }
     std::set<QString> expected = clipUmids;
@@ -171,7 +174,8 @@ TEST(CardgenMetadata, UmidsAndMediaIdsHaveTheCardForm)
     const cwtest::CardFolder card(mixedCard());
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const Manifest& m = card.manifest();
-    static const QRegularExpression umidForm(QStringLiteral("^060A2B340101010501010D4313000000[0-9A-F]{32}$"));
+    static const QRegularExpression umidForm(
+        QStringLiteral("^060A2B340101010501010D4313000000[0-9A-F]{32}$"));
     std::set<QString> seen;
     for (const ManifestTake& take : m.takes) {
         EXPECT_TRUE(umidForm.match(take.umid).hasMatch()) << take.umid.toStdString();
@@ -193,7 +197,8 @@ TEST(CardgenMetadata, UmidsAndMediaIdsHaveTheCardForm)
     EXPECT_EQ(umid.mid(46, 2), "C1");
     EXPECT_EQ(umid.mid(48), "0200C1FFFEA9D0E1");
     EXPECT_EQ(m.takes[1].umid.mid(46, 2), "C2");
-    EXPECT_TRUE(QRegularExpression("^[0-9]{14}[0-9A-F]{2}0200C1FFFEA9D0E1$").match(m.cards[0].mediaId).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression("^[0-9]{14}[0-9A-F]{2}0200C1FFFEA9D0E1$").match(m.cards[0].mediaId).hasMatch())
         << m.cards[0].mediaId.toStdString();
 }
 

@@ -29,8 +29,8 @@ std::optional<cardgen::FrameCounterValue> readScaled(const AVFrame* frame, int d
 double meanLumaError(const AVFrame* frame, int counterClip, int index)
 {
     std::vector<uint8_t> expected(size_t(frame->width) * frame->height);
-    cardgen::FrameCounter::draw(expected.data(), frame->width, frame->width, frame->height,
-                                counterClip, index);
+    cardgen::FrameCounter::draw(expected.data(), frame->width, frame->width, frame->height, counterClip,
+                                index);
     long long sum = 0;
     for (int y = 0; y < frame->height; ++y) {
         const uint8_t* row = frame->data[0] + size_t(y) * frame->linesize[0];

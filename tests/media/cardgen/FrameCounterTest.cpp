@@ -75,7 +75,8 @@ TEST(FrameCounter, ReadsPackedPixelsAndScaledImages)
     EXPECT_EQ(FrameCounter::readPacked(rgb.constBits(), int(rgb.bytesPerLine()), w, h, 3), expected);
     EXPECT_FALSE(FrameCounter::readPacked(rgb.constBits(), int(rgb.bytesPerLine()), w, h, 1).has_value());
     for (int divisor : {1, 2, 3, 4, 6}) {
-        const QImage scaled = image.scaled(w / divisor, h / divisor, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        const QImage scaled =
+            image.scaled(w / divisor, h / divisor, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         EXPECT_EQ(cwtest::readFrameCounter(scaled), expected) << "1/" << divisor;
     }
     EXPECT_FALSE(cwtest::readFrameCounter(QImage()).has_value());

@@ -8,7 +8,7 @@
 // A parsed XML document (QXmlStreamReader), enough to check cardgen's files.
 struct XmlElement
 {
-    QString name;      // qualified name as written ("lib:Alias")
+    QString name;                      // qualified name as written ("lib:Alias")
     QMap<QString, QString> attributes; // by qualified name
     QString text;
     std::vector<XmlElement> children;

@@ -2,11 +2,11 @@
 // UMIDs, durations, time codes and titles come back.
 #include "CrossCheckSupport.h"
 
-#include "core/services/BLCommon.h"
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/formats/metadata/BLNonMetaAcss.h"
 #include "core/formats/metadata/BLTakeInfoAcss.h"
+#include "core/services/BLCommon.h"
 
 using crosscheck::clipFile;
 

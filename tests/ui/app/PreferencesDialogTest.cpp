@@ -1,6 +1,6 @@
 #include "ui/app/PreferencesDialog.h"
-#include "core/services/BLPlistCtrl.h"
 #include "core/app/BLPreferencesCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "support/QtPrinters.h"

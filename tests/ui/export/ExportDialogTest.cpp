@@ -1,8 +1,8 @@
 // The export dialog with its controller, on generated cards and the real
 // conversion library.
-#include "core/services/BLPlistCtrl.h"
-#include "core/operations/export/BLMPEG2TSConvertCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/operations/export/BLMPEG2TSConvertCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"

@@ -1,6 +1,6 @@
 #include "core/card/BLHouseKeepingCtrl.h"
-#include "core/operations/search/BLClipSearchCtrl.h"
 #include "core/operations/BLClipPropertyCtrl.h"
+#include "core/operations/search/BLClipSearchCtrl.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"

@@ -1,6 +1,6 @@
-#include "core/services/BLLocalizedStrings.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 #include "ui/operations/DeleteFolderDialog.h"

@@ -1,7 +1,7 @@
 #include "core/app/panes/DOThumbData.h"
 
-#include "core/services/BLCommon.h"
 #include "core/card/DOTakeData.h"
+#include "core/services/BLCommon.h"
 
 namespace {
 template <class T> int compareValues(const T& a, const T& b)

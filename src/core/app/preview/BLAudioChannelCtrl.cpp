@@ -1,8 +1,8 @@
 #include "core/app/preview/BLAudioChannelCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLLocalizedStrings.h"
 #include "core/app/preview/IAudioChannelView.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
 #include "media/viewer/vv.h"
 
 BLAudioChannelCtrl::BLAudioChannelCtrl(IAudioChannelView& view) : m_view(view)

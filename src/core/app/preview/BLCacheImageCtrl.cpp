@@ -1,11 +1,11 @@
 #include "core/app/preview/BLCacheImageCtrl.h"
 
+#include "core/card/DOTakeData.h"
+#include "core/services/BLCommon.h"
 #include "core/services/BLLogCtrl.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
-#include "core/card/DOTakeData.h"
 #include "media/viewer/vv.h"
 
 #include <QDateTime>

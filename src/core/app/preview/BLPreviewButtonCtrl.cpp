@@ -1,8 +1,8 @@
 #include "core/app/preview/BLPreviewButtonCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
 #include "core/app/preview/IPreviewButtonView.h"
+#include "core/services/BLLogCtrl.h"
 
 namespace {
 

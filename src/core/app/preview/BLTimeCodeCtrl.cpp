@@ -1,10 +1,10 @@
 #include "core/app/preview/BLTimeCodeCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/CReadRtMeta.h"
-#include "core/card/DOTakeData.h"
 #include "core/app/preview/ITimeCodeView.h"
+#include "core/card/DOTakeData.h"
+#include "core/formats/metadata/CReadRtMeta.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "core/app/preview/BLTimeSliderCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
 #include "core/app/preview/ITimeSliderView.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QThread>
 

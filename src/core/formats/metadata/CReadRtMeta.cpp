@@ -131,7 +131,8 @@ bool CReadRtMeta::blReadBIM(const char* path, unsigned long start)
     if (descriptionLength != x - encodedSize(x))
         m_pLastError = kErrLength;
 
-    const quint32 skipBits = quint32(m_arrHeader[41] & 0x0F) << 16 | quint32(m_arrHeader[42]) << 8 | m_arrHeader[43];
+    const quint32 skipBits =
+        quint32(m_arrHeader[41] & 0x0F) << 16 | quint32(m_arrHeader[42]) << 8 | m_arrHeader[43];
     FreeMem();
 
     // The frame units follow the skipped part; a file too short for all of

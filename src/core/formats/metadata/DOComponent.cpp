@@ -9,5 +9,6 @@ QString lastPathComponent(const QString& uri)
 
 int DOComponent::compareByUri(const DOComponent& other) const
 {
-    return QString::compare(lastPathComponent(getUri()), lastPathComponent(other.getUri()), Qt::CaseInsensitive);
+    return QString::compare(lastPathComponent(getUri()), lastPathComponent(other.getUri()),
+                            Qt::CaseInsensitive);
 }

@@ -1,9 +1,9 @@
 #include "core/formats/mhl/BLMhlHistory.h"
 
+#include "core/formats/metadata/BLDomXmlParse.h"
 #include "core/services/BLAtomicFile.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLProgressThread.h"
-#include "core/formats/metadata/BLDomXmlParse.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

@@ -38,14 +38,13 @@ struct BoxKind
     bool skip;
 };
 constexpr BoxKind kBoxTable[38] = {
-    {"udta", false}, {"hnti", false}, {"moov", false}, {"trak", false}, {"edts", false},
-    {"mdia", false}, {"minf", false}, {"dinf", false}, {"stbl", false}, {"meta", false},
-    {"free", true},  {"mdat", true},  {"iods", true},  {"nmhd", true},  {"esds", true},
-    {"uuid", true},  {"hmhd", true},  {"hinf", true},  {"sdp ", true},  {"mvhd", true},
-    {"tkhd", true},  {"tref", true},  {"elst", true},  {"mdhd", true},  {"hdlr", true},
-    {"vmhd", true},  {"smhd", true},  {"dref", true},  {"stsd", true},  {"stts", true},
-    {"ctts", true},  {"stss", true},  {"sdtp", true},  {"stsc", true},  {"stsz", true},
-    {"stco", true},  {"co64", true},  {"xml ", true},
+    {"udta", false}, {"hnti", false}, {"moov", false}, {"trak", false}, {"edts", false}, {"mdia", false},
+    {"minf", false}, {"dinf", false}, {"stbl", false}, {"meta", false}, {"free", true},  {"mdat", true},
+    {"iods", true},  {"nmhd", true},  {"esds", true},  {"uuid", true},  {"hmhd", true},  {"hinf", true},
+    {"sdp ", true},  {"mvhd", true},  {"tkhd", true},  {"tref", true},  {"elst", true},  {"mdhd", true},
+    {"hdlr", true},  {"vmhd", true},  {"smhd", true},  {"dref", true},  {"stsd", true},  {"stts", true},
+    {"ctts", true},  {"stss", true},  {"sdtp", true},  {"stsc", true},  {"stsz", true},  {"stco", true},
+    {"co64", true},  {"xml ", true},
 };
 
 const BoxKind* findBoxKind(const quint8* type)
@@ -57,8 +56,14 @@ const BoxKind* findBoxKind(const quint8* type)
     return nullptr;
 }
 
-quint32 be16(const quint8* p) { return quint32(p[0]) << 8 | p[1]; }
-quint32 be32(const quint8* p) { return quint32(p[0]) << 24 | quint32(p[1]) << 16 | quint32(p[2]) << 8 | p[3]; }
+quint32 be16(const quint8* p)
+{
+    return quint32(p[0]) << 8 | p[1];
+}
+quint32 be32(const quint8* p)
+{
+    return quint32(p[0]) << 24 | quint32(p[1]) << 16 | quint32(p[2]) << 8 | p[3];
+}
 
 // Frame-rate code and NTSC-rate flag of an MPEG-2 frame_rate_code.
 void frameRateCodes(int frameRateCode, bool progressive, int& code, int& ntsc)

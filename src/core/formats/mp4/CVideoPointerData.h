@@ -37,15 +37,15 @@ public:
     quint64 m_ullPictureOffset = 0;    // work field of GetPresentationFrame
     quint32 m_ulHeight = 0;            // pixels, from the sample description
     quint32 m_ulWidth = 0;
-    quint32 m_ulSampleDuration = 0;    // mean sample duration, media time units
+    quint32 m_ulSampleDuration = 0; // mean sample duration, media time units
     quint32 m_ulTimeScale = 0;
-    quint32 m_ulMediaTimeScale = 0;    // as read from the media header
+    quint32 m_ulMediaTimeScale = 0; // as read from the media header
     int m_nFrameRate = 0;
     int m_nAspect = 0;
     int m_nHeight = 0;
     int m_nWidth = 0;
     int m_nNtscRate = 0;
-    quint32 m_ulMaxBitrate = 0;        // bits per second
+    quint32 m_ulMaxBitrate = 0; // bits per second
 
 private:
     // Stored offsets of the frames of the chunk of the last GetPresentationFrame.

@@ -1,11 +1,11 @@
 #include "core/operations/export/BLMPEG2TSConvertCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLPlistCtrl.h"
+#include "core/card/BLDiskCtrl.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
-#include "core/card/BLDiskCtrl.h"
+#include "core/services/BLLogCtrl.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <QDate>
 #include <QDir>

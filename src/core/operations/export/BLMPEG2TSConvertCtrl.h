@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/card/DOTakeData.h"
 #include "core/operations/export/DOMPEG2TSConvert.h"
 #include "core/operations/export/IMPEG2TSConvertView.h"
-#include "core/card/DOTakeData.h"
 
 #include <QList>
 #include <QObject>

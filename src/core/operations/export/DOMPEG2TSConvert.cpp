@@ -1,7 +1,7 @@
 #include "core/operations/export/DOMPEG2TSConvert.h"
 
-#include "core/services/BLPlistCtrl.h"
 #include "core/operations/export/BLMPEG2TSConvertCallback.h"
+#include "core/services/BLPlistCtrl.h"
 
 #include <algorithm>
 #include <clocale>

@@ -1,12 +1,12 @@
 #include "core/operations/import/BLCreateNRT.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLAtomicFile.h"
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLBIMCtrl.h"
-#include "core/formats/metadata/BLNonMetaAcss.h"
 #include "core/card/BLDiskCtrl.h"
 #include "core/card/DOTakeData.h"
+#include "core/formats/metadata/BLBIMCtrl.h"
+#include "core/formats/metadata/BLNonMetaAcss.h"
+#include "core/services/BLAtomicFile.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QFile>
 #include <QFileInfo>

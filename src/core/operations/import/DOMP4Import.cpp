@@ -1,8 +1,8 @@
 #include "core/operations/import/DOMP4Import.h"
 
-#include "core/services/BLCommon.h"
-#include "core/formats/metadata/BLBIMCtrl.h"
 #include "core/card/BLDiskCtrl.h"
+#include "core/formats/metadata/BLBIMCtrl.h"
+#include "core/services/BLCommon.h"
 
 #include <QFileInfo>
 

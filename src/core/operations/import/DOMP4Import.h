@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/card/DOTakeData.h"
 #include "core/card/DOClipCtrl.h"
+#include "core/card/DOTakeData.h"
 
 #include <QDateTime>
 #include <QList>

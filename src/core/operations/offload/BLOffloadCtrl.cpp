@@ -1,12 +1,12 @@
 #include "core/operations/offload/BLOffloadCtrl.h"
 
+#include "core/card/BLDiskCtrl.h"
+#include "core/formats/metadata/BLDomXmlParse.h"
+#include "core/operations/offload/BLOffloadThread.h"
+#include "core/operations/offload/IOffloadView.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/BLProgressThread.h"
-#include "core/formats/metadata/BLDomXmlParse.h"
-#include "core/card/BLDiskCtrl.h"
-#include "core/operations/offload/BLOffloadThread.h"
-#include "core/operations/offload/IOffloadView.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/services/BLProgressThread.h"
 #include "core/formats/mhl/BLMhlHistory.h"
+#include "core/services/BLProgressThread.h"
 
 #include <QList>
 #include <QString>

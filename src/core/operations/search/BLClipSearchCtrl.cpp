@@ -1,11 +1,11 @@
 #include "core/operations/search/BLClipSearchCtrl.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
-#include "core/services/BLLocalizedStrings.h"
+#include "core/card/IOperationPane.h"
 #include "core/operations/search/BLClipSearchThread.h"
 #include "core/operations/search/IClipSearchView.h"
-#include "core/card/IOperationPane.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 #include "core/operations/search/BLClipSearchThread.h"
 
-#include "core/services/BLLogCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/search/BLClipSearchCtrl.h"
+#include "core/services/BLCommon.h"
+#include "core/services/BLLogCtrl.h"
 
 #include <QCoreApplication>
 #include <QDir>
