@@ -1,4 +1,6 @@
 #include "core/app/BLMainWindowCtrl.h"
+#include "core/app/BLPlistCtrl.h"
+#include "core/app/BLPreferencesCtrl.h"
 #include "core/common/BLCommon.h"
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/SCNotificationNames.h"

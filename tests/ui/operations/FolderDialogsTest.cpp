@@ -1,3 +1,4 @@
+#include "core/common/BLLocalizedStrings.h"
 #include "core/operations/BLDeleteFolderCtrl.h"
 #include "core/operations/BLFolderNameCtrl.h"
 #include "support/MessageRecorder.h"
