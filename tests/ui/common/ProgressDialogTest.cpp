@@ -2,9 +2,10 @@
 #include "core/common/BLLocalizedStrings.h"
 #include "core/common/BLProgressCtrl.h"
 #include "core/common/BLProgressThread.h"
-#include "support/UserInput.h"
 
+#include <QApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QProgressBar>
@@ -67,7 +68,8 @@ TEST(ProgressDialogTest, TheDialogShowsTheRunAndItsCancelButtonEndsIt)
             sawBusy = true; // the initial maximum 0: an animated busy bar
         if (bar->maximum() > 0 && sawValue < 0) {
             sawValue = bar->value() * 100 / bar->maximum();
-            cwtest::key(&dialog, Qt::Key_Escape); // Escape acts as Cancel
+            QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QApplication::sendEvent(&dialog, &escape); // Escape acts as Cancel
             escapeKeptOpen = dialog.isVisible();
         }
     });
