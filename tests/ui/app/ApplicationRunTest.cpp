@@ -1,13 +1,12 @@
 #include "core/services/BLPlistCtrl.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
+#include "support/UserInput.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -81,17 +80,18 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         SaveCounter saves(config + "/Clipwright", "Clipwright.plist");
 
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("HOME", home.path());
-        environment.insert("XDG_CONFIG_HOME", config);
-        environment.insert("XDG_STATE_HOME", state);
-        environment.insert("XDG_CACHE_HOME", home.filePath(".cache"));
-        environment.insert("XDG_DATA_HOME", home.filePath(".local/share"));
         const QString runtime = home.filePath(".runtime");
         QDir().mkpath(runtime);
         QFile::setPermissions(runtime,
                               QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        environment.insert("XDG_RUNTIME_DIR", runtime);
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        for (const auto& [name, value] : {std::pair{"HOME", home.path()},
+                                          {"XDG_CONFIG_HOME", config},
+                                          {"XDG_STATE_HOME", state},
+                                          {"XDG_CACHE_HOME", home.filePath(".cache")},
+                                          {"XDG_DATA_HOME", home.filePath(".local/share")},
+                                          {"XDG_RUNTIME_DIR", runtime},
+                                          {"QT_QPA_PLATFORM", QString("offscreen")}})
+            environment.insert(name, value);
         QProcess process;
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -99,11 +99,7 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         ASSERT_TRUE(process.waitForStarted(10000));
 
         // The start banner is written once the stop signals are handled.
-        QElapsedTimer timer;
-        timer.start();
-        while (!logMessages(state).contains(kStartBanner) && timer.elapsed() < 20000)
-            QThread::msleep(20);
-        ASSERT_TRUE(logMessages(state).contains(kStartBanner));
+        ASSERT_TRUE(cwtest::waitFor([&] { return logMessages(state).contains(kStartBanner); }, 20000));
         ::kill(static_cast<pid_t>(process.processId()), signalNumber);
         ASSERT_TRUE(process.waitForFinished(20000));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
@@ -120,8 +116,7 @@ TEST(ApplicationRunTest, ASignalEndsTheProgramThroughTheClosingOfItsWindow)
         // selected folder at start.
         const auto settings = BLPlistCtrl::readPlistFile(config + "/Clipwright/Clipwright.plist");
         ASSERT_TRUE(settings.has_value());
-        EXPECT_TRUE(settings->contains("MAIN_WIN_X"));
-        EXPECT_TRUE(settings->contains("MAIN_WIN_Y"));
+        EXPECT_TRUE(settings->contains("MAIN_WIN_X") && settings->contains("MAIN_WIN_Y"));
         EXPECT_EQ(settings->value("MAIN_WIN_WIDTH").toDouble(), 1024.0);
         EXPECT_EQ(settings->value("MAIN_WIN_HEIGHT").toDouble(), 768.0);
         EXPECT_TRUE(settings->contains("LAYOUT_SPLIT"));

@@ -6,47 +6,25 @@
 #include "core/services/SCNotificationNames.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
+#include "support/UserInput.h"
 #include "ui/app/HouseKeepingSheet.h"
 #include "ui/app/PreferencesDialog.h"
 #include "ui/app/SCMainWindow.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDialog>
-#include <QElapsedTimer>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QMenuBar>
 #include <QProgressBar>
 #include <QScreen>
 #include <QSplitter>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 namespace {
-
-bool waitFor(const std::function<bool()>& condition, int milliseconds = 3000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > milliseconds)
-            return false;
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return true;
-}
-
-void settle()
-{
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
 
 // Every text the localiser would look up in the windows built here.
 void collectTitles(QWidget* widget, QStringList& titles)
@@ -71,7 +49,9 @@ void collectTitles(QWidget* widget, QStringList& titles)
 
 } // namespace
 
-class MainWindowTest : public cwtest::HomeTest
+using namespace cwtest;
+
+class MainWindowTest : public HomeTest
 {
 protected:
     void start()
@@ -101,14 +81,39 @@ protected:
     std::unique_ptr<BLMainWindowCtrl> ctrl;
 };
 
-TEST_F(MainWindowTest, FirstStartOpensTheDefaultWindowCentredWithPanesAbovePreview)
+// The stored frame is used; Reset Window Size, refused while a modal dialog is
+// in front, gives the default frame centred with Main and Sub1 side by side
+// above the preview, which has a third of the height.
+TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultLayoutUnlessADialogIsInFront)
 {
+    writeSettings(
+        home().configHome(),
+        {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 700.0}, {"MAIN_WIN_X", 10.0}, {"MAIN_WIN_Y", 20.0}});
     start();
-    EXPECT_EQ(window->size(), QSize(1024, 768));
-    EXPECT_EQ(window->pos(), QPoint(screen().x() + (screen().width() - 1024) / 2,
-                                    screen().y() + (screen().height() - 768) / 2));
+    ASSERT_EQ(window->size(), QSize(900, 700));
+    QDialog dialog(window.get());
+    dialog.open(); // window-modal, in front of the main window
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &dialog; }));
+    window->validateMenuItems();
+    EXPECT_FALSE(window->resetWindowSizeAction()->isEnabled());
+    EXPECT_FALSE(window->preferencesAction()->isEnabled());
+    EXPECT_FALSE(window->aboutAction()->isEnabled());
+    dialog.close();
+    activate();
+    window->validateMenuItems();
+    EXPECT_TRUE(window->aboutAction()->isEnabled() && window->preferencesAction()->isEnabled());
+    ASSERT_TRUE(window->resetWindowSizeAction()->isEnabled());
+    window->resetWindowSizeAction()->trigger();
+    settle();
 
-    // Main and Sub1 side by side in the upper side of the split, the preview below.
+    EXPECT_EQ(window->size(), QSize(1024, 768));
+    // The offscreen platform shifts a visible window moved to a negative x by
+    // its frame margins, so x is allowed that much.
+    EXPECT_NEAR(window->pos().x(), screen().x() + (screen().width() - 1024) / 2, 4);
+    EXPECT_EQ(window->pos().y(), screen().y() + (screen().height() - 768) / 2);
+    EXPECT_NEAR(upperSide(), 2 * window->splitView()->sizes().value(1), 3);
+    EXPECT_FALSE(window->dividersLocked());
+    EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
     const auto at = [&](QWidget* w) { return w->mapTo(window.get(), QPoint(0, 0)); };
     QWidget* main = window->paneContainer(0);
     QWidget* sub1 = window->paneContainer(1);
@@ -120,49 +125,6 @@ TEST_F(MainWindowTest, FirstStartOpensTheDefaultWindowCentredWithPanesAbovePrevi
     EXPECT_LT(at(main).y() + main->height(), at(preview).y());
     EXPECT_TRUE(window->splitView()->widget(0)->isAncestorOf(main));
     EXPECT_TRUE(window->splitView()->widget(1)->isAncestorOf(preview));
-}
-
-TEST_F(MainWindowTest, ResetWindowSizeIsDisabledWhileAModalDialogIsInFront)
-{
-    start();
-    window->validateMenuItems();
-    EXPECT_TRUE(window->resetWindowSizeAction()->isEnabled());
-    EXPECT_TRUE(window->preferencesAction()->isEnabled());
-
-    QDialog dialog(window.get());
-    dialog.open(); // window-modal, in front of the main window
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &dialog; }));
-    window->validateMenuItems();
-    EXPECT_FALSE(window->resetWindowSizeAction()->isEnabled());
-    EXPECT_FALSE(window->preferencesAction()->isEnabled());
-    EXPECT_FALSE(window->aboutAction()->isEnabled());
-
-    dialog.close();
-    activate();
-    window->validateMenuItems();
-    EXPECT_TRUE(window->resetWindowSizeAction()->isEnabled());
-    EXPECT_TRUE(window->aboutAction()->isEnabled());
-}
-
-TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultSizeAndSplit)
-{
-    cwtest::writeSettings(
-        home().configHome(),
-        {{"MAIN_WIN_WIDTH", 900.0}, {"MAIN_WIN_HEIGHT", 700.0}, {"MAIN_WIN_X", 10.0}, {"MAIN_WIN_Y", 20.0}});
-    start();
-    ASSERT_EQ(window->size(), QSize(900, 700));
-    window->validateMenuItems();
-    window->resetWindowSizeAction()->trigger();
-    settle();
-    EXPECT_EQ(window->size(), QSize(1024, 768));
-    // The offscreen platform shifts a visible window moved to a negative x by
-    // its frame margins, so x is allowed that much.
-    EXPECT_NEAR(window->pos().x(), screen().x() + (screen().width() - 1024) / 2, 4);
-    EXPECT_EQ(window->pos().y(), screen().y() + (screen().height() - 768) / 2);
-    // The panes have two thirds of the split.
-    EXPECT_NEAR(upperSide(), 2 * window->splitView()->sizes().value(1), 3);
-    EXPECT_FALSE(window->dividersLocked());
-    EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
 }
 
 TEST_F(MainWindowTest, AnAcceptedZoomEndsWithUnlockedDividers)
@@ -185,19 +147,6 @@ TEST_F(MainWindowTest, AnAcceptedZoomEndsWithUnlockedDividers)
     EXPECT_FALSE(window->dividersLocked());
 }
 
-TEST_F(MainWindowTest, AZoomBelowTheMinimumSizeIsRefused)
-{
-    start();
-    // A minimum larger than the screen: the zoomed frame would be below it.
-    window->setMinimumSize(screen().width() + 100, screen().height() + 100);
-    settle();
-    window->showMaximized();
-    settle();
-    EXPECT_FALSE(window->isMaximized());
-    EXPECT_FALSE(ctrl->isZoom());
-    EXPECT_FALSE(window->dividersLocked());
-}
-
 TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
 {
     start();
@@ -207,37 +156,14 @@ TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
     ASSERT_TRUE(sheet->isVisible());
     EXPECT_EQ(sheet->parentWidget(), window.get());
     EXPECT_EQ(sheet->windowModality(), Qt::WindowModal);
-    EXPECT_EQ(sheet->progressBar()->minimum(), 0);
     EXPECT_EQ(sheet->progressBar()->maximum(), 0); // busy bar
 
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QApplication::sendEvent(sheet, &escape);
+    key(sheet, Qt::Key_Escape);
     settle();
     EXPECT_TRUE(sheet->isVisible()); // the user cannot dismiss it
 
     BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCCloseHouseKeepingWindowNotification);
     EXPECT_FALSE(sheet->isVisible());
-}
-
-TEST_F(MainWindowTest, ClosingShutsDownOnceAndSavesTheFrame)
-{
-    start();
-    window->move(30, 40);
-    settle();
-    int closed = 0;
-    QObject::connect(window.get(), &SCMainWindow::windowClosed, [&] { ++closed; });
-    window->close();
-    window->close();
-    settle();
-    EXPECT_EQ(closed, 1);
-    EXPECT_FALSE(window->isVisible());
-
-    cwtest::releaseSingletons();
-    double x = 0;
-    double y = 0;
-    ASSERT_TRUE(BLPlistCtrl::sharedCtrl()->getMainWindowX(&x));
-    ASSERT_TRUE(BLPlistCtrl::sharedCtrl()->getMainWindowY(&y));
-    EXPECT_EQ(QPointF(x, y), QPointF(30, 40));
 }
 
 TEST_F(MainWindowTest, EveryTitleOfTheWindowsHasATableEntry)

@@ -5,6 +5,7 @@
 #include "core/services/SCNotificationNames.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
+#include "support/UserInput.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -14,7 +15,6 @@
 #include <QDate>
 #include <QDialogButtonBox>
 #include <QFile>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
@@ -68,13 +68,9 @@ protected:
     void choose(QButtonGroup* group, int row) { group->button(row)->click(); }
     QPushButton* button(QDialogButtonBox::StandardButton which)
     {
-        return dialog->findChild<QDialogButtonBox*>()->button(which);
+        return cwtest::dialogButton(dialog.get(), which);
     }
-    static void flushNotifications()
-    {
-        for (int i = 0; i < 5; ++i)
-            QApplication::processEvents();
-    }
+    static void flushNotifications() { cwtest::settle(); }
     static QString today(const QString& pattern) { return QDate::currentDate().toString(pattern); }
 
     std::unique_ptr<PreferencesDialog> dialog;
@@ -98,13 +94,11 @@ TEST_F(PreferencesDialogTest, ShowsTheStoredChoicesAndASampleThatFollowsThem)
     EXPECT_EQ(dialog->sampleField()->text(), today("MM.dd.yyyy"));
     choose(dialog->orderDateGroup(), 0);
     EXPECT_EQ(dialog->sampleField()->text(), today("yyyy.MM.dd"));
-
-    BLPlistCtrl::sharedCtrl()->setDateFormat(1);
-    ctrl->readData();
-    EXPECT_EQ(dialog->orderDateGroup()->checkedId(), 2); // stored 1: month-day-year
 }
 
-TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
+// Cancel and Escape store and post nothing. OK stores the four settings, then
+// posts the date format's notification before the resolution's.
+TEST_F(PreferencesDialogTest, OnlyOkStoresTheSettingsThenPostsDateFormatBeforeResolution)
 {
     const QString path = BLPlistCtrl::sharedCtrl()->filePath();
     const QByteArray before = fileBytes(path);
@@ -115,20 +109,16 @@ TEST_F(PreferencesDialogTest, CancelStoresNothingAndPostsNothing)
         dialog->verifyCopyBox()->click();
         button(QDialogButtonBox::Cancel)->click();
     });
-    runAsUser([&] { // Escape is a cancel too
+    runAsUser([&] {
         choose(dialog->orderResolutionGroup(), 1);
-        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-        QApplication::sendEvent(dialog.get(), &escape);
+        cwtest::key(dialog.get(), Qt::Key_Escape);
     });
     flushNotifications();
     EXPECT_TRUE(posted.isEmpty());
     EXPECT_EQ(fileBytes(path), before);
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getLowResolution(), 2);
     EXPECT_FALSE(BLPlistCtrl::sharedCtrl()->getVerifyCopy());
-}
 
-TEST_F(PreferencesDialogTest, OkStoresTheFourSettingsThenPostsDateFormatBeforeResolution)
-{
     // Date order rows are year-month-day, day-month-year, month-day-year;
     // the setting numbers them 0, 2, 1.
     const int storedForRow[] = {0, 2, 1};
@@ -149,7 +139,7 @@ TEST_F(PreferencesDialogTest, OkStoresTheFourSettingsThenPostsDateFormatBeforeRe
         EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification,
                                        SC::SCResolutionDidChangeNotification}));
 
-        const auto onDisk = BLPlistCtrl::readPlistFile(BLPlistCtrl::sharedCtrl()->filePath());
+        const auto onDisk = BLPlistCtrl::readPlistFile(path);
         ASSERT_TRUE(onDisk.has_value());
         EXPECT_EQ(onDisk->value("DATE_FORMAT").toInt(), storedForRow[row]) << row;
         EXPECT_EQ(onDisk->value("DATE_PAUSE_CHAR").toString(), ".");

@@ -1,15 +1,12 @@
+#include "support/UserInput.h"
 #include "ui/app/RightClickActivationFilter.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QElapsedTimer>
-#include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -23,15 +20,6 @@ protected:
     void mousePressEvent(QMouseEvent*) override { ++presses; }
     void contextMenuEvent(QContextMenuEvent*) override { ++contextMenus; }
 };
-
-bool waitFor(const std::function<bool()>& condition)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && timer.elapsed() < 3000)
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-    return condition();
-}
 
 // A right click as the window system delivers it: to the window first.
 void rightClick(QWidget& target)
@@ -61,13 +49,13 @@ TEST(RightClickActivationTest, ARightClickOnAnInactiveProgramOnlyActivatesIt)
         QWidget other;
         other.show();
         other.activateWindow();
-        ASSERT_TRUE(waitFor([&] { return other.isActiveWindow(); }));
+        ASSERT_TRUE(cwtest::waitFor([&] { return other.isActiveWindow(); }));
         other.hide();
     }
-    ASSERT_TRUE(waitFor([] { return QGuiApplication::focusWindow() == nullptr; }));
+    ASSERT_TRUE(cwtest::waitFor([] { return QGuiApplication::focusWindow() == nullptr; }));
 
     rightClick(target);
-    EXPECT_TRUE(waitFor([&] { return target.isActiveWindow(); }));
+    EXPECT_TRUE(cwtest::waitFor([&] { return target.isActiveWindow(); }));
     EXPECT_EQ(target.presses, 0);
     EXPECT_EQ(target.contextMenus, 0);
 

@@ -72,7 +72,9 @@ void pressEscape(QMessageBox* box)
 
 } // namespace
 
-TEST(MessageBoxPresenterTest, ButtonsAppearInTheGivenOrderAndAnswerByPosition)
+// Buttons appear in the given order and answer by position; the program's
+// message boxes show the table's texts.
+TEST(MessageBoxPresenterTest, ButtonsAnswerByPositionAndTheProgramsBoxesShowTheTableTexts)
 {
     SCMessageBoxPresenter presenter;
     const SCAlert question{"K", "I", "Delete the clips?", "They cannot be restored.", {"Yes", "No"}};
@@ -93,18 +95,12 @@ TEST(MessageBoxPresenterTest, ButtonsAppearInTheGivenOrderAndAnswerByPosition)
     EXPECT_EQ(answerBox([&] { return presenter.showAlert(notice); }, pressEscape, &shown),
               IMessagePresenter::kFirstButton);
     EXPECT_EQ(shown.buttonsLeftToRight, QStringList({"OK"}));
-}
 
-TEST(MessageBoxPresenterTest, MessageBoxesOfTheProgramShowTheTableTexts)
-{
-    SCMessageBoxPresenter presenter;
     BLCommon::setMessagePresenter(&presenter);
-    Shown shown;
     const int answer =
         answerBox([] { return BLCommon::sharedCtrl()->messageBox("MSG_632_3100", "MSG_632_3101", 0, 1); },
                   click("Cancel"), &shown);
     BLCommon::setMessagePresenter(nullptr);
-
     EXPECT_EQ(answer, IMessagePresenter::kSecondButton);
     EXPECT_EQ(shown.text, BLLocalizedString("MSG_632_3100"));
     EXPECT_EQ(shown.informative, BLLocalizedString("MSG_632_3101"));

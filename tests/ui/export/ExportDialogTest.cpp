@@ -7,6 +7,7 @@
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
+#include "support/UserInput.h"
 #include "ui/export/MPEG2TSConvertDialog.h"
 
 #include <QDir>
@@ -17,8 +18,6 @@
 #include <QTimer>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -76,10 +75,7 @@ protected:
     // Runs the dialog for the takes with the script started once it is up.
     void run(const QList<DOTakeData>& takes, const std::function<void()>& script)
     {
-        QTimer::singleShot(0, &m_dialog, [this, script] {
-            ASSERT_TRUE(m_dialog.isVisible());
-            script();
-        });
+        cwtest::whenShown(&m_dialog, script);
         m_ctrl.showModal(m_card->workFolder(), takes);
     }
     // Calls then() once the dialog is ready for another Start.
@@ -186,7 +182,7 @@ TEST_F(ExportDialogTest, CancelLeavesNoFileAndTheDialogReady)
             m_dialog.cancelButton()->click();
         }
     });
-    QTimer::singleShot(0, &m_dialog, [&] {
+    cwtest::whenShown(&m_dialog, [&] {
         m_dialog.pathField()->setText(m_dest.filePath("take.M2T"));
         m_dialog.startButton()->click();
         whenReady([&] {

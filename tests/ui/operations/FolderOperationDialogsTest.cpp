@@ -7,44 +7,27 @@
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
+#include "support/UserInput.h"
 #include "ui/operations/FolderCombineDialog.h"
 #include "ui/operations/FolderDivisionDialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QDir>
 #include <QFileInfo>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
-namespace {
-
-void whenShown(QWidget* dialog, const std::function<void()>& script)
-{
-    QTimer::singleShot(0, dialog, [dialog, script] {
-        ASSERT_TRUE(dialog->isVisible());
-        script();
-    });
-}
-
-QPushButton* button(QDialog& dialog, QDialogButtonBox::StandardButton which)
-{
-    return dialog.findChild<QDialogButtonBox*>()->button(which);
-}
-
-} // namespace
+using namespace cwtest;
 
 // Ten and more capacities, the tenth chosen; a refused capacity and one the
 // folder already fits keep the dialog open.
 TEST(FolderOperationDialogsTest, DivisionDialogOffersCapacitiesAndKeepsRefusalsOpen)
 {
-    cwtest::ScopedHome home;
-    cwtest::MessageRecorder messages;
-    const cwtest::CardFolder card(cwtest::CardFolder::fast(2));
+    ScopedHome home;
+    MessageRecorder messages;
+    const CardFolder card(CardFolder::fast(2));
     ASSERT_TRUE(card.ok());
     FolderDivisionDialog dialog;
     BLFolderDivisionCtrl ctrl(&dialog, BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()),
@@ -55,10 +38,10 @@ TEST(FolderOperationDialogsTest, DivisionDialogOffersCapacitiesAndKeepsRefusalsO
         EXPECT_TRUE(dialog.sizeField()->isEditable());
         for (const char* text : {"3.5", "4"}) {
             dialog.sizeField()->setEditText(text);
-            button(dialog, QDialogButtonBox::Ok)->click();
+            dialogButton(&dialog, QDialogButtonBox::Ok)->click();
             EXPECT_TRUE(dialog.isVisible()) << text;
         }
-        button(dialog, QDialogButtonBox::Cancel)->click();
+        dialogButton(&dialog, QDialogButtonBox::Cancel)->click();
     });
     EXPECT_FALSE(ctrl.showModal());
     EXPECT_EQ(messages.keys(), QStringList({"MSG_653_3135", "MSG_653_3178"}));
@@ -68,13 +51,13 @@ TEST(FolderOperationDialogsTest, DivisionDialogOffersCapacitiesAndKeepsRefusalsO
 // and, with the switch on, the emptied folder goes.
 TEST(FolderOperationDialogsTest, CombineDialogCombinesTheTickedFolder)
 {
-    cwtest::ScopedHome home;
-    cwtest::MessageRecorder messages;
+    ScopedHome home;
+    MessageRecorder messages;
     BLHeadlessProgressView progress;
     BLProgressCtrl::sharedCtrl()->setView(&progress);
     const QString parent = home.path("media");
     for (const char* name : {"DEST", "SRC"}) {
-        cardgen::Options options = cwtest::CardFolder::fast(1);
+        cardgen::Options options = CardFolder::fast(1);
         options.outputFolder = parent + "/" + name;
         options.manifestPath = home.path(QString(name) + ".json");
         options.prefix = name;

@@ -10,6 +10,7 @@
 #include "support/FrameCounter.h"
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
+#include "support/UserInput.h"
 #include "ui/app/SCMainWindow.h"
 #include "ui/preview/SCAudioChannelView.h"
 #include "ui/preview/SCFullScreenWindow.h"
@@ -25,18 +26,17 @@
 #include <QAudioDevice>
 #include <QCheckBox>
 #include <QDir>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMediaDevices>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
 using namespace pvtest;
+using cwtest::key;
+using cwtest::mouse;
 
 namespace {
 
@@ -62,34 +62,6 @@ std::optional<cardgen::FrameCounterValue> counterIn(QWidget* widget)
     return cwtest::readFrameCounter(image.copy(picture));
 }
 
-void sendKey(QWidget* widget, int key)
-{
-    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-    QApplication::sendEvent(widget, &press);
-}
-
-void doubleClick(QWidget* widget)
-{
-    const QPointF centre = QRectF(widget->rect()).center();
-    QMouseEvent press(QEvent::MouseButtonPress, centre, widget->mapToGlobal(centre), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QMouseEvent release(QEvent::MouseButtonRelease, centre, widget->mapToGlobal(centre), Qt::LeftButton,
-                        Qt::NoButton, Qt::NoModifier);
-    QMouseEvent again(QEvent::MouseButtonDblClick, centre, widget->mapToGlobal(centre), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget, &press);
-    QApplication::sendEvent(widget, &release);
-    QApplication::sendEvent(widget, &again);
-    QApplication::sendEvent(widget, &release);
-}
-
-void mouse(QWidget* widget, QEvent::Type type, const QPoint& at)
-{
-    QMouseEvent event(type, QPointF(at), widget->mapToGlobal(QPointF(at)), Qt::LeftButton,
-                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
-
 } // namespace
 
 class PreviewViewTest : public PreviewTest
@@ -109,108 +81,46 @@ protected:
         ctrl = std::make_unique<BLPreviewCtrl>(*view);
         ASSERT_TRUE(ctrl->initializeCtrl());
     }
-    void pauseIn(const cwtest::CardFolder& card, const DOTakeData& take)
+    // Shows the view and pauses in the first take of a one-take card.
+    void pauseInATake()
     {
-        play(card, take);
+        ASSERT_TRUE(card.ok()) << card.error().toStdString();
+        start();
+        play(card, takeOf(card, manifestTake()));
         ASSERT_TRUE(waitForState(VM_PLAYED));
         view->buttonBar()->button(BLPreviewButtonCtrl::kPause)->click();
         ASSERT_TRUE(waitForState(VM_PAUSING));
     }
 
+    const cardgen::ManifestTake& manifestTake() const { return card.manifest().takes.front(); }
+    bool waitForPicture(QWidget* picture, qint64 frame)
+    {
+        return waitUntil([&] { return counterIn(picture) == counterOf(manifestTake(), frame); });
+    }
+
+    const cwtest::CardFolder card{tinyCard(1, 30)};
     std::unique_ptr<SCPreviewView> view;
 };
 
+// The controls follow the run, the slider the mouse and the audio choice its
+// buttons; the picture shows the delivered frame in its aspect.
 TEST_F(PreviewViewTest, ThePictureShowsTheDeliveredFrameInItsAspectAndTheControlsFollow)
 {
-    const cwtest::CardFolder card(tinyCard(1, 30));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
-    const DOTakeData take = takeOf(card, manifestTake);
     start();
-    EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPlay)->shownImage(), "macbtn_play_n");
+    SCImageButton* playButton = view->buttonBar()->button(BLPreviewButtonCtrl::kPlay);
+    EXPECT_EQ(playButton->shownImage(), "macbtn_play_n");
     EXPECT_FALSE(view->timeSlider()->isEnabled());
 
-    play(card, take);
+    play(card, takeOf(card, manifestTake()));
     ASSERT_TRUE(waitForState(VM_PLAYED));
-    EXPECT_EQ(view->titleField()->text(), take.getAlias());
+    EXPECT_EQ(view->titleField()->text(), takeOf(card, manifestTake()).getAlias());
     EXPECT_TRUE(view->openGLView()->hasFocus());
-    EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPlay)->shownImage(), "macbtn_play_a");
+    EXPECT_EQ(playButton->shownImage(), "macbtn_play_a");
     EXPECT_TRUE(view->timeSlider()->isEnabled());
-    sendKey(view->openGLView(), Qt::Key_Space);
+    key(view->openGLView(), Qt::Key_Space);
     ASSERT_TRUE(waitForState(VM_PAUSING));
     EXPECT_EQ(view->buttonBar()->button(BLPreviewButtonCtrl::kPause)->shownImage(), "macbtn_stop_a");
-
-    sendKey(view->openGLView(), Qt::Key_Down);
-    ASSERT_TRUE(waitForFrame(29));
-    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 29); }));
-    // 16:9 in a wider than high area: black bars at the sides or above and below.
-    const QImage grab = view->openGLView()->grab().toImage();
-    const QRect picture = pictureRect(grab);
-    EXPECT_NEAR(double(picture.width()) / picture.height(), 16.0 / 9.0, 0.03);
-    EXPECT_TRUE(picture.width() == grab.width() || picture.height() == grab.height());
-    EXPECT_EQ(view->timeSlider()->value(), SCTimeSlider::kMaximum);
-    EXPECT_EQ(view->timeCodeField()->text(), "00:00.00:29");
-
-    view->buttonBar()->button(BLPreviewButtonCtrl::kTopFrame)->click();
-    ASSERT_TRUE(waitForFrame(0));
-    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 0); }));
-
-    // Stopped: the picture is black and the slider rests.
-    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieStopNotification);
-    settle(100);
-    EXPECT_TRUE(pictureRect(view->openGLView()->grab().toImage()).isEmpty());
-    EXPECT_FALSE(view->timeSlider()->isEnabled());
-    EXPECT_EQ(view->titleField()->text(), "");
-}
-
-TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeavesIt)
-{
-    const cwtest::CardFolder card(tinyCard(1, 30));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
-    start();
-    pauseIn(card, takeOf(card, manifestTake));
-    view->buttonBar()->button(BLPreviewButtonCtrl::kLastFrame)->click();
-    ASSERT_TRUE(waitForFrame(29));
-
-    SCFullScreenWindow* fullScreen = view->fullScreenWindow();
-    bool opened = false;
-    std::optional<cardgen::FrameCounterValue> shown;
-    // Runs inside the full-screen loop: a preview key, then Escape.
-    QTimer::singleShot(200, [&] {
-        opened = fullScreen->isVisible() && fullScreen->isFullScreen() && ctrl->isFullScreen();
-        sendKey(fullScreen, Qt::Key_Left);
-        QTimer::singleShot(300, [&] {
-            shown = counterIn(fullScreen);
-            sendKey(fullScreen, Qt::Key_Escape);
-        });
-    });
-    doubleClick(view->openGLView());
-    ASSERT_TRUE(waitUntil([&] { return opened && !ctrl->isFullScreen(); }));
-    EXPECT_FALSE(fullScreen->isVisible());
-    EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 28);
-    EXPECT_EQ(shown, counterOf(manifestTake, 28));
-    ASSERT_TRUE(waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, 28); }));
-
-    // From the menu, left by a double click.
-    opened = false;
-    QTimer::singleShot(200, [&] {
-        opened = fullScreen->isVisible();
-        doubleClick(fullScreen);
-    });
-    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
-    EXPECT_TRUE(opened);
-    EXPECT_FALSE(ctrl->isFullScreen());
-    EXPECT_FALSE(fullScreen->isVisible());
-}
-
-TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
-{
-    const cwtest::CardFolder card(tinyCard(1, 30));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
-    start();
-    pauseIn(card, takeOf(card, manifestTake));
 
     SCTimeSlider* slider = view->timeSlider();
     const QPoint middle = slider->rect().center();
@@ -224,8 +134,21 @@ TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
     EXPECT_LT(frame, 25);
     ASSERT_TRUE(waitForFrame(frame));
     EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
-    ASSERT_TRUE(
-        waitUntil([&] { return counterIn(view->openGLView()) == counterOf(manifestTake, int(frame)); }));
+    ASSERT_TRUE(waitForPicture(view->openGLView(), frame));
+
+    key(view->openGLView(), Qt::Key_Down);
+    ASSERT_TRUE(waitForFrame(29));
+    ASSERT_TRUE(waitForPicture(view->openGLView(), 29));
+    // 16:9 in a wider than high area: black bars at the sides or above and below.
+    const QImage grab = view->openGLView()->grab().toImage();
+    const QRect picture = pictureRect(grab);
+    EXPECT_NEAR(double(picture.width()) / picture.height(), 16.0 / 9.0, 0.03);
+    EXPECT_TRUE(picture.width() == grab.width() || picture.height() == grab.height());
+    EXPECT_EQ(view->timeSlider()->value(), SCTimeSlider::kMaximum);
+    EXPECT_EQ(view->timeCodeField()->text(), "00:00.00:29");
+    view->buttonBar()->button(BLPreviewButtonCtrl::kTopFrame)->click();
+    ASSERT_TRUE(waitForFrame(0));
+    ASSERT_TRUE(waitForPicture(view->openGLView(), 0));
 
     SCAudioChannelView* audio = view->audioChannel();
     EXPECT_EQ(audio->stereoButton()->text(), "Stereo");
@@ -240,6 +163,50 @@ TEST_F(PreviewViewTest, TheSliderFollowsTheMouseAndTheAudioChoiceItsButtons)
     EXPECT_FALSE(audio->channelBox(1)->isChecked());
     audio->channelBox(2)->click(); // the chosen box stays ticked
     EXPECT_TRUE(audio->channelBox(2)->isChecked());
+
+    // Stopped: the picture is black and the slider rests.
+    BLCommon::sharedCtrl()->sendNotificationNow(nullptr, SC::SCMovieStopNotification);
+    settle(100);
+    EXPECT_TRUE(pictureRect(view->openGLView()->grab().toImage()).isEmpty());
+    EXPECT_FALSE(view->timeSlider()->isEnabled());
+    EXPECT_EQ(view->titleField()->text(), "");
+}
+
+TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeavesIt)
+{
+    pauseInATake();
+    view->buttonBar()->button(BLPreviewButtonCtrl::kLastFrame)->click();
+    ASSERT_TRUE(waitForFrame(29));
+
+    SCFullScreenWindow* fullScreen = view->fullScreenWindow();
+    bool opened = false;
+    std::optional<cardgen::FrameCounterValue> shown;
+    // Runs inside the full-screen loop: a preview key, then Escape.
+    QTimer::singleShot(200, [&] {
+        opened = fullScreen->isVisible() && fullScreen->isFullScreen() && ctrl->isFullScreen();
+        key(fullScreen, Qt::Key_Left);
+        QTimer::singleShot(300, [&] {
+            shown = counterIn(fullScreen);
+            key(fullScreen, Qt::Key_Escape);
+        });
+    });
+    cwtest::doubleClick(view->openGLView(), view->openGLView()->rect().center());
+    ASSERT_TRUE(waitUntil([&] { return opened && !ctrl->isFullScreen(); }));
+    EXPECT_FALSE(fullScreen->isVisible());
+    EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 28);
+    EXPECT_EQ(shown, counterOf(manifestTake(), 28));
+    ASSERT_TRUE(waitForPicture(view->openGLView(), 28));
+
+    // From the menu, left by a double click.
+    opened = false;
+    QTimer::singleShot(200, [&] {
+        opened = fullScreen->isVisible();
+        cwtest::doubleClick(fullScreen, fullScreen->rect().center());
+    });
+    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
+    EXPECT_TRUE(opened);
+    EXPECT_FALSE(ctrl->isFullScreen());
+    EXPECT_FALSE(fullScreen->isVisible());
 }
 
 TEST(PreviewAudioOutputTest, WithoutAnAudioDeviceThePreviewPlaysSilently)
@@ -262,71 +229,53 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
 {
     cardgen::Options options = tinyCard(1, 9);
     options.size = "1280x720";
-    const cwtest::CardFolder card(options);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
-
+    const cwtest::CardFolder hd(options);
+    ASSERT_TRUE(hd.ok()) << hd.error().toStdString();
     SCMainWindow window;
     BLMainWindowCtrl windowCtrl(window);
     window.setController(&windowCtrl);
     windowCtrl.awakeFromNib();
     BLPreviewCtrl* preview = windowCtrl.getPreviewCtrl();
-    ASSERT_NE(preview, nullptr);
     window.show();
     ASSERT_TRUE(windowCtrl.initializeCtrl());
-    bool enable = true;
-    EXPECT_TRUE(windowCtrl.isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
-    EXPECT_FALSE(enable);
 
     // The card's folder is chosen in the Main pane first: a change of folder stops the preview.
     BLMediaInfoCtrl* pane = windowCtrl.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
-    pane->setWorkFolder(card.workFolder(), false);
-    pane->setSelectFolder(card.workFolder(), true);
+    pane->setWorkFolder(hd.workFolder(), false);
+    pane->setSelectFolder(hd.workFolder(), true);
     ASSERT_TRUE(waitUntil([&] { return pane->getTakeData().size() == 1; }));
-    play(card, takeOf(card, manifestTake));
+    play(hd, takeOf(hd, hd.manifest().takes.front()));
     ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
     windowCtrl.selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
     ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PAUSING; }));
     // The Preview menu's items, validated as the menu opens.
-    QAction* firstFrame = nullptr;
     for (QAction* action : window.previewMenu()->actions())
-        if (action->data().toInt() == MENU_ITEM_ID_PREVIEW_TOP_FRAME)
-            firstFrame = action;
-    ASSERT_NE(firstFrame, nullptr);
-    window.validateMenuItems();
-    EXPECT_TRUE(firstFrame->isEnabled());
-    firstFrame->trigger();
-    ASSERT_TRUE(waitUntil([&] { return preview->getTimeSliderCtrl().getFrameNo() == 0; }));
-    for (int i = 1; i <= 4; ++i) {
-        ASSERT_TRUE(waitUntil([&] { return preview->isEndOfViewerJob(); }));
-        sendKey(window.previewWidget()->openGLView(), Qt::Key_Right);
-        ASSERT_TRUE(waitUntil([&] { return preview->getTimeSliderCtrl().getFrameNo() == i; }));
-    }
-    ASSERT_TRUE(waitUntil(
-        [&] { return counterIn(window.previewWidget()->openGLView()) == counterOf(manifestTake, 4); }));
-
-    const QImage shot = window.grab().toImage();
-    EXPECT_EQ(shot.size(), QSize(1024, 768));
+        if (action->data().toInt() == MENU_ITEM_ID_PREVIEW_TOP_FRAME) {
+            window.validateMenuItems();
+            EXPECT_TRUE(action->isEnabled());
+            action->trigger();
+        }
+    SCOpenGLView* picture = window.previewWidget()->openGLView();
+    ASSERT_TRUE(waitUntil([&] { return counterIn(picture) == counterOf(hd.manifest().takes.front(), 0); }));
     const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/screenshots");
     ASSERT_TRUE(QDir().mkpath(folder));
-    EXPECT_TRUE(shot.save(folder + "/preview.png"));
+    EXPECT_TRUE(window.grab().toImage().save(folder + "/preview.png"));
 
     // Space typed in the picture plays and pauses the preview; the window's
     // Space shortcut (play the grid's take) does not take it.
-    SCOpenGLView* picture = window.previewWidget()->openGLView();
     QApplication::setActiveWindow(&window);
     picture->setFocus(Qt::MouseFocusReason);
     window.enablePaneMenuItems(); // as after any menu has closed
-    QTest::keyClick(picture, Qt::Key_Space);
-    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
-    QTest::keyClick(picture, Qt::Key_Space);
-    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PAUSING; }));
+    for (int state : {VM_PLAYED, VM_PAUSING}) {
+        QTest::keyClick(picture, Qt::Key_Space);
+        ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == state; }));
+    }
 
     // Minimised, the picture is hidden; back, it is shown.
     windowCtrl.windowWillMiniaturizeNotification();
-    EXPECT_FALSE(window.previewWidget()->openGLView()->isVisible());
+    EXPECT_FALSE(picture->isVisible());
     windowCtrl.windowDidDeminiaturizeNotification();
-    EXPECT_TRUE(window.previewWidget()->openGLView()->isVisible());
+    EXPECT_TRUE(picture->isVisible());
 
     window.close();
     EXPECT_FALSE(preview->isUseViewerLibrary());
