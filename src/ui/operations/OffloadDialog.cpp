@@ -14,15 +14,15 @@
 
 OffloadDialog::OffloadDialog(QWidget* parent)
     : QDialog(parent), m_source(new QLabel(this)), m_destinations(new QListWidget(this)),
-      m_add(new QPushButton(QStringLiteral("Add..."), this))
+      m_add(new QPushButton(BLLocalizedString(QStringLiteral("LOCALIZED_OFFLOAD_ADD")), this))
 {
     setObjectName(QStringLiteral("Offload"));
-    setWindowTitle(QStringLiteral("Offload Card"));
+    setWindowTitle(BLLocalizedString(QStringLiteral("LOCALIZED_OFFLOAD_TITLE")));
     m_source->setObjectName(QStringLiteral("source"));
     m_destinations->setObjectName(QStringLiteral("destinations"));
     m_add->setObjectName(QStringLiteral("add"));
     m_source->setTextFormat(Qt::PlainText);
-    auto* remove = new QPushButton(QStringLiteral("Remove"), this);
+    auto* remove = new QPushButton(BLLocalizedString(QStringLiteral("LOCALIZED_OFFLOAD_REMOVE")), this);
     remove->setObjectName(QStringLiteral("remove"));
     connect(m_add, &QPushButton::clicked, this, [this] {
         if (m_ctrl)
@@ -44,8 +44,8 @@ OffloadDialog::OffloadDialog(QWidget* parent)
     listButtons->addWidget(remove);
     listButtons->addStretch();
     auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("Card:"), m_source);
-    form->addRow(QStringLiteral("Copy to:"), m_destinations);
+    form->addRow(BLLocalizedString(QStringLiteral("LOCALIZED_OFFLOAD_CARD")), m_source);
+    form->addRow(BLLocalizedString(QStringLiteral("LOCALIZED_OFFLOAD_COPY_TO")), m_destinations);
     form->addRow(QString(), listButtons);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);

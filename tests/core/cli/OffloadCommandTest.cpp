@@ -53,6 +53,13 @@ TEST_F(OffloadTest, EngineCopiesACardReadOnceToTwoVerifiedDestinations)
     cwtest::CardFolder card(cwtest::CardFolder::fast(2, {2}));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     ASSERT_TRUE(QDir().mkpath(card.workFolder() + "/BPAV/EMPTY"));
+    // Several chunks and a partial one: the copy is read back while it is written.
+    QByteArray big(BLOffloadThread::kChunkSize * 6 + 4099, '\0');
+    for (qsizetype i = 0; i < big.size(); ++i)
+        big[i] = char(i * 7 + i / 4096);
+    QFile bigFile(card.workFolder() + "/BPAV/BIG.BIN");
+    ASSERT_TRUE(bigFile.open(QIODevice::WriteOnly) && bigFile.write(big) == big.size());
+    bigFile.close();
     const QMap<QString, QByteArray> source = files(card.workFolder());
     qint64 cardSize = 0;
     for (auto it = source.cbegin(); it != source.cend(); ++it)

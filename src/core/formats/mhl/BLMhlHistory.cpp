@@ -3,6 +3,7 @@
 #include "core/formats/metadata/BLDomXmlParse.h"
 #include "core/services/BLAtomicFile.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "core/services/BLProgressThread.h"
 
 #include <QCoreApplication>
@@ -51,7 +52,7 @@ bool BLMhlHistory::load()
     for (auto g = generations.cbegin(); g != generations.cend(); ++g) {
         BLDomXmlParse xml;
         if (!xml.loadXml(folder + '/' + g.value())) {
-            m_error = g.value() + QStringLiteral(": not a readable manifest");
+            m_error = BLLocalizedString(QStringLiteral("MSG_MHL_UNREADABLE")).arg(g.value());
             return false;
         }
         // Only hashes with an xxh64 count; the paths and hashes then pair by position.
@@ -66,7 +67,7 @@ bool BLMhlHistory::load()
                  0, QString()});
         }
         if (xml.selectNodeArray(QStringLiteral("/hashlist/hashes/hash/xxh64")) != count) {
-            m_error = g.value() + QStringLiteral(": not a readable manifest");
+            m_error = BLLocalizedString(QStringLiteral("MSG_MHL_UNREADABLE")).arg(g.value());
             return false;
         }
         for (int i = 0; i < count; ++i) {
@@ -119,7 +120,7 @@ QString BLMhlHistory::writeGeneration(const QList<Entry>& entries, const QString
 {
     const QString folder = m_root + '/' + kFolderName;
     if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder)) {
-        m_error = folder + QStringLiteral(": cannot be created");
+        m_error = BLLocalizedString(QStringLiteral("MSG_MHL_NOT_CREATED")).arg(folder);
         return {};
     }
     const QDateTime now = QDateTime::currentDateTimeUtc();
@@ -201,7 +202,7 @@ QString BLMhlHistory::writeGeneration(const QList<Entry>& entries, const QString
     const QString path = folder + '/' + name;
     if (!BLAtomicFile::writeFile(path, manifest) || !BLAtomicFile::writeFile(chainPath, chainXml)) {
         QFile::remove(path);
-        m_error = path + QStringLiteral(": cannot be written");
+        m_error = BLLocalizedString(QStringLiteral("MSG_MHL_NOT_WRITTEN")).arg(path);
         return {};
     }
     m_lastGeneration = generation;

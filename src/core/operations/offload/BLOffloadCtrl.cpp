@@ -5,6 +5,7 @@
 #include "core/operations/offload/BLOffloadThread.h"
 #include "core/operations/offload/IOffloadView.h"
 #include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/BLProgressThread.h"
 
@@ -14,6 +15,11 @@
 #include <QStorageInfo>
 
 namespace {
+
+QString text(const char* key)
+{
+    return BLLocalizedString(QString::fromLatin1(key));
+}
 
 void showMessage(const QString& message, const QString& info = {})
 {
@@ -25,8 +31,8 @@ class VerifyThread : public BLProgressThread
 {
 public:
     explicit VerifyThread(const BLMhlHistory& history) : m_history(history) {}
-    QString getInitTitle() override { return QStringLiteral("Verify Folder"); }
-    QString getInitMessage() override { return QStringLiteral("Verifying..."); }
+    QString getInitTitle() override { return text("LOCALIZED_VERIFY_TITLE"); }
+    QString getInitMessage() override { return text("LOCALIZED_VERIFY_MESSAGE"); }
     void loopProcess() override { m_check = m_history.check(this); }
     const BLMhlHistory::Check& check() const { return m_check; }
 
@@ -48,7 +54,7 @@ bool BLOffloadCtrl::showModal()
 {
     Q_ASSERT(m_view);
     m_cardSize = BLDiskCtrl::sharedCtrl()->getFolderSize(m_source);
-    m_view->setSource(QStringLiteral("%1 (%2)").arg(m_source, BLCommon::sizeText(m_cardSize)));
+    m_view->setSource(text("LOCALIZED_OFFLOAD_SOURCE").arg(m_source, BLCommon::sizeText(m_cardSize)));
     showDestinations();
     m_verified = false;
     m_worker.reset();
@@ -79,9 +85,7 @@ bool BLOffloadCtrl::addDestination(const QString& folder)
 {
     const QString clean = QDir::cleanPath(folder);
     if (m_folders.size() >= BLOffloadThread::kMaxDestinations || m_folders.contains(clean)) {
-        showMessage(QStringLiteral("%1 cannot be added: a card goes to at most %2 different folders.")
-                        .arg(clean)
-                        .arg(BLOffloadThread::kMaxDestinations));
+        showMessage(text("MSG_OFFLOAD_TOO_MANY").arg(clean).arg(BLOffloadThread::kMaxDestinations));
         return false;
     }
     m_folders << clean;
@@ -93,7 +97,7 @@ void BLOffloadCtrl::showDestinations()
 {
     QStringList lines;
     for (const QString& folder : std::as_const(m_folders))
-        lines << QStringLiteral("%1 (%2 free)")
+        lines << text("LOCALIZED_OFFLOAD_FREE")
                      .arg(folder, BLCommon::sizeText(QStorageInfo(folder).bytesAvailable()));
     m_view->setDestinations(lines);
     m_view->setAddEnabled(m_folders.size() < BLOffloadThread::kMaxDestinations);
@@ -109,7 +113,7 @@ QString BLOffloadCtrl::roomProblem() const
         const QStorageInfo storage(folder);
         const qint64 needed = m_cardSize * copies.value(storage.rootPath());
         if (!storage.isValid() || storage.bytesAvailable() < needed)
-            return QStringLiteral("%1 has no room for the card: %2 needed, %3 free.")
+            return text("MSG_OFFLOAD_NO_ROOM")
                 .arg(folder, BLCommon::sizeText(needed), BLCommon::sizeText(storage.bytesAvailable()));
     }
     return {};
@@ -118,7 +122,7 @@ QString BLOffloadCtrl::roomProblem() const
 void BLOffloadCtrl::onStart()
 {
     if (m_folders.isEmpty()) {
-        showMessage(QStringLiteral("Add a destination folder for the card."));
+        showMessage(text("MSG_OFFLOAD_NO_DESTINATION"));
         return;
     }
     m_cardSize = BLDiskCtrl::sharedCtrl()->getFolderSize(m_source);
@@ -131,7 +135,7 @@ void BLOffloadCtrl::onStart()
         copies << folder + '/' + name;
     }
     if (!problem.isEmpty()) {
-        showMessage(problem, QStringLiteral("Nothing was copied."));
+        showMessage(problem, text("MSG_OFFLOAD_NOTHING_COPIED"));
         return;
     }
     m_worker = std::make_shared<BLOffloadThread>(m_source, copies);
@@ -148,32 +152,29 @@ void BLOffloadCtrl::showSummary()
     const BLMhlHistory::Check& check = m_worker->sourceCheck();
     QStringList lines;
     for (const QString& path : check.altered)
-        lines << QStringLiteral("Card: altered %1").arg(path);
+        lines << text("MSG_OFFLOAD_CARD_ALTERED").arg(path);
     for (const QString& path : check.missing)
-        lines << QStringLiteral("Card: missing %1").arg(path);
+        lines << text("MSG_OFFLOAD_CARD_MISSING").arg(path);
     if (!m_worker->sourceError().isEmpty())
         lines << m_worker->sourceError();
     bool all = m_worker->sourceError().isEmpty() && !m_worker->wasCancelled();
     if (m_worker->wasCancelled())
-        lines << QStringLiteral("Cancelled; no copy was kept.");
+        lines << text("MSG_OFFLOAD_CANCELLED");
     else
         for (const BLOffloadThread::Destination& d : m_worker->destinations()) {
             all = all && d.verified;
             if (d.verified)
-                lines << QStringLiteral("%1: %2 files, %3 verified")
+                lines << text("MSG_OFFLOAD_VERIFIED")
                              .arg(d.path)
                              .arg(m_worker->files().size())
                              .arg(BLCommon::sizeText(m_worker->totalBytes()));
             else if (!d.reason.isEmpty())
-                lines << QStringLiteral("%1: failed%2: %3; its copy was removed")
-                             .arg(d.path,
-                                  d.failedFile.isEmpty() ? QString() : QStringLiteral(" at ") + d.failedFile,
-                                  d.reason);
+                lines << (d.failedFile.isEmpty()
+                              ? text("MSG_OFFLOAD_FAILED").arg(d.path, d.reason)
+                              : text("MSG_OFFLOAD_FAILED_AT").arg(d.path, d.failedFile, d.reason));
         }
     m_verified = all;
-    showMessage(all ? QStringLiteral("The card was offloaded and every copy verified.")
-                    : QStringLiteral("The offload did not complete."),
-                lines.join('\n'));
+    showMessage(all ? text("MSG_OFFLOAD_DONE") : text("MSG_OFFLOAD_NOT_DONE"), lines.join('\n'));
 }
 
 QString BLOffloadCtrl::defaultName(const QString& source)
@@ -193,12 +194,12 @@ QString BLOffloadCtrl::destinationProblem(const QString& source, const QString& 
 {
     const QString destination = folder + '/' + name;
     if (!QFileInfo(folder).isDir())
-        return folder + QStringLiteral(": no such folder");
+        return text("MSG_OFFLOAD_NO_FOLDER").arg(folder);
     if (QFileInfo::exists(destination) || QFileInfo(destination).isSymLink())
-        return destination + QStringLiteral(": exists; an offload never merges into a folder");
+        return text("MSG_OFFLOAD_EXISTS").arg(destination);
     if (taken.contains(destination) || destination.startsWith(source + '/') ||
         source.startsWith(destination + '/'))
-        return destination + QStringLiteral(": not a separate destination");
+        return text("MSG_OFFLOAD_NOT_SEPARATE").arg(destination);
     return {};
 }
 
@@ -206,9 +207,8 @@ bool BLOffloadCtrl::verifyFolder(const QString& folder)
 {
     BLMhlHistory history(folder);
     if (!history.load() || history.lastGeneration() == 0) {
-        showMessage(QStringLiteral("%1 cannot be verified.").arg(folder),
-                    history.error().isEmpty() ? QStringLiteral("It has no ascmhl history.")
-                                              : history.error());
+        showMessage(text("MSG_VERIFY_CANNOT").arg(folder),
+                    history.error().isEmpty() ? text("MSG_VERIFY_NO_HISTORY") : history.error());
         return false;
     }
     auto worker = std::make_shared<VerifyThread>(history);
@@ -217,17 +217,16 @@ bool BLOffloadCtrl::verifyFolder(const QString& folder)
     const BLMhlHistory::Check& check = worker->check();
     QStringList lines;
     for (const QString& path : check.altered)
-        lines << QStringLiteral("altered %1").arg(path);
+        lines << text("MSG_VERIFY_ALTERED").arg(path);
     for (const QString& path : check.missing)
-        lines << QStringLiteral("missing %1").arg(path);
+        lines << text("MSG_VERIFY_MISSING").arg(path);
     for (const QString& path : check.added)
-        lines << QStringLiteral("new %1").arg(path);
+        lines << text("MSG_VERIFY_NEW").arg(path);
     if (check.ok())
-        lines.prepend(QStringLiteral("%1 files verified against generation %2.")
+        lines.prepend(text("MSG_VERIFY_COUNT")
                           .arg(check.entries.size() - check.added.size())
                           .arg(history.lastGeneration()));
-    showMessage(check.ok() ? QStringLiteral("%1 matches its history.").arg(folder)
-                           : QStringLiteral("%1 does not match its history.").arg(folder),
+    showMessage(check.ok() ? text("MSG_VERIFY_MATCHES").arg(folder) : text("MSG_VERIFY_DIFFERS").arg(folder),
                 lines.join('\n'));
     return check.ok();
 }

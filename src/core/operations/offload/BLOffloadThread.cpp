@@ -1,6 +1,7 @@
 #include "core/operations/offload/BLOffloadThread.h"
 
 #include "core/services/BLCommon.h"
+#include "core/services/BLLocalizedStrings.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -24,6 +25,11 @@ namespace {
 QByteArray nativePath(const QString& path)
 {
     return QFile::encodeName(path);
+}
+
+QString text(const char* key)
+{
+    return BLLocalizedString(QString::fromLatin1(key));
 }
 
 QString errorText(int error)
@@ -101,15 +107,22 @@ struct Job
 } // namespace
 
 // One destination's thread: makes its folders and files from the jobs in
-// order, verifies each file once closed, and on a failure removes the
-// destination and lets the remaining jobs go by.
+// order and verifies each file while it is written: every chunk is sent to
+// the disk at once, and the chunk kVerifyLag bytes behind is waited for,
+// dropped from the cache and read back from the disk, hashing. The disk
+// writes and reads in one stream, the file's flush at its close is short, and
+// the copy's pages never pile up in the cache. On a failure the destination
+// is removed and the remaining jobs go by.
 class BLOffloadThread::Writer
 {
 public:
-    Writer(BLOffloadThread* owner, Destination* destination) : m_owner(owner), m_destination(destination)
+    Writer(BLOffloadThread* owner, Destination* destination)
+        : m_owner(owner), m_destination(destination), m_hash(XXH64_createState())
     {
         m_thread = std::thread([this] { work(); });
     }
+
+    ~Writer() { XXH64_freeState(m_hash); }
 
     void push(Job job)
     {
@@ -124,6 +137,11 @@ public:
     bool failed() const { return m_failed; }
 
 private:
+    // The bytes written but not yet read back: enough for the disk to keep
+    // writing while a chunk is read back.
+    static constexpr qint64 kVerifyLag = 4 * kChunkSize;
+    static constexpr qint64 kReadPiece = 1024 * 1024;
+
     void work()
     {
         std::vector<const Item*> folders;
@@ -137,12 +155,14 @@ private:
             }
             if (job.kind == Job::Finish)
                 break;
-            if (m_failed)
+            if (m_failed || m_owner->isCancel())
                 continue;
             if (job.kind == Job::Folder)
                 folders.push_back(job.item);
             handle(job);
         }
+        if (m_fd >= 0) // a file cut short by a cancel
+            ::close(m_fd);
         // Folders get their dates once nothing more is written into them.
         for (auto f = folders.rbegin(); !m_failed && f != folders.rend(); ++f) {
             const timespec times[2] = {{0, UTIME_OMIT}, (*f)->modified};
@@ -165,10 +185,15 @@ private:
                 fail(item, errorText(errno));
             break;
         case Job::Open:
-            m_fd =
-                ::open(target(item).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, item.mode & 07777);
-            if (m_fd < 0)
+            // Read and write: the same descriptor reads the copy back.
+            m_fd = ::open(target(item).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, item.mode & 07777);
+            if (m_fd < 0) {
                 fail(item, errorText(errno));
+                break;
+            }
+            posix_fadvise(m_fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+            m_written = m_verified = 0;
+            XXH64_reset(m_hash, 0);
             break;
         case Job::Data:
             for (qint64 done = 0; done < job.chunk->length;) {
@@ -182,6 +207,12 @@ private:
                 done += n;
                 *m_destination->written += n;
             }
+            // Starts the chunk's way to the disk without waiting for it.
+            sync_file_range(m_fd, m_written, job.chunk->length, SYNC_FILE_RANGE_WRITE);
+            m_written += job.chunk->length;
+            while (m_written - m_verified > kVerifyLag)
+                if (!verify(item, m_verified + kChunkSize))
+                    return;
             break;
         case Job::Close: {
             const timespec times[2] = {{0, UTIME_OMIT}, item.modified};
@@ -189,22 +220,58 @@ private:
                 fail(item, errorText(errno));
                 return;
             }
+            if (!verify(item, m_written))
+                return;
+            // A file longer than what was written reads back as a mismatch too.
+            char extra;
+            const bool matches = XXH64_digest(m_hash) == job.hash && ::pread(m_fd, &extra, 1, m_written) == 0;
             const int closed = ::close(m_fd);
             m_fd = -1;
-            if (closed != 0) {
+            if (closed != 0)
                 fail(item, errorText(errno));
-                return;
-            }
-            bool cancelled = false;
-            if (!BLCommon::verifyCopiedFile(m_destination->path + '/' + item.path, job.hash, m_owner,
-                                            &cancelled) &&
-                !cancelled)
-                fail(item, QStringLiteral("the copy does not read back as the source"));
+            else if (!matches)
+                fail(item, text("MSG_OFFLOAD_READ_BACK_DIFFERS"));
             break;
         }
         case Job::Finish:
             break;
         }
+    }
+
+    // Reads the copy back from m_verified up to end from the disk, hashing:
+    // waits until that part is written, drops its pages and reads them again.
+    bool verify(const Item& item, qint64 end)
+    {
+        const qint64 length = end - m_verified;
+        if (length == 0)
+            return true;
+        // A file system without ranged writeback flushes the whole file.
+        if (sync_file_range(m_fd, m_verified, length,
+                            SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE |
+                                SYNC_FILE_RANGE_WAIT_AFTER) != 0 &&
+            ::fdatasync(m_fd) != 0) {
+            fail(item, errorText(errno));
+            return false;
+        }
+        // Up to the end of the file, so that a last partial page goes too.
+        posix_fadvise(m_fd, m_verified, 0, POSIX_FADV_DONTNEED);
+        posix_fadvise(m_fd, m_verified, length, POSIX_FADV_WILLNEED);
+        if (!m_buffer)
+            m_buffer.reset(new char[kReadPiece]);
+        for (qint64 offset = m_verified; offset < end;) {
+            const ssize_t n = ::pread(m_fd, m_buffer.get(), size_t(qMin(kReadPiece, end - offset)), offset);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0) {
+                fail(item, n < 0 ? errorText(errno) : text("MSG_OFFLOAD_READ_BACK_DIFFERS"));
+                return false;
+            }
+            XXH64_update(m_hash, m_buffer.get(), size_t(n));
+            offset += n;
+        }
+        posix_fadvise(m_fd, m_verified, 0, POSIX_FADV_DONTNEED); // the copy stays out of the cache
+        m_verified = end;
+        return true;
     }
 
     void fail(const Item& item, const QString& reason)
@@ -226,6 +293,10 @@ private:
     std::condition_variable m_ready;
     std::atomic<bool> m_failed{false};
     int m_fd = -1;
+    qint64 m_written = 0;  // bytes of the open file written
+    qint64 m_verified = 0; // bytes of it read back
+    XXH64_state_t* m_hash;
+    std::unique_ptr<char[]> m_buffer;
     std::thread m_thread;
 };
 
@@ -248,7 +319,7 @@ bool BLOffloadThread::run()
     m_startTime = QDateTime::currentMSecsSinceEpoch();
     BLMhlHistory history(m_source);
     if (!QFileInfo(m_source).isDir()) {
-        m_sourceError = m_source + QStringLiteral(": no such folder");
+        m_sourceError = text("MSG_OFFLOAD_NO_FOLDER").arg(m_source);
         return false;
     }
     if (!history.load()) {
@@ -257,12 +328,12 @@ bool BLOffloadThread::run()
     }
     if (history.lastGeneration() > 0) {
         // A card offloaded before: it must still be what its history says.
-        setMessage(QStringLiteral("Checking the source against its ascmhl history"));
+        setMessage(text("MSG_OFFLOAD_CHECKING_SOURCE"));
         m_sourceCheck = history.check(this);
         m_cancelled = m_sourceCheck.cancelled;
         if (!m_sourceCheck.ok()) {
             if (!m_cancelled)
-                m_sourceError = QStringLiteral("the source does not match its ascmhl history");
+                m_sourceError = text("MSG_OFFLOAD_SOURCE_DIFFERS");
             return false;
         }
     }
@@ -423,15 +494,15 @@ void BLOffloadThread::showProgress(const QString& file, qint64 read)
     QStringList each;
     for (const Destination& d : m_destinations) {
         if (*d.written < 0) {
-            each << QStringLiteral("%1 failed").arg(QFileInfo(d.path).fileName());
+            each << text("LOCALIZED_OFFLOAD_DEST_FAILED").arg(QFileInfo(d.path).fileName());
             continue;
         }
         slowest = qMin<qint64>(slowest, *d.written);
-        each << QStringLiteral("%1 %2 MiB").arg(d.path).arg(qint64(*d.written / kMiB));
+        each << text("LOCALIZED_OFFLOAD_WRITTEN").arg(d.path).arg(qint64(*d.written / kMiB));
     }
     const double rate = read / seconds;
     const qint64 left = rate > 0 ? qint64((m_totalBytes - slowest) / rate) : 0;
-    setMessage(QStringLiteral("%1  %2 MiB/s, %3 s left  %4")
+    setMessage(text("LOCALIZED_OFFLOAD_PROGRESS")
                    .arg(file)
                    .arg(rate / kMiB, 0, 'f', 1)
                    .arg(left)
