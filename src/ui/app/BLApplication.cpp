@@ -1,6 +1,7 @@
 #include "ui/app/BLApplication.h"
 
 #include "core/app/AppBanners.h"
+#include "core/app/AppVersion.h"
 #include "core/app/BLLogCtrl.h"
 #include "core/app/BLMainWindowCtrl.h"
 #include "core/app/BLPlistCtrl.h"
@@ -27,6 +28,9 @@
 BLApplication::BLApplication(int& argc, char** argv) : QApplication(argc, argv)
 {
     setApplicationName(QStringLiteral("Clipwright"));
+    setApplicationVersion(appVersion());
+    // Ties the windows to the installed desktop entry and its icon.
+    setDesktopFileName(QStringLiteral("io.github.clipwright.Clipwright"));
     // Closing the main window ends the program through terminate(), after
     // the window's own shut-down.
     setQuitOnLastWindowClosed(false);
@@ -133,11 +137,11 @@ void BLApplication::onAbout()
 {
     QMessageBox box(m_mainWindow.get());
     box.setWindowTitle(QStringLiteral("About ORX Clipwright"));
-    box.setText(QStringLiteral("ORX Clipwright"));
+    box.setText(QStringLiteral("ORX Clipwright %1").arg(applicationVersion()));
     box.setInformativeText(
-        QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move, "
-                       "delete, divide and combine folders, import MP4 files and "
-                       "export MPEG-2 transport streams."));
+        QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move and "
+                       "delete takes, search clips, divide and combine folders, import MP4 files, "
+                       "export MPEG-2 transport streams and offload cards with verified copies."));
     box.setStandardButtons(QMessageBox::Ok);
     box.button(QMessageBox::Ok)->setText(BLLocalizedString(QStringLiteral("BTN_STYLE_OK")));
     localizedTitleByObject(&box);

@@ -68,13 +68,13 @@ TEST_F(BIMCtrlTest, PreImportKeepsWhatTheCheckerLearntOfEachFile)
          hd,
          {12, 11, "30", "MPEG2HD35_1920_1080_MP@HL", "59.94i", "1920", "1080", "16:9", true, 2, "LPCM16"}});
 
-    Mp4Builder hdv; // 1440x1080 4:3 50i at 25 Mbps, one frame, a mono 24-bit track
-    hdv.tracks << Mp4Builder::videoTrack({"I"}, 3000, mpeg2SequenceStart(1440, 1080, 2, 3, false));
-    hdv.tracks[0].maxBitrate = 25000000;
-    hdv.tracks << Mp4Builder::audioTrack("in24", 1, {1920});
+    Mp4Builder wide; // 1440x1080 4:3 50i at 25 Mbps, one frame, a mono 24-bit track
+    wide.tracks << Mp4Builder::videoTrack({"I"}, 3000, mpeg2SequenceStart(1440, 1080, 2, 3, false));
+    wide.tracks[0].maxBitrate = 25000000;
+    wide.tracks << Mp4Builder::audioTrack("in24", 1, {1920});
     cases.push_back(
-        {"hdv",
-         hdv,
+        {"wide",
+         wide,
          {1, 0, "25", "MPEG2HD25CBR_1440_1080_MP@H-14", "50i", "1440", "1080", "4:3", false, 1, "LPCM24"}});
 
     Mp4Builder odd; // 23.98p at a size and aspect the camera does not know, no sound
