@@ -137,11 +137,13 @@ void BLApplication::onAbout()
 {
     QMessageBox box(m_mainWindow.get());
     box.setWindowTitle(QStringLiteral("About ORX Clipwright"));
-    box.setText(QStringLiteral("ORX Clipwright %1").arg(applicationVersion()));
-    box.setInformativeText(
-        QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move and "
-                       "delete takes, search clips, divide and combine folders, import MP4 files, "
-                       "export MPEG-2 transport streams and offload cards with verified copies."));
+    box.setText(QStringLiteral("ORX Clipwright"));
+    box.setInformativeText(BLLocalizedString(QStringLiteral(
+                               "Manages the clips of professional camcorder cards: preview, copy, move and "
+                               "delete takes, search clips, divide and combine folders, import MP4 files, "
+                               "export MPEG-2 transport streams and offload cards with verified copies.")) +
+                           QStringLiteral("\n\n") +
+                           BLLocalizedString(QStringLiteral("Version %1")).arg(applicationVersion()));
     box.setStandardButtons(QMessageBox::Ok);
     box.button(QMessageBox::Ok)->setText(BLLocalizedString(QStringLiteral("BTN_STYLE_OK")));
     localizedTitleByObject(&box);
