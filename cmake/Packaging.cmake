@@ -34,10 +34,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT) # clipwright_<version>_<arch>.deb
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${CLIPWRIGHT_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-# The Debian 12 packages of the shared libraries the two programs link.
+# The Debian 12 packages of the shared libraries the two programs need (their
+# NEEDED entries; Qt's OpenGL libraries are linked but none of their symbols is used).
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "libqt6core6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6widgets6 (>= 6.4), libqt6network6 (>= 6.4), \
-libqt6multimedia6 (>= 6.4), libqt6opengl6 (>= 6.4), libqt6openglwidgets6 (>= 6.4), libqt6svg6 (>= 6.4), \
-libxml2, libxxhash0, libavformat59, libavcodec59, libswscale6, libswresample4, libavutil57, \
-libstdc++6, libc6")
+libqt6multimedia6 (>= 6.4), libqt6svg6 (>= 6.4), libxml2, libxxhash0, libavformat59, libavcodec59, \
+libswscale6, libswresample4, libavutil57, libstdc++6, libgcc-s1, libc6")
 include(CPack)
