@@ -776,6 +776,9 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
     case MENU_ITEM_ID_MOVE_UP_FOLDER:
         moveUpSelectFolder();
         break;
+    case MENU_ITEM_ID_ALL_COPY:
+        selectAllCopyMenuItem();
+        break;
     case MENU_ITEM_ID_CLIP_SEARCH:
         showClipSearch();
         break;
@@ -804,7 +807,6 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
         m_thumbViewCtrl->selectMenuItem(tag);
         break;
     default:
-        // The remaining commands' dialogs are not available; they stay disabled.
         break;
     }
 }

@@ -443,6 +443,9 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     EXPECT_TRUE(main.isEnableAllCopyMenuItem());
     EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_ALL_COPY, false));
     EXPECT_TRUE(m_view.buttons.value(MENU_ITEM_ID_CHANGE_WORK_FOLDER));
+    main.treeViewCtrl()->selectMenuItem(MENU_ITEM_ID_ALL_COPY); // the copy dialog opens on both folders
+    EXPECT_EQ(m_view.copyDialogs, 1);
+    EXPECT_EQ(m_view.copyDestination, QFileInfo(sub.getSelectFolder()).fileName());
 
     // A drag from the grid carries the pane and the UMIDs; only the other pane takes it.
     std::unique_ptr<QMimeData> mime(grid.mimeData({grid.index(clip)}));
