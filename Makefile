@@ -1,11 +1,13 @@
-# Two commands do all the set-up on a fresh Debian 12 machine:
-#   make run    installs the dependencies, builds and starts Clipwright
-#   make test   installs the dependencies, builds and runs every test
+# On a fresh Debian 12 machine these do all the set-up:
+#   make run      installs the dependencies, builds and starts Clipwright
+#   make test     installs the dependencies, builds and runs every test
+#   make package  installs the dependencies, builds everything and makes the
+#                 Debian package $(BUILD)/clipwright_<version>_<arch>.deb
 BUILD ?= build
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: run test build deps configure asan bench clean
+.PHONY: run test build deps configure package asan bench clean
 
 deps:
 	./scripts/install-deps.sh
@@ -21,6 +23,9 @@ run: build
 
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS) --timeout 600
+
+package: build
+	cmake --build $(BUILD) --target package
 
 # The whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
 asan:

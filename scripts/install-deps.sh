@@ -13,6 +13,7 @@ packages=(
   xvfb xauth x11-utils imagemagick
   fonts-dejavu-core
   clang libclang-rt-14-dev clang-format-14
+  desktop-file-utils appstream
 )
 
 missing=()

@@ -1,6 +1,7 @@
 // clipwright-cli: a small dispatcher over the subcommands below.
 #include "CliCommand.h"
 
+#include "core/services/AppVersion.h"
 #include "core/services/BLCommon.h"
 
 #include <QCoreApplication>
@@ -49,7 +50,8 @@ const CliCommand kCommands[] = {
 
 void printUsage(QTextStream& out)
 {
-    out << "usage: clipwright-cli COMMAND [ARGUMENTS]\n\ncommands:\n";
+    out << "usage: clipwright-cli COMMAND [ARGUMENTS]\n"
+           "       clipwright-cli --help | --version\n\ncommands:\n";
     for (const CliCommand& c : kCommands)
         out << "  " << QString::fromLatin1(c.name).leftJustified(9) << c.arguments << "\n      " << c.summary
             << "\n";
@@ -104,6 +106,7 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName("clipwright-cli");
+    QCoreApplication::setApplicationVersion(appVersion());
     const QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty()) {
         printUsage(cliErr());
@@ -111,6 +114,10 @@ int main(int argc, char** argv)
     }
     if (args[0] == "-h" || args[0] == "--help" || args[0] == "help") {
         printUsage(cliOut());
+        return kExitOk;
+    }
+    if (args[0] == "--version") {
+        cliOut() << "clipwright-cli " << appVersion() << Qt::endl;
         return kExitOk;
     }
     for (const CliCommand& c : kCommands) {

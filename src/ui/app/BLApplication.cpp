@@ -5,6 +5,7 @@
 #include "core/formats/metadata/BLBIMCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
 #include "core/services/AppBanners.h"
+#include "core/services/AppVersion.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
 #include "core/services/BLLogCtrl.h"
@@ -27,6 +28,9 @@
 BLApplication::BLApplication(int& argc, char** argv) : QApplication(argc, argv)
 {
     setApplicationName(QStringLiteral("Clipwright"));
+    setApplicationVersion(appVersion());
+    // Ties the windows to the installed desktop entry and its icon.
+    setDesktopFileName(QStringLiteral("io.github.clipwright.Clipwright"));
     // Closing the main window ends the program through terminate(), after
     // the window's own shut-down.
     setQuitOnLastWindowClosed(false);
@@ -134,10 +138,12 @@ void BLApplication::onAbout()
     QMessageBox box(m_mainWindow.get());
     box.setWindowTitle(QStringLiteral("About ORX Clipwright"));
     box.setText(QStringLiteral("ORX Clipwright"));
-    box.setInformativeText(
-        QStringLiteral("Manages the clips of professional camcorder cards: preview, copy, move, "
-                       "delete, divide and combine folders, import MP4 files and "
-                       "export MPEG-2 transport streams."));
+    box.setInformativeText(BLLocalizedString(QStringLiteral(
+                               "Manages the clips of professional camcorder cards: preview, copy, move and "
+                               "delete takes, search clips, divide and combine folders, import MP4 files, "
+                               "export MPEG-2 transport streams and offload cards with verified copies.")) +
+                           QStringLiteral("\n\n") +
+                           BLLocalizedString(QStringLiteral("Version %1")).arg(applicationVersion()));
     box.setStandardButtons(QMessageBox::Ok);
     box.button(QMessageBox::Ok)->setText(BLLocalizedString(QStringLiteral("BTN_STYLE_OK")));
     localizedTitleByObject(&box);

@@ -91,10 +91,10 @@ TEST(DomXmlParseTest, EditsFollowTheCursorAndTheEmptyValueRule)
 
     // Replacing an attribute keeps its place among the attributes.
     ASSERT_EQ(xml.selectNodeArray("/MediaProfile/Contents/Material[1]"), 1);
-    EXPECT_EQ(xml.setAttribute("type", "XDCAM"), 1);
+    EXPECT_EQ(xml.setAttribute("type", "CLIP"), 1);
     const QByteArray out = xml.xmlData();
     EXPECT_TRUE(
-        out.contains(R"(<Material uri="./CLPR/A0001/A0001.MP4" type="XDCAM" videoType="x" umid="U1"/>)"))
+        out.contains(R"(<Material uri="./CLPR/A0001/A0001.MP4" type="CLIP" videoType="x" umid="U1"/>)"))
         << out.constData();
     EXPECT_TRUE(
         out.contains(R"(<Material mediaId="" mediaName="" usAscii="" uri="./CLPR/A0003/A0003.MP4"/>)"))

@@ -81,6 +81,9 @@ void BLMediaInfoCtrl::runTreeCommand(int tag)
     case MENU_ITEM_ID_MOVE_UP_FOLDER:
         moveUpSelectFolder();
         break;
+    case MENU_ITEM_ID_ALL_COPY:
+        selectAllCopyMenuItem();
+        break;
     case MENU_ITEM_ID_CLIP_SEARCH:
         showClipSearch();
         break;

@@ -81,10 +81,9 @@ public:
     // ---- menus ----
     // Whether the tag is a command of the grid or of the folder list (passed
     // on to it); *isEnable and *isCheck (either may be null) receive its
-    // state now. A command whose dialog is not available is disabled.
+    // state now.
     bool isSupportMenuItem(int tag, bool* isEnable, bool* isCheck) const;
-    // The enabling rule of one of the grid's own commands, whether or not its
-    // dialog is available.
+    // The enabling rule of one of the grid's own commands.
     bool isEnableMenuItem(int tag) const;
     // Runs an enabled command: logs it and acts.
     void selectMenuItem(int tag);

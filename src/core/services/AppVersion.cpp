@@ -1,0 +1,6 @@
+#include "core/services/AppVersion.h"
+
+QString appVersion()
+{
+    return QStringLiteral(CLIPWRIGHT_VERSION);
+}
