@@ -1,14 +1,11 @@
 // Damaged cards: each damage option makes exactly the damage the manifest names.
 #include "FfmpegProbe.h"
-#include "XmlTree.h"
 #include "support/CardFolder.h"
 
 #include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace {
 
@@ -28,15 +25,6 @@ QStringList entries(const QString& folder)
     return names;
 }
 
-std::set<QString> listedUmids(const QString& bpav)
-{
-    std::set<QString> umids;
-    const XmlDocument profile = XmlDocument::load(bpav + "/MEDIAPRO.XML");
-    for (const XmlElement* m : profile.root.child("Contents")->all("Material"))
-        umids.insert(m->attr("umid"));
-    return umids;
-}
-
 Damage damage(const char* text)
 {
     QString error;
@@ -50,20 +38,23 @@ TEST(CardgenDamage, EachDamageIsExactlyWhatTheManifestSays)
     cardgen::Options o = cwtest::CardFolder::quick();
     o.clips = 9;
     o.fast = true;
-    o.damages = {damage("missing=BIM@1"), damage("missing=SMI+BIM+PPN@2"), damage("unlisted@3"),
-                 damage("loose@4"),       damage("noftyp@5"),              damage("co64@6"),
+    o.damages = {damage("missing=BIM@1"), damage("missing=SMI+BIM+PPN@2"),
+                 damage("unlisted@3"),    damage("loose@4"),
+                 damage("noftyp@5"),      damage("co64@6"),
                  damage("hidden@7"),      damage("notok@8")};
     const cwtest::CardFolder card(o);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const std::vector<ManifestTake>& takes = card.manifest().takes;
     ASSERT_EQ(takes.size(), 9u);
     const QString clpr = card.bpav() + "/CLPR";
-    const std::set<QString> listed = listedUmids(card.bpav());
-    auto isListed = [&](const ManifestTake& t) { return listed.count(t.umid) == 1; };
+    const QByteArray profile = readFile(card.bpav() + "/MEDIAPRO.XML");
+    auto isListed = [&](const ManifestTake& t) {
+        return profile.contains("umid=\"" + t.umid.toLatin1() + "\"");
+    };
 
-    const std::vector<std::pair<QString, int>> expected = {
-        {"missing", 5}, {"missing", 3}, {"unlisted", 0}, {"loose", 4}, {"noftyp", 5},
-        {"co64", 5},    {"hidden", -1}, {"notok", 1},    {"clean", 0}};
+    const std::vector<std::pair<QString, int>> expected = {{"missing", 5}, {"missing", 3}, {"unlisted", 0},
+                                                           {"loose", 4},   {"noftyp", 5},  {"co64", 5},
+                                                           {"hidden", -1}, {"notok", 1},   {"clean", 0}};
     for (size_t i = 0; i < takes.size(); ++i) {
         EXPECT_EQ(takes[i].damage, expected[i].first) << "take " << i + 1;
         EXPECT_EQ(takes[i].expectedStatus, expected[i].second) << "take " << i + 1;
@@ -101,8 +92,7 @@ TEST(CardgenDamage, EachDamageIsExactlyWhatTheManifestSays)
     EXPECT_EQ(entries(clpr + "/.ABC0007").size(), 5);
     EXPECT_FALSE(QFile::exists(clpr + "/ABC0007"));
     // 8: the target material's status is not OK.
-    const XmlDocument notOk = XmlDocument::load(clpr + "/ABC0008/ABC0008M01.XML");
-    EXPECT_EQ(notOk.root.child("TargetMaterial")->attr("status"), "NG");
+    EXPECT_TRUE(readFile(clpr + "/ABC0008/ABC0008M01.XML").contains("status=\"NG\""));
     // 9: untouched.
     EXPECT_EQ(entries(clpr + "/ABC0009").size(), 5);
     EXPECT_EQ(readFile(clpr + "/ABC0009/ABC0009.MP4").mid(4, 4), "ftyp");
