@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -17,27 +18,9 @@ using namespace vvtest;
 
 namespace {
 
-int thumbnailOf(const std::vector<QString>& paths, int64_t frame, vv_bitmap_t* out = nullptr)
+int thumbnailOf(const std::vector<QString>& paths, int64_t frame)
 {
-    std::vector<QByteArray> utf8;
-    std::vector<const char*> pointers;
-    for (const QString& path : paths)
-        utf8.push_back(path.toUtf8());
-    for (const QByteArray& path : utf8)
-        pointers.push_back(path.constData());
-    vv_bitmap_t bitmap{};
-    const int rc = vv_get_thumbnail(pointers.data(), int32_t(pointers.size()), frame, VV_ICON_NONE, &bitmap);
-    if (out)
-        *out = bitmap;
-    else
-        vv_bitmap_free(&bitmap);
-    return rc;
-}
-
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return Thumbnail(paths, frame).rc;
 }
 
 void writeAll(const QString& path, const QByteArray& data)
@@ -47,17 +30,11 @@ void writeAll(const QString& path, const QByteArray& data)
     ASSERT_EQ(file.write(data), data.size());
 }
 
-uint32_t bigEndian32(const QByteArray& data, qsizetype at)
-{
-    return uint32_t(uint8_t(data[at])) << 24 | uint32_t(uint8_t(data[at + 1])) << 16 |
-           uint32_t(uint8_t(data[at + 2])) << 8 | uint32_t(uint8_t(data[at + 3]));
-}
-
 // The top-level box of the given type: its offset and size, or -1.
 std::pair<qsizetype, qsizetype> box(const QByteArray& data, const char* type)
 {
     for (qsizetype at = 0; at + 8 <= data.size();) {
-        const qsizetype size = bigEndian32(data, at);
+        const qsizetype size = qFromBigEndian<uint32_t>(data.constData() + at);
         if (data.mid(at + 4, 4) == type)
             return {at, size};
         if (size < 8)
@@ -208,14 +185,12 @@ TEST_F(DamagedInput, RandomlyFlippedBytesNeverCrash)
         writeAll(path, data);
 
         for (const int64_t frame : {0, 14, 29}) {
-            vv_bitmap_t bitmap{};
-            const int rc = thumbnailOf({path}, frame, &bitmap);
-            EXPECT_LE(rc, VV_OK);
-            if (rc == VV_OK) {
-                EXPECT_EQ(bitmap.width, 160);
-                EXPECT_GT(bitmap.height, 0);
+            const Thumbnail thumb({path}, frame);
+            EXPECT_LE(thumb.rc, VV_OK);
+            if (thumb.rc == VV_OK) {
+                EXPECT_EQ(thumb.bitmap.width, 160);
+                EXPECT_GT(thumb.bitmap.height, 0);
             }
-            vv_bitmap_free(&bitmap);
         }
         if (viewer.setTake({path}) == VV_OK) {
             ++opened;
@@ -241,9 +216,8 @@ TEST_F(DamagedInput, UnusualButValidFilesAreRead)
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     for (const cardgen::ManifestTake& take : card.manifest().takes) {
-        vv_bitmap_t bitmap{};
-        ASSERT_EQ(thumbnailOf(mp4Paths(card, take), 16, &bitmap), VV_OK) << take.damage.toStdString();
-        EXPECT_EQ(readCounter(bitmap), counterOf(take, 16)) << take.damage.toStdString();
-        vv_bitmap_free(&bitmap);
+        const Thumbnail thumb(mp4Paths(card, take), 16);
+        ASSERT_EQ(thumb.rc, VV_OK) << take.damage.toStdString();
+        EXPECT_EQ(thumb.counter(), counterOf(take, 16)) << take.damage.toStdString();
     }
 }
