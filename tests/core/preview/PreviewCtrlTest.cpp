@@ -37,22 +37,29 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     ASSERT_TRUE(waitForState(VM_PLAYED));
     ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() < 29; }));
 
-    // Paused, then stepped through by the buttons.
+    // Paused, then stepped through by the buttons and the keys; a frame key
+    // waits for the frame before to be shown.
     post(SC::SCMoviePauseNotification);
     ASSERT_TRUE(waitForState(VM_PAUSING));
-    const struct
-    {
-        bool (BLPreviewButtonCtrl::*action)();
-        qint64 frame;
-    } steps[] = {{&BLPreviewButtonCtrl::onLastFrame, 29},
-                 {&BLPreviewButtonCtrl::onMinusFrame, 28},
-                 {&BLPreviewButtonCtrl::onTopFrame, 0},
-                 {&BLPreviewButtonCtrl::onPlusFrame, 1}};
-    for (const auto& step : steps) {
-        ASSERT_TRUE((buttons().*step.action)());
-        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
-        EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, step.frame));
-        EXPECT_EQ(view.sliderValue, step.frame * 1000 / 29);
+    const auto key = [&](int k) { return [this, k] { return ctrl->keyDown(k); }; };
+    const auto button = [&](bool (BLPreviewButtonCtrl::*action)()) {
+        return [this, action] { return (buttons().*action)(); };
+    };
+    const std::pair<std::function<bool()>, qint64> steps[] = {
+        {button(&BLPreviewButtonCtrl::onLastFrame), 29},
+        {key(Qt::Key_Left), 28},
+        {button(&BLPreviewButtonCtrl::onTopFrame), 0},
+        {key(Qt::Key_Right), 1},
+        {key(Qt::Key_Down), 29},
+        {button(&BLPreviewButtonCtrl::onMinusFrame), 28},
+        {key(Qt::Key_Up), 0},
+        {button(&BLPreviewButtonCtrl::onPlusFrame), 1}};
+    for (const auto& [action, frame] : steps) {
+        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << frame;
+        ASSERT_TRUE(action()) << frame;
+        ASSERT_TRUE(waitForFrame(frame)) << frame;
+        EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, frame));
+        EXPECT_EQ(view.sliderValue, frame * 1000 / 29);
     }
     EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
 
@@ -277,17 +284,6 @@ TEST_F(PreviewCtrlTest, KeysButtonsAndMenuItemsDriveTheTransportAndIgnoreWhatWou
     ASSERT_TRUE(waitForState(VM_PAUSING)); // fast forward ends paused on the last frame
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kFF].first, "macbtn_ff_n");
 
-    const struct
-    {
-        int key;
-        qint64 frame;
-    } steps[] = {{Qt::Key_Down, 89}, {Qt::Key_Left, 88}, {Qt::Key_Up, 0}, {Qt::Key_Right, 1}};
-    for (const auto& step : steps) {
-        // A frame key waits for the frame before to be shown.
-        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << step.frame;
-        EXPECT_TRUE(ctrl->keyDown(step.key));
-        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
-    }
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
     ASSERT_TRUE(waitForFrame(89));
 

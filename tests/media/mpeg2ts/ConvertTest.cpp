@@ -227,19 +227,9 @@ TEST_F(ConvertTest, TakesReadBackAsTheirSource)
         SCOPED_TRACE(take.takeId.toStdString());
         const std::vector<QString> inputs = mp4s(take);
         const QString output = m_dir.filePath(take.takeId + ".M2T");
-        mpeg2ts_convert_params_t params{};
-        params.time_zone = 19;
-        params.day = 7;
-        params.week = 5;
-        params.month = 3;
-        params.year = 8;
-        params.hour = 21;
-        params.minute = 5;
-        params.second = 9;
-        params.user_bits[0] = 0x00, params.user_bits[1] = 0x11, params.user_bits[2] = 0xAA,
-        params.user_bits[3] = 0xBB;
-        params.drop_frame = 1;
-        params.start_frames = 17972; // 00:09:59;20, not the card's own time code
+        // Zone, day, weekday, month, year, hour, minute, second, user bits, drop
+        // frame, and the start 00:09:59;20 (not the card's own time code).
+        const mpeg2ts_convert_params_t params{19, 7, 5, 3, 8, 21, 5, 9, 0, {0x00, 0x11, 0xAA, 0xBB}, 1, {}, 17972};
         m_callback.seen.clear();
         ASSERT_EQ(convert(inputs, output, params), MPEG2TS_RESULT_DONE) << MPEG2TSGetLastError();
         EXPECT_EQ(m_callback.seen.back(), 100);

@@ -265,44 +265,36 @@ TEST(ViewerPlayback, PauseFastForwardRewindAndStop)
     EXPECT_EQ(resumed[0], paused + 1);
     EXPECT_EQ(resumed[1], paused + 2);
 
-    // Fast forward shows key frames forwards and pauses on the take's last frame.
-    viewer.clear();
-    ASSERT_TRUE(viewer.job([] { return vv_show_frame(3, 0); }));
-    viewer.clear();
-    ASSERT_TRUE(viewer.runUntil(vv_ff));
-    messages = viewer.messages();
-    EXPECT_EQ(states(messages), (std::vector<int>{VM_FASTFORWARDED, VM_PAUSING}));
-    std::vector<Picture> pictures = viewer.pictures();
-    ASSERT_GE(pictures.size(), 3u);
-    EXPECT_EQ(pictures.back().frame, 89);
-    EXPECT_EQ(pictures.back().counter, counterOf(take, 89));
-    pictures.pop_back();
-    for (size_t i = 0; i < pictures.size(); ++i) {
-        // Intra pictures are shown third in their GOP: 2, 17, 32 in each clip.
-        EXPECT_EQ((pictures[i].frame % 45) % 15, 2) << pictures[i].frame;
-        EXPECT_EQ(pictures[i].counter, counterOf(take, pictures[i].frame));
-        if (i > 0) {
-            EXPECT_GT(pictures[i].frame, pictures[i - 1].frame);
+    // Fast forward shows intra pictures (third in their GOP: 2, 17, 32 in each
+    // clip) forwards and pauses on the take's last frame; rewind goes back by
+    // them from the last frame and pauses on the first.
+    const struct
+    {
+        int (*start)();
+        int (*request)();
+        int state;
+        int64_t end;
+    } winds[] = {{vv_first_frame, vv_ff, VM_FASTFORWARDED, 89}, {vv_last_frame, vv_rew, VM_REWINDED, 0}};
+    for (const auto& wind : winds) {
+        ASSERT_TRUE(viewer.job(wind.start));
+        viewer.clear();
+        ASSERT_TRUE(viewer.runUntil(wind.request));
+        messages = viewer.messages();
+        EXPECT_EQ(states(messages), (std::vector<int>{wind.state, VM_PAUSING}));
+        EXPECT_EQ(reportedFrames(messages).back(), wind.end);
+        const std::vector<Picture> pictures = viewer.pictures();
+        ASSERT_GE(pictures.size(), 3u);
+        EXPECT_EQ(pictures.back().frame, wind.end);
+        for (size_t i = 0; i < pictures.size(); ++i) {
+            EXPECT_EQ(pictures[i].counter, counterOf(take, pictures[i].frame));
+            if (i + 1 < pictures.size()) {
+                EXPECT_EQ((pictures[i].frame % 45) % 15, 2) << pictures[i].frame;
+            }
+            if (i > 0) {
+                EXPECT_EQ(pictures[i].frame > pictures[i - 1].frame, wind.end == 89) << pictures[i].frame;
+            }
         }
     }
-
-    // Rewind from the last frame goes back by key frames and pauses on the first.
-    ASSERT_TRUE(viewer.job(vv_last_frame));
-    viewer.clear();
-    ASSERT_TRUE(viewer.runUntil(vv_rew, VM_PAUSING));
-    messages = viewer.messages();
-    EXPECT_EQ(states(messages), (std::vector<int>{VM_REWINDED, VM_PAUSING}));
-    pictures = viewer.pictures();
-    ASSERT_GE(pictures.size(), 3u);
-    for (size_t i = 0; i + 1 < pictures.size(); ++i) {
-        EXPECT_EQ((pictures[i].frame % 45) % 15, 2) << pictures[i].frame;
-        if (i > 0) {
-            EXPECT_LT(pictures[i].frame, pictures[i - 1].frame);
-        }
-    }
-    EXPECT_EQ(pictures.back().frame, 0);
-    EXPECT_EQ(pictures.back().counter, counterOf(take, 0));
-    EXPECT_EQ(reportedFrames(messages).back(), 0);
 
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(9, 0); }));
 
