@@ -18,11 +18,6 @@ using namespace vvtest;
 
 namespace {
 
-int thumbnailOf(const std::vector<QString>& paths, int64_t frame)
-{
-    return Thumbnail(paths, frame).rc;
-}
-
 void writeAll(const QString& path, const QByteArray& data)
 {
     QFile file(path);
@@ -95,12 +90,12 @@ TEST_F(DamagedInput, UnreadableFilesAreRefusedAndTheTakeShownStays)
     QDir(m_dir.path()).mkdir(QStringLiteral("folder.MP4"));
     const QString folder = m_dir.filePath(QStringLiteral("folder.MP4"));
 
-    EXPECT_EQ(thumbnailOf({missing}, 0), VV_ERR_FILE);
-    EXPECT_EQ(thumbnailOf({folder}, 0), VV_ERR_FILE);
-    EXPECT_EQ(thumbnailOf({goodMp4(), missing}, 3), VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({missing}, 0).rc, VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({folder}, 0).rc, VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({goodMp4(), missing}, 3).rc, VV_ERR_FILE);
     for (const QString& path : {empty, text, header, half})
-        EXPECT_EQ(thumbnailOf({path}, 0), VV_ERR_FORMAT) << path.toStdString();
-    const int tailResult = thumbnailOf({tail}, 0);
+        EXPECT_EQ(Thumbnail({path}, 0).rc, VV_ERR_FORMAT) << path.toStdString();
+    const int tailResult = Thumbnail({tail}, 0).rc;
     EXPECT_TRUE(tailResult == VV_OK || tailResult == VV_ERR_FORMAT) << tailResult;
 
     ViewerSession viewer;
@@ -144,7 +139,7 @@ TEST_F(DamagedInput, DamagedPicturesDecodeAsWellAsTheyCan)
 
     for (const QString& path : {garbage, cut}) {
         for (int64_t frame = 0; frame < 30; frame += 3) {
-            const int rc = thumbnailOf({path}, frame);
+            const int rc = Thumbnail({path}, frame).rc;
             EXPECT_TRUE(rc == VV_OK || rc == VV_ERR_DECODE)
                 << path.toStdString() << " frame " << frame << ": " << rc;
         }
