@@ -1,35 +1,14 @@
 #include "RecordingPreviewView.h"
-#include "core/app/preview/BLPreviewButtonCtrl.h"
-#include "core/app/preview/BLPreviewCtrl.h"
-#include "core/app/preview/BLTimeSliderCtrl.h"
-#include "core/services/BLCommon.h"
 #include "core/services/BLPlistCtrl.h"
 #include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
 #include "support/AsOrdinaryUser.h"
-#include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 
 #include <QFileInfo>
-#include <QImage>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 using namespace pvtest;
-
-class PreviewCtrlTest : public PreviewTest
-{
-protected:
-    void start()
-    {
-        ctrl = std::make_unique<BLPreviewCtrl>(view);
-        ASSERT_TRUE(ctrl->initializeCtrl());
-    }
-    static void post(const QString& name) { BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name); }
-
-    RecordingPreviewView view;
-};
 
 TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
 {
@@ -54,27 +33,33 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_TRUE(view.sliderEnabled);
     EXPECT_EQ(view.sliderValue, 1000);
     EXPECT_EQ(ctrl->getUmid(), take.getUmid());
-    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPlay());
+    ASSERT_TRUE(buttons().onPlay());
     ASSERT_TRUE(waitForState(VM_PLAYED));
     ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() < 29; }));
 
-    // Paused, then stepped through by the buttons.
+    // Paused, then stepped through by the buttons and the keys; a frame key
+    // waits for the frame before to be shown.
     post(SC::SCMoviePauseNotification);
     ASSERT_TRUE(waitForState(VM_PAUSING));
-    BLPreviewButtonCtrl& buttons = ctrl->getPreviewButtonCtrl();
-    const struct
-    {
-        bool (BLPreviewButtonCtrl::*action)();
-        qint64 frame;
-    } steps[] = {{&BLPreviewButtonCtrl::onLastFrame, 29},
-                 {&BLPreviewButtonCtrl::onMinusFrame, 28},
-                 {&BLPreviewButtonCtrl::onTopFrame, 0},
-                 {&BLPreviewButtonCtrl::onPlusFrame, 1}};
-    for (const auto& step : steps) {
-        ASSERT_TRUE((buttons.*step.action)());
-        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
-        EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, step.frame));
-        EXPECT_EQ(view.sliderValue, step.frame * 1000 / 29);
+    const auto key = [&](int k) { return [this, k] { return ctrl->keyDown(k); }; };
+    const auto button = [&](bool (BLPreviewButtonCtrl::*action)()) {
+        return [this, action] { return (buttons().*action)(); };
+    };
+    const std::pair<std::function<bool()>, qint64> steps[] = {
+        {button(&BLPreviewButtonCtrl::onLastFrame), 29},
+        {key(Qt::Key_Left), 28},
+        {button(&BLPreviewButtonCtrl::onTopFrame), 0},
+        {key(Qt::Key_Right), 1},
+        {key(Qt::Key_Down), 29},
+        {button(&BLPreviewButtonCtrl::onMinusFrame), 28},
+        {key(Qt::Key_Up), 0},
+        {button(&BLPreviewButtonCtrl::onPlusFrame), 1}};
+    for (const auto& [action, frame] : steps) {
+        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << frame;
+        ASSERT_TRUE(action()) << frame;
+        ASSERT_TRUE(waitForFrame(frame)) << frame;
+        EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, frame));
+        EXPECT_EQ(view.sliderValue, frame * 1000 / 29);
     }
     EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
 
@@ -146,43 +131,19 @@ TEST_F(PreviewCtrlTest, ASecondTakeStopsTheFirstBeforeItIsHandedOverAndAnUnusabl
     EXPECT_EQ(ctrl->getViewerState(), VM_STOPPED);
 }
 
-TEST_F(PreviewCtrlTest, AResolutionChangeRedeliversThePictureAtItsNewSize)
+TEST_F(PreviewCtrlTest, FullScreenAndResolutionChangesShowThePictureAgain)
 {
     const cwtest::CardFolder card(tinyCard(1, 30));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     start();
-    play(card, takeOf(card, card.manifest().takes.front()));
-    ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
-    ASSERT_TRUE(waitForState(VM_PAUSING));
-    EXPECT_EQ(view.lastPicture().width, 320);
-
-    BLPlistCtrl::sharedCtrl()->setLowResolution(1);
-    post(SC::SCResolutionDidChangeNotification);
-    ASSERT_TRUE(waitUntil([&] { return view.lastPicture().width == 160; }));
-    EXPECT_EQ(view.lastPicture().height, 90);
-    EXPECT_TRUE(
-        logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
-}
-
-TEST_F(PreviewCtrlTest, FullScreenIsRefusedWhileStoppedAndShowsThePicturesOtherwise)
-{
-    const cwtest::CardFolder card(tinyCard(1, 30));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    start();
-    bool enable = true;
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN, &enable));
-    EXPECT_FALSE(enable);
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_FULL_SCREEN), false);
     ctrl->showFullscreen();
     EXPECT_EQ(view.fullScreenLoops, 0);
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl showFullscreen] now VM_STOPPED"));
 
-    play(card, takeOf(card, card.manifest().takes.front()));
-    ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
-    ASSERT_TRUE(waitForState(VM_PAUSING));
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN, &enable));
-    EXPECT_TRUE(enable);
+    pauseIn(card, takeOf(card, card.manifest().takes.front()));
+    EXPECT_EQ(view.lastPicture().width, 320);
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_FULL_SCREEN), true);
     view.journal.clear();
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
     EXPECT_EQ(view.fullScreenLoops, 1);
@@ -197,6 +158,14 @@ TEST_F(PreviewCtrlTest, FullScreenIsRefusedWhileStoppedAndShowsThePicturesOtherw
     ctrl->showFullscreen();
     EXPECT_EQ(view.fullScreenLoops, 1);
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl showFullscreen] CGDisplayCapture Error = -1"));
+
+    // A lower resolution redelivers the picture at its new size.
+    BLPlistCtrl::sharedCtrl()->setLowResolution(1);
+    post(SC::SCResolutionDidChangeNotification);
+    ASSERT_TRUE(waitUntil([&] { return view.lastPicture().width == 160; }));
+    EXPECT_EQ(view.lastPicture().height, 90);
+    EXPECT_TRUE(
+        logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
 }
 
 TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
@@ -212,15 +181,10 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     ctrl->onMakeThumbnail();
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl onMakeThumbnail] now VM_STOPPED"));
 
-    play(card, take);
-    ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(ctrl->getPreviewButtonCtrl().onPause());
-    ASSERT_TRUE(waitForState(VM_PAUSING));
+    pauseIn(card, take);
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
     ASSERT_TRUE(waitForFrame(29));
-    bool enable = false;
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, &enable));
-    EXPECT_TRUE(enable);
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL), true);
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL);
     ASSERT_TRUE(waitUntil([&] { return !posted.isEmpty(); }));
     ASSERT_EQ(posted.size(), 1);
@@ -251,8 +215,7 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     loose.setTakeStatus(4);
     play(card, loose);
     ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL, &enable));
-    EXPECT_FALSE(enable);
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL), false);
     ctrl->onMakeThumbnail();
     EXPECT_TRUE(
         logged("0000:[BLPreviewCtrl onMakeThumbnail] movie file is not-import, don't make thumbnail"));
@@ -279,54 +242,57 @@ TEST_F(PreviewCtrlTest, AViewerThatCannotStartShowsTheMessageAndLeavesThePreview
     EXPECT_TRUE(logged("0000:[BLPreviewCtrl moviePlayNotification] non use ViewerLibrary"));
     vv_bitmap_t bitmap{};
     EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), -1);
-    bool enable = true;
-    EXPECT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
-    EXPECT_FALSE(enable);
+    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail] non use ViewerLibrary"));
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_PLAY), false);
     ctrl.reset();
     EXPECT_EQ(vv_exit(), VV_OK);
 }
 
-TEST_F(PreviewCtrlTest, KeysAndMenuItemsDriveTheTransport)
+TEST_F(PreviewCtrlTest, KeysButtonsAndMenuItemsDriveTheTransportAndIgnoreWhatWouldChangeNothing)
 {
     const cwtest::CardFolder card(tinyCard(1, 90));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     start();
-    bool enable = true;
-    EXPECT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
-    EXPECT_FALSE(enable); // nothing to play yet
-    EXPECT_FALSE(ctrl->isSupportMenuItem(44049, &enable));
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_PLAY), false); // nothing to play yet
+    EXPECT_EQ(menu(44049), std::nullopt);
     EXPECT_FALSE(ctrl->keyDown(Qt::Key_A));
+    EXPECT_FALSE(buttons().onPlay());
+    EXPECT_TRUE(logged("0000:[BLPreviewButtonCtrl onPlay] now VM_STOPPED"));
+    EXPECT_FALSE(buttons().onLastFrame());
 
     play(card, takeOf(card, card.manifest().takes.front()));
     ASSERT_TRUE(waitForState(VM_PLAYED));
     EXPECT_TRUE(view.journal.contains("focus"));
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PLAY, &enable));
-    EXPECT_FALSE(enable);
-    ASSERT_TRUE(ctrl->isSupportMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE, &enable));
-    EXPECT_TRUE(enable);
-    EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space));
-    ASSERT_TRUE(waitForState(VM_PAUSING));
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_PLAY), false);
+    EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_PAUSE), true);
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
+              qMakePair(QString("macbtn_play_a"), QString("macbtn_play_a_p")));
+    EXPECT_FALSE(buttons().onPlay()); // play while playing does nothing
+    EXPECT_FALSE(logged("0000:[BLPreviewButtonCtrl onPlay] call vv_play"));
+    ASSERT_TRUE(waitUntil([&] { return slider().getFrameNo() >= 45; })); // rewinding then takes a while
+    ASSERT_TRUE(buttons().onRW());
+    EXPECT_TRUE(logged("0000:[BLPreviewButtonCtrl onRW] call vv_rew"));
+    ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kRW].first == "macbtn_rw_a"; }));
+    ASSERT_TRUE(waitForState(VM_PAUSING)); // rewinding ends paused at the first frame
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kRW].first, "macbtn_rw_n");
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
+              qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
+    EXPECT_FALSE(buttons().onPause());
+    ASSERT_TRUE(buttons().onFF());
+    ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kFF].first == "macbtn_ff_a"; }));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause].first, "macbtn_stop_n");
+    ASSERT_TRUE(waitForState(VM_PAUSING)); // fast forward ends paused on the last frame
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kFF].first, "macbtn_ff_n");
 
-    const struct
-    {
-        int key;
-        qint64 frame;
-    } steps[] = {{Qt::Key_Down, 89}, {Qt::Key_Left, 88}, {Qt::Key_Up, 0}, {Qt::Key_Right, 1}};
-    for (const auto& step : steps) {
-        // A frame key waits for the frame before to be shown.
-        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << step.frame;
-        EXPECT_TRUE(ctrl->keyDown(step.key));
-        ASSERT_TRUE(waitForFrame(step.frame)) << step.frame;
-    }
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_LAST_FRAME);
     ASSERT_TRUE(waitForFrame(89));
 
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_R));
     ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_REWINDED"); }));
-    ASSERT_TRUE(waitForState(VM_PAUSING)); // rewinding ends paused at the first frame
+    ASSERT_TRUE(waitForState(VM_PAUSING));
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_F));
     ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_FASTFORWARDED"); }));
-    ASSERT_TRUE(waitForState(VM_PAUSING)); // fast forward ends paused on the last frame
+    ASSERT_TRUE(waitForState(VM_PAUSING));
     ASSERT_TRUE(waitForFrame(89));
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space)); // and plays again from the start
     ASSERT_TRUE(waitForState(VM_PLAYED));
@@ -356,38 +322,4 @@ TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWh
     ctrl->recvFrameInfoMessage(info);
     EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 5);
     EXPECT_NE(view.timeCode, "00:00:00:00");
-}
-
-TEST_F(PreviewCtrlTest, ThumbnailsOfTheCacheComeFromTheViewer)
-{
-    const cwtest::CardFolder card(tinyCard(1, 30));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    DOTakeData take = takeOf(card, card.manifest().takes.front());
-    take.setKeyFrame(12);
-    ctrl = std::make_unique<BLPreviewCtrl>(view);
-    vv_bitmap_t bitmap{};
-    EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), -1); // not started yet
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail] non use ViewerLibrary"));
-    ASSERT_TRUE(ctrl->initializeCtrl());
-
-    ASSERT_EQ(ctrl->getThumbnail(card.workFolder(), take, &bitmap), 0);
-    EXPECT_EQ(bitmap.width, 160);
-    EXPECT_EQ(bitmap.height, 90);
-    EXPECT_EQ(cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
-                                                bitmap.bits_per_pixel / 8),
-              counterOf(card.manifest().takes.front(), 12));
-    const QTemporaryDir dir;
-    const QString path = dir.filePath("thumb.bmp");
-    ASSERT_EQ(ctrl->writeBmpByFileName(path, &bitmap), 0);
-    EXPECT_EQ(QImage(path).size(), QSize(160, 90));
-    // A path that cannot be written leaves nothing behind.
-    EXPECT_EQ(ctrl->writeBmpByFileName(dir.filePath("missing/thumb.bmp"), &bitmap), -1);
-    EXPECT_FALSE(QFileInfo::exists(dir.filePath("missing/thumb.bmp")));
-    ctrl->freeBmpBuffer(&bitmap);
-    EXPECT_EQ(bitmap.pixels, nullptr);
-
-    DOTakeData noEssence = take;
-    noEssence.setMP4Uri(QString(""));
-    EXPECT_EQ(ctrl->getThumbnail(card.workFolder(), noEssence, &bitmap), -1);
-    EXPECT_TRUE(logged("0000:[BLPreviewCtrl getThumbnail]    non MP4 file"));
 }

@@ -2,18 +2,19 @@
 
 #include "PreviewTestSupport.h"
 #include "cardgen/FrameCounter.h"
+#include "core/app/preview/BLPreviewButtonCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
 #include "core/app/preview/IAudioChannelView.h"
 #include "core/app/preview/IPreviewButtonView.h"
 #include "core/app/preview/IPreviewView.h"
 #include "core/app/preview/ITimeCodeView.h"
 #include "core/app/preview/ITimeSliderView.h"
+#include "support/SimulatedAudioDevice.h"
 
 #include <QMap>
 #include <QPair>
 #include <QStringList>
 
-#include <chrono>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -30,64 +31,7 @@ struct Picture
     std::optional<cardgen::FrameCounterValue> counter;
 };
 
-// A sound device simulated on the system clock: from its first write it
-// plays 48000 sample frames a second of what it holds, and keeps every sample.
-class SimulatedAudioDevice
-{
-public:
-    vv_audio_sink_t sink()
-    {
-        return vv_audio_sink_t{&SimulatedAudioDevice::write, &SimulatedAudioDevice::flush, this};
-    }
-    std::vector<int16_t> samples()
-    {
-        std::lock_guard lock(m_mutex);
-        return m_samples;
-    }
-    void clear()
-    {
-        std::lock_guard lock(m_mutex);
-        m_samples.clear();
-    }
-
-private:
-    static int32_t write(void* context, const int16_t* samples, int32_t frames, int32_t /*rate*/,
-                         int32_t channels)
-    {
-        auto* self = static_cast<SimulatedAudioDevice*>(context);
-        std::lock_guard lock(self->m_mutex);
-        self->update();
-        if (frames > 0) {
-            self->m_started = true;
-            self->m_samples.insert(self->m_samples.end(), samples,
-                                   samples + size_t(frames) * size_t(channels));
-            self->m_received += frames;
-        }
-        return int32_t(self->m_received - self->m_consumed);
-    }
-    static void flush(void* context)
-    {
-        auto* self = static_cast<SimulatedAudioDevice*>(context);
-        std::lock_guard lock(self->m_mutex);
-        self->m_started = false;
-        self->m_received = self->m_consumed = 0;
-    }
-    void update()
-    {
-        const auto now = std::chrono::steady_clock::now();
-        if (m_started)
-            m_consumed = std::min(
-                m_received, m_consumed + qint64(std::chrono::duration<double>(now - m_last).count() * 48000));
-        m_last = now;
-    }
-
-    std::mutex m_mutex;
-    bool m_started = false;
-    std::chrono::steady_clock::time_point m_last;
-    qint64 m_received = 0;
-    qint64 m_consumed = 0;
-    std::vector<int16_t> m_samples;
-};
+using cwtest::SimulatedAudioDevice;
 
 // Stands in for the preview area: keeps what the controllers asked of it, in
 // order (journal), and every picture. Full screen is entered at once; its
@@ -186,6 +130,36 @@ public:
 private:
     std::mutex m_mutex;
     std::vector<Picture> m_pictures;
+};
+
+// The preview controller on a recording view.
+class PreviewCtrlTest : public PreviewTest
+{
+protected:
+    void start()
+    {
+        ctrl = std::make_unique<BLPreviewCtrl>(view);
+        ASSERT_TRUE(ctrl->initializeCtrl());
+    }
+    BLTimeSliderCtrl& slider() { return ctrl->getTimeSliderCtrl(); }
+    BLPreviewButtonCtrl& buttons() { return ctrl->getPreviewButtonCtrl(); }
+    static void post(const QString& name) { BLCommon::sharedCtrl()->sendNotificationNow(nullptr, name); }
+    // Plays the take and pauses it.
+    void pauseIn(const cwtest::CardFolder& card, const DOTakeData& take)
+    {
+        play(card, take);
+        ASSERT_TRUE(waitForState(VM_PLAYED));
+        ASSERT_TRUE(buttons().onPause());
+        ASSERT_TRUE(waitForState(VM_PAUSING));
+    }
+    // Whether a menu item is enabled; none when the preview does not handle it.
+    std::optional<bool> menu(int item)
+    {
+        bool enable = false;
+        return ctrl->isSupportMenuItem(item, &enable) ? std::optional(enable) : std::nullopt;
+    }
+
+    RecordingPreviewView view;
 };
 
 } // namespace pvtest

@@ -35,35 +35,14 @@ TEST(CardgenCli, WritesTheCardAndItsManifest)
     QTemporaryDir dir;
     const QString out = dir.filePath("card");
     const QString manifestPath = dir.filePath("m.json");
-    const CliRun run = cardgen({out,
-                                "--clips",
-                                "2",
-                                "--multi",
-                                "2",
-                                "--size",
-                                "tiny",
-                                "--rate",
-                                "25p",
-                                "--frames",
-                                "6",
-                                "--fast",
-                                "--damage",
-                                "unlisted@1",
-                                "--prefix",
-                                "XYZ",
-                                "--layout",
-                                "PRIVATE/ORX/BPAV",
-                                "--audio-tracks",
-                                "0",
-                                "--embed-xml",
-                                "--date",
-                                "2024-05-01T10:00:00+02:00",
-                                "--start-tc",
-                                "10:00:00:00",
-                                "--media-name",
-                                "DAY1",
-                                "--manifest",
-                                manifestPath});
+    const CliRun run = cardgen(
+        QStringList{out} +
+        QString(
+            "--clips 2 --multi 2 --size tiny --rate 25p --frames 6 --fast --damage unlisted@1 --prefix XYZ "
+            "--layout PRIVATE/ORX/BPAV --audio-tracks 0 --embed-xml --date 2024-05-01T10:00:00+02:00 "
+            "--start-tc 10:00:00:00 --media-name DAY1 --manifest")
+            .split(' ') +
+        QStringList{manifestPath});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.contains("3 takes, 4 clips")) << run.out.toStdString();
 

@@ -1,12 +1,10 @@
-// The byte layouts of cardgen's MP4, PPN and BIM files, read with an
-// independent walker that follows the camera's layout rules.
+// The byte layout of cardgen's MP4 files, read with an independent box walker
+// that follows the camera's layout rules.
 #include "support/CardFolder.h"
 
 #include <QFile>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -96,17 +94,6 @@ std::vector<uint32_t> table(const QByteArray& d, const Box& box, qsizetype heade
     return values;
 }
 
-// The picture header of the MPEG-2 picture at [offset, offset + size):
-// temporal reference and coding type (1 I, 2 P, 3 B).
-std::pair<int, int> pictureHeader(const QByteArray& d, qsizetype offset, qsizetype size)
-{
-    const qsizetype at = d.mid(offset, size).indexOf(QByteArray("\x00\x00\x01\x00", 4));
-    if (at < 0)
-        return {-1, -1};
-    const qsizetype p = offset + at + 4;
-    return {int(be(d, p, 2) >> 6), int((uint8_t(d[p + 1]) >> 3) & 7)};
-}
-
 struct Mp4
 {
     QByteArray data;
@@ -127,22 +114,15 @@ Mp4 openMp4(const QString& file)
     return m;
 }
 
-cardgen::Options layoutOptions()
+TEST(CardgenLayout, Mp4BoxesFollowTheCameraLayout)
 {
     cardgen::Options o;
-    o.clips = 1;
     o.frames = 30;
     o.frameRate = QStringLiteral("59.94i");
     o.audioTracks = 2;
-    o.audioChannelsPerTrack = 2;
     o.embedXml = true;
     o.startTimecode = QStringLiteral("00:00:59;28");
-    return o;
-}
-
-TEST(CardgenLayout, Mp4BoxesFollowTheCameraLayout)
-{
-    const cwtest::CardFolder card(layoutOptions());
+    const cwtest::CardFolder card(o);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const cardgen::ManifestClip& clip = card.manifest().takes.front().clips.front();
     const Mp4 mp4 = openMp4(card.path(clip.files.front().path));
@@ -221,146 +201,6 @@ TEST(CardgenLayout, Mp4BoxesFollowTheCameraLayout)
     // Frame 15 of a clip starting at 00:00:59;28 is 00:01:00;15 (02..15 after the drop).
     EXPECT_EQ(be(d, gop2, 4) & 0xFFFFFFC0u,
               0x80000000u | 0u << 26 | 1u << 20 | 1u << 19 | 0u << 13 | 15u << 7);
-}
-
-TEST(CardgenLayout, PictureTableDescribesEveryFrameInPresentationOrder)
-{
-    const cwtest::CardFolder card(layoutOptions());
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestClip& clip = card.manifest().takes.front().clips.front();
-    const Mp4 mp4 = openMp4(card.path(clip.files.front().path));
-    ASSERT_NE(mp4.moov, nullptr);
-    const QByteArray& d = mp4.data;
-    const std::vector<const Box*> traks = tracks(*mp4.moov);
-    const std::vector<uint32_t> audioChunks =
-        table(d, *path(*traks[1], {"mdia", "minf", "stbl", "stco"}), 8, 4);
-    // stsc entries: first chunk, samples per chunk, description index.
-    const Box* stsc = path(*traks[1], {"mdia", "minf", "stbl", "stsc"});
-    std::vector<std::pair<uint32_t, uint32_t>> audioRuns;
-    for (uint32_t i = 0; i < be(d, stsc->body() + 4, 4); ++i)
-        audioRuns.push_back({be(d, stsc->body() + 8 + 12 * i, 4), be(d, stsc->body() + 12 + 12 * i, 4)});
-
-    QString ppnPath;
-    for (const cardgen::ManifestFile& f : clip.files) {
-        if (f.kind == "PPN")
-            ppnPath = f.path;
-    }
-    const QByteArray ppn = readFile(card.path(ppnPath));
-    ASSERT_EQ(ppn.size(), 32 + 16 * 30);
-    const QByteArray header = ppn.left(32);
-    // Frame-rate code 9 (r = 2997) with aspect code 4, sizes 1920 (7) x 1080 (7), NTSC rate.
-    EXPECT_EQ(header.toHex(), "01500000000000"
-                              "4c"
-                              "77"
-                              "205110"
-                              "1f"
-                              "ffffff"
-                              "000000000000"
-                              "ffffff"
-                              "00000000000000");
-
-    // Entry k of GOP g: the picture shown k-th, whose temporal reference is k.
-    int frame = 0;
-    for (int gop = 0; gop < 2; ++gop) {
-        for (int k = 0; k < 15; ++k, ++frame) {
-            const QByteArray e = ppn.mid(32 + 16 * frame, 16);
-            const uint32_t size = (uint8_t(e[0]) & 0x1F) << 16 | be(e, 1, 2);
-            const uint32_t offset = be(e, 4, 4);
-            const auto [tr, type] = pictureHeader(d, offset, size);
-            EXPECT_EQ(tr, k) << "frame " << frame;
-            const int expectedType = k == 2 ? 1 : (k % 3 == 2 ? 2 : 3);
-            EXPECT_EQ(type, expectedType) << "frame " << frame;
-            EXPECT_EQ((uint8_t(e[0]) >> 5) & 3, expectedType - 1) << "frame " << frame;
-            EXPECT_EQ(uint8_t(e[0]) >> 7, k == 0 ? 1 : 0);
-            if (k == 0) {
-                // The GOP's audio chunk of the first track: its size and its
-                // place after the end of the GOP's first stored picture.
-                const uint32_t audioSize = (uint8_t(e[10]) & 0x1F) << 16 | be(e, 11, 2);
-                EXPECT_EQ(uint8_t(e[10]) >> 6, 3);
-                uint32_t samples = 0;
-                for (const auto& [firstChunk, perChunk] : audioRuns) {
-                    if (firstChunk <= uint32_t(gop) + 1)
-                        samples = perChunk;
-                }
-                EXPECT_EQ(audioSize, samples * 4); // a stereo 16-bit track: the chunk's bytes
-                const uint32_t videoChunk =
-                    be(d, path(*traks[0], {"mdia", "minf", "stbl", "stco"})->body() + 8 + 4 * gop, 4);
-                const uint32_t firstStored =
-                    be(d, path(*traks[0], {"mdia", "minf", "stbl", "stsz"})->body() + 12 + 4 * 15 * gop, 4);
-                EXPECT_EQ(be(e, 13, 3), audioChunks[size_t(gop)] - (videoChunk + firstStored));
-            } else {
-                EXPECT_EQ(e.mid(10).toHex(), "400000000000");
-            }
-        }
-    }
-}
-
-TEST(CardgenLayout, RealTimeMetadataHoldsOneTimeCodePerFrame)
-{
-    struct Case
-    {
-        const char* rate;
-        const char* start;
-        int frames;
-        std::vector<QByteArray> expected; // frames, seconds, minutes, hours as stored
-    };
-    const std::vector<Case> cases = {
-        // Drop-frame: 00:01:00;00 and ;01 do not exist.
-        {"29.97p",
-         "00:00:59;28",
-         6,
-         {"68590000", "69590000", "42000100", "43000100", "44000100", "45000100"}},
-        {"25p", "09:59:59:23", 3, {"23595909", "24595909", "00000010"}},
-        // Two frames per time code at 50p.
-        {"50p", "00:00:00:00", 6, {"00000000", "00000000", "01000000", "01000000", "02000000", "02000000"}},
-    };
-    for (const Case& c : cases) {
-        cardgen::Options o = cwtest::CardFolder::quick();
-        o.frameRate = QString::fromLatin1(c.rate);
-        o.frames = c.frames;
-        o.startTimecode = QString::fromLatin1(c.start);
-        const cwtest::CardFolder card(o);
-        ASSERT_TRUE(card.ok()) << card.error().toStdString();
-        const cardgen::ManifestClip& clip = card.manifest().takes.front().clips.front();
-        QString bimPath;
-        for (const cardgen::ManifestFile& f : clip.files) {
-            if (f.kind == "BIM")
-                bimPath = f.path;
-        }
-        const QByteArray bim = readFile(card.path(bimPath));
-
-        // Decoder initialisation: schema URI and location hint with their lengths.
-        const QByteArray schema("urn:schemas-professionalDisc:realTimeMeta:cameraMeta");
-        const QByteArray hint("./RealTimeMetaCameraMeta.xsd");
-        ASSERT_EQ(uint8_t(bim[3]) & 0x7F, schema.size());
-        EXPECT_EQ(bim.mid(4, schema.size()), schema);
-        qsizetype at = 4 + schema.size();
-        ASSERT_EQ(uint8_t(bim[at]) & 0x7F, hint.size());
-        EXPECT_EQ(bim.mid(at + 1, hint.size()), hint);
-        at += 1 + hint.size() + 1;
-        auto vlu = [&]() {
-            uint32_t v = 0;
-            for (int i = 0; i < 4; ++i) {
-                const uint8_t b = uint8_t(bim[at++]);
-                if (!(b & 0x80))
-                    return v + b;
-                v = (v + (b & 0x7F)) << 7;
-            }
-            return v;
-        };
-        const uint32_t length = vlu();
-        const uint32_t units = vlu();
-        EXPECT_EQ(units, uint32_t(c.frames) + 1) << c.rate;
-        const uint32_t x = 65478 - uint32_t(hint.size()) + (units - 1) * 1024;
-        const uint32_t k = x <= 128 ? 1 : x <= 16385 ? 2 : x <= 2097154 ? 3 : 4;
-        EXPECT_EQ(length, x - k) << c.rate;
-        const uint32_t bits = (uint8_t(bim[at + 41]) & 0x0F) << 16 | be(bim, at + 42, 2);
-        at += 44 + bits / 8;
-        ASSERT_EQ(bim.size() - at, qsizetype(units - 1) * 1024) << c.rate;
-        for (int i = 0; i < c.frames; ++i)
-            EXPECT_EQ(bim.mid(at + 1024 * i + 12, 4).toHex(), c.expected[size_t(i)])
-                << c.rate << " frame " << i;
-    }
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "FfmpegProbe.h"
 
+#include "media/viewer/FFmpegUtil.h"
+
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libswscale/swscale.h>
 }
 
-#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -16,13 +15,12 @@ std::optional<cardgen::FrameCounterValue> readScaled(const AVFrame* frame, int d
 {
     const int w = frame->width / divisor;
     const int h = frame->height / divisor;
-    SwsContext* sws = sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), w, h,
-                                     AV_PIX_FMT_GRAY8, SWS_BILINEAR, nullptr, nullptr, nullptr);
+    const vv::SwsPtr sws(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), w, h,
+                                        AV_PIX_FMT_GRAY8, SWS_BILINEAR, nullptr, nullptr, nullptr));
     std::vector<uint8_t> gray(size_t(w) * h);
     uint8_t* dst[4] = {gray.data(), nullptr, nullptr, nullptr};
     int dstStride[4] = {w, 0, 0, 0};
-    sws_scale(sws, frame->data, frame->linesize, 0, frame->height, dst, dstStride);
-    sws_freeContext(sws);
+    sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, dst, dstStride);
     return cardgen::FrameCounter::read(gray.data(), w, w, h);
 }
 
@@ -33,9 +31,9 @@ double meanLumaError(const AVFrame* frame, int counterClip, int index)
                                 index);
     long long sum = 0;
     for (int y = 0; y < frame->height; ++y) {
-        const uint8_t* row = frame->data[0] + size_t(y) * frame->linesize[0];
         for (int x = 0; x < frame->width; ++x)
-            sum += std::abs(int(row[x]) - int(expected[size_t(y) * frame->width + x]));
+            sum += std::abs(int(frame->data[0][size_t(y) * frame->linesize[0] + x]) -
+                            int(expected[size_t(y) * frame->width + x]));
     }
     return double(sum) / (double(frame->width) * frame->height);
 }
@@ -45,20 +43,17 @@ double meanLumaError(const AVFrame* frame, int counterClip, int index)
 FfmpegProbe FfmpegProbe::run(const QString& path, int counterClip)
 {
     FfmpegProbe probe;
-    AVFormatContext* fmt = nullptr;
-    if (avformat_open_input(&fmt, path.toUtf8().constData(), nullptr, nullptr) < 0)
+    AVFormatContext* opened = nullptr;
+    if (avformat_open_input(&opened, path.toUtf8().constData(), nullptr, nullptr) < 0)
         return probe;
-    if (avformat_find_stream_info(fmt, nullptr) < 0) {
-        avformat_close_input(&fmt);
+    const vv::FormatPtr fmt(opened);
+    if (avformat_find_stream_info(fmt.get(), nullptr) < 0)
         return probe;
-    }
-    const int videoIndex = av_find_best_stream(fmt, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    if (videoIndex < 0) {
-        avformat_close_input(&fmt);
+    const int videoIndex = av_find_best_stream(fmt.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (videoIndex < 0)
         return probe;
-    }
     probe.opened = true;
-    AVStream* vs = fmt->streams[videoIndex];
+    const AVStream* vs = fmt->streams[videoIndex];
     probe.videoCodec = QString::fromLatin1(avcodec_get_name(vs->codecpar->codec_id));
     probe.width = vs->codecpar->width;
     probe.height = vs->codecpar->height;
@@ -72,61 +67,52 @@ FfmpegProbe FfmpegProbe::run(const QString& path, int counterClip)
         if (p->codec_type != AVMEDIA_TYPE_AUDIO)
             continue;
         audioIndex[i] = int(probe.audio.size());
-        Audio a;
-        a.codec = QString::fromLatin1(avcodec_get_name(p->codec_id));
-        a.sampleRate = p->sample_rate;
-        a.channels = p->ch_layout.nb_channels;
-        a.zeroCrossings.assign(size_t(a.channels), 0);
-        probe.audio.push_back(a);
+        probe.audio.push_back({QString::fromLatin1(avcodec_get_name(p->codec_id)), p->sample_rate,
+                               p->ch_layout.nb_channels, 0,
+                               std::vector<long long>(size_t(p->ch_layout.nb_channels))});
     }
-    std::vector<std::vector<int>> lastSign(probe.audio.size());
-    for (size_t i = 0; i < probe.audio.size(); ++i)
-        lastSign[i].assign(size_t(probe.audio[i].channels), 0);
+    std::vector<std::vector<int>> lastSign;
+    for (const Audio& a : probe.audio)
+        lastSign.emplace_back(size_t(a.channels), 0);
 
     const AVCodec* codec = avcodec_find_decoder(vs->codecpar->codec_id);
-    AVCodecContext* ctx = avcodec_alloc_context3(codec);
-    avcodec_parameters_to_context(ctx, vs->codecpar);
-    avcodec_open2(ctx, codec, nullptr);
-    AVPacket* packet = av_packet_alloc();
-    AVFrame* frame = av_frame_alloc();
+    const vv::CodecPtr ctx(avcodec_alloc_context3(codec));
+    avcodec_parameters_to_context(ctx.get(), vs->codecpar);
+    avcodec_open2(ctx.get(), codec, nullptr);
+    const vv::PacketPtr packet = vv::makePacket();
+    const vv::FramePtr frame = vv::makeFrame();
     auto receive = [&]() {
-        while (avcodec_receive_frame(ctx, frame) == 0) {
+        while (avcodec_receive_frame(ctx.get(), frame.get()) == 0) {
             const int index = probe.decodedFrames++;
-            if (frame->interlaced_frame)
-                ++probe.interlacedFrames;
-            probe.counters.push_back({readScaled(frame, 1), readScaled(frame, 2), readScaled(frame, 4)});
-            probe.lumaError.push_back(meanLumaError(frame, counterClip, index));
-            av_frame_unref(frame);
+            probe.interlacedFrames += frame->interlaced_frame ? 1 : 0;
+            probe.counters.push_back(
+                {readScaled(frame.get(), 1), readScaled(frame.get(), 2), readScaled(frame.get(), 4)});
+            probe.lumaError.push_back(meanLumaError(frame.get(), counterClip, index));
+            av_frame_unref(frame.get());
         }
     };
-    while (av_read_frame(fmt, packet) >= 0) {
+    while (av_read_frame(fmt.get(), packet.get()) >= 0) {
         if (packet->stream_index == videoIndex) {
-            avcodec_send_packet(ctx, packet);
+            avcodec_send_packet(ctx.get(), packet.get());
             receive();
-        } else if (audioIndex[size_t(packet->stream_index)] >= 0) {
+        } else if (const int a = audioIndex[size_t(packet->stream_index)]; a >= 0) {
             // 16-bit big-endian PCM: count samples and the sign changes per channel.
-            const size_t a = size_t(audioIndex[size_t(packet->stream_index)]);
-            Audio& audio = probe.audio[a];
+            Audio& audio = probe.audio[size_t(a)];
             const int step = 2 * audio.channels;
             audio.samples += packet->size / step;
             for (int at = 0; at + step <= packet->size; at += step) {
-                for (int c = 0; c < audio.channels; ++c) {
+                for (size_t c = 0; c < size_t(audio.channels); ++c) {
                     const auto v = int16_t(packet->data[at + 2 * c] << 8 | packet->data[at + 2 * c + 1]);
                     const int sign = v > 0 ? 1 : v < 0 ? -1 : 0;
-                    if (sign != 0 && lastSign[a][size_t(c)] != 0 && sign != lastSign[a][size_t(c)])
-                        ++audio.zeroCrossings[size_t(c)];
-                    if (sign != 0)
-                        lastSign[a][size_t(c)] = sign;
+                    int& last = lastSign[size_t(a)][c];
+                    audio.zeroCrossings[c] += sign != 0 && last != 0 && sign != last ? 1 : 0;
+                    last = sign != 0 ? sign : last;
                 }
             }
         }
-        av_packet_unref(packet);
+        av_packet_unref(packet.get());
     }
-    avcodec_send_packet(ctx, nullptr);
+    avcodec_send_packet(ctx.get(), nullptr);
     receive();
-    av_frame_free(&frame);
-    av_packet_free(&packet);
-    avcodec_free_context(&ctx);
-    avformat_close_input(&fmt);
     return probe;
 }

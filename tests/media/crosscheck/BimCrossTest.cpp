@@ -74,76 +74,57 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
         int frames;
         int base;        // time-code frames per second
         int perTimecode; // frames per time-code frame
+        int clips = 1;   // several: one take of that many clips, read by one reader each
     };
     const Case cases[] = {
         {"59.94i", "00:00:59:20", false, 30, 30, 1}, // over a dropped minute boundary
         {"59.94i", "00:09:59:25", true, 12, 30, 1},  // non-drop: nothing is left out
         {"29.97p", "00:19:59:28", false, 6, 30, 1},  // a tenth minute drops nothing
-        {"59.94p", "00:00:59:28", false, 12, 30, 2}, {"23.98p", "01:00:00:00", false, 30, 24, 1},
+        {"59.94p", "00:00:59:28", false, 12, 30, 2},
+        {"23.98p", "01:00:00:00", false, 30, 24, 1},
         {"25p", "23:59:59:20", false, 12, 25, 1}, // past midnight
         {"50p", "10:00:00:00", false, 12, 25, 2},
+        {"59.94i", "00:00:59:25", false, 9, 30, 1, 3}, // the clips of a take continue the time code
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.rate) + " from " + c.start);
         cardgen::Options o = crosscheck::oneClipCard("tiny", c.rate, c.frames);
         o.startTimecode = c.start;
         o.nonDropFrame = c.nonDrop;
+        if (c.clips > 1) {
+            o.clips = 0;
+            o.multiClipTakes = {c.clips};
+        }
         const cwtest::CardFolder card(o);
         ASSERT_TRUE(card.ok()) << card.error().toStdString();
-        const cardgen::ManifestClip& clip = card.manifest().takes.front().clips.front();
-
-        CReadRtMeta reader;
-        ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), 0))
-            << reader.getLastError();
-        EXPECT_EQ(reader.getLastError(), nullptr);
-        ASSERT_TRUE(reader.isOpen());
-        EXPECT_EQ(reader.getUnitCount(), quint64(clip.frames) + 1);
-
-        Tc expected = parse(clip.startTimecode);
+        const cardgen::ManifestTake& take = card.manifest().takes.front();
+        ASSERT_EQ(int(take.clips.size()), c.clips);
+        Tc expected = parse(take.clips.front().startTimecode);
         EXPECT_EQ(expected.drop, !c.nonDrop && c.base == 30);
-        FTCSTRUCT tc;
-        for (int frame = 0; frame < clip.frames; ++frame) {
-            if (frame > 0 && frame % c.perTimecode == 0)
-                advance(expected, c.base);
-            ASSERT_TRUE(reader.GetTimeCode(frame, &tc)) << frame;
-            EXPECT_EQ(display(decode(tc)), display(expected)) << "frame " << frame;
-        }
-        EXPECT_EQ(display(decode(tc)), clip.lastTimecode);
-        EXPECT_FALSE(reader.GetTimeCode(clip.frames, &tc));
-    }
-}
 
-TEST(BimCross, ClipsOfATakeContinueTheTimeCode)
-{
-    cardgen::Options o = crosscheck::oneClipCard("tiny", "59.94i", 9);
-    o.clips = 0;
-    o.multiClipTakes = {3};
-    o.startTimecode = "00:00:59:25";
-    const cwtest::CardFolder card(o);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& take = card.manifest().takes.front();
-    ASSERT_EQ(take.clips.size(), 3u);
-
-    // One reader per clip, each started at the clip's place in the take.
-    std::vector<std::unique_ptr<CReadRtMeta>> readers;
-    unsigned long start = 0;
-    for (const cardgen::ManifestClip& clip : take.clips) {
-        readers.push_back(std::make_unique<CReadRtMeta>());
-        CReadRtMeta& reader = *readers.back();
-        ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), start));
-        EXPECT_EQ(reader.getStartPosition(), start);
-        start += reader.getUnitCount();
-    }
-    Tc expected = parse(take.clips.front().startTimecode);
-    for (size_t i = 0; i < take.clips.size(); ++i) {
-        const cardgen::ManifestClip& clip = take.clips[i];
-        SCOPED_TRACE(clip.name.toStdString());
-        FTCSTRUCT tc;
-        for (int frame = 0; frame < clip.frames; ++frame) {
-            ASSERT_TRUE(readers[i]->GetTimeCode(frame, &tc));
-            EXPECT_EQ(display(decode(tc)), display(expected)) << "frame " << frame;
-            advance(expected, 30);
+        // One reader per clip, each started at the clip's place in the take.
+        std::vector<std::unique_ptr<CReadRtMeta>> readers;
+        unsigned long start = 0;
+        int frameOfTake = 0;
+        for (const cardgen::ManifestClip& clip : take.clips) {
+            CReadRtMeta& reader = *readers.emplace_back(std::make_unique<CReadRtMeta>());
+            ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), start))
+                << reader.getLastError();
+            EXPECT_EQ(reader.getLastError(), nullptr);
+            ASSERT_TRUE(reader.isOpen());
+            EXPECT_EQ(reader.getStartPosition(), start);
+            EXPECT_EQ(reader.getUnitCount(), quint64(clip.frames) + 1);
+            start += reader.getUnitCount();
+            FTCSTRUCT tc;
+            for (int frame = 0; frame < clip.frames; ++frame, ++frameOfTake) {
+                if (frameOfTake > 0 && frameOfTake % c.perTimecode == 0)
+                    advance(expected, c.base);
+                ASSERT_TRUE(reader.GetTimeCode(frame, &tc)) << frame;
+                EXPECT_EQ(display(decode(tc)), display(expected))
+                    << clip.name.toStdString() << " frame " << frame;
+            }
+            EXPECT_EQ(display(decode(tc)), clip.lastTimecode);
+            EXPECT_FALSE(reader.GetTimeCode(clip.frames, &tc));
         }
-        EXPECT_EQ(display(decode(tc)), clip.lastTimecode);
     }
 }

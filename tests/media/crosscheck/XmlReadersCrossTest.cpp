@@ -165,51 +165,42 @@ TEST(XmlReadersCross, MediaProfileAndCueUpOfEachCard)
         QStringList materials;
         for (const DOMaterial& m : data.getMaterial())
             materials << m.getUmid() + " " + m.getDur() + " " + m.getUri();
-        QStringList expected;
-        QString lastClip;
+        // ... and each multi-clip take lists its clips (and its part on the other card).
+        QStringList expected, takeMaterials;
+        const cardgen::ManifestClip* lastClip = nullptr;
         for (const cardgen::ManifestTake& take : manifest.takes) {
             if (take.card != c)
                 continue;
+            QStringList clips;
             for (const cardgen::ManifestClip& clip : take.clips) {
                 expected << QString("%1 %2 ./CLPR/%3/%3.SMI").arg(clip.umid).arg(clip.frames).arg(clip.name);
-                lastClip = clip.umid;
+                clips << clip.umid;
+                lastClip = &clip;
             }
-        }
-        for (const cardgen::ManifestTake& take : manifest.takes)
-            if (take.card == c && take.kind == "multi")
-                expected
-                    << QString("%1 %2 ./TAKR/%3/%3.SMI").arg(take.umid).arg(take.frames).arg(take.takeId);
-        EXPECT_EQ(materials, expected);
-
-        for (const cardgen::ManifestTake& take : manifest.takes) {
-            if (take.card != c || take.kind != "multi")
+            if (take.kind != "multi")
                 continue;
             const QString uri = QString("./TAKR/%1/%1.SMI").arg(take.takeId);
+            takeMaterials << QString("%1 %2 %3").arg(take.umid).arg(take.frames).arg(uri);
             QStringList parts;
             for (const DOComponent& component : profile.getComponentData(uri, ""))
                 parts << component.getUmid() +
                              (component.getMediaId().isEmpty() ? "" : " on " + component.getMediaId());
-            QStringList clips;
-            for (const cardgen::ManifestClip& clip : take.clips)
-                clips << clip.umid;
             if (take.spanPart != 0) {
                 const QString other = take.spanOtherUmid + " on " + manifest.cards[size_t(1 - c)].mediaId;
                 take.spanPart == 1 ? clips.append(other) : clips.prepend(other);
             }
             EXPECT_EQ(parts, clips) << take.takeId.toStdString();
         }
+        EXPECT_EQ(materials, expected + takeMaterials);
+        ASSERT_NE(lastClip, nullptr);
 
         // The cue-up info names the card's last recorded clip.
         BLCueupInfoAcss cueup;
         ASSERT_TRUE(cueup.loadForFolderPath(card().bpav(c)));
         DOClip entry;
         ASSERT_TRUE(cueup.getClipData(entry));
-        EXPECT_EQ(entry.getUmid(), lastClip);
-        for (const cardgen::ManifestTake& take : manifest.takes)
-            for (const cardgen::ManifestClip& clip : take.clips)
-                if (clip.umid == lastClip) {
-                    EXPECT_EQ(entry.getUri(), QString("./CLPR/%1/%1.SMI").arg(clip.name));
-                    EXPECT_EQ(entry.getFtc(), clip.startTimecode);
-                }
+        EXPECT_EQ(entry.getUmid(), lastClip->umid);
+        EXPECT_EQ(entry.getUri(), QString("./CLPR/%1/%1.SMI").arg(lastClip->name));
+        EXPECT_EQ(entry.getFtc(), lastClip->startTimecode);
     }
 }

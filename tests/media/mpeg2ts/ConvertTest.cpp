@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 #include <xxhash.h>
@@ -19,9 +20,8 @@ namespace {
 struct Decoded
 {
     std::vector<uint64_t> pictureHashes;
-    std::vector<int64_t> pictureTimes;     // presentation times, decoding order of the output
-    std::vector<uint32_t> gopTimeCodes;    // the 25 time code bits of each GOP header, top-aligned
-    std::vector<int64_t> gopFirstPictures; // picture number of each GOP's first shown picture
+    std::vector<int64_t> pictureTimes;  // presentation times, decoding order of the output
+    std::vector<uint32_t> gopTimeCodes; // the 25 time code bits of each GOP header, top-aligned
     std::vector<int64_t> videoDts;
     int width = 0, height = 0;
     AVRational rate{0, 1};
@@ -51,10 +51,7 @@ uint64_t pictureHash(const AVFrame* f)
 Decoded readBack(const std::vector<QString>& files)
 {
     Decoded d;
-    int64_t pictureBase = 0;
     vv::CodecPtr videoDecoder;
-    std::vector<std::pair<int64_t, int>>
-        gops; // pts of the picture after a GOP header, its temporal reference
     for (const QString& file : files) {
         AVFormatContext* raw = nullptr;
         if (avformat_open_input(&raw, file.toUtf8().constData(), nullptr, nullptr) < 0)
@@ -90,7 +87,6 @@ Decoded readBack(const std::vector<QString>& files)
         }
         vv::PacketPtr packet = vv::makePacket();
         vv::FramePtr frame = vv::makeFrame();
-        int64_t minPts = INT64_MAX;
         const auto drain = [&](unsigned i) {
             while (avcodec_receive_frame(decoders[i].get(), frame.get()) == 0) {
                 if (int(i) == video) {
@@ -111,22 +107,11 @@ Decoded readBack(const std::vector<QString>& files)
             if (i < decoders.size() && decoders[i]) {
                 if (int(i) == video) {
                     d.videoDts.push_back(packet->dts);
-                    minPts = std::min(minPts, packet->pts);
-                    const uint8_t* p = packet->data;
-                    for (int k = 0; k + 8 <= packet->size; ++k) {
-                        if (p[k] == 0 && p[k + 1] == 0 && p[k + 2] == 1 && p[k + 3] == 0xB8) {
-                            d.gopTimeCodes.push_back(uint32_t(p[k + 4]) << 24 | p[k + 5] << 16 |
-                                                     p[k + 6] << 8 | p[k + 7]);
-                            // the picture that follows: its temporal reference says how many are shown before
-                            // it
-                            for (int m = k + 8; m + 6 <= packet->size; ++m)
-                                if (p[m] == 0 && p[m + 1] == 0 && p[m + 2] == 1 && p[m + 3] == 0) {
-                                    gops.emplace_back(packet->pts, p[m + 4] << 2 | p[m + 5] >> 6);
-                                    break;
-                                }
-                            break;
-                        }
-                    }
+                    const QByteArray data =
+                        QByteArray::fromRawData(reinterpret_cast<const char*>(packet->data), packet->size);
+                    const qsizetype gop = data.indexOf(QByteArray("\x00\x00\x01\xB8", 4));
+                    if (gop >= 0 && gop + 8 <= data.size())
+                        d.gopTimeCodes.push_back(qFromBigEndian<uint32_t>(data.constData() + gop + 4));
                 }
                 avcodec_send_packet(decoders[i].get(), packet.get());
                 drain(i);
@@ -138,12 +123,6 @@ Decoded readBack(const std::vector<QString>& files)
                 avcodec_send_packet(decoders[i].get(), nullptr);
                 drain(i);
             }
-        const AVStream* s = raw->streams[video];
-        const int64_t step = av_rescale_q(1, av_inv_q(s->avg_frame_rate), s->time_base);
-        for (const auto& [pts, tr] : gops)
-            d.gopFirstPictures.push_back(pictureBase + (pts - minPts) / step - tr);
-        gops.clear();
-        pictureBase = int64_t(d.videoDts.size()); // one packet a picture
         videoDecoder = std::move(decoders[video]);
     }
     d.ok = true;
@@ -248,19 +227,9 @@ TEST_F(ConvertTest, TakesReadBackAsTheirSource)
         SCOPED_TRACE(take.takeId.toStdString());
         const std::vector<QString> inputs = mp4s(take);
         const QString output = m_dir.filePath(take.takeId + ".M2T");
-        mpeg2ts_convert_params_t params{};
-        params.time_zone = 19;
-        params.day = 7;
-        params.week = 5;
-        params.month = 3;
-        params.year = 8;
-        params.hour = 21;
-        params.minute = 5;
-        params.second = 9;
-        params.user_bits[0] = 0x00, params.user_bits[1] = 0x11, params.user_bits[2] = 0xAA,
-        params.user_bits[3] = 0xBB;
-        params.drop_frame = 1;
-        params.start_frames = 17972; // 00:09:59;20, not the card's own time code
+        // Zone, day, weekday, month, year, hour, minute, second, user bits, drop
+        // frame, and the start 00:09:59;20 (not the card's own time code).
+        const mpeg2ts_convert_params_t params{19, 7, 5, 3, 8, 21, 5, 9, 0, {0x00, 0x11, 0xAA, 0xBB}, 1, {}, 17972};
         m_callback.seen.clear();
         ASSERT_EQ(convert(inputs, output, params), MPEG2TS_RESULT_DONE) << MPEG2TSGetLastError();
         EXPECT_EQ(m_callback.seen.back(), 100);
@@ -280,12 +249,13 @@ TEST_F(ConvertTest, TakesReadBackAsTheirSource)
         std::vector<int64_t> shown = out.pictureTimes;
         EXPECT_TRUE(std::adjacent_find(shown.begin(), shown.end(), std::greater_equal<>()) == shown.end());
 
-        // GOP time codes: the take's start time code counted on frame by frame.
+        // GOP time codes: the start time code counted on to each GOP's first
+        // shown picture (the take's GOPs are 15 pictures long).
         const cardgen::FrameRate rate = *cardgen::FrameRate::byName(take.frameRate);
         const cardgen::TimeCodeClock clock(rate, *cardgen::TimeCode::parse("00:09:59;20", rate.tcBase, true));
         ASSERT_EQ(out.gopTimeCodes.size(), size_t(take.frames / 15));
         for (size_t g = 0; g < out.gopTimeCodes.size(); ++g)
-            EXPECT_EQ(timeCodeText(out.gopTimeCodes[g]), clock.at(out.gopFirstPictures[g]).display()) << g;
+            EXPECT_EQ(timeCodeText(out.gopTimeCodes[g]), clock.at(int64_t(15 * g)).display()) << g;
         EXPECT_TRUE(
             timeCodeText(out.gopTimeCodes[1]).startsWith("00:10:00;")); // a tenth minute keeps 00 and 01
 

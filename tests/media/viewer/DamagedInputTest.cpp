@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -17,29 +18,6 @@ using namespace vvtest;
 
 namespace {
 
-int thumbnailOf(const std::vector<QString>& paths, int64_t frame, vv_bitmap_t* out = nullptr)
-{
-    std::vector<QByteArray> utf8;
-    std::vector<const char*> pointers;
-    for (const QString& path : paths)
-        utf8.push_back(path.toUtf8());
-    for (const QByteArray& path : utf8)
-        pointers.push_back(path.constData());
-    vv_bitmap_t bitmap{};
-    const int rc = vv_get_thumbnail(pointers.data(), int32_t(pointers.size()), frame, VV_ICON_NONE, &bitmap);
-    if (out)
-        *out = bitmap;
-    else
-        vv_bitmap_free(&bitmap);
-    return rc;
-}
-
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void writeAll(const QString& path, const QByteArray& data)
 {
     QFile file(path);
@@ -47,17 +25,11 @@ void writeAll(const QString& path, const QByteArray& data)
     ASSERT_EQ(file.write(data), data.size());
 }
 
-uint32_t bigEndian32(const QByteArray& data, qsizetype at)
-{
-    return uint32_t(uint8_t(data[at])) << 24 | uint32_t(uint8_t(data[at + 1])) << 16 |
-           uint32_t(uint8_t(data[at + 2])) << 8 | uint32_t(uint8_t(data[at + 3]));
-}
-
 // The top-level box of the given type: its offset and size, or -1.
 std::pair<qsizetype, qsizetype> box(const QByteArray& data, const char* type)
 {
     for (qsizetype at = 0; at + 8 <= data.size();) {
-        const qsizetype size = bigEndian32(data, at);
+        const qsizetype size = qFromBigEndian<uint32_t>(data.constData() + at);
         if (data.mid(at + 4, 4) == type)
             return {at, size};
         if (size < 8)
@@ -118,12 +90,12 @@ TEST_F(DamagedInput, UnreadableFilesAreRefusedAndTheTakeShownStays)
     QDir(m_dir.path()).mkdir(QStringLiteral("folder.MP4"));
     const QString folder = m_dir.filePath(QStringLiteral("folder.MP4"));
 
-    EXPECT_EQ(thumbnailOf({missing}, 0), VV_ERR_FILE);
-    EXPECT_EQ(thumbnailOf({folder}, 0), VV_ERR_FILE);
-    EXPECT_EQ(thumbnailOf({goodMp4(), missing}, 3), VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({missing}, 0).rc, VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({folder}, 0).rc, VV_ERR_FILE);
+    EXPECT_EQ(Thumbnail({goodMp4(), missing}, 3).rc, VV_ERR_FILE);
     for (const QString& path : {empty, text, header, half})
-        EXPECT_EQ(thumbnailOf({path}, 0), VV_ERR_FORMAT) << path.toStdString();
-    const int tailResult = thumbnailOf({tail}, 0);
+        EXPECT_EQ(Thumbnail({path}, 0).rc, VV_ERR_FORMAT) << path.toStdString();
+    const int tailResult = Thumbnail({tail}, 0).rc;
     EXPECT_TRUE(tailResult == VV_OK || tailResult == VV_ERR_FORMAT) << tailResult;
 
     ViewerSession viewer;
@@ -167,7 +139,7 @@ TEST_F(DamagedInput, DamagedPicturesDecodeAsWellAsTheyCan)
 
     for (const QString& path : {garbage, cut}) {
         for (int64_t frame = 0; frame < 30; frame += 3) {
-            const int rc = thumbnailOf({path}, frame);
+            const int rc = Thumbnail({path}, frame).rc;
             EXPECT_TRUE(rc == VV_OK || rc == VV_ERR_DECODE)
                 << path.toStdString() << " frame " << frame << ": " << rc;
         }
@@ -208,14 +180,12 @@ TEST_F(DamagedInput, RandomlyFlippedBytesNeverCrash)
         writeAll(path, data);
 
         for (const int64_t frame : {0, 14, 29}) {
-            vv_bitmap_t bitmap{};
-            const int rc = thumbnailOf({path}, frame, &bitmap);
-            EXPECT_LE(rc, VV_OK);
-            if (rc == VV_OK) {
-                EXPECT_EQ(bitmap.width, 160);
-                EXPECT_GT(bitmap.height, 0);
+            const Thumbnail thumb({path}, frame);
+            EXPECT_LE(thumb.rc, VV_OK);
+            if (thumb.rc == VV_OK) {
+                EXPECT_EQ(thumb.bitmap.width, 160);
+                EXPECT_GT(thumb.bitmap.height, 0);
             }
-            vv_bitmap_free(&bitmap);
         }
         if (viewer.setTake({path}) == VV_OK) {
             ++opened;
@@ -241,9 +211,8 @@ TEST_F(DamagedInput, UnusualButValidFilesAreRead)
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     for (const cardgen::ManifestTake& take : card.manifest().takes) {
-        vv_bitmap_t bitmap{};
-        ASSERT_EQ(thumbnailOf(mp4Paths(card, take), 16, &bitmap), VV_OK) << take.damage.toStdString();
-        EXPECT_EQ(readCounter(bitmap), counterOf(take, 16)) << take.damage.toStdString();
-        vv_bitmap_free(&bitmap);
+        const Thumbnail thumb(mp4Paths(card, take), 16);
+        ASSERT_EQ(thumb.rc, VV_OK) << take.damage.toStdString();
+        EXPECT_EQ(thumb.counter(), counterOf(take, 16)) << take.damage.toStdString();
     }
 }

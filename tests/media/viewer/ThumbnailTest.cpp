@@ -5,37 +5,15 @@
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 
 using namespace vvtest;
 
 namespace {
-
-struct Thumbnail
-{
-    int rc = VV_ERR_STATE;
-    vv_bitmap_t bitmap{};
-    Thumbnail() = default;
-    Thumbnail(const Thumbnail&) = delete;
-    Thumbnail& operator=(const Thumbnail&) = delete;
-    ~Thumbnail() { vv_bitmap_free(&bitmap); }
-};
-
-void getThumbnail(const std::vector<QString>& paths, int64_t frame, int icon, Thumbnail& out)
-{
-    std::vector<QByteArray> utf8;
-    std::vector<const char*> pointers;
-    for (const QString& path : paths)
-        utf8.push_back(path.toUtf8());
-    for (const QByteArray& path : utf8)
-        pointers.push_back(path.constData());
-    out.rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame,
-                              icon, &out.bitmap);
-}
 
 const uint8_t* pixelAt(const vv_bitmap_t& b, int x, int y)
 {
@@ -53,6 +31,10 @@ protected:
         delete s_card;
         s_card = nullptr;
     }
+    void SetUp() override { ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString(); }
+    static const cardgen::ManifestTake& take() { return onlyTake(*s_card); }
+    static std::vector<QString> paths() { return mp4Paths(*s_card, take()); }
+
     static cwtest::CardFolder* s_card;
 };
 
@@ -62,66 +44,49 @@ cwtest::CardFolder* TwoClipTake::s_card = nullptr;
 
 TEST_F(TwoClipTake, ThumbnailShowsTheFrameAskedFor)
 {
-    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
-    const cardgen::ManifestTake& take = onlyTake(*s_card);
-    ASSERT_EQ(take.clips.size(), 2u);
-    const std::vector<QString> paths = mp4Paths(*s_card, take);
-
     // 0: a leading picture of the first (closed) GOP; 2: its intra picture;
     // 15: the first picture shown of an open GOP (needs the GOP before);
     // 17: that GOP's intra picture; 23, 44: inside GOPs, the last of the clip;
-    // 45: the second clip's first frame; 65: inside the second clip.
-    for (const int64_t frame : {0, 2, 15, 17, 23, 44, 45, 65}) {
-        Thumbnail thumb;
-        getThumbnail(paths, frame, VV_ICON_OK, thumb);
+    // 45: the second clip's first frame; 65: inside the second clip. Frame
+    // numbers outside the take are taken to its ends.
+    for (const auto& [frame, shown] : {std::pair<int64_t, int64_t>{0, 0},
+                                       {2, 2},
+                                       {15, 15},
+                                       {17, 17},
+                                       {23, 23},
+                                       {44, 44},
+                                       {45, 45},
+                                       {65, 65},
+                                       {-5, 0},
+                                       {1000, 89}}) {
+        const Thumbnail thumb(paths(), frame, VV_ICON_OK);
         ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
         EXPECT_EQ(thumb.bitmap.width, 160);
         EXPECT_EQ(thumb.bitmap.height, 90);
         EXPECT_EQ(thumb.bitmap.bits_per_pixel, 24);
-        EXPECT_EQ(readCounter(thumb.bitmap), counterOf(take, frame)) << "frame " << frame;
+        EXPECT_EQ(thumb.counter(), counterOf(take(), shown)) << "frame " << frame;
     }
-
-    // Frame numbers outside the take are taken to its ends.
-    Thumbnail before, after;
-    getThumbnail(paths, -5, VV_ICON_NONE, before);
-    getThumbnail(paths, 1000, VV_ICON_NONE, after);
-    ASSERT_EQ(before.rc, VV_OK);
-    ASSERT_EQ(after.rc, VV_OK);
-    EXPECT_EQ(readCounter(before.bitmap), counterOf(take, 0));
-    EXPECT_EQ(readCounter(after.bitmap), counterOf(take, 89));
-
     // The second clip alone numbers its frames from 0.
-    Thumbnail second;
-    getThumbnail({paths[1]}, 20, VV_ICON_NONE, second);
-    ASSERT_EQ(second.rc, VV_OK);
-    EXPECT_EQ(readCounter(second.bitmap), counterOf(take, 65));
-}
+    EXPECT_EQ(Thumbnail({paths()[1]}, 20).counter(), counterOf(take(), 65));
 
-TEST(Thumbnail, FullHdInterlacedFramesAreExactToo)
-{
-    // Thumbnails of large pictures are decoded at a reduced size.
+    // Thumbnails of large pictures are decoded at a reduced size, exact too.
     cardgen::Options options = tinyTake(1, 18);
     options.size = QStringLiteral("1920x1080");
     options.frameRate = QStringLiteral("59.94i");
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& take = onlyTake(card);
     for (const int64_t frame : {0, 2, 7, 15, 17}) {
-        Thumbnail thumb;
-        getThumbnail(mp4Paths(card, take), frame, VV_ICON_OK, thumb);
+        const Thumbnail thumb(mp4Paths(card, onlyTake(card)), frame, VV_ICON_OK);
         ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
         EXPECT_EQ(thumb.bitmap.width, 160);
         EXPECT_EQ(thumb.bitmap.height, 90);
-        EXPECT_EQ(readCounter(thumb.bitmap), counterOf(take, frame)) << "frame " << frame;
+        EXPECT_EQ(thumb.counter(), counterOf(onlyTake(card), frame)) << "frame " << frame;
     }
 }
 
 TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
 {
-    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
-    const std::vector<QString> paths = mp4Paths(*s_card, onlyTake(*s_card));
-    Thumbnail plain;
-    getThumbnail(paths, 30, VV_ICON_NONE, plain);
+    const Thumbnail plain(paths(), 30);
     ASSERT_EQ(plain.rc, VV_OK);
 
     // The badge sits in the top left corner, clear of the counter's digits.
@@ -129,35 +94,32 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
     std::vector<std::vector<uint8_t>> badges;
     for (const int icon :
          {VV_ICON_OK, VV_ICON_MP4_IMPORTED, VV_ICON_MP4_NOT_IMPORTED, VV_ICON_MEDIA_SPANNING}) {
-        Thumbnail marked;
-        getThumbnail(paths, 30, icon, marked);
+        const Thumbnail marked(paths(), 30, icon);
         ASSERT_EQ(marked.rc, VV_OK) << "icon " << icon;
         ASSERT_EQ(marked.bitmap.height, plain.bitmap.height);
         int changed = 0;
         std::vector<uint8_t> badge;
         for (int y = 0; y < marked.bitmap.height; ++y) {
             for (int x = 0; x < marked.bitmap.width; ++x) {
-                const bool inCorner = x < corner && y < corner;
-                const bool same =
-                    std::memcmp(pixelAt(marked.bitmap, x, y), pixelAt(plain.bitmap, x, y), 3) == 0;
-                if (!inCorner) {
+                const uint8_t* p = pixelAt(marked.bitmap, x, y);
+                const bool same = std::memcmp(p, pixelAt(plain.bitmap, x, y), 3) == 0;
+                if (x >= corner || y >= corner) {
                     ASSERT_TRUE(same) << "icon " << icon << " changed pixel " << x << "," << y;
                 } else {
                     changed += same ? 0 : 1;
-                    badge.insert(badge.end(), pixelAt(marked.bitmap, x, y), pixelAt(marked.bitmap, x, y) + 3);
+                    badge.insert(badge.end(), p, p + 3);
                 }
             }
         }
         EXPECT_GT(changed, 150) << "icon " << icon << " draws no visible mark";
-        EXPECT_EQ(readCounter(marked.bitmap), counterOf(onlyTake(*s_card), 30)) << "icon " << icon;
+        EXPECT_EQ(marked.counter(), counterOf(take(), 30)) << "icon " << icon;
         for (const std::vector<uint8_t>& other : badges)
             EXPECT_NE(badge, other) << "icon " << icon << " looks like another mark";
         badges.push_back(badge);
     }
 
     // The error mark is a whole picture of its own, made without any file.
-    Thumbnail error;
-    getThumbnail({}, 0, VV_ICON_ERROR, error);
+    const Thumbnail error({}, 0, VV_ICON_ERROR);
     ASSERT_EQ(error.rc, VV_OK);
     EXPECT_EQ(error.bitmap.width, 160);
     EXPECT_EQ(error.bitmap.height, 90);
@@ -166,35 +128,27 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
     EXPECT_LT(centre[1], 80); // red: the badge, not the grey ground
     EXPECT_EQ(pixelAt(error.bitmap, 2, 2)[0], 64);
 
-    Thumbnail unknown;
-    getThumbnail(paths, 0, 6, unknown);
+    const Thumbnail unknown(paths(), 0, 6);
     EXPECT_EQ(unknown.rc, VV_ERR_PARAM);
     EXPECT_EQ(unknown.bitmap.pixels, nullptr);
 }
 
 TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
 {
-    ASSERT_TRUE(s_card->ok()) << s_card->error().toStdString();
     QTemporaryDir dir;
-    Thumbnail thumb;
-    getThumbnail(mp4Paths(*s_card, onlyTake(*s_card)), 52, VV_ICON_MEDIA_SPANNING, thumb);
+    const Thumbnail thumb(paths(), 52, VV_ICON_MEDIA_SPANNING);
     ASSERT_EQ(thumb.rc, VV_OK);
 
     // A 24-bit thumbnail and a 32-bit bitmap whose rows need padding.
     vv_bitmap_t odd{7, 5, 32, 28, static_cast<uint8_t*>(std::malloc(28 * 5))};
     for (int i = 0; i < 28 * 5; ++i)
         odd.pixels[i] = uint8_t(i * 37 + 11);
-    for (const vv_bitmap_t* bitmap : {&thumb.bitmap, &odd}) {
+    for (const vv_bitmap_t* bitmap : std::initializer_list<const vv_bitmap_t*>{&thumb.bitmap, &odd}) {
         const QString path = dir.filePath(QStringLiteral("b%1.bmp").arg(bitmap->bits_per_pixel));
         ASSERT_EQ(vv_bitmap_write(path.toUtf8().constData(), bitmap, 1), VV_OK);
 
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray data = file.readAll();
-        const auto u32 = [&](int at) {
-            return uint32_t(uint8_t(data[at])) | uint32_t(uint8_t(data[at + 1])) << 8 |
-                   uint32_t(uint8_t(data[at + 2])) << 16 | uint32_t(uint8_t(data[at + 3])) << 24;
-        };
+        const QByteArray data = readAll(path);
+        const auto u32 = [&](int at) { return qFromLittleEndian<uint32_t>(data.constData() + at); };
         const int bytes = bitmap->bits_per_pixel / 8;
         const uint32_t rowSize = (uint32_t(bitmap->width * bytes) + 3) & ~3u;
         ASSERT_EQ(data.left(2), QByteArray("BM"));
@@ -215,9 +169,7 @@ TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
 
         // What the program sees through Qt.
         const QImage image(path);
-        ASSERT_FALSE(image.isNull());
-        ASSERT_EQ(image.width(), bitmap->width);
-        ASSERT_EQ(image.height(), bitmap->height);
+        ASSERT_EQ(image.size(), QSize(bitmap->width, bitmap->height));
         for (int y = 0; y < bitmap->height; ++y) {
             for (int x = 0; x < bitmap->width; ++x) {
                 const uint8_t* p = pixelAt(*bitmap, x, y);
@@ -231,19 +183,13 @@ TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
 
     // Refusals leave no file behind and keep an existing one.
     const QString existing = dir.filePath(QStringLiteral("b24.bmp"));
-    const QByteArray before = [&] {
-        QFile f(existing);
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }();
+    const QByteArray before = readAll(existing);
     EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &odd, 0), VV_ERR_PARAM); // freed: empty
     EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &thumb.bitmap, 0), VV_ERR_WRITE);
     const QString missingFolder = dir.filePath(QStringLiteral("no/such/folder/x.bmp"));
     EXPECT_EQ(vv_bitmap_write(missingFolder.toUtf8().constData(), &thumb.bitmap, 1), VV_ERR_WRITE);
     EXPECT_FALSE(QFile::exists(missingFolder));
-    QFile again(existing);
-    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
-    EXPECT_EQ(again.readAll(), before);
+    EXPECT_EQ(readAll(existing), before);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2) << "temporary files were left";
     EXPECT_EQ(vv_bitmap_write(nullptr, &thumb.bitmap, 1), VV_ERR_PARAM);
     EXPECT_EQ(vv_bitmap_free(nullptr), VV_OK);

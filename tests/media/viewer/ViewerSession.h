@@ -3,11 +3,15 @@
 #include "cardgen/FrameCounter.h"
 #include "media/viewer/vv.h"
 #include "support/CardFolder.h"
+#include "support/SimulatedAudioDevice.h"
 
+#include <QFile>
 #include <QString>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstring>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -20,10 +24,28 @@ namespace vvtest {
 class InitParam
 {
 public:
-    InitParam();
+    // The settings store's values for a new settings file.
+    InitParam()
+        : m_texts{"",       "",   "",   "",        "",        "",       "0", "1024", "",  "500000", "5",
+                  "1",      "20", "10", "5",       "5",       "5",      "1", "1",    "1", "1",      "1",
+                  "100000", "1",  "0",  "1000000", "2500000", "400000", "1", "0",    "10"}
+    {
+    }
     // Sets field 1..31 of the block.
-    InitParam& set(int field, const std::string& text);
-    const vv_init_param_t* get();
+    InitParam& set(int field, const std::string& text)
+    {
+        m_texts.at(size_t(field - 1)) = text;
+        return *this;
+    }
+    const vv_init_param_t* get()
+    {
+        static_assert(sizeof(vv_init_param_t) == kFields * sizeof(const char*));
+        const char* pointers[kFields];
+        for (size_t i = 0; i < kFields; ++i)
+            pointers[i] = m_texts[i].c_str();
+        std::memcpy(&m_param, pointers, sizeof m_param);
+        return &m_param;
+    }
 
     static constexpr int kLogLevel = 7;
     static constexpr int kLogFileSize = 8;
@@ -33,8 +55,8 @@ public:
     static constexpr int kLowResolution = 25;
 
 private:
+    static constexpr size_t kFields = 31;
     std::vector<std::string> m_texts;
-    std::vector<const char*> m_pointers;
     vv_init_param_t m_param{};
 };
 
@@ -67,89 +89,248 @@ struct Picture
     int64_t heard = -1; // sample frames the device had played by then (sessions with sound)
 };
 
-// A sound device simulated on the system clock: from its first write on it
-// plays 48000 sample frames a second of what it holds (pausing when it runs
-// dry), and remembers every sample it was given.
-struct AudioDevice
-{
-    bool started = false;
-    std::chrono::steady_clock::time_point lastUpdate;
-    int64_t received = 0; // sample frames since the last flush
-    int64_t consumed = 0; // of those, heard
-    std::vector<int16_t> samples;
-    int flushes = 0;
-    void update(std::chrono::steady_clock::time_point now);
-};
-
 // A started library (vv_init ... vv_exit) whose messages, pictures, sound and
 // end-of-job calls are recorded for the test to wait on.
 class ViewerSession : public IVVDemuxCallBacker
 {
 public:
-    explicit ViewerSession(InitParam param = InitParam(), bool withAudio = false);
-    ~ViewerSession() override;
+    explicit ViewerSession(InitParam param = InitParam(), bool withAudio = false)
+        : m_withAudio(withAudio), m_param(std::move(param))
+    {
+        vv_display_t display{};
+        display.frame_sink = &ViewerSession::onFrame;
+        display.frame_context = this;
+        if (withAudio)
+            display.audio_sink = m_audio.sink();
+        display.reserved[0] = display.reserved[1] = display.reserved[2] = 1;
+        vv_set_demux_callbacker(this);
+        m_initResult = vv_init(m_param.get(), &display, 0);
+        if (m_initResult == VV_OK)
+            vv_set_callback_func_g(&ViewerSession::onMessage, this);
+    }
+    ~ViewerSession() override
+    {
+        vv_exit();
+        vv_set_demux_callbacker(nullptr);
+        for (vv_typical_picture_t& typical : m_typical)
+            vv_bitmap_free(&typical.bitmap);
+    }
 
     int initResult() const { return m_initResult; }
-    void EndOfJob() override;
+    void EndOfJob() override
+    {
+        record([](auto& self) { self.m_messages.push_back({kEndOfJob}); });
+    }
 
     // vv_set_av_info for the files, with the AV information block.
-    int setTake(const std::vector<QString>& paths, vv_av_info_t* info = nullptr);
+    int setTake(const std::vector<QString>& paths, vv_av_info_t* info = nullptr)
+    {
+        std::vector<QByteArray> utf8;
+        std::vector<const char*> pointers;
+        for (const QString& path : paths)
+            utf8.push_back(path.toUtf8());
+        for (const QByteArray& path : utf8)
+            pointers.push_back(path.constData());
+        vv_av_info_t local{};
+        return vv_set_av_info(pointers.data(), int32_t(pointers.size()), info ? info : &local);
+    }
 
-    // Waits until the predicate over the recorded messages holds.
+    // Waits until the predicate over the recorded messages (or pictures) holds.
     bool waitFor(const std::function<bool(const std::vector<Message>&)>& done,
-                 std::chrono::milliseconds timeout = std::chrono::seconds(20));
-    bool waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done,
-                         std::chrono::milliseconds timeout = std::chrono::seconds(20));
+                 std::chrono::milliseconds timeout = std::chrono::seconds(20))
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, timeout, [&] { return done(m_messages); });
+    }
+    bool waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done)
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return done(m_pictures); });
+    }
     // Waits for a message of this id among those recorded since the last clear().
-    bool waitForMessage(int id, std::chrono::milliseconds timeout = std::chrono::seconds(20));
+    bool waitForMessage(int id)
+    {
+        return waitFor([&](const std::vector<Message>& messages) {
+            return std::any_of(messages.begin(), messages.end(),
+                               [&](const Message& m) { return m.id == id; });
+        });
+    }
     // Runs a request and waits for a state that ends a job and for the
     // end-of-job call after it: by default the end of the take (paused on its
-    // last frame).
-    bool runUntil(const std::function<int()>& request, int state = VM_PAUSING);
+    // last frame). With state 0, for the next end-of-job call.
+    bool runUntil(const std::function<int()>& request, int state = VM_PAUSING)
+    {
+        const size_t from = messages().size();
+        if (request() != VV_OK)
+            return false;
+        return waitFor([&](const std::vector<Message>& messages) {
+            bool stopped = state == 0;
+            for (size_t i = from; i < messages.size(); ++i) {
+                stopped = stopped || messages[i].id == state;
+                if (stopped && messages[i].id == kEndOfJob)
+                    return true;
+            }
+            return false;
+        });
+    }
     // Runs a request and waits for the end-of-job call it leads to.
-    bool job(const std::function<int()>& request);
+    bool job(const std::function<int()>& request) { return runUntil(request, 0); }
 
-    std::vector<Message> messages();
-    std::vector<Picture> pictures();
-    size_t messageCount();
-    void clear();
-    // Locks the simulated device for reading.
-    template <typename F> void withAudio(F f)
+    std::vector<Message> messages()
     {
         std::lock_guard lock(m_mutex);
-        f(m_audio);
+        return m_messages;
     }
-    // Typical pictures arrive with their bitmap; the test frees them.
-    std::vector<vv_typical_picture_t> typicalPictures();
+    std::vector<Picture> pictures()
+    {
+        std::lock_guard lock(m_mutex);
+        return m_pictures;
+    }
+    void clear()
+    {
+        std::lock_guard lock(m_mutex);
+        m_messages.clear();
+        m_pictures.clear();
+    }
+    cwtest::SimulatedAudioDevice& audio() { return m_audio; }
+    // Typical pictures arrive with their bitmap; the session frees them.
+    std::vector<vv_typical_picture_t> typicalPictures()
+    {
+        std::lock_guard lock(m_mutex);
+        return m_typical;
+    }
 
 private:
-    static void onMessage(vv_viewer_message_t* message, void* context);
-    static void onFrame(void* context, const vv_frame_t* frame);
-    static int32_t onAudioWrite(void* context, const int16_t* samples, int32_t frames, int32_t rate,
-                                int32_t channels);
-    static void onAudioFlush(void* context);
+    template <typename F> void record(F f)
+    {
+        std::lock_guard lock(m_mutex);
+        f(*this);
+        m_changed.notify_all();
+    }
+    static void onMessage(vv_viewer_message_t* message, void* context)
+    {
+        Message m{message->message_id};
+        if (m.id == VM_FRAME_INFO) {
+            const auto* info = static_cast<const vv_frame_info_t*>(message->param);
+            m = {m.id,
+                 info->clip_no,
+                 info->clip_frame_no,
+                 info->take_frame_no,
+                 info->clip_frames,
+                 info->num_frames};
+        }
+        static_cast<ViewerSession*>(context)->record([&](ViewerSession& self) {
+            if (m.id == VM_TYPICAL_PICTURE) {
+                self.m_typical.push_back(*static_cast<const vv_typical_picture_t*>(message->param));
+                m.frame = self.m_typical.back().frame_no;
+            }
+            self.m_messages.push_back(m);
+        });
+    }
+    static void onFrame(void* context, const vv_frame_t* frame)
+    {
+        auto* self = static_cast<ViewerSession*>(context);
+        Picture p{
+            frame->frame_no,
+            frame->clip_no,
+            frame->clip_frame_no,
+            frame->width,
+            frame->height,
+            frame->full_screen,
+            cardgen::FrameCounter::readPacked(frame->pixels, frame->stride, frame->width, frame->height, 4),
+            std::chrono::steady_clock::now(),
+            self->m_withAudio ? self->m_audio.heard() : -1};
+        self->record([&](ViewerSession& s) { s.m_pictures.push_back(p); });
+    }
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<Message> m_messages;
     std::vector<Picture> m_pictures;
     std::vector<vv_typical_picture_t> m_typical;
-    AudioDevice m_audio;
+    cwtest::SimulatedAudioDevice m_audio;
     bool m_withAudio = false;
     int m_initResult = VV_ERR_STATE;
     InitParam m_param;
 };
 
 // The MP4 files of a generated take, absolute.
-std::vector<QString> mp4Paths(const cwtest::CardFolder& card, const cardgen::ManifestTake& take);
+inline std::vector<QString> mp4Paths(const cwtest::CardFolder& card, const cardgen::ManifestTake& take)
+{
+    std::vector<QString> paths;
+    for (const cardgen::ManifestClip& clip : take.clips) {
+        for (const cardgen::ManifestFile& file : clip.files) {
+            if (file.kind == QLatin1String("MP4"))
+                paths.push_back(card.path(file.path, take.card));
+        }
+    }
+    return paths;
+}
+
 // A card of tiny 29.97p clips (GOP 15) with one take of clipsPerTake clips of
 // the given length.
-cardgen::Options tinyTake(int clipsPerTake, int frames);
+inline cardgen::Options tinyTake(int clipsPerTake, int frames)
+{
+    cardgen::Options options = cwtest::CardFolder::quick();
+    options.frames = frames;
+    options.gop = 15;
+    options.clips = clipsPerTake == 1 ? 1 : 0;
+    if (clipsPerTake > 1)
+        options.multiClipTakes = {clipsPerTake};
+    return options;
+}
+
 // The take of a card made by tinyTake.
-const cardgen::ManifestTake& onlyTake(const cwtest::CardFolder& card);
+inline const cardgen::ManifestTake& onlyTake(const cwtest::CardFolder& card)
+{
+    return card.manifest().takes.front();
+}
+
 // The counter that take frame n of a take shows.
-cardgen::FrameCounterValue counterOf(const cardgen::ManifestTake& take, int64_t frame);
+inline cardgen::FrameCounterValue counterOf(const cardgen::ManifestTake& take, int64_t frame)
+{
+    for (const cardgen::ManifestClip& clip : take.clips) {
+        if (frame < clip.frames)
+            return {clip.counterClip, int(frame)};
+        frame -= clip.frames;
+    }
+    return {};
+}
+
 // Reads the counter out of a bitmap of the library.
-std::optional<cardgen::FrameCounterValue> readCounter(const vv_bitmap_t& bitmap);
+inline std::optional<cardgen::FrameCounterValue> readCounter(const vv_bitmap_t& bitmap)
+{
+    return cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
+                                             bitmap.bits_per_pixel / 8);
+}
+
+inline QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A thumbnail of the library (vv_get_thumbnail), freed with it.
+struct Thumbnail
+{
+    int rc = VV_ERR_STATE;
+    vv_bitmap_t bitmap{};
+
+    Thumbnail(const std::vector<QString>& paths, int64_t frame, int icon = VV_ICON_NONE)
+    {
+        std::vector<QByteArray> utf8;
+        std::vector<const char*> pointers;
+        for (const QString& path : paths)
+            utf8.push_back(path.toUtf8());
+        for (const QByteArray& path : utf8)
+            pointers.push_back(path.constData());
+        rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame,
+                              icon, &bitmap);
+    }
+    Thumbnail(const Thumbnail&) = delete;
+    Thumbnail& operator=(const Thumbnail&) = delete;
+    ~Thumbnail() { vv_bitmap_free(&bitmap); }
+    std::optional<cardgen::FrameCounterValue> counter() const { return readCounter(bitmap); }
+};
 
 } // namespace vvtest
