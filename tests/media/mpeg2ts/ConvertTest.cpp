@@ -229,7 +229,8 @@ TEST_F(ConvertTest, TakesReadBackAsTheirSource)
         const QString output = m_dir.filePath(take.takeId + ".M2T");
         // Zone, day, weekday, month, year, hour, minute, second, user bits, drop
         // frame, and the start 00:09:59;20 (not the card's own time code).
-        const mpeg2ts_convert_params_t params{19, 7, 5, 3, 8, 21, 5, 9, 0, {0x00, 0x11, 0xAA, 0xBB}, 1, {}, 17972};
+        const mpeg2ts_convert_params_t params{19, 7,  5,    3, 8, 21, 5, 9, 0, {0x00, 0x11, 0xAA, 0xBB},
+                                              1,  {}, 17972};
         m_callback.seen.clear();
         ASSERT_EQ(convert(inputs, output, params), MPEG2TS_RESULT_DONE) << MPEG2TSGetLastError();
         EXPECT_EQ(m_callback.seen.back(), 100);
