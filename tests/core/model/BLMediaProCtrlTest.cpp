@@ -239,8 +239,9 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
         EXPECT_EQ(clip->getClipStatus(), c.status);
         EXPECT_EQ(clip->getRealFlag(), c.real);
         EXPECT_EQ(clip->getSize() > 0, c.real);
-        if (c.take != 1)
+        if (c.take != 1) {
             EXPECT_EQ(clip->getCurrentDuration(), c.duration);
+        }
     }
     EXPECT_TRUE(clipWithUmid(clips, umidOf(1))->getMateUpFlg()) << "its essence is there";
 

@@ -254,8 +254,9 @@ TEST_F(BLDeleteFolderCtrlTest, FoldersHoldingMoreThanACardOrThatCannotGoAreRefus
          "Not Exist WorkFolder"},
         {"an unusable drive",
          [&] {
+             QDir().mkpath(home().path("media/Card/BPAV"));
              volumes.addVolume({home().path("media"), "ntfs", "DISK", 64'000'000'000, 32'000'000'000});
-             return folder;
+             return home().path("media/Card");
          },
          "MSG_651_3232", "The folder cannot delete."},
     };

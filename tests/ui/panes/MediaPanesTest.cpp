@@ -207,8 +207,9 @@ TEST_F(MediaPanesTest, TheGridShowsTheTakesAndAsksForThePicturesOfShownItemsOnly
 
     // Until the picture arrives the item shows the dark placeholder.
     const QPoint corner = first.topLeft() + QPoint(9, 9);
-    if (!hasImage(0, 0))
+    if (!hasImage(0, 0)) {
         EXPECT_EQ(view->viewport()->grab().toImage().pixelColor(corner), QColor(60, 60, 64));
+    }
     ASSERT_TRUE(waitFor([&] { return hasImage(0, 0); }));
     view->viewport()->grab();
     QApplication::processEvents();
