@@ -703,4 +703,13 @@ TEST_F(MediaPanesTest, DropsAndCutAndPasteCopyOrMoveTakesToTheOtherPane)
     EXPECT_FALSE(QFileInfo::exists(m_main.bpav() + "/CLPR/" + moved));
     window->validateMenuItems();
     EXPECT_FALSE(paste->isEnabled());
+
+    // Copy All Clips to the Other Pane opens the copy dialog on both folders.
+    shown.clear();
+    answerDialog<ClipTransferDialog>([&](ClipTransferDialog* dialog) {
+        shown = dialog->sourceField()->text() + " -> " + dialog->destinationField()->text();
+        dialog->reject();
+    });
+    actionOf(window->editMenu(), MENU_ITEM_ID_ALL_COPY)->trigger();
+    EXPECT_EQ(shown, "card -> card");
 }
