@@ -234,10 +234,13 @@ BLMoveJournal::Recovery BLMoveJournal::recover(const QString& workFolder)
     const QString markerPath = bpav + QLatin1Char('/') + kMarkerName;
     if (!exists(journalPath)) {
         if (!exists(markerPath)) {
-            // What a move stopped before its journal was written left behind.
-            const QString staging = bpav + QLatin1Char('/') + BLTakeMover::kStagingName;
-            if (exists(staging) && FolderLock(bpav).held())
-                BLTakeMover(bpav, bpav).clearStaging();
+            // What a move stopped before its journal was written left behind:
+            // its staging folder and the journal's temporary file.
+            if (FolderLock(bpav).held()) {
+                if (exists(bpav + QLatin1Char('/') + BLTakeMover::kStagingName))
+                    BLTakeMover(bpav, bpav).clearStaging();
+                BLAtomicFile::removeLeftovers(journalPath);
+            }
             return recovery;
         }
         const QString source = readMarker(markerPath);
