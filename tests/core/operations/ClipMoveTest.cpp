@@ -143,6 +143,21 @@ TEST_F(ClipMoveTest, OnOneVolumeAMoveNeedsNoSpaceAndBothIndexesListWhatIsThere)
     EXPECT_TRUE(source.getRepairs().isEmpty() && destination.getRepairs().isEmpty());
 }
 
+// A move killed while writing its first journal leaves its temporary file
+// and staging folder; the next load of the source removes both, and only them.
+TEST_F(ClipMoveTest, TheNextLoadRemovesWhatAMoveKilledBeforeItsJournalLeft)
+{
+    const QString bpav = card->bpav();
+    const QStringList before = QDir(bpav).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    QFile temporary(bpav + "/..clipwright-move.json.Ab12Cd");
+    ASSERT_TRUE(temporary.open(QIODevice::WriteOnly) && temporary.write("{\"pha") > 0);
+    temporary.close();
+    ASSERT_TRUE(QDir().mkpath(bpav + "/.clipwright-staging/CLPR"));
+
+    EXPECT_EQ(idsOf(BLHouseKeepingCtrl().doHouseKeeping(card->workFolder())).size(), 5);
+    EXPECT_EQ(QDir(bpav).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), before);
+}
+
 // A cancel after the first clip folder of the third take: the first three
 // takes go back, the partly moved one included, and the folder the move made
 // goes too. A folder appearing in the way of the third take: the same, and
