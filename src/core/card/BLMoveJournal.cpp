@@ -9,6 +9,7 @@
 #include "core/services/BLCommon.h"
 #include "core/services/BLLogCtrl.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -235,9 +236,13 @@ BLMoveJournal::Recovery BLMoveJournal::recover(const QString& workFolder)
     if (!exists(journalPath)) {
         if (!exists(markerPath)) {
             // What a move stopped before its journal was written left behind:
-            // its staging folder and the journal's temporary file.
-            if (FolderLock(bpav).held()) {
-                if (exists(bpav + QLatin1Char('/') + BLTakeMover::kStagingName))
+            // its staging folder and the journal's temporary file. One listing
+            // finds them; the lock is taken only when there is something to clear.
+            const QStringList leftovers = QDir(bpav).entryList(
+                {BLTakeMover::kStagingName, QLatin1Char('.') + kFileName + QStringLiteral(".??????")},
+                QDir::AllEntries | QDir::Hidden | QDir::System);
+            if (!leftovers.isEmpty() && FolderLock(bpav).held()) {
+                if (leftovers.contains(BLTakeMover::kStagingName))
                     BLTakeMover(bpav, bpav).clearStaging();
                 BLAtomicFile::removeLeftovers(journalPath);
             }

@@ -24,7 +24,6 @@
 #include <exception>
 
 namespace {
-constexpr int kProcessId = 633;
 constexpr int kSortProcessId = 636;
 constexpr int kFirstMenuTag = 44001;
 constexpr int kLastMenuTag = 44216;

@@ -147,6 +147,9 @@ signals:
     void scrollToItem(int row);
 
 private:
+    // The grid's process id in the log.
+    static constexpr int kProcessId = 633;
+
     // One reload of the selected folder (changeFolder repeats it while asked).
     void loadFolder();
     void addThumbDataObject(const DOTakeData& take, int indexTakeData);

@@ -26,8 +26,6 @@
 
 namespace {
 
-constexpr int kProcessId = 633;
-
 // A UMID list given as a list or as one text.
 QStringList umidsOf(const QVariant& value)
 {

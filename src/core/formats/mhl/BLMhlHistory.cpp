@@ -1,6 +1,7 @@
 #include "core/formats/mhl/BLMhlHistory.h"
 
 #include "core/formats/metadata/BLDomXmlParse.h"
+#include "core/services/AppVersion.h"
 #include "core/services/BLAtomicFile.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
@@ -142,7 +143,7 @@ QString BLMhlHistory::writeGeneration(const QList<Entry>& entries, const QString
     xml.writeTextElement(QStringLiteral("creationdate"), xmlDate(now));
     xml.writeTextElement(QStringLiteral("hostname"), QHostInfo::localHostName());
     xml.writeStartElement(QStringLiteral("tool"));
-    xml.writeAttribute(QStringLiteral("version"), QStringLiteral(CLIPWRIGHT_VERSION));
+    xml.writeAttribute(QStringLiteral("version"), appVersion());
     xml.writeCharacters(QStringLiteral("Clipwright"));
     xml.writeEndElement();
     xml.writeEndElement();
