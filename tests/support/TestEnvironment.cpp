@@ -6,7 +6,12 @@
 #include "core/services/BLLogCtrl.h"
 #include "core/services/BLPlistCtrl.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
 
 #include <cstdlib>
 
@@ -80,6 +85,42 @@ QStringList logMessages()
             messages << line.mid(20); // after "YYYY/MM/DD hh:mm:ss "
     }
     return messages;
+}
+
+bool waitFor(const std::function<bool()>& condition, int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QThread::msleep(2); // leaves the cores to the threads being waited for
+    }
+    return true;
+}
+
+void settle(int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    do
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    while (timer.elapsed() < milliseconds);
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const QString& path, const QByteArray& data)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(data) == data.size() &&
+           file.flush();
 }
 
 void isolateProcessHome()

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 namespace cwtest {
@@ -35,6 +36,16 @@ void writeSettings(const QString& configHome, const QVariantMap& values);
 
 // The current home's log lines without their time stamps ("PPPP:message").
 QStringList logMessages();
+
+// Runs the event loop until the condition holds; false after the timeout.
+bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000);
+// Runs the event loop for a while so that queued notifications arrive.
+void settle(int milliseconds = 50);
+
+// A file's bytes; empty when it cannot be read.
+QByteArray readFile(const QString& path);
+// Writes a file, making its folder first; false on an error.
+bool writeFile(const QString& path, const QByteArray& data);
 
 // Base fixture: a fresh home per test.
 class HomeTest : public ::testing::Test

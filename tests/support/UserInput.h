@@ -1,12 +1,13 @@
 #pragma once
 
 // What the widget tests do as a user would: mouse and key events sent to a
-// widget, scripts run once a modal dialog is up, waits on the event loop.
+// widget, scripts run once a modal dialog is up.
+
+#include "support/TestEnvironment.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -18,25 +19,6 @@
 #include <functional>
 
 namespace cwtest {
-
-// Runs the event loop until the condition holds; false after the timeout.
-inline bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > milliseconds)
-            return false;
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return true;
-}
-
-inline void settle()
-{
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
 
 inline void mouse(QWidget* target, QEvent::Type type, const QPoint& at,
                   Qt::KeyboardModifiers modifiers = Qt::NoModifier, Qt::MouseButton button = Qt::LeftButton)

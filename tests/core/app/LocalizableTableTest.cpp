@@ -66,17 +66,6 @@ TEST(LocalizableTableTest, EachKeyIsDefinedOnceAndFormatsCarryTheirPlaceholders)
     }
     EXPECT_TRUE(duplicates.isEmpty()) << duplicates.join(' ').toStdString();
 
-    // Formats filled by the program: the disk-use limit (limit, needed, free,
-    // use) and the folder that already fits (name, capacity, size).
-    const QString limit = BLLocalizedStrings::text("MSG_6510_3193");
-    EXPECT_EQ(limit.arg(90).arg("6.0 GB").arg("15.0 GB").arg(91).count(QRegularExpression("%[0-9]")), 0);
-    for (const char* marker : {"%1", "%2", "%3", "%4"})
-        EXPECT_TRUE(limit.contains(marker)) << marker;
-    const QString fits = BLLocalizedStrings::text("MSG_653_3178");
-    for (const char* marker : {"%1", "%2", "%3"})
-        EXPECT_TRUE(fits.contains(marker)) << marker;
-    EXPECT_FALSE(fits.contains("%4"));
-
     // Only those show markers; the others may not show a stray one.
     for (const QString& key : std::as_const(seen)) {
         const bool markers = BLLocalizedStrings::text(key).contains(QRegularExpression("%[0-9@]"));

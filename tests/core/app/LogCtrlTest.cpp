@@ -18,12 +18,6 @@ QString logDir(const cwtest::ScopedHome& home)
     return home.stateHome() + "/Clipwright";
 }
 
-QByteArray readAll(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 void useLevel(const cwtest::ScopedHome& home, const QString& level)
 {
     cwtest::writeSettings(home.configHome(), QVariantMap{{"LOG_FLAG", level}});
@@ -37,7 +31,7 @@ TEST_F(LogTest, LogLineFormatAndProcessIds)
     log->debugLogForProcessId(7, "[A b] Start");
     log->debugLogForProcessId(6510, "x");
     log->infoLogForProcessId(12345, QString::fromUtf8("caf\u00e9"));
-    const QByteArray text = readAll(logDir(home()) + "/Clipwright.log");
+    const QByteArray text = cwtest::readFile(logDir(home()) + "/Clipwright.log");
     const QList<QByteArray> lines = text.split('\n');
     ASSERT_EQ(lines.size(), 4); // three lines and the empty rest after the last LF
     const QRegularExpression stamp(R"(^\d{4}/\d{2}/\d{2} \d{2}:\d{2}:\d{2} )");
@@ -64,22 +58,13 @@ TEST_F(LogTest, LogLevelsFilterTheirCalls)
         useLevel(fresh, c.level);
         BLLogCtrl::sharedCtrl()->debugLogForProcessId(1, "debug-line");
         BLLogCtrl::sharedCtrl()->infoLogForProcessId(1, "info-line");
-        const QByteArray text = readAll(logDir(fresh) + "/Clipwright.log");
+        const QByteArray text = cwtest::readFile(logDir(fresh) + "/Clipwright.log");
         EXPECT_EQ(text.contains("debug-line"), c.debug) << c.level;
         EXPECT_EQ(text.contains("info-line"), c.info) << c.level;
         if (!c.debug && !c.info) {
             EXPECT_FALSE(QFileInfo::exists(logDir(fresh))) << "no log folder at level " << c.level;
         }
     }
-}
-
-TEST_F(LogTest, LogLevelIsReadOnceAtCreation)
-{
-    useLevel(home(), "OFF");
-    BLLogCtrl* log = BLLogCtrl::sharedCtrl();
-    useLevel(home(), "ALL");
-    log->debugLogForProcessId(0, "ignored");
-    EXPECT_FALSE(QFileInfo::exists(logDir(home())));
 }
 
 TEST_F(LogTest, LogRotatesOnlyAboveTheLimit)
@@ -103,7 +88,7 @@ TEST_F(LogTest, LogRotatesOnlyAboveTheLimit)
     makeFile(older, 10); // an earlier generation is replaced
     BLLogCtrl::sharedCtrl()->debugLogForProcessId(1, "alone");
     EXPECT_EQ(QFileInfo(older).size(), BLLogCtrl::kRotateSize + 1);
-    const QByteArray text = readAll(current);
+    const QByteArray text = cwtest::readFile(current);
     EXPECT_TRUE(text.endsWith("0001:alone\r\n"));
     EXPECT_EQ(text.count('\n'), 1);
 }
@@ -120,7 +105,7 @@ TEST_F(LogTest, LogLinesFromManyThreadsStayWhole)
         });
     for (auto& th : threads)
         th.join();
-    const QList<QByteArray> lines = readAll(logDir(home()) + "/Clipwright.log").split('\n');
+    const QList<QByteArray> lines = cwtest::readFile(logDir(home()) + "/Clipwright.log").split('\n');
     ASSERT_EQ(lines.size(), 801);
     for (int i = 0; i < 800; ++i)
         EXPECT_TRUE(lines[i].endsWith(QByteArray(50, 'x') + "\r")) << lines[i].constData();

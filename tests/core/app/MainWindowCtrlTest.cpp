@@ -1,64 +1,23 @@
 #include "core/app/BLMainWindowCtrl.h"
-#include "core/app/IMainWindowView.h"
 #include "core/card/DOTakeData.h"
 #include "core/services/BLCommon.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
+#include "support/FakeMainWindowView.h"
+#include "support/NotificationRecorder.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
-
-namespace {
-
-// Stands in for the main window: answers with set values and keeps a
-// journal of what the controller asked for, in order.
-class FakeMainWindowView : public IMainWindowView
-{
-public:
-    QRectF screen{0, 0, 1920, 1080};
-    QRectF frame;
-    QSizeF minimum{800, 600};
-    bool visible = true;
-    bool key = true;
-    bool locked = false;
-    bool sheetVisible = false;
-    QStringList journal;
-
-    QRectF screenFrame() const override { return screen; }
-    QRectF windowFrame() const override { return frame; }
-    void setWindowFrame(const QRectF& f) override { frame = f; }
-    QSizeF minimumWindowSize() const override { return minimum; }
-    bool isWindowVisible() const override { return visible; }
-    bool isKeyWindow() const override { return key; }
-    void setSplitToDefault() override { journal << "split default"; }
-    void setDividersLocked(bool l) override { locked = l; }
-    bool isHouseKeepingSheetVisible() const override { return sheetVisible; }
-    void showHouseKeepingSheet() override
-    {
-        sheetVisible = true;
-        journal << "show sheet";
-    }
-    void closeHouseKeepingSheet() override
-    {
-        sheetVisible = false;
-        journal << "close sheet";
-    }
-};
-
-} // namespace
 
 class MainWindowCtrlTest : public cwtest::HomeTest
 {
 protected:
     void enableLog() { cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}}); }
-    FakeMainWindowView view;
+    cwtest::FakeMainWindowView view;
 };
 
 TEST_F(MainWindowCtrlTest, AStoredOriginIsUsedOnlyWhenBothCoordinatesArePresent)
@@ -133,9 +92,7 @@ TEST_F(MainWindowCtrlTest, ClosingRemovesThumbnailsOlderThanTheCacheLifeTime)
     }
 
     // The cache serves requests until the window closes, then no more.
-    int delivered = 0;
-    SCNotificationCenter::defaultCenter()->addObserver(this, SC::SCCacheImageDidGetNotification,
-                                                       [&](const SCNotification&) { ++delivered; });
+    const cwtest::NotificationRecorder delivered({SC::SCCacheImageDidGetNotification});
     const auto requestPicture = [](qint64 keyFrame) {
         DOTakeData unusable; // no essence: answered with the error picture
         unusable.setUmid(QString(64, 'A'));
@@ -148,20 +105,13 @@ TEST_F(MainWindowCtrlTest, ClosingRemovesThumbnailsOlderThanTheCacheLifeTime)
              {SC::SCCacheRTakeDataKey, QVariant::fromValue(unusable)}});
     };
     requestPicture(1);
-    QElapsedTimer clock;
-    clock.start();
-    while (delivered == 0 && clock.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    ASSERT_EQ(delivered, 1);
+    ASSERT_TRUE(cwtest::waitFor([&] { return delivered.notes.size() == 1; }));
 
     ctrl.windowWillCloseNotification();
     EXPECT_EQ(QDir(cache).entryList(QDir::Files), QStringList{"made29DaysAgo.bmp"});
     requestPicture(2);
-    clock.restart();
-    while (clock.elapsed() < 300)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    EXPECT_EQ(delivered, 1);
-    SCNotificationCenter::defaultCenter()->removeObserver(this);
+    cwtest::settle(300);
+    EXPECT_EQ(delivered.notes.size(), 1);
 }
 
 TEST_F(MainWindowCtrlTest, ResizeKeepsTheMinimumSizeAndOnlyAZoomLocksTheDividers)

@@ -30,20 +30,6 @@ QByteArray pattern(qint64 size)
     return data;
 }
 
-void writeBytes(const QString& path, const QByteArray& data)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(data), data.size());
-}
-
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // A worker as the copy, move and delete workers use it: records the progress
 // shown at each pause and can ask to cancel at a chosen pause.
 class RecordingWorker : public BLProgressThread
@@ -70,7 +56,7 @@ protected:
     void SetUp() override
     {
         m_data = pattern(25 * kMiB);
-        writeBytes(src(), m_data);
+        ASSERT_TRUE(cwtest::writeFile(src(), m_data));
     }
     QString src() const { return m_dir.filePath("C0001.MP4"); }
     QString dst() const { return m_dir.filePath("out/C0001.MP4"); }
@@ -88,7 +74,7 @@ TEST_F(CopyWithProgressTest, ChunksOfTenMiBAreReportedInWholeMiB)
     EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
     EXPECT_EQ(worker.maxima, QList<double>({25, 25, 25}));
     EXPECT_EQ(done, 25);
-    EXPECT_EQ(readBytes(dst()), m_data);
+    EXPECT_EQ(cwtest::readFile(dst()), m_data);
 
     // The counter continues from what was done before and is clamped to the total.
     RecordingWorker second;
@@ -99,7 +85,7 @@ TEST_F(CopyWithProgressTest, ChunksOfTenMiBAreReportedInWholeMiB)
     EXPECT_EQ(counter, 30);
 
     // An empty file gives an empty copy.
-    writeBytes(m_dir.filePath("empty.BIM"), "");
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("empty.BIM"), ""));
     EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("empty.BIM"), m_dir.filePath("out/empty.BIM"),
                                              nullptr, nullptr, 0),
               0);
@@ -123,7 +109,7 @@ TEST_F(CopyWithProgressTest, ASourceTheKernelCannotCopyGoesThroughABuffer)
     EXPECT_EQ(BLCommon::copyFileWithProgress(fifo, dst(), &worker, &done, 25), 0);
     writer.join();
     EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
-    EXPECT_EQ(readBytes(dst()), m_data);
+    EXPECT_EQ(cwtest::readFile(dst()), m_data);
 }
 
 TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
@@ -136,7 +122,7 @@ TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
     EXPECT_EQ(done, 20);
     EXPECT_EQ(worker.shown, QList<double>({10, 20}));
     // The partial copy stays for the caller to remove; what counted is intact.
-    EXPECT_EQ(readBytes(dst()).left(20 * kMiB), m_data.left(20 * kMiB));
+    EXPECT_EQ(cwtest::readFile(dst()).left(20 * kMiB), m_data.left(20 * kMiB));
 
     // Without verification a cancel during the last chunk comes too late: the
     // file is whole. (A verified copy still has its read-back to go.)
@@ -144,10 +130,10 @@ TEST_F(CopyWithProgressTest, CancelIsTestedBetweenChunksAndKeepsThePartialCopy)
     late.cancelAtWait = 3;
     EXPECT_EQ(
         BLCommon::copyFileWithProgress(src(), m_dir.filePath("out/late.MP4"), &late, nullptr, 25, false), 0);
-    EXPECT_EQ(readBytes(m_dir.filePath("out/late.MP4")), m_data);
+    EXPECT_EQ(cwtest::readFile(m_dir.filePath("out/late.MP4")), m_data);
 
     // A file of exactly two chunks has no chunk after its second.
-    writeBytes(m_dir.filePath("two.MP4"), m_data.left(20 * kMiB));
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("two.MP4"), m_data.left(20 * kMiB)));
     RecordingWorker exact;
     exact.cancelAtWait = 2;
     EXPECT_EQ(BLCommon::copyFileWithProgress(m_dir.filePath("two.MP4"), m_dir.filePath("out/two.MP4"), &exact,
@@ -166,7 +152,7 @@ TEST_F(CopyWithProgressTest, AVerifiedCopyHashesTheSourceAndReadsTheCopyBack)
     const quint64 expected = XXH64(m_data.constData(), size_t(m_data.size()), 0);
     EXPECT_EQ(hash, expected);
     EXPECT_EQ(worker.shown, QList<double>({10, 20, 25})); // the read-back adds no progress
-    EXPECT_EQ(readBytes(dst()), m_data);
+    EXPECT_EQ(cwtest::readFile(dst()), m_data);
 
     // The short form follows the setting, on unless switched off.
     const QString other = m_dir.filePath("out/other.MP4");
@@ -174,7 +160,7 @@ TEST_F(CopyWithProgressTest, AVerifiedCopyHashesTheSourceAndReadsTheCopyBack)
     BLPlistCtrl::sharedCtrl()->setVerifyCopy(false);
     const QString plain = m_dir.filePath("out/plain.MP4");
     EXPECT_EQ(BLCommon::copyFileWithProgress(src(), plain, nullptr, nullptr, 25), 0);
-    EXPECT_EQ(readBytes(plain), m_data);
+    EXPECT_EQ(cwtest::readFile(plain), m_data);
     const QStringList log = cwtest::logMessages();
     const QString hex = QString::asprintf("%016llx", qulonglong(expected));
     for (const QString& path : {dst(), other})
@@ -185,7 +171,7 @@ TEST_F(CopyWithProgressTest, AVerifiedCopyHashesTheSourceAndReadsTheCopyBack)
     // The read-back refuses a file one byte off, or one it cannot read.
     QByteArray changed = m_data;
     changed[15 * kMiB + 3] = char(changed[15 * kMiB + 3] ^ 0x01);
-    writeBytes(m_dir.filePath("changed.MP4"), changed);
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("changed.MP4"), changed));
     const struct
     {
         QString path;
@@ -211,14 +197,14 @@ TEST_F(CopyWithProgressTest, CancelDuringTheReadBackAnswersThree)
     qint64 done = 0;
     EXPECT_EQ(BLCommon::copyFileWithProgress(src(), dst(), &worker, &done, 25, true), 3);
     EXPECT_EQ(worker.shown, QList<double>({10, 20, 25}));
-    EXPECT_EQ(readBytes(dst()), m_data); // copied whole; only the check was cut short
+    EXPECT_EQ(cwtest::readFile(dst()), m_data); // copied whole; only the check was cut short
 
     bool cancelled = false;
     const quint64 expected = XXH64(m_data.constData(), size_t(m_data.size()), 0);
     EXPECT_FALSE(BLCommon::verifyCopiedFile(dst(), expected, &worker, &cancelled));
     EXPECT_TRUE(cancelled);
     // A file of one chunk has nothing after it to cancel.
-    writeBytes(m_dir.filePath("one.XML"), "<xml/>");
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("one.XML"), "<xml/>"));
     EXPECT_TRUE(
         BLCommon::verifyCopiedFile(m_dir.filePath("one.XML"), XXH64("<xml/>", 6, 0), &worker, &cancelled));
     EXPECT_FALSE(cancelled);
@@ -241,12 +227,12 @@ TEST_F(CopyWithProgressTest, ReadAndWriteErrorsAnswerTwoAndLeaveTheSource)
     ASSERT_TRUE(WIFEXITED(status)) << status;
     EXPECT_EQ(WEXITSTATUS(status), 2);
     EXPECT_EQ(QFileInfo(dst()).size(), 15 * kMiB); // the partial file stays for the caller
-    EXPECT_EQ(readBytes(src()), m_data);
+    EXPECT_EQ(cwtest::readFile(src()), m_data);
 
     // Unreadable sources (the kernel refuses to read address 0 of this
     // process's memory), unwritable destinations, and an existing destination,
     // which is never replaced.
-    writeBytes(m_dir.filePath("out/keep.MP4"), "precious");
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("out/keep.MP4"), "precious"));
     const QString refused[][2] = {{"/proc/self/mem", "out/mem"},
                                   {m_dir.filePath("missing"), "out/x"},
                                   {m_dir.path(), "out/dir"},
@@ -255,7 +241,7 @@ TEST_F(CopyWithProgressTest, ReadAndWriteErrorsAnswerTwoAndLeaveTheSource)
     for (const auto& c : refused)
         EXPECT_EQ(BLCommon::copyFileWithProgress(c[0], m_dir.filePath(c[1]), nullptr, nullptr, 1), 2)
             << c[1].toStdString();
-    EXPECT_EQ(readBytes(m_dir.filePath("out/keep.MP4")), "precious");
+    EXPECT_EQ(cwtest::readFile(m_dir.filePath("out/keep.MP4")), "precious");
 }
 
 class FileOpsTest : public cwtest::HomeTest
@@ -267,27 +253,27 @@ protected:
 
 TEST_F(FileOpsTest, CaseOnlyRenameGoesThroughATemporaryName)
 {
-    writeBytes(path("work/clip/clipM01.XML"), "clip");
+    ASSERT_TRUE(cwtest::writeFile(path("work/clip/clipM01.XML"), "clip"));
     ASSERT_TRUE(BLCommon::moveFolder(path("work/clip"), path("work/CLIP")));
     EXPECT_EQ(QDir(path("work")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList({"CLIP"})); // no temporary name left behind
-    EXPECT_EQ(readBytes(path("work/CLIP/clipM01.XML")), "clip");
+    EXPECT_EQ(cwtest::readFile(path("work/CLIP/clipM01.XML")), "clip");
 
     // Onto another existing name: refused, and both stay as they were.
-    writeBytes(path("work/clip/a.XML"), "lower");
+    ASSERT_TRUE(cwtest::writeFile(path("work/clip/a.XML"), "lower"));
     ASSERT_TRUE(QFileInfo::exists(path("work/CLIP")));
     EXPECT_FALSE(BLCommon::moveFolder(path("work/clip"), path("work/CLIP")));
-    EXPECT_EQ(readBytes(path("work/clip/a.XML")), "lower");
-    EXPECT_EQ(readBytes(path("work/CLIP/clipM01.XML")), "clip");
+    EXPECT_EQ(cwtest::readFile(path("work/clip/a.XML")), "lower");
+    EXPECT_EQ(cwtest::readFile(path("work/CLIP/clipM01.XML")), "clip");
     EXPECT_EQ(QDir(path("work/CLIP")).entryList(QDir::Files), QStringList({"clipM01.XML"}));
 
     // A file is not replaced either; a plain move works.
-    writeBytes(path("f1"), "1");
-    writeBytes(path("f2"), "2");
+    ASSERT_TRUE(cwtest::writeFile(path("f1"), "1"));
+    ASSERT_TRUE(cwtest::writeFile(path("f2"), "2"));
     EXPECT_FALSE(BLCommon::moveFolder(path("f1"), path("f2")));
-    EXPECT_EQ(readBytes(path("f2")), "2");
+    EXPECT_EQ(cwtest::readFile(path("f2")), "2");
     EXPECT_TRUE(BLCommon::moveFolder(path("f1"), path("work/f1")));
-    EXPECT_EQ(readBytes(path("work/f1")), "1");
+    EXPECT_EQ(cwtest::readFile(path("work/f1")), "1");
     EXPECT_FALSE(BLCommon::moveFolder(path("missing"), path("work/missing")));
 }
 
@@ -304,19 +290,19 @@ TEST_F(FileOpsTest, MovesAcrossFileSystemsCopyAndRemove)
         GTEST_SKIP() << "needs a writable /dev/shm on another file system";
     QTemporaryDir other("/dev/shm/clipwright-test-XXXXXX");
     ASSERT_TRUE(other.isValid());
-    writeBytes(path("card/C0001/C0001.MP4"), pattern(kMiB));
-    writeBytes(path("card/C0001/.hidden"), "h");
+    ASSERT_TRUE(cwtest::writeFile(path("card/C0001/C0001.MP4"), pattern(kMiB)));
+    ASSERT_TRUE(cwtest::writeFile(path("card/C0001/.hidden"), "h"));
     EXPECT_TRUE(BLCommon::moveFolder(path("card/C0001"), other.filePath("C0001")));
     EXPECT_FALSE(QFileInfo::exists(path("card/C0001")));
-    EXPECT_EQ(readBytes(other.filePath("C0001/C0001.MP4")), pattern(kMiB));
-    EXPECT_EQ(readBytes(other.filePath("C0001/.hidden")), "h");
+    EXPECT_EQ(cwtest::readFile(other.filePath("C0001/C0001.MP4")), pattern(kMiB));
+    EXPECT_EQ(cwtest::readFile(other.filePath("C0001/.hidden")), "h");
     // The chunked copy, which the kernel cannot do across file systems.
-    writeBytes(path("big.MP4"), pattern(12 * kMiB));
+    ASSERT_TRUE(cwtest::writeFile(path("big.MP4"), pattern(12 * kMiB)));
     qint64 done = 0;
     EXPECT_EQ(BLCommon::copyFileWithProgress(path("big.MP4"), other.filePath("big.MP4"), nullptr, &done, 12),
               0);
     EXPECT_EQ(done, 12);
-    EXPECT_EQ(readBytes(other.filePath("big.MP4")), pattern(12 * kMiB));
+    EXPECT_EQ(cwtest::readFile(other.filePath("big.MP4")), pattern(12 * kMiB));
     // Back onto an existing folder: refused, the source stays.
     QDir().mkpath(path("card/C0001"));
     EXPECT_FALSE(BLCommon::moveFolder(other.filePath("C0001"), path("card/C0001")));
@@ -325,15 +311,15 @@ TEST_F(FileOpsTest, MovesAcrossFileSystemsCopyAndRemove)
 
 TEST_F(FileOpsTest, CopyCreateAndRemove)
 {
-    writeBytes(path("src/C0001/C0001.MP4"), "essence");
-    writeBytes(path("src/C0001/.hidden"), "h");
-    writeBytes(path("src/C0001/sub/C0001.BIM"), "bim");
+    ASSERT_TRUE(cwtest::writeFile(path("src/C0001/C0001.MP4"), "essence"));
+    ASSERT_TRUE(cwtest::writeFile(path("src/C0001/.hidden"), "h"));
+    ASSERT_TRUE(cwtest::writeFile(path("src/C0001/sub/C0001.BIM"), "bim"));
     ASSERT_TRUE(QFile::link("C0001.MP4", path("src/C0001/link.MP4")));
 
     ASSERT_TRUE(BLCommon::copyFile(path("src/C0001"), path("dst")));
-    EXPECT_EQ(readBytes(path("dst/C0001.MP4")), "essence");
-    EXPECT_EQ(readBytes(path("dst/.hidden")), "h");
-    EXPECT_EQ(readBytes(path("dst/sub/C0001.BIM")), "bim");
+    EXPECT_EQ(cwtest::readFile(path("dst/C0001.MP4")), "essence");
+    EXPECT_EQ(cwtest::readFile(path("dst/.hidden")), "h");
+    EXPECT_EQ(cwtest::readFile(path("dst/sub/C0001.BIM")), "bim");
     EXPECT_EQ(QFileInfo(path("dst/link.MP4")).symLinkTarget(), path("dst/C0001.MP4")); // still relative
     EXPECT_FALSE(BLCommon::copyFile(path("src/C0001"), path("dst")));                  // exists
     EXPECT_FALSE(BLCommon::copyFile(path("src/missing"), path("dst2")));
@@ -354,9 +340,9 @@ TEST_F(FileOpsTest, CopyCreateAndRemove)
 
     EXPECT_FALSE(BLCommon::createNewFolder(path("a/b")));
     EXPECT_TRUE(BLCommon::createNewFolderWithParent(path("a/b")));
-    writeBytes(path("new/full"), "data");
+    ASSERT_TRUE(cwtest::writeFile(path("new/full"), "data"));
     EXPECT_FALSE(BLCommon::createNewFile(path("new/full"))); // an existing file is kept
-    EXPECT_EQ(readBytes(path("new/full")), "data");
+    EXPECT_EQ(cwtest::readFile(path("new/full")), "data");
 
     EXPECT_TRUE(BLCommon::removeFile(path("dst/link.MP4")));
     EXPECT_TRUE(QFileInfo::exists(path("dst/C0001.MP4"))); // the link went, not its target
@@ -368,8 +354,8 @@ TEST_F(FileOpsTest, CopyCreateAndRemove)
 
 TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
 {
-    writeBytes(path("a/C0001.MP4"), "1");
-    writeBytes(path("a/C0002.MP4"), "2");
+    ASSERT_TRUE(cwtest::writeFile(path("a/C0001.MP4"), "1"));
+    ASSERT_TRUE(cwtest::writeFile(path("a/C0002.MP4"), "2"));
     QDir().mkpath(path("b"));
 
     RecordingWorker worker;
@@ -388,8 +374,8 @@ TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
     // Removal goes from the last path to the first: files before their folder.
     cwtest::ScopedHome home;
     cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "ALL"}});
-    writeBytes(path("t/TAKR/T1/T1.SMI"), "s");
-    writeBytes(path("t/TAKR/T1/T1M01.XML"), "x");
+    ASSERT_TRUE(cwtest::writeFile(path("t/TAKR/T1/T1.SMI"), "s"));
+    ASSERT_TRUE(cwtest::writeFile(path("t/TAKR/T1/T1M01.XML"), "x"));
     const QStringList paths = {path("t/TAKR/T1"), path("t/TAKR/T1/T1.SMI"), path("t/TAKR/T1/T1M01.XML")};
     RecordingWorker remover;
     int removed = 0;
@@ -404,9 +390,9 @@ TEST_F(FileOpsTest, MoveAndRemoveWithProgressCountAndStopOnCancel)
     EXPECT_LT(log.indexOf(line.arg(paths[1])), log.indexOf(line.arg(paths[0])));
 
     // Cancel stops after the current path; a failed removal stops at once.
-    writeBytes(path("u/1"), "1");
-    writeBytes(path("u/2"), "2");
-    writeBytes(path("u/3"), "3");
+    ASSERT_TRUE(cwtest::writeFile(path("u/1"), "1"));
+    ASSERT_TRUE(cwtest::writeFile(path("u/2"), "2"));
+    ASSERT_TRUE(cwtest::writeFile(path("u/3"), "3"));
     RecordingWorker cancelling;
     cancelling.setCancel();
     int from = 0;

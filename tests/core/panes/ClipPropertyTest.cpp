@@ -4,10 +4,10 @@
 #include "core/operations/IClipPropertyView.h"
 #include "core/services/BLAtomicFile.h"
 #include "core/services/BLCommon.h"
-#include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
+#include "support/NotificationRecorder.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -44,19 +44,6 @@ public:
     void endModal(int code) override { endCodes.append(code); }
 };
 
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeContents(const QString& path, const QByteArray& data)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(data);
-}
-
 class ClipPropertyTest : public cwtest::HomeTest
 {
 protected:
@@ -71,13 +58,9 @@ protected:
             if (!take.getSingleClipFlag())
                 m_take = take;
         ASSERT_EQ(m_take.getClipData().size(), 2);
-        SCNotificationCenter::defaultCenter()->addObserver(
-            this, SC::SCClipPropertyDidChangeNotification,
-            [this](const SCNotification& n) { m_changes.append(n.userInfo); });
     }
     void TearDown() override
     {
-        SCNotificationCenter::defaultCenter()->removeObserver(this);
         BLAtomicFile::setRenameHookForTesting(nullptr);
         HomeTest::TearDown();
     }
@@ -123,24 +106,24 @@ protected:
     std::unique_ptr<cwtest::CardFolder> m_card;
     DOTakeData m_take;
     FakePropertyView m_view;
-    QList<QVariantMap> m_changes;
+    cwtest::NotificationRecorder m_changes{{SC::SCClipPropertyDidChangeNotification}};
     cwtest::MessageRecorder m_messages;
 };
 
 TEST_F(ClipPropertyTest, OkWithNothingEditedRewritesTheClipsButNotTheTakeAndTellsNobody)
 {
-    const QByteArray take = contents(takeFile());
+    const QByteArray take = cwtest::readFile(takeFile());
     QList<QByteArray> clips;
     for (const QString& path : clipFiles())
-        clips << contents(path);
+        clips << cwtest::readFile(path);
 
     EXPECT_FALSE(edit(m_take.getUsAscii()));
     EXPECT_EQ(m_view.title, m_take.getTakeID());
     EXPECT_EQ(m_view.endCodes, QList<int>{BLClipPropertyCtrl::kStopCodeOK});
-    EXPECT_EQ(contents(takeFile()), take);
+    EXPECT_EQ(cwtest::readFile(takeFile()), take);
     for (int i = 0; i < clips.size(); ++i)
-        EXPECT_NE(contents(clipFiles()[i]), clips[i]) << i;
-    EXPECT_TRUE(m_changes.isEmpty());
+        EXPECT_NE(cwtest::readFile(clipFiles()[i]), clips[i]) << i;
+    EXPECT_TRUE(m_changes.notes.isEmpty());
     EXPECT_TRUE(m_messages.keys().isEmpty());
 }
 
@@ -183,11 +166,11 @@ TEST_F(ClipPropertyTest, EditedTextsGoTrimmedIntoEveryFileKeepingForeignElements
     const QByteArray foreign = "<x:Extra xmlns:x=\"urn:example:extra\" note=\"keep\"/>";
     const QStringList files = clipFiles() << takeFile();
     for (const QString& path : files) {
-        QByteArray data = contents(path);
+        QByteArray data = cwtest::readFile(path);
         const qsizetype end = data.lastIndexOf("</");
         ASSERT_GT(end, 0);
         data.insert(end, foreign);
-        writeContents(path, data);
+        ASSERT_TRUE(cwtest::writeFile(path, data));
     }
 
     ASSERT_TRUE(edit(QStringLiteral("  Beach day "), QStringLiteral(" Strand "), QStringLiteral(" notes  "),
@@ -204,26 +187,26 @@ TEST_F(ClipPropertyTest, EditedTextsGoTrimmedIntoEveryFileKeepingForeignElements
         ASSERT_TRUE(meta.getNonMetaData(record, BLCommon::getSystemLanguage()));
         EXPECT_EQ(record.getDescription(), "notes");
         EXPECT_EQ(record.getCreator(), "Crew");
-        EXPECT_TRUE(contents(path).contains("note=\"keep\""));
+        EXPECT_TRUE(cwtest::readFile(path).contains("note=\"keep\""));
     }
-    ASSERT_EQ(m_changes.size(), 1);
-    const DOTakeData changed = m_changes[0][SC::SCDidChangeTakeDataKey].value<DOTakeData>();
+    ASSERT_EQ(m_changes.notes.size(), 1);
+    const DOTakeData changed = m_changes.notes[0].userInfo[SC::SCDidChangeTakeDataKey].value<DOTakeData>();
     EXPECT_EQ(changed.getUsAscii(), "Beach day");
     EXPECT_EQ(changed.getCreator(), "Crew");
     EXPECT_FALSE(changed.getLastUpDate().isEmpty());
-    EXPECT_EQ(m_changes[0][SC::SCIndexTakeDataKey].toInt(), 3);
-    EXPECT_EQ(m_changes[0][SC::SCSelectFolderKey].toString(), folder());
+    EXPECT_EQ(m_changes.notes[0].userInfo[SC::SCIndexTakeDataKey].toInt(), 3);
+    EXPECT_EQ(m_changes.notes[0].userInfo[SC::SCSelectFolderKey].toString(), folder());
 }
 
 TEST_F(ClipPropertyTest, AFailedWriteLeavesTheTakeFileAndAVanishedFolderClosesTheDialog)
 {
-    const QByteArray take = contents(takeFile());
+    const QByteArray take = cwtest::readFile(takeFile());
     BLAtomicFile::setRenameHookForTesting(
         [this](const QString&, const QString& to) { return to != takeFile(); });
     EXPECT_FALSE(edit(QStringLiteral("New title")));
     EXPECT_EQ(m_messages.keys(), QStringList{"MSG_631_3166"});
-    EXPECT_EQ(contents(takeFile()), take);
-    EXPECT_TRUE(m_changes.isEmpty());
+    EXPECT_EQ(cwtest::readFile(takeFile()), take);
+    EXPECT_TRUE(m_changes.notes.isEmpty());
     BLAtomicFile::setRenameHookForTesting(nullptr);
 
     m_messages.clear();

@@ -1,5 +1,4 @@
 #include "core/app/BLMainWindowCtrl.h"
-#include "core/app/IMainWindowView.h"
 #include "core/app/panes/BLMediaInfoCtrl.h"
 #include "core/app/panes/BLThumbViewCtrl.h"
 #include "core/app/panes/IMediaInfoView.h"
@@ -16,13 +15,13 @@
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "support/CardFolder.h"
+#include "support/FakeMainWindowView.h"
 #include "support/FrameCounter.h"
 #include "support/MessageRecorder.h"
+#include "support/NotificationRecorder.h"
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QItemSelectionModel>
@@ -69,35 +68,6 @@ public:
     int runModal(IClipTransferCtrl*) override { return 0; }
 };
 
-class FakeMainWindowView : public IMainWindowView
-{
-public:
-    QRectF screenFrame() const override { return {0, 0, 1920, 1080}; }
-    QRectF windowFrame() const override { return {0, 0, 1024, 768}; }
-    void setWindowFrame(const QRectF&) override {}
-    QSizeF minimumWindowSize() const override { return {800, 600}; }
-    bool isWindowVisible() const override { return true; }
-    bool isKeyWindow() const override { return true; }
-    void setSplitToDefault() override {}
-    void setDividersLocked(bool) override {}
-    bool isHouseKeepingSheetVisible() const override { return false; }
-    void showHouseKeepingSheet() override {}
-    void closeHouseKeepingSheet() override {}
-};
-
-// Counts the notifications of one name for as long as it lives.
-class NotificationCounter
-{
-public:
-    explicit NotificationCounter(const QString& name)
-    {
-        SCNotificationCenter::defaultCenter()->addObserver(
-            this, name, [this](const SCNotification& n) { notes.append(n); });
-    }
-    ~NotificationCounter() { SCNotificationCenter::defaultCenter()->removeObserver(this); }
-    QList<SCNotification> notes;
-};
-
 class PanesTest : public cwtest::HomeTest
 {
 protected:
@@ -108,43 +78,18 @@ protected:
         BLClipboardCtrl::sharedCtrl()->setClipData({}, {}, BLClipboardCtrl::kModeEmpty);
     }
 
-    // Turns the event loop until the condition holds (or five seconds pass).
-    static bool pump(const std::function<bool()>& done)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!done() && timer.elapsed() < 5000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QCoreApplication::processEvents();
-        return done();
-    }
-    // Lets queued notifications arrive when nothing is expected to happen.
-    static void settle()
-    {
-        for (int i = 0; i < 5; ++i)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-
     static int logCount(const QString& message) { return int(cwtest::logMessages().filter(message).size()); }
 
     // A Main pane showing the card's work folder, loaded.
-    std::unique_ptr<BLMediaInfoCtrl> openPane(const QString& folder, int type = BLMediaInfoCtrl::kTypeMain,
-                                              BLMainWindowCtrl* window = nullptr)
+    std::unique_ptr<BLMediaInfoCtrl> openPane(const QString& folder)
     {
-        BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
-        if (type == BLMediaInfoCtrl::kTypeMain) {
-            plist->setWorkFolderPathByMain(folder);
-            plist->setSelectFolderPathByMain(folder);
-        } else {
-            plist->setWorkFolderPathBySub1(folder);
-            plist->setSelectFolderPathBySub1(folder);
-        }
-        auto pane = std::make_unique<BLMediaInfoCtrl>(type, window);
+        BLPlistCtrl::sharedCtrl()->setWorkFolderPathByMain(folder);
+        BLPlistCtrl::sharedCtrl()->setSelectFolderPathByMain(folder);
+        auto pane = std::make_unique<BLMediaInfoCtrl>(BLMediaInfoCtrl::kTypeMain, nullptr);
         pane->setView(&m_view);
         EXPECT_FALSE(pane->initializeCtrl());
-        const QString start =
-            QStringLiteral("[BLThumbViewCtrl changeFolder](%1) End").arg(pane->getMediaInfoTypeString());
-        EXPECT_TRUE(pump([&] { return logCount(start) >= 1; }));
+        EXPECT_TRUE(
+            cwtest::waitFor([] { return logCount("[BLThumbViewCtrl changeFolder](Main) End") >= 1; }));
         return pane;
     }
 
@@ -176,8 +121,8 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    NotificationCounter show(SC::SCShowHouseKeepingWindowNotification);
-    NotificationCounter close(SC::SCCloseHouseKeepingWindowNotification);
+    const cwtest::NotificationRecorder show({SC::SCShowHouseKeepingWindowNotification});
+    const cwtest::NotificationRecorder close({SC::SCCloseHouseKeepingWindowNotification});
 
     auto pane = openPane(card.workFolder());
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
@@ -199,21 +144,22 @@ TEST_F(PanesTest, AFolderLoadsOnceReselectingItChangesNothingAndAnUpdateInOtherC
     const QString noChange = "0631:[BLMediaInfoCtrl setSelectFolder](Main) NO change:" + card.workFolder();
     const int noChanges = logCount(noChange);
     pane->setSelectFolder(card.workFolder(), true);
-    settle();
+    cwtest::settle();
     EXPECT_EQ(logCount(noChange), noChanges + 1);
     EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
 
     // An update of the same folder in other case reloads.
     BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
                                              {{SC::SCDUpdateSelectFolderKey, card.workFolder().toUpper()}});
-    EXPECT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
+    EXPECT_TRUE(
+        cwtest::waitFor([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
     EXPECT_EQ(grid.rowCount(), 3);
 
     // The same work folder chosen again is read again.
     ASSERT_TRUE(BLCommon::copyFile(card.bpav() + "/CLPR/ABC0001", card.bpav() + "/CLPR/ABC0001 copy"));
     m_view.chosenFolder = card.workFolder();
     pane->changeWorkFolder();
-    EXPECT_TRUE(pump([&] { return grid.rowCount() == 4; }));
+    EXPECT_TRUE(cwtest::waitFor([&] { return grid.rowCount() == 4; }));
     EXPECT_TRUE(m_messages.keys().isEmpty());
 }
 
@@ -288,7 +234,7 @@ TEST_F(PanesTest, PanesThatLostTheirFoldersStartOnTheVolumeListWithOneMessage)
     plist->setWorkFolderPathBySub1(kept);
     plist->setSelectFolderPathBySub1(kept + "/vanished");
 
-    FakeMainWindowView view;
+    cwtest::FakeMainWindowView view;
     BLMainWindowCtrl window(view);
     window.awakeFromNib();
     EXPECT_TRUE(window.initializeCtrl()); // the program goes on
@@ -323,7 +269,7 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     cwtest::CardFolder plain(plainOptions);
     ASSERT_TRUE(plain.ok()) << plain.error().toStdString();
 
-    FakeMainWindowView windowView;
+    cwtest::FakeMainWindowView windowView;
     BLMainWindowCtrl window(windowView);
     window.awakeFromNib();
     BLMediaInfoCtrl& main = *window.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
@@ -337,8 +283,8 @@ TEST_F(PanesTest, CommandsFollowTheSelectedTakes)
     FakeMediaInfoView subView;
     sub.setView(&subView);
     EXPECT_TRUE(window.initializeCtrl());
-    ASSERT_TRUE(
-        pump([&] { return main.thumbViewCtrl()->rowCount() == 2 && sub.thumbViewCtrl()->rowCount() == 1; }));
+    ASSERT_TRUE(cwtest::waitFor(
+        [&] { return main.thumbViewCtrl()->rowCount() == 2 && sub.thumbViewCtrl()->rowCount() == 1; }));
     BLThumbViewCtrl& grid = *main.thumbViewCtrl();
     BLThumbViewCtrl& subGrid = *sub.thumbViewCtrl();
 
@@ -403,27 +349,27 @@ TEST_F(PanesTest, TakesAddedDeletedAndPicturesArrivingUpdateTheGridInPlace)
     // The first take (in take order) is deleted; another folder's deletion changes nothing.
     const DOTakeData first = pane->getTakeData(0);
     BLCommon::sharedCtrl()->sendDidDeleteNotification(nullptr, {first.getUmid()}, card.workFolder() + "2");
-    settle();
+    cwtest::settle();
     EXPECT_EQ(grid.rowCount(), 3);
     BLCommon::sharedCtrl()->sendDidDeleteNotification(nullptr, {first.getUmid()},
                                                       card.workFolder().toUpper());
-    ASSERT_TRUE(pump([&] { return grid.rowCount() == 2; }));
+    ASSERT_TRUE(cwtest::waitFor([&] { return grid.rowCount() == 2; }));
     EXPECT_TRUE(consistent());
     EXPECT_EQ(pane->getTakeDataByUmid(first.getUmid()), -1);
 
     // And added again: appended and sorted in.
     BLCommon::sharedCtrl()->sendDidAddNotification(nullptr, card.workFolder(), {first});
-    ASSERT_TRUE(pump([&] { return grid.rowCount() == 3; }));
+    ASSERT_TRUE(cwtest::waitFor([&] { return grid.rowCount() == 3; }));
     EXPECT_TRUE(consistent());
     EXPECT_EQ(pane->getTakeDataByUmid(first.getUmid()), 2);
     EXPECT_EQ(rowOf(grid, first.getUmid()), 0); // first by title
     EXPECT_EQ(logCount("0633:[BLThumbViewCtrl changeFolder](Main) Start"), 1);
 
     // Pictures: asked once per item; a stale one is dropped.
-    NotificationCounter requests(SC::SCCacheImageRequestNotification);
+    const cwtest::NotificationRecorder requests({SC::SCCacheImageRequestNotification});
     grid.requestImage(1);
     grid.requestImage(1);
-    ASSERT_TRUE(pump([&] { return requests.notes.size() == 1; }));
+    ASSERT_TRUE(cwtest::waitFor([&] { return requests.notes.size() == 1; }));
     const DOTakeData asked =
         requests.notes.front().userInfo.value(SC::SCCacheRTakeDataKey).value<DOTakeData>();
     EXPECT_EQ(asked.getUmid(), grid.thumbArray()[1].getUmid());
@@ -481,7 +427,7 @@ TEST_F(PanesTest, ANewTypicalPictureIsWrittenIntoTheMetadataShownFromTheCacheAnd
         return !take.clips.empty() &&
                shown(row) == cardgen::FrameCounterValue{take.clips.front().counterClip, 0};
     };
-    ASSERT_TRUE(pump([&] { return firstFrameShown(0) && firstFrameShown(1); }));
+    ASSERT_TRUE(cwtest::waitFor([&] { return firstFrameShown(0) && firstFrameShown(1); }));
 
     // A new typical picture for each take, the multi-clip take's in its second
     // clip: written into every metadata file, shown, made afresh by the cache.
@@ -500,7 +446,7 @@ TEST_F(PanesTest, ANewTypicalPictureIsWrittenIntoTheMetadataShownFromTheCacheAnd
         for (const DOClipData& clip : updated.getClipData())
             EXPECT_EQ(keyFrameIn(clip.getXMLUri()), QString::number(frame));
         const cardgen::FrameCounterValue expected{planned.clips[multi ? 1 : 0].counterClip, multi ? 3 : 4};
-        EXPECT_TRUE(pump([&] { return shown(row) == expected; }));
+        EXPECT_TRUE(cwtest::waitFor([&] { return shown(row) == expected; }));
         EXPECT_TRUE(QFileInfo::exists(
             QDir(cache.getCacheFolderPath()).filePath(BLCacheImageCtrl::makeCacheImageName(updated))));
     }
@@ -512,7 +458,8 @@ TEST_F(PanesTest, ANewTypicalPictureIsWrittenIntoTheMetadataShownFromTheCacheAnd
         before << take.getKeyFrame();
     BLCommon::sharedCtrl()->sendNotification(nullptr, SC::SCSelectFolderDataDidUpdateNotification,
                                              {{SC::SCDUpdateSelectFolderKey, card.workFolder()}});
-    ASSERT_TRUE(pump([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
+    ASSERT_TRUE(
+        cwtest::waitFor([] { return logCount("0633:[BLThumbViewCtrl changeFolder](Main) End") == 2; }));
     QList<qint64> after;
     for (const DOTakeData& take : pane->getTakeData())
         after << take.getKeyFrame();
@@ -530,7 +477,7 @@ TEST_F(PanesTest, ACommandOnASelectedFolderThatWasRemovedShowsTheMessageAndRetur
     ASSERT_TRUE(grid.isEnableMenuItem(MENU_ITEM_ID_COPY));
     ASSERT_TRUE(QDir(card.workFolder()).removeRecursively());
 
-    NotificationCounter stops(SC::SCMovieStopNotification);
+    const cwtest::NotificationRecorder stops({SC::SCMovieStopNotification});
     grid.selectMenuItem(MENU_ITEM_ID_COPY);
     EXPECT_EQ(m_messages.keys(), QStringList{"MSG_632_3199"});
     EXPECT_FALSE(stops.notes.isEmpty());
@@ -548,7 +495,7 @@ TEST_F(PanesTest, AChosenSearchResultShowsItsFolderWithTheTakeSelected)
 
     pane->showFolderWithTake(card.workFolder(), umid);
     BLThumbViewCtrl& grid = *pane->thumbViewCtrl();
-    ASSERT_TRUE(pump([&] { return grid.getSelectCount() == 1; }));
+    ASSERT_TRUE(cwtest::waitFor([&] { return grid.getSelectCount() == 1; }));
     EXPECT_EQ(pane->getWorkFolder(), parent);
     EXPECT_EQ(pane->getSelectFolder(), card.workFolder());
     EXPECT_EQ(pane->getSelectAllTakeData().value(0).getUmid(), umid);

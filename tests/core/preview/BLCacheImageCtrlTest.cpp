@@ -56,7 +56,7 @@ public:
     // Waits for the picture of a take's key frame; the last one delivered.
     std::optional<Delivery> waitFor(const DOTakeData& take) const
     {
-        if (!waitUntil([&] { return countFor(take) > 0; }))
+        if (!cwtest::waitFor([&] { return countFor(take) > 0; }))
             return std::nullopt;
         for (qsizetype i = deliveries.size() - 1; i >= 0; --i)
             if (deliveries[i].umid == take.getUmid() && deliveries[i].frameNo == take.getKeyFrame())
@@ -86,13 +86,6 @@ void setModified(const QString& path, const QDateTime& when)
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite)) << path.toStdString();
     ASSERT_TRUE(file.setFileTime(when, QFileDevice::FileModificationTime));
-}
-
-void writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(bytes);
 }
 
 // A card with two single-clip takes and one take of two clips, 9 frames a clip.
@@ -137,30 +130,6 @@ cwtest::CardFolder* CacheImageCtrlTest::s_card = nullptr;
 
 } // namespace
 
-TEST(CacheImageName, UmidKeyFrameAndStatusNameTheFile)
-{
-    const QString umid = "060A2B340101010501010D43130000000123456789ABCDEF0123456789ABCDEF";
-    // The last 32 characters of the UMID (all of a shorter one), the key
-    // frame in at least 8 digits, the status.
-    const struct
-    {
-        QString umid;
-        qint64 keyFrame;
-        int status;
-        QString name;
-    } cases[] = {{umid, 1234, 0, umid.right(32) + "_00001234_0.bmp"},
-                 {umid.left(31), 1234, 0, umid.left(31) + "_00001234_0.bmp"},
-                 {umid.left(33), 1234, 0, umid.mid(1, 32) + "_00001234_0.bmp"},
-                 {umid, 123456789, 4, umid.right(32) + "_123456789_4.bmp"}};
-    for (const auto& c : cases) {
-        DOTakeData take;
-        take.setUmid(c.umid);
-        take.setKeyFrame(c.keyFrame);
-        take.setTakeStatus(c.status);
-        EXPECT_EQ(BLCacheImageCtrl::makeCacheImageName(take), c.name);
-    }
-}
-
 TEST_F(CacheImageCtrlTest, ARequestDecodesTheKeyFrameOnceAndThenServesTheCacheFile)
 {
     DeliveryRecorder recorder;
@@ -180,7 +149,7 @@ TEST_F(CacheImageCtrlTest, ARequestDecodesTheKeyFrameOnceAndThenServesTheCacheFi
         // The picture is kept as a BMP file that reads back as the same picture.
         EXPECT_EQ(QImage(cacheFile(made)), delivered->image);
     }
-    EXPECT_TRUE(waitUntil([&] { return ctrl.getRequestCount() == 0; }));
+    EXPECT_TRUE(waitFor([&] { return ctrl.getRequestCount() == 0; }));
 
     // A second request is served from the file without decoding: a file with
     // another picture under the take's name is what comes back, untouched.
@@ -283,14 +252,14 @@ TEST_F(CacheImageCtrlTest, EveryFailureStillEndsInAPicture)
     DOTakeData none = take(0, 4, 0);
     none.setMP4Uri(QString(""));
     const DOTakeData damaged = take(1, 6, 0);
-    writeFile(cacheFile(damaged), "not a bitmap");
+    ASSERT_TRUE(cwtest::writeFile(cacheFile(damaged), "not a bitmap"));
     for (const DOTakeData& failing : {missing, none, damaged}) {
         request(0, folder(), failing);
         const std::optional<Delivery> made = recorder.waitFor(failing);
         ASSERT_TRUE(made);
         EXPECT_EQ(made->image, error);
     }
-    EXPECT_TRUE(logMessages(home()).contains("0000:[BLPreviewCtrl getThumbnail]    non MP4 file"));
+    EXPECT_TRUE(cwtest::logMessages().contains("0000:[BLPreviewCtrl getThumbnail]    non MP4 file"));
     EXPECT_EQ(QFileInfo(cacheFile(damaged)).size(), 12);
     EXPECT_EQ(QDir(cacheFolder()).entryList(QDir::Files),
               QStringList{QFileInfo(cacheFile(damaged)).fileName()});
@@ -299,8 +268,7 @@ TEST_F(CacheImageCtrlTest, EveryFailureStillEndsInAPicture)
 TEST_F(CacheImageCtrlTest, WithoutACacheFolderPicturesAreMadeEachTime)
 {
     // A file where the cache folder belongs keeps the folder from being made.
-    QDir().mkpath(home().cacheHome());
-    writeFile(cacheFolder(), "in the way");
+    ASSERT_TRUE(cwtest::writeFile(cacheFolder(), "in the way"));
     DeliveryRecorder recorder;
     BLCacheImageCtrl ctrl;
     EXPECT_TRUE(ctrl.getCacheFolderPath().isEmpty());
@@ -324,7 +292,7 @@ TEST_F(CacheImageCtrlTest, CleanUpRemovesFilesMadeBeforeTheLifeTime)
     ASSERT_FALSE(folder.isEmpty());
     const QDateTime now = QDateTime::currentDateTime();
     for (const auto& [name, days] : {std::pair{"old.bmp", 4}, {"young.bmp", 2}, {"new.bmp", 0}}) {
-        writeFile(folder + "/" + name, "x");
+        ASSERT_TRUE(cwtest::writeFile(folder + "/" + name, "x"));
         setModified(folder + "/" + name, now.addDays(-days));
     }
 

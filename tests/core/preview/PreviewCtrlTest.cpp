@@ -1,7 +1,7 @@
 #include "RecordingPreviewView.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/SCNotificationCenter.h"
 #include "support/AsOrdinaryUser.h"
+#include "support/NotificationRecorder.h"
 #include "support/QtPrinters.h"
 
 #include <QFileInfo>
@@ -35,7 +35,7 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
     EXPECT_EQ(ctrl->getUmid(), take.getUmid());
     ASSERT_TRUE(buttons().onPlay());
     ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() < 29; }));
+    ASSERT_TRUE(waitFor([&] { return ctrl->getTimeSliderCtrl().getFrameNo() < 29; }));
 
     // Paused, then stepped through by the buttons and the keys; a frame key
     // waits for the frame before to be shown.
@@ -55,7 +55,7 @@ TEST_F(PreviewCtrlTest, PlaysATakeToItsEndAndFollowsTheTransportCommands)
         {key(Qt::Key_Up), 0},
         {button(&BLPreviewButtonCtrl::onPlusFrame), 1}};
     for (const auto& [action, frame] : steps) {
-        ASSERT_TRUE(waitUntil([&] { return ctrl->isEndOfViewerJob(); })) << frame;
+        ASSERT_TRUE(waitFor([&] { return ctrl->isEndOfViewerJob(); })) << frame;
         ASSERT_TRUE(action()) << frame;
         ASSERT_TRUE(waitForFrame(frame)) << frame;
         EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, frame));
@@ -99,7 +99,7 @@ TEST_F(PreviewCtrlTest, ASecondTakeStopsTheFirstBeforeItIsHandedOverAndAnUnusabl
     start();
 
     play(card, first);
-    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
+    ASSERT_TRUE(waitFor([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
     view.journal.clear();
     play(card, second);
     // The first take's stop reached the view before the second take's title.
@@ -108,7 +108,7 @@ TEST_F(PreviewCtrlTest, ASecondTakeStopsTheFirstBeforeItIsHandedOverAndAnUnusabl
     ASSERT_GE(stopped, 0) << view.journal.join(" | ").toStdString();
     EXPECT_LT(stopped, handedOver) << view.journal.join(" | ").toStdString();
     ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
+    ASSERT_TRUE(waitFor([&] { return ctrl->getTimeSliderCtrl().getFrameNo() >= 3; }));
     EXPECT_EQ(view.title, second.getAlias());
     EXPECT_EQ(ctrl->getUmid(), second.getUmid());
     EXPECT_EQ(view.lastPicture().counter->clip, card.manifest().takes[1].clips.front().counterClip);
@@ -151,7 +151,7 @@ TEST_F(PreviewCtrlTest, FullScreenAndResolutionChangesShowThePictureAgain)
     EXPECT_FALSE(ctrl->isFullScreen());
     EXPECT_EQ(view.journal, QStringList({"enter full screen", "leave full screen", "redraw"}));
     // Back in the window the picture comes again without the mark.
-    ASSERT_TRUE(waitUntil([&] { return !view.lastPicture().fullScreen; }));
+    ASSERT_TRUE(waitFor([&] { return !view.lastPicture().fullScreen; }));
 
     // A screen that cannot be taken leaves the preview as it was.
     view.refuseFullScreen = true;
@@ -162,7 +162,7 @@ TEST_F(PreviewCtrlTest, FullScreenAndResolutionChangesShowThePictureAgain)
     // A lower resolution redelivers the picture at its new size.
     BLPlistCtrl::sharedCtrl()->setLowResolution(1);
     post(SC::SCResolutionDidChangeNotification);
-    ASSERT_TRUE(waitUntil([&] { return view.lastPicture().width == 160; }));
+    ASSERT_TRUE(waitFor([&] { return view.lastPicture().width == 160; }));
     EXPECT_EQ(view.lastPicture().height, 90);
     EXPECT_TRUE(
         logged("0000:[BLPreviewCtrl resolutionDidChangeNotification] call vv_change_init_param(1) return:0"));
@@ -173,9 +173,7 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     const cwtest::CardFolder card(tinyCard(1, 30));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const DOTakeData take = takeOf(card, card.manifest().takes.front());
-    QList<QVariantMap> posted;
-    SCNotificationCenter::defaultCenter()->addObserver(
-        this, SC::SCMovieThumbDidChangeNotification, [&](const SCNotification& n) { posted << n.userInfo; });
+    const cwtest::NotificationRecorder posted({SC::SCMovieThumbDidChangeNotification});
     start();
 
     ctrl->onMakeThumbnail();
@@ -186,11 +184,11 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     ASSERT_TRUE(waitForFrame(29));
     EXPECT_EQ(menu(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL), true);
     ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_MAKE_THUMBNAIL);
-    ASSERT_TRUE(waitUntil([&] { return !posted.isEmpty(); }));
-    ASSERT_EQ(posted.size(), 1);
-    EXPECT_EQ(posted[0].value(SC::SCMThumbSelectFolderKey).toString(), card.workFolder());
-    EXPECT_EQ(posted[0].value(SC::SCMThumbUmidsKey).toString(), take.getUmid());
-    EXPECT_EQ(posted[0].value(SC::SCMThumbFrameNoKey).toLongLong(), 29);
+    ASSERT_TRUE(waitFor([&] { return !posted.notes.isEmpty(); }));
+    ASSERT_EQ(posted.notes.size(), 1);
+    EXPECT_EQ(posted.notes[0].userInfo.value(SC::SCMThumbSelectFolderKey).toString(), card.workFolder());
+    EXPECT_EQ(posted.notes[0].userInfo.value(SC::SCMThumbUmidsKey).toString(), take.getUmid());
+    EXPECT_EQ(posted.notes[0].userInfo.value(SC::SCMThumbFrameNoKey).toLongLong(), 29);
     EXPECT_TRUE(messages.keys().isEmpty());
 
     // A metadata file that cannot be written refuses it with a message.
@@ -208,7 +206,7 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     QFile::setPermissions(nonMeta, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     EXPECT_EQ(messages.keys(), QStringList{"MSG_6510_3214"});
     settle(300);
-    EXPECT_EQ(posted.size(), 1);
+    EXPECT_EQ(posted.notes.size(), 1);
 
     // An MP4 file not yet imported has no metadata to take the picture.
     DOTakeData loose = take;
@@ -219,7 +217,6 @@ TEST_F(PreviewCtrlTest, TheTypicalPictureIsTheFrameShownAndNeedsAWritableClip)
     ctrl->onMakeThumbnail();
     EXPECT_TRUE(
         logged("0000:[BLPreviewCtrl onMakeThumbnail] movie file is not-import, don't make thumbnail"));
-    SCNotificationCenter::defaultCenter()->removeObserver(this);
 }
 
 TEST_F(PreviewCtrlTest, AViewerThatCannotStartShowsTheMessageAndLeavesThePreviewUnused)
@@ -269,17 +266,17 @@ TEST_F(PreviewCtrlTest, KeysButtonsAndMenuItemsDriveTheTransportAndIgnoreWhatWou
               qMakePair(QString("macbtn_play_a"), QString("macbtn_play_a_p")));
     EXPECT_FALSE(buttons().onPlay()); // play while playing does nothing
     EXPECT_FALSE(logged("0000:[BLPreviewButtonCtrl onPlay] call vv_play"));
-    ASSERT_TRUE(waitUntil([&] { return slider().getFrameNo() >= 45; })); // rewinding then takes a while
+    ASSERT_TRUE(waitFor([&] { return slider().getFrameNo() >= 45; })); // rewinding then takes a while
     ASSERT_TRUE(buttons().onRW());
     EXPECT_TRUE(logged("0000:[BLPreviewButtonCtrl onRW] call vv_rew"));
-    ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kRW].first == "macbtn_rw_a"; }));
+    ASSERT_TRUE(waitFor([&] { return view.images[BLPreviewButtonCtrl::kRW].first == "macbtn_rw_a"; }));
     ASSERT_TRUE(waitForState(VM_PAUSING)); // rewinding ends paused at the first frame
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kRW].first, "macbtn_rw_n");
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
               qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
     EXPECT_FALSE(buttons().onPause());
     ASSERT_TRUE(buttons().onFF());
-    ASSERT_TRUE(waitUntil([&] { return view.images[BLPreviewButtonCtrl::kFF].first == "macbtn_ff_a"; }));
+    ASSERT_TRUE(waitFor([&] { return view.images[BLPreviewButtonCtrl::kFF].first == "macbtn_ff_a"; }));
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause].first, "macbtn_stop_n");
     ASSERT_TRUE(waitForState(VM_PAUSING)); // fast forward ends paused on the last frame
     EXPECT_EQ(view.images[BLPreviewButtonCtrl::kFF].first, "macbtn_ff_n");
@@ -288,10 +285,10 @@ TEST_F(PreviewCtrlTest, KeysButtonsAndMenuItemsDriveTheTransportAndIgnoreWhatWou
     ASSERT_TRUE(waitForFrame(89));
 
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_R));
-    ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_REWINDED"); }));
+    ASSERT_TRUE(waitFor([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_REWINDED"); }));
     ASSERT_TRUE(waitForState(VM_PAUSING));
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_F));
-    ASSERT_TRUE(waitUntil([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_FASTFORWARDED"); }));
+    ASSERT_TRUE(waitFor([&] { return logged("0000:[GetViewerMessageFunc] message_id:VM_FASTFORWARDED"); }));
     ASSERT_TRUE(waitForState(VM_PAUSING));
     ASSERT_TRUE(waitForFrame(89));
     EXPECT_TRUE(ctrl->keyDown(Qt::Key_Space)); // and plays again from the start
@@ -302,8 +299,6 @@ TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWh
 {
     ctrl = std::make_unique<BLPreviewCtrl>(view);
     EXPECT_EQ(view.ctrl, ctrl.get());
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
-              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
     view.journal.clear();
     ctrl->setViewerState(VM_STOPPED);
     EXPECT_TRUE(view.journal.isEmpty());
@@ -315,10 +310,7 @@ TEST_F(PreviewCtrlTest, ControlsHearOfStateChangesOnlyAndFrameReportsCountOnlyWh
 
     ctrl->setViewerState(VM_PAUSING);
     EXPECT_EQ(view.journal, QStringList{"slider on"});
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause],
-              qMakePair(QString("macbtn_stop_a"), QString("macbtn_stop_a_p")));
-    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPlay],
-              qMakePair(QString("macbtn_play_n"), QString("macbtn_play_p")));
+    EXPECT_EQ(view.images[BLPreviewButtonCtrl::kPause].first, "macbtn_stop_a");
     ctrl->recvFrameInfoMessage(info);
     EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 5);
     EXPECT_NE(view.timeCode, "00:00:00:00");

@@ -1,7 +1,7 @@
 #pragma once
 
 // Helpers shared by the preview tests of core and ui: takes of generated
-// cards as the program's records, waiting on the event loop, the log.
+// cards as the program's records, the preview controller's fixture.
 
 #include "cardgen/FrameCounter.h"
 #include "core/app/preview/BLPreviewCtrl.h"
@@ -15,40 +15,13 @@
 #include "support/MessageRecorder.h"
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QThread>
-
 #include <functional>
 #include <memory>
 
 namespace pvtest {
 
-// Runs the event loop until the condition holds; false after the timeout.
-inline bool waitUntil(const std::function<bool()>& condition, int milliseconds = 10000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > milliseconds)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        QThread::msleep(2);
-    }
-    return true;
-}
-
-// Runs the event loop for a while.
-inline void settle(int milliseconds)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < milliseconds) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        QThread::msleep(2);
-    }
-}
+using cwtest::settle;
+using cwtest::waitFor;
 
 // A reference relative to the card's BPAV folder ("./CLPR/...") of a file the
 // manifest names relative to the work folder.
@@ -128,19 +101,6 @@ inline cardgen::Options tinyCard(int singleClips, int frames, std::vector<int> m
     return options;
 }
 
-// The messages of the program's log, each after its date and time.
-inline QStringList logMessages(const cwtest::ScopedHome& home)
-{
-    QFile file(home.stateHome() + QStringLiteral("/Clipwright/Clipwright.log"));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages;
-    for (const QString& line :
-         QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
-        messages << line.mid(20);
-    return messages;
-}
-
 // Posts the request a pane sends to play a take of the card.
 inline void play(const cwtest::CardFolder& card, const DOTakeData& take)
 {
@@ -166,13 +126,13 @@ protected:
     }
     bool waitForState(int state)
     {
-        return waitUntil([&] { return ctrl->getViewerState() == state; });
+        return waitFor([&] { return ctrl->getViewerState() == state; });
     }
     bool waitForFrame(qint64 frame)
     {
-        return waitUntil([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
+        return waitFor([&] { return ctrl->getTimeSliderCtrl().getFrameNo() == frame; });
     }
-    bool logged(const QString& message) { return logMessages(home()).contains(message); }
+    bool logged(const QString& message) { return cwtest::logMessages().contains(message); }
 
     cwtest::MessageRecorder messages;
     std::unique_ptr<BLPreviewCtrl> ctrl;

@@ -108,7 +108,7 @@ public:
     void runFullScreenLoop() override
     {
         ++fullScreenLoops;
-        fullScreenPictureSeen = waitUntil([&] { return lastPicture().fullScreen; }, 5000);
+        fullScreenPictureSeen = waitFor([&] { return lastPicture().fullScreen; }, 5000);
     }
     void leaveFullScreen() override { journal << QStringLiteral("leave full screen"); }
 

@@ -95,7 +95,7 @@ protected:
     const cardgen::ManifestTake& manifestTake() const { return card.manifest().takes.front(); }
     bool waitForPicture(QWidget* picture, qint64 frame)
     {
-        return waitUntil([&] { return counterIn(picture) == counterOf(manifestTake(), frame); });
+        return waitFor([&] { return counterIn(picture) == counterOf(manifestTake(), frame); });
     }
 
     const cwtest::CardFolder card{tinyCard(1, 30)};
@@ -191,7 +191,7 @@ TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeav
         });
     });
     cwtest::doubleClick(view->openGLView(), view->openGLView()->rect().center());
-    ASSERT_TRUE(waitUntil([&] { return opened && !ctrl->isFullScreen(); }));
+    ASSERT_TRUE(waitFor([&] { return opened && !ctrl->isFullScreen(); }));
     EXPECT_FALSE(fullScreen->isVisible());
     EXPECT_EQ(ctrl->getTimeSliderCtrl().getFrameNo(), 28);
     EXPECT_EQ(shown, counterOf(manifestTake(), 28));
@@ -243,11 +243,11 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
     BLMediaInfoCtrl* pane = windowCtrl.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
     pane->setWorkFolder(hd.workFolder(), false);
     pane->setSelectFolder(hd.workFolder(), true);
-    ASSERT_TRUE(waitUntil([&] { return pane->getTakeData().size() == 1; }));
+    ASSERT_TRUE(waitFor([&] { return pane->getTakeData().size() == 1; }));
     play(hd, takeOf(hd, hd.manifest().takes.front()));
-    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PLAYED; }));
+    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PLAYED; }));
     windowCtrl.selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
-    ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == VM_PAUSING; }));
+    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PAUSING; }));
     // The Preview menu's items, validated as the menu opens.
     for (QAction* action : window.previewMenu()->actions())
         if (action->data().toInt() == MENU_ITEM_ID_PREVIEW_TOP_FRAME) {
@@ -256,7 +256,7 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
             action->trigger();
         }
     SCOpenGLView* picture = window.previewWidget()->openGLView();
-    ASSERT_TRUE(waitUntil([&] { return counterIn(picture) == counterOf(hd.manifest().takes.front(), 0); }));
+    ASSERT_TRUE(waitFor([&] { return counterIn(picture) == counterOf(hd.manifest().takes.front(), 0); }));
     const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/screenshots");
     ASSERT_TRUE(QDir().mkpath(folder));
     EXPECT_TRUE(window.grab().toImage().save(folder + "/preview.png"));
@@ -268,7 +268,7 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
     window.enablePaneMenuItems(); // as after any menu has closed
     for (int state : {VM_PLAYED, VM_PAUSING}) {
         QTest::keyClick(picture, Qt::Key_Space);
-        ASSERT_TRUE(waitUntil([&] { return preview->getViewerState() == state; }));
+        ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == state; }));
     }
 
     // Minimised, the picture is hidden; back, it is shown.
@@ -280,5 +280,5 @@ TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
     window.close();
     EXPECT_FALSE(preview->isUseViewerLibrary());
     EXPECT_TRUE(
-        logMessages(home()).contains("0000:[BLPreviewCtrl finalizeViewerLibrary] call vv_exit return:0"));
+        cwtest::logMessages().contains("0000:[BLPreviewCtrl finalizeViewerLibrary] call vv_exit return:0"));
 }
