@@ -1,14 +1,11 @@
 #include "CliTestSupport.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
 
-#include <gtest/gtest.h>
+#include <csignal>
+#include <sys/resource.h>
 
 namespace clitest {
 
@@ -26,6 +23,18 @@ CliRun finish(QProcess& p)
 CliRun cli(const QStringList& args)
 {
     QProcess p;
+    p.start(kCli, args);
+    return finish(p);
+}
+
+CliRun cliWithFileSizeLimit(const QStringList& args, qint64 limit)
+{
+    QProcess p;
+    p.setChildProcessModifier([limit] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit fileSize{rlim_t(limit), rlim_t(limit)};
+        ::setrlimit(RLIMIT_FSIZE, &fileSize);
+    });
     p.start(kCli, args);
     return finish(p);
 }

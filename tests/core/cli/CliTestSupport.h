@@ -1,12 +1,21 @@
 #pragma once
 
+#include "support/CardFolder.h"
+#include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
 #include <QByteArray>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+
+#include <gtest/gtest.h>
 
 namespace clitest {
 
@@ -21,6 +30,8 @@ struct CliRun
 // Waits (up to a minute) for a started run and collects what it printed.
 CliRun finish(QProcess& p);
 CliRun cli(const QStringList& args);
+// A run in which no file may grow past the limit: a write beyond it fails with EFBIG.
+CliRun cliWithFileSizeLimit(const QStringList& args, qint64 limit);
 
 // The UMIDs of the takes a scan of the folder lists, sorted.
 QStringList scannedUmids(const QString& workFolder);

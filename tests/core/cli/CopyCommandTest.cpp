@@ -4,34 +4,21 @@
 
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/services/BLLocalizedStrings.h"
-#include "support/CardFolder.h"
-#include "support/TestEnvironment.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QThread>
 
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <sys/resource.h>
 
 using namespace clitest;
 using CopyCommandTest = CliTest;
 
+// What arrives, byte for byte, is checked by the copy controller's tests.
 TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QMap<QString, QByteArray> source = files(card.workFolder());
-    const QString destination = home().path("media/Copy");
-
-    const CliRun run = cli({"copy", "--json", card.workFolder(), destination});
+    const CliRun run = cli({"copy", "--json", card.workFolder(), home().path("media/Copy")});
     ASSERT_EQ(run.status, 0) << run.err.constData();
     const QJsonObject result = QJsonDocument::fromJson(run.out).object();
     EXPECT_EQ(result["takes"].toArray().size(), 4);
@@ -44,20 +31,16 @@ TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
         EXPECT_EQ(file["xxh64"].toString().size(), 16);
     }
     EXPECT_EQ(result["bytes"].toInteger(), bytes);
-    EXPECT_EQ(files(card.workFolder()), source);
-    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(destination).size(), 4);
 
     // One take by its ID, without verification, into a folder that holds takes.
     const QString other = home().path("media/Other");
     ASSERT_EQ(cli({"copy", "--no-verify", card.workFolder(), other, "ABC0002"}).status, 0);
-    const CliRun second = cli({"copy", "--json", card.workFolder(), other, "ABC0001"});
-    ASSERT_EQ(second.status, 0) << second.err.constData();
+    ASSERT_EQ(cli({"copy", card.workFolder(), other, "ABC0001"}).status, 0);
     EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(other).size(), 2);
 
     // Wrong usage, and requests that cannot be met.
-    EXPECT_EQ(cli({"copy"}).status, 2);
-    EXPECT_EQ(cli({"copy", card.workFolder()}).status, 2);
-    EXPECT_EQ(cli({"copy", "--fast", card.workFolder(), other}).status, 2);
+    for (const QStringList& args : {QStringList{}, {card.workFolder()}, {"--fast", card.workFolder(), other}})
+        EXPECT_EQ(cli(QStringList{"copy"} + args).status, 2) << args.join(' ').toStdString();
     const CliRun unknown = cli({"copy", card.workFolder(), other, "XYZ0009"});
     EXPECT_EQ(unknown.status, 1);
     EXPECT_TRUE(unknown.err.contains("no take XYZ0009")) << unknown.err.constData();
@@ -108,14 +91,7 @@ TEST_F(CopyCommandTest, AWriteFailureRollsBackWithItsMessage)
 
     // No file may grow past 64 KiB in the copying process: write fails with
     // EFBIG in the middle of the first real-time metadata file.
-    QProcess p;
-    p.setChildProcessModifier([] {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{65536, 65536};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    });
-    p.start(kCli, {"copy", card.workFolder(), destination});
-    const CliRun run = finish(p);
+    const CliRun run = cliWithFileSizeLimit({"copy", card.workFolder(), destination}, 65536);
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
     EXPECT_FALSE(QFileInfo::exists(destination));

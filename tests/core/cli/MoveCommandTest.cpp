@@ -1,30 +1,15 @@
-// clipwright-cli move on generated cards: what it moves and reports, what a
-// write failure across file systems leaves, and what a process killed at any
-// moment of a move leaves once both folders have been scanned again.
+// clipwright-cli move: its report, what a write failure across file systems
+// leaves, and what a process killed at any moment of a move leaves once both
+// folders have been scanned again.
 #include "CliTestSupport.h"
 
 #include "core/services/BLLocalizedStrings.h"
-#include "support/CardFolder.h"
-#include "support/QtPrinters.h"
-#include "support/TestEnvironment.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 #include <QSet>
 #include <QStandardPaths>
 #include <QStorageInfo>
 #include <QTemporaryDir>
-#include <QThread>
-
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -56,15 +41,13 @@ using MoveCommandTest = CliTest;
 
 } // namespace
 
-TEST_F(MoveCommandTest, MovesTakesAndBothFoldersListThemWhereTheyAre)
+// What each folder lists after a move is checked by the move controller's
+// tests; here the command's report and exit codes.
+TEST_F(MoveCommandTest, MovesTakesAndReportsThem)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QStringList all = scannedUmids(card.workFolder());
-    ASSERT_EQ(all.size(), 4);
-    const QMap<QString, QByteArray> before = footage(card.workFolder());
     const QString destination = home().path("media/Moved");
-
     const CliRun run = cli({"move", "--json", card.workFolder(), destination, "ABC0002", "ABC0004U01"});
     ASSERT_EQ(run.status, 0) << run.err.constData();
     const QJsonObject result = QJsonDocument::fromJson(run.out).object();
@@ -74,22 +57,8 @@ TEST_F(MoveCommandTest, MovesTakesAndBothFoldersListThemWhereTheyAre)
     for (const QJsonValue& take : result["takes"].toArray())
         moved << take["umid"].toString();
     moved.sort();
-    QStringList left = all;
-    for (const QString& umid : std::as_const(moved))
-        left.removeOne(umid);
-    EXPECT_EQ(left.size(), 2);
-
-    // Each folder lists what it holds, with nothing left to repair.
     EXPECT_EQ(scannedUmids(destination), moved);
-    EXPECT_EQ(scannedUmids(card.workFolder()), left);
-    const QMap<QString, QByteArray> arrived = footage(destination);
-    EXPECT_TRUE(arrived.contains("CLPR/ABC0002/ABC0002.MP4") &&
-                arrived.contains("TAKR/ABC0004U01/ABC0004U01.SMI"));
-    QMap<QString, QByteArray> after = footage(card.workFolder());
-    after.insert(arrived);
-    EXPECT_EQ(after, before);
-    EXPECT_EQ(QDir(card.bpav()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList({"CLPR", "CUEUP.XML", "MEDIAPRO.XML", "TAKR"}));
+    EXPECT_EQ(scannedUmids(card.workFolder()).size(), 2);
 
     // Wrong usage, and requests that cannot be met.
     EXPECT_EQ(cli({"move", card.workFolder()}).status, 2);
@@ -116,14 +85,7 @@ TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
 
     // No file may grow past 256 KiB in the moving process: the copy of the
     // first essence file fails with EFBIG.
-    QProcess p;
-    p.setChildProcessModifier([] {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{262144, 262144};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    });
-    p.start(kCli, {"move", card.workFolder(), destination});
-    const CliRun run = finish(p);
+    const CliRun run = cliWithFileSizeLimit({"move", card.workFolder(), destination}, 262144);
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains("ABC0001.MP4 could not be moved (File too large)")) << run.err.constData();
     EXPECT_FALSE(QFileInfo::exists(destination));
@@ -147,12 +109,7 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
     const QMap<QString, QByteArray> original = footage(card.workFolder());
     const QStringList umids = scannedUmids(card.workFolder());
 
-    struct Place
-    {
-        const char* name;
-        QString parent;
-    };
-    QList<Place> places{{"one file system", home().path("media")}};
+    QList<std::pair<const char*, QString>> places{{"one file system", home().path("media")}};
     const QString other = otherFileSystem(home().path("media"));
     const QTemporaryDir otherDir(other.isEmpty() ? QDir::tempPath() : other + "/clipwright-crash-XXXXXX");
     if (!other.isEmpty())
@@ -164,16 +121,14 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
     QProcessEnvironment noLeakCheck = QProcessEnvironment::systemEnvironment();
     noLeakCheck.insert("ASAN_OPTIONS", noLeakCheck.value("ASAN_OPTIONS") + ":detect_leaks=0");
     int round = 0;
-    for (const Place& place : places) {
-        SCOPED_TRACE(place.name);
+    for (const auto& [place, parent] : places) {
+        SCOPED_TRACE(place);
         const QString source = home().path(QString("cards/%1").arg(round));
-        const QString destination = place.parent + QString("/Moved%1").arg(round);
+        const QString destination = parent + QString("/Moved%1").arg(round);
         const auto reset = [&] {
             QDir(source).removeRecursively();
             QDir(destination).removeRecursively();
-            QProcess cp;
-            cp.start("cp", {"-a", card.workFolder(), source});
-            return cp.waitForFinished() && cp.exitCode() == 0;
+            return QProcess::execute("cp", {"-a", card.workFolder(), source}) == 0;
         };
         ++round;
         ASSERT_TRUE(QDir().mkpath(home().path("cards")));
@@ -217,10 +172,8 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
         for (int k = 0; k < landed.size(); ++k) {
             const QPair<QString, int>& call = calls[landed[k]];
             SCOPED_TRACE(QString("killed at %1 #%2 (call %3 of %4)")
-                             .arg(call.first)
-                             .arg(call.second)
-                             .arg(landed[k])
-                             .arg(calls.size())
+                             .arg(call.first, QString::number(call.second), QString::number(landed[k]),
+                                  QString::number(calls.size()))
                              .toStdString());
             ASSERT_TRUE(reset());
             QProcess killed;

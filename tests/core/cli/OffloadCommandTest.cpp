@@ -5,14 +5,9 @@
 #include "core/formats/metadata/BLDomXmlParse.h"
 #include "core/operations/offload/BLOffloadThread.h"
 #include "core/services/BLCommon.h"
-#include "support/CardFolder.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 

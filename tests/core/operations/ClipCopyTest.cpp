@@ -7,21 +7,9 @@
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/services/BLCommon.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
-#include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
-#include "support/CardFolder.h"
-#include "support/MessageRecorder.h"
-#include "support/QtPrinters.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
 #include <QTimer>
-
-#include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -92,8 +80,7 @@ protected:
         optest::AnsweringTransferView view(names);
         BLClipCopyCtrl ctrl(&view, clipCtrl, nullptr, nullptr);
         const bool copied = ctrl.showModal(BLClipCopyCtrl::kModeSelection);
-        for (int i = 0; i < 5; ++i)
-            QCoreApplication::processEvents();
+        optest::settle();
         return copied;
     }
 };

@@ -3,14 +3,8 @@
 #include "OperationsTestSupport.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLClipDeleteCtrl.h"
-#include "support/CardFolder.h"
-#include "support/QtPrinters.h"
 
-#include <QCoreApplication>
-#include <QFileInfo>
 #include <QProcess>
-
-#include <gtest/gtest.h>
 
 using ClipDeleteTest = optest::OperationTest<>;
 
@@ -41,8 +35,7 @@ TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheR
         updates.clear();
         messages.setAnswer(answer);
         const bool deleted = BLClipDeleteCtrl(clipCtrl, nullptr).clipDelete();
-        for (int i = 0; i < 5; ++i) // the notification is posted when idle
-            QCoreApplication::processEvents();
+        optest::settle(); // the notification is posted when idle
         return deleted;
     };
     // The entries of CLPR and TAKR that lost anything.

@@ -7,40 +7,11 @@
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/operations/BLClipMoveCtrl.h"
 #include "core/services/BLCommon.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
-#include "core/services/SCNotificationCenter.h"
-#include "core/services/SCNotificationNames.h"
-#include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
-#include "support/MessageRecorder.h"
-#include "support/QtPrinters.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
-
-// The move worker with a hook at each of its pauses, which come after each
-// folder moved: the hook sees how many files are done.
-class PacedMoveThread : public BLClipMoveThread
-{
-public:
-    PacedMoveThread(const DOClipCtrl& clipCtrl, std::function<void(BLClipMoveThread&, double)> step)
-        : BLClipMoveThread(clipCtrl), m_step(std::move(step))
-    {
-    }
-    void waitThread() override { m_step(*this, progressValue()); }
-
-private:
-    std::function<void(BLClipMoveThread&, double)> m_step;
-};
 
 QStringList idsOf(const QList<DOTakeData>& takes)
 {
@@ -92,8 +63,8 @@ protected:
         return other;
     }
     // Runs the worker of a record whose checks passed, as the dialog does.
-    std::shared_ptr<PacedMoveThread> run(DOClipCtrl clipCtrl,
-                                         std::function<void(BLClipMoveThread&, double)> step)
+    std::shared_ptr<optest::Paced<BLClipMoveThread>> run(DOClipCtrl clipCtrl,
+                                                         std::function<void(BLClipMoveThread&, double)> step)
     {
         BLClipCtrl checks;
         clipCtrl.setToTakes(BLHouseKeepingCtrl().doHouseKeeping(clipCtrl.destinationWorkFolder()));
@@ -102,7 +73,7 @@ protected:
             EXPECT_TRUE(QDir().mkpath(clipCtrl.destinationWorkFolder()));
             clipCtrl.setNewFolderFlag(true);
         }
-        auto worker = std::make_shared<PacedMoveThread>(clipCtrl, std::move(step));
+        auto worker = std::make_shared<optest::Paced<BLClipMoveThread>>(std::move(step), clipCtrl);
         BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
         return worker;
     }
@@ -129,8 +100,7 @@ TEST_F(ClipMoveTest, OnOneVolumeAMoveNeedsNoSpaceAndBothIndexesListWhatIsThere)
     optest::AnsweringTransferView view({QFileInfo(other.workFolder()).fileName()});
     BLClipMoveCtrl ctrl(&view, move, nullptr, nullptr);
     ASSERT_TRUE(ctrl.showModal());
-    for (int i = 0; i < 5; ++i)
-        QCoreApplication::processEvents();
+    optest::settle();
     EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
     EXPECT_EQ(updates, QStringList({card->workFolder(), other.workFolder()}));
 

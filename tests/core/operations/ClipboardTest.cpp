@@ -2,13 +2,6 @@
 
 #include "core/card/DOClipCtrl.h"
 #include "core/operations/BLClipboardCtrl.h"
-#include "support/CardFolder.h"
-#include "support/QtPrinters.h"
-
-#include <QFile>
-#include <QFileInfo>
-
-#include <gtest/gtest.h>
 
 using ClipboardTest = cwtest::HomeTest;
 

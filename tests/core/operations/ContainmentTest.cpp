@@ -3,13 +3,6 @@
 #include "core/card/BLClipCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/DOClipCtrl.h"
-#include "support/CardFolder.h"
-#include "support/QtPrinters.h"
-
-#include <QDir>
-#include <QFile>
-
-#include <gtest/gtest.h>
 
 // A card whose index files and folders point outside its BPAV folder: a
 // folder "outside" beside the card holds files that would be read, or lost,
@@ -153,7 +146,6 @@ TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
         for (const QString& path : ctrl.getOperatePaths(hostile, true, m_bpav, hostile.getTakeStatus()))
             EXPECT_TRUE(path.startsWith(m_bpav + "/")) << path.toStdString();
     }
-    // The link itself stays in the card: it is not the card's to follow.
     EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/EVIL").isSymLink());
     EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/ABC0003").isDir()); // the multi-clip take stopped at its first clip
 
@@ -169,26 +161,22 @@ TEST_F(ContainmentTest, DeletionAndRollBackNeverReachOutsideTheCard)
     clipCtrl.setNewFolderFlag(true);
     ctrl.processCancel(clipCtrl, 5);
     EXPECT_FALSE(QFileInfo(work.path() + "/made").isSymLink());
-}
 
-TEST_F(ContainmentTest, TakesReadFromTheIndexFilesAreRemovedOnlyInsideTheCard)
-{
-    // The takes as housekeeping reads them from the media profile and take
-    // info naming the outside.
-    const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(m_work);
-    ASSERT_GE(takes.size(), 3);
-    BLClipCtrl ctrl;
-    DOClipCtrl clipCtrl;
+    // The takes as housekeeping reads them from index files naming the
+    // outside: rolled back and deleted, what the card held of its own goes
+    // and its links are not followed.
+    const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(m_work);
+    ASSERT_GE(read.size(), 3);
+    clipCtrl = DOClipCtrl();
     clipCtrl.setSourceWorkFolder(m_work);
     clipCtrl.setDestinationWorkFolder(m_work);
-    clipCtrl.setFromTakes(takes);
-    clipCtrl.setToTakes(takes);
-    ctrl.processCancel(clipCtrl, int(takes.size()));
-    for (const DOTakeData& take : takes) {
-        clipCtrl.setTargetTake(take);
+    clipCtrl.setFromTakes(read);
+    clipCtrl.setToTakes(read);
+    ctrl.processCancel(clipCtrl, int(read.size()));
+    for (const DOTakeData& t : read) {
+        clipCtrl.setTargetTake(t);
         ctrl.doDeleteTake(clipCtrl, m_work);
     }
-    // What the card held of its own is gone; its links were not followed.
     EXPECT_FALSE(QFileInfo::exists(m_bpav + "/CLPR/ABC0003"));
     EXPECT_FALSE(QFileInfo::exists(m_bpav + "/TAKR/ABC0003U01"));
     EXPECT_TRUE(QFileInfo(m_bpav + "/CLPR/EVIL").isSymLink());

@@ -4,18 +4,9 @@
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
 #include "core/operations/BLFolderCombineThread.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
-#include "support/CardFolder.h"
-#include "support/MessageRecorder.h"
-#include "support/QtPrinters.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QProcess>
 #include <QTimeZone>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -101,16 +92,6 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
     makeCard("B", "BBB", 2, {}, 3, true);
     const QMap<QString, QByteArray> before = optest::snapshot(parent);
 
-    class CancellingThread : public BLFolderCombineThread
-    {
-    public:
-        using BLFolderCombineThread::BLFolderCombineThread;
-        void waitThread() override
-        {
-            if (progressValue() >= 12)
-                setCancel();
-        }
-    };
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     DOClipCtrl record = destinationRecord(destination);
     QList<DOClipCtrl> records;
@@ -122,7 +103,12 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
         source.setBeforeTakes(source.getFromTakes());
         records << source;
     }
-    auto worker = std::make_shared<CancellingThread>(records, &ctrl);
+    auto worker = std::make_shared<optest::Paced<BLFolderCombineThread>>(
+        [](BLFolderCombineThread& thread, double done) {
+            if (done >= 12)
+                thread.setCancel();
+        },
+        records, &ctrl);
     BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
     EXPECT_TRUE(worker->isRestored());
     EXPECT_EQ(optest::snapshot(parent), before);

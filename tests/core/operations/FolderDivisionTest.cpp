@@ -6,37 +6,9 @@
 #include "core/card/BLMediaProCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderDivisionThread.h"
-#include "core/services/BLHeadlessProgressView.h"
-#include "core/services/BLProgressCtrl.h"
-#include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
-#include "support/MessageRecorder.h"
-#include "support/QtPrinters.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
-
-// The division worker with a hook at each pause (after each folder moved).
-class PacedDivisionThread : public BLFolderDivisionThread
-{
-public:
-    PacedDivisionThread(const QList<DOClipCtrl>& records, const QList<DOTakeData>& before,
-                        std::function<void(BLProgressThread&, double)> step)
-        : BLFolderDivisionThread(records, before), m_step(std::move(step))
-    {
-    }
-    void waitThread() override { m_step(*this, progressValue()); }
-
-private:
-    std::function<void(BLProgressThread&, double)> m_step;
-};
 
 class FolderDivisionTest : public cwtest::HomeTest
 {
@@ -70,13 +42,14 @@ protected:
                              [](const DOTakeData& t) { return !t.getClipData().isEmpty(); });
     }
     // The plan for disks holding one clip each, run by a worker with a hook.
-    std::shared_ptr<PacedDivisionThread> run(BLFolderDivisionCtrl& ctrl,
-                                             std::function<void(BLProgressThread&, double)> step)
+    std::shared_ptr<optest::Paced<BLFolderDivisionThread>>
+    run(BLFolderDivisionCtrl& ctrl, std::function<void(BLFolderDivisionThread&, double)> step)
     {
         QList<DOClipCtrl> records;
         EXPECT_TRUE(ctrl.planDivision(double(largest) * 1.2, records));
         ctrl.CreateMetaData(records);
-        auto worker = std::make_shared<PacedDivisionThread>(records, takes, std::move(step));
+        auto worker =
+            std::make_shared<optest::Paced<BLFolderDivisionThread>>(std::move(step), records, takes);
         BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
         return worker;
     }
@@ -188,7 +161,7 @@ TEST_F(FolderDivisionTest, ACancelOrAVanishedFolderPutsEverythingBack)
         BLFolderDivisionCtrl ctrl(nullptr, takes, card->workFolder(), nullptr);
         bool acted = false;
         QString vanished;
-        const auto worker = run(ctrl, [&](BLProgressThread& thread, double done) {
+        const auto worker = run(ctrl, [&](BLFolderDivisionThread& thread, double done) {
             if (acted || done < 10)
                 return;
             acted = true;
@@ -197,8 +170,7 @@ TEST_F(FolderDivisionTest, ACancelOrAVanishedFolderPutsEverythingBack)
                 return;
             }
             // The clip folder of the last folder's first take, not moved yet.
-            const DOTakeData last =
-                static_cast<BLFolderDivisionThread&>(thread).records().back().getFromTakes().front();
+            const DOTakeData last = thread.records().back().getFromTakes().front();
             vanished =
                 QFileInfo(last.getClipData().isEmpty() ? last.getXMLUri() : last.getClipData(0).getXMLUri())
                     .path();

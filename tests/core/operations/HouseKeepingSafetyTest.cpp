@@ -7,16 +7,9 @@
 #include "core/card/DOClipCtrl.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/services/BLCommon.h"
-#include "support/CardFolder.h"
-#include "support/MessageRecorder.h"
-#include "support/QtPrinters.h"
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -68,12 +61,6 @@ const DOTakeData* withUmid(const QList<DOTakeData>& takes, const QString& umid, 
             return &take;
     }
     return nullptr;
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool run(const QString& program, const QStringList& args)
@@ -147,7 +134,7 @@ TEST_F(HouseKeepingSafetyTest, ADamagedMediaProfileIsKeptAsideAndRebuilt)
         ASSERT_TRUE(card.ok()) << card.error().toStdString();
         const QString work = card.workFolder();
         const QString path = card.bpav() + "/MEDIAPRO.XML";
-        const QByteArray damaged = d.apply(readFile(path));
+        const QByteArray damaged = d.apply(optest::readFile(path));
         optest::writeFile(path, damaged);
         const QMap<QString, QByteArray> before = footage(work);
         const QString kept = home().stateHome() + "/Clipwright/damaged";
@@ -169,7 +156,7 @@ TEST_F(HouseKeepingSafetyTest, ADamagedMediaProfileIsKeptAsideAndRebuilt)
         EXPECT_EQ(messages.keys(), QStringList{"MSG_732_3300"});
         const QStringList copies = QDir(kept).entryList(QDir::Files);
         ASSERT_EQ(copies.size(), 1);
-        EXPECT_EQ(readFile(kept + "/" + copies[0]), damaged);
+        EXPECT_EQ(optest::readFile(kept + "/" + copies[0]), damaged);
         EXPECT_TRUE(messages.alerts()[0].message.contains(kept + "/" + copies[0]));
         ASSERT_EQ(houseKeeping.getRepairs().size(), 1);
         EXPECT_EQ(houseKeeping.getRepairs()[0].copy, kept + "/" + copies[0]);

@@ -8,30 +8,16 @@
 #include "core/operations/import/BLMP4ImportCtrl.h"
 #include "core/operations/import/BLMP4ImportThread.h"
 #include "core/services/BLCommon.h"
-#include "support/CardFolder.h"
 #include "support/FakeVolumeProvider.h"
 #include "support/ForeignMp4.h"
 #include "support/FrameCounter.h"
-#include "support/QtPrinters.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
 #include <QImage>
-
-#include <gtest/gtest.h>
 
 namespace {
 
 const QDateTime kImportTime(QDate(2026, 1, 16), QTime(9, 30, 15), Qt::UTC);
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // Runs the event loop until the condition holds or the time has passed.
 bool processUntil(const std::function<bool()>& condition, int ms = 10000)
@@ -41,12 +27,6 @@ bool processUntil(const std::function<bool()>& condition, int ms = 10000)
     while (!condition() && clock.elapsed() < ms)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     return condition();
-}
-
-// Lets the notifications posted when idle arrive.
-void settle()
-{
-    processUntil([] { return false; }, 50);
 }
 
 // The thumbnail the cache delivers for a take of a folder.
@@ -134,7 +114,7 @@ protected:
     {
         ctrl.setClock([] { return kImportTime; });
         const bool imported = ctrl.addFiles(files) && ctrl.execImport();
-        settle();
+        optest::settle();
         return imported;
     }
     bool import(const QString& folder, const QStringList& files)
@@ -180,12 +160,12 @@ TEST_F(MP4ImportTest, FilesBecomeClipsNamedByTheImportTimeThatLoadWithThumbnails
         const QString folder = BLCommon::getPathOfBPAV(destination) + "/CLPR/" + clip;
         const int n = clip.right(2).toInt();
         EXPECT_EQ(take.getTakeStatus(), 3) << clip.toStdString();
-        EXPECT_EQ(contents(folder + "/" + clip + ".MP4"), contents(files.at(n - 1))) << clip.toStdString();
+        EXPECT_EQ(optest::readFile(folder + "/" + clip + ".MP4"), optest::readFile(files.at(n - 1)))
+            << clip.toStdString();
         const auto counter = cwtest::readFrameCounter(thumbnail(destination, take));
         ASSERT_TRUE(counter.has_value()) << clip.toStdString();
         EXPECT_EQ(counter, cwtest::readFrameCounter(thumbnail(card.workFolder(), sources.at(n - 1))));
     }
-    EXPECT_EQ(optest::materialUris(destination).size(), 3);
 }
 
 TEST_F(MP4ImportTest, TheChecksOfAddAndOfOKRefuseWithTheirMessages)
@@ -269,16 +249,16 @@ TEST_F(MP4ImportTest, ReimportingALooseFileOfTheDestinationMovesItAndKeepsItsUmi
         std::find_if(takes.begin(), takes.end(), [](const DOTakeData& t) { return t.getTakeStatus() == 4; });
     ASSERT_NE(loose, takes.end());
     const QString file = BLCommon::makeFilePath(card.bpav(), {loose->getMP4Uri()});
-    const QByteArray bytes = contents(file);
+    const QByteArray bytes = optest::readFile(file);
 
     OkImportView view;
     BLMP4ImportCtrl ctrl(&view, DOMP4Import(card.workFolder()), nullptr);
     ctrl.setClock([] { return kImportTime; });
     ASSERT_TRUE(ctrl.showModal({loose->copyTake()})) << messages.keys().join(", ").toStdString();
-    settle();
+    optest::settle();
     EXPECT_EQ(view.fileNames, QStringList{QFileInfo(file).fileName()});
     EXPECT_FALSE(QFileInfo::exists(file));
-    EXPECT_EQ(contents(card.bpav() + "/CLPR/P20260116093015_01/P20260116093015_01.MP4"), bytes);
+    EXPECT_EQ(optest::readFile(card.bpav() + "/CLPR/P20260116093015_01/P20260116093015_01.MP4"), bytes);
     EXPECT_EQ(updates, QStringList{card.workFolder()});
 
     const QList<DOTakeData> after = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());

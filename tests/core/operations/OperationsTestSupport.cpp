@@ -1,17 +1,10 @@
 #include "OperationsTestSupport.h"
 
 #include "core/card/BLClipCtrl.h"
-#include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/services/BLCommon.h"
-#include "support/CardFolder.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
-
-#include <gtest/gtest.h>
 
 namespace optest {
 
@@ -82,43 +75,16 @@ void openTree(const QString& root)
         QFile::setPermissions(path, folder);
 }
 
-void enableDebugLog(const cwtest::ScopedHome& home)
-{
-    cwtest::releaseSingletons();
-    cwtest::writeSettings(home.configHome(), {{"LOG_FLAG", "ALL"}});
-}
-
-namespace {
-
-// "yyyy/MM/dd HH:mm:ss PPPP:message"
-constexpr int kProcessIdAt = 20;
-constexpr int kMessageAt = 25;
-
-QStringList rawLogLines(const cwtest::ScopedHome& home)
-{
-    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
-    if (!log.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts);
-}
-
-} // namespace
-
-QStringList logLines(const cwtest::ScopedHome& home)
-{
-    QStringList lines;
-    for (const QString& line : rawLogLines(home))
-        lines << line.mid(kMessageAt);
-    return lines;
-}
-
 QStringList logLinesOf(const cwtest::ScopedHome& home, int processId)
 {
+    // "yyyy/MM/dd HH:mm:ss PPPP:message"
+    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
     const QString id = QString::asprintf("%04d", processId);
     QStringList lines;
-    for (const QString& line : rawLogLines(home))
-        if (line.mid(kProcessIdAt, 4) == id)
-            lines << line.mid(kMessageAt);
+    if (log.open(QIODevice::ReadOnly))
+        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
+            if (line.mid(20, 4) == id)
+                lines << line.mid(25);
     return lines;
 }
 
@@ -153,6 +119,18 @@ void writeFile(const QString& path, const QByteArray& contents)
     file.write(contents);
 }
 
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void settle()
+{
+    for (int round = 0; round < 10; ++round)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
 void replaceInFile(const QString& path, const QString& from, const QString& to)
 {
     QFile file(path);
@@ -162,16 +140,6 @@ void replaceInFile(const QString& path, const QString& from, const QString& to)
     ASSERT_TRUE(text.contains(from)) << from.toStdString() << " not in " << path.toStdString();
     text.replace(from, to);
     writeFile(path, text.toUtf8());
-}
-
-QStringList materialUris(const QString& workFolder)
-{
-    BLMediaProfileAcss mediaPro;
-    QStringList uris;
-    if (mediaPro.loadForFolderPath(BLCommon::getPathOfBPAV(workFolder)))
-        for (const DOMaterial& material : mediaPro.getMaterialData(QString(), 0))
-            uris << material.getUri();
-    return uris;
 }
 
 } // namespace optest

@@ -7,14 +7,22 @@
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
+#include "support/CardFolder.h"
 #include "support/MessageRecorder.h"
+#include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QString>
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <ostream>
 
 namespace optest {
@@ -33,12 +41,7 @@ QList<DOTakeData> loadTakes(const QString& workFolder);
 // up to the temporary folder.
 void openTree(const QString& root);
 
-// Turns the debug log on for the home (drops the singletons so the settings
-// are read again).
-void enableDebugLog(const cwtest::ScopedHome& home);
-// The messages of the log lines, without date, time and process id.
-QStringList logLines(const cwtest::ScopedHome& home);
-// The log lines of one process id.
+// The messages of the log lines of one process id, without date and time.
 QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
 
 // Every entry under a folder (links not followed) with what identifies it:
@@ -46,9 +49,11 @@ QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
 QMap<QString, QByteArray> snapshot(const QString& root);
 
 void writeFile(const QString& path, const QByteArray& contents);
+// A file's contents, or nothing when it cannot be read.
+QByteArray readFile(const QString& path);
 
-// The references of the materials a work folder's media profile lists.
-QStringList materialUris(const QString& workFolder);
+// Lets the notifications posted when the program is idle arrive.
+void settle();
 
 // A dialog as a user answers it: OK with each answer in turn until the
 // controller ends it (a refusal that keeps it open gets the next answer),
@@ -98,6 +103,22 @@ public:
 
     QString title, message, source, proposed;
 };
+// A worker whose pauses (after each folder moved) call `step` with the
+// progress so far.
+template <class Thread> class Paced : public Thread
+{
+public:
+    template <class... Args>
+    explicit Paced(std::function<void(Thread&, double)> step, Args&&... args)
+        : Thread(std::forward<Args>(args)...), m_step(std::move(step))
+    {
+    }
+    void waitThread() override { m_step(*this, this->progressValue()); }
+
+private:
+    std::function<void(Thread&, double)> m_step;
+};
+
 // Replaces a text in a file; fails the test when it is not there.
 void replaceInFile(const QString& path, const QString& from, const QString& to);
 

@@ -56,7 +56,6 @@ TEST(SegmentTest, EdgeCases)
     std::vector<TAKE> repeatedInTwo{makeTake("a", {1, 2}), makeTake("b", {1})};
     repeatedInTwo[1].clips[0].umid = "a-1";
     for (std::vector<TAKE>* takes : {&repeatedInOne, &repeatedInTwo}) {
-        EXPECT_EQ(CheckTakeID(takes->data(), 2), kSegmentRepeatedUmid);
         EXPECT_EQ(Segment(takes->data(), 2, 100, &disks), kSegmentRepeatedUmid);
         for (const TAKE& take : *takes)
             EXPECT_EQ(disksOf(take), std::vector<int>(take.clips.size(), -1));
