@@ -119,18 +119,6 @@ void writeFile(const QString& path, const QByteArray& contents)
     file.write(contents);
 }
 
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void settle()
-{
-    for (int round = 0; round < 10; ++round)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-}
-
 void replaceInFile(const QString& path, const QString& from, const QString& to)
 {
     QFile file(path);

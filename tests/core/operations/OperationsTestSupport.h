@@ -49,11 +49,8 @@ QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
 QMap<QString, QByteArray> snapshot(const QString& root);
 
 void writeFile(const QString& path, const QByteArray& contents);
-// A file's contents, or nothing when it cannot be read.
-QByteArray readFile(const QString& path);
-
-// Lets the notifications posted when the program is idle arrive.
-void settle();
+using cwtest::readFile;
+using cwtest::settle;
 
 // A dialog as a user answers it: OK with each answer in turn until the
 // controller ends it (a refusal that keeps it open gets the next answer),
