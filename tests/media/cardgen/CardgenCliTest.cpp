@@ -68,24 +68,4 @@ TEST(CardgenCli, WritesTheCardAndItsManifest)
     EXPECT_TRUE(nrt.readAll().contains("<CreationDate value=\"2024-05-01T10:00:00+02:00\"/>"));
 }
 
-TEST(CardgenCli, ReportsBadArgumentsAndWritesNothing)
-{
-    QTemporaryDir dir;
-    const QString out = dir.filePath("card");
-    const std::vector<std::pair<QStringList, QString>> cases = {
-        {{out, "--frames", "10"}, "multiple of 3"},
-        {{out, "--clips", "two"}, "--clips needs a number"},
-        {{out, "--damage", "missing=FOO"}, "FOO is not one of"},
-        {{out, "--span", "2"}, "second card"},
-        {{out, "--date", "yesterday"}, "--date"},
-        {{}, "OUTPUT"},
-    };
-    for (const auto& [arguments, message] : cases) {
-        const CliRun run = cardgen(arguments);
-        EXPECT_EQ(run.exitCode, 1) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.err.contains(message)) << run.err.toStdString();
-        EXPECT_FALSE(QFile::exists(out)) << arguments.join(' ').toStdString();
-    }
-}
-
 } // namespace

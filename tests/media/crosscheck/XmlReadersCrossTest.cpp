@@ -5,7 +5,6 @@
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/formats/metadata/BLNonMetaAcss.h"
-#include "core/formats/metadata/BLTakeInfoAcss.h"
 #include "core/services/BLCommon.h"
 
 using crosscheck::clipFile;
@@ -77,11 +76,6 @@ void checkNonMeta(const QString& path, const QString& umid, int frames, const QS
     EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), take.audioChannels);
 }
 
-QString fileName(const QString& path)
-{
-    return path.section('/', -1);
-}
-
 } // namespace
 
 TEST(XmlReadersCross, NonRealTimeMetadataOfEveryClipAndTake)
@@ -102,48 +96,6 @@ TEST(XmlReadersCross, NonRealTimeMetadataOfEveryClipAndTake)
         }
     }
     EXPECT_EQ(clips, 7);
-}
-
-TEST(XmlReadersCross, TakeInfoOfClipsAndOfMultiClipTakes)
-{
-    ASSERT_TRUE(card().ok()) << card().error().toStdString();
-    for (const cardgen::ManifestTake& take : card().manifest().takes) {
-        for (const cardgen::ManifestClip& clip : take.clips) {
-            SCOPED_TRACE(clip.name.toStdString());
-            BLTakeInfoAcss acss;
-            ASSERT_TRUE(acss.loadForFilePath(clipFile(card(), clip, "SMI", take.card)));
-            DOTSmil smil;
-            ASSERT_TRUE(acss.getSmilData(smil, ""));
-            EXPECT_EQ(smil.getUmid(), clip.umid);
-            EXPECT_EQ(smil.getHead().getMetadata().getSrc(),
-                      fileName(clipFile(card(), clip, "XML", take.card)));
-            const DOTPar& par = smil.getBody().getSwPar();
-            EXPECT_EQ(par.getSystemComponent(), "MP4");
-            ASSERT_EQ(par.getVideo().size(), 1);
-            EXPECT_EQ(par.getVideo()[0].getSrc(), fileName(clipFile(card(), clip, "MP4", take.card)));
-            EXPECT_EQ(par.getAudio().size(), take.audioChannels);
-            ASSERT_EQ(par.getMetastream().size(), 1);
-            EXPECT_EQ(par.getMetastream()[0].getSrc(), fileName(clipFile(card(), clip, "BIM", take.card)));
-        }
-        if (take.kind != "multi")
-            continue;
-        SCOPED_TRACE(take.takeId.toStdString());
-        ASSERT_EQ(take.files.front().kind, "SMI");
-        BLTakeInfoAcss acss;
-        ASSERT_TRUE(acss.loadForFilePath(card().path(take.files.front().path, take.card)));
-        DOTSmil smil;
-        ASSERT_TRUE(acss.getSmilData(smil, ""));
-        EXPECT_EQ(smil.getUmid(), take.umid);
-        QStringList refs;
-        for (const DOTRef& ref : smil.getBody().getPar().getRef())
-            refs << ref.getSrc();
-        QStringList expected;
-        for (const cardgen::ManifestClip& clip : take.clips)
-            expected << "urn:smpte:umid:" + clip.umid;
-        if (take.spanPart == 1)
-            expected << "urn:smpte:umid:" + take.spanOtherUmid; // the part on the other card follows
-        EXPECT_EQ(refs, expected);
-    }
 }
 
 TEST(XmlReadersCross, MediaProfileAndCueUpOfEachCard)

@@ -196,23 +196,3 @@ TEST_F(DamagedInput, RandomlyFlippedBytesNeverCrash)
     }
     EXPECT_GT(opened, 0);
 }
-
-TEST_F(DamagedInput, UnusualButValidFilesAreRead)
-{
-    // A box before ftyp, 64-bit chunk offsets.
-    cardgen::Options options = tinyTake(1, 30);
-    options.clips = 2;
-    for (auto kind : {cardgen::Damage::Kind::NoFtyp, cardgen::Damage::Kind::Co64}) {
-        cardgen::Damage damage;
-        damage.kind = kind;
-        damage.take = kind == cardgen::Damage::Kind::NoFtyp ? 1 : 2;
-        options.damages.push_back(damage);
-    }
-    const cwtest::CardFolder card(options);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    for (const cardgen::ManifestTake& take : card.manifest().takes) {
-        const Thumbnail thumb(mp4Paths(card, take), 16);
-        ASSERT_EQ(thumb.rc, VV_OK) << take.damage.toStdString();
-        EXPECT_EQ(thumb.counter(), counterOf(take, 16)) << take.damage.toStdString();
-    }
-}

@@ -21,33 +21,27 @@ TEST(ForeignMp4, EveryFrameIsFoundAndStepsAreExact)
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("FOREIGN.MP4"));
     ASSERT_TRUE(cwtest::writeForeignMp4(path.toStdString(), 45, kCounterClip));
-    const QByteArray utf8 = path.toUtf8();
-    const char* paths[] = {utf8.constData(), utf8.constData()};
+    const std::vector<QString> paths{path, path};
 
     // Backwards, so that every thumbnail needs a seek of its own.
     for (int64_t frame = 89; frame >= 0; --frame) {
-        vv_bitmap_t bitmap{};
-        ASSERT_EQ(vv_get_thumbnail(paths, 2, frame, VV_ICON_NONE, &bitmap), VV_OK) << "frame " << frame;
-        EXPECT_EQ(readCounter(bitmap), (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}))
+        const Thumbnail thumb(paths, frame);
+        ASSERT_EQ(thumb.rc, VV_OK) << "frame " << frame;
+        EXPECT_EQ(thumb.counter(), (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}))
             << "frame " << frame;
-        vv_bitmap_free(&bitmap);
     }
 
     ViewerSession viewer(InitParam().set(InitParam::kPlayInfoInterval, "0"));
     vv_av_info_t info{};
-    ASSERT_EQ(vv_set_av_info(paths, 2, &info), VV_OK);
+    ASSERT_EQ(viewer.setTake(paths, &info), VV_OK);
     EXPECT_EQ(info.total_frames, 90);
     EXPECT_EQ(info.frame_rate_num, 30000);
     EXPECT_EQ(info.frame_rate_den, 1001);
     ASSERT_TRUE(viewer.job([] { return vv_show_frame(42, 0); }));
-    for (int64_t frame = 43; frame <= 48; ++frame) {
-        ASSERT_TRUE(viewer.job(vv_plus_one_frame));
-        EXPECT_EQ(viewer.pictures().back().frame, frame);
-        EXPECT_EQ(viewer.pictures().back().counter,
-                  (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));
-    }
-    for (int64_t frame = 47; frame >= 34; --frame) {
-        ASSERT_TRUE(viewer.job(vv_minus_one_frame));
+    // Six steps on over the clip boundary, then fourteen back.
+    for (int step = 1; step <= 20; ++step) {
+        const int64_t frame = step <= 6 ? 42 + step : 54 - step;
+        ASSERT_TRUE(viewer.job(step <= 6 ? vv_plus_one_frame : vv_minus_one_frame));
         EXPECT_EQ(viewer.pictures().back().frame, frame);
         EXPECT_EQ(viewer.pictures().back().counter,
                   (cardgen::FrameCounterValue{kCounterClip, int(frame % 45)}));

@@ -1,8 +1,5 @@
-// The interface's rules: calls out of turn, the log, the last message.
+// The interface's rules: calls out of turn are refused.
 #include "ViewerSession.h"
-
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -46,47 +43,4 @@ TEST(ViewerInterface, CallsOutOfTurnAreRefused)
         ViewerSession viewer;
         EXPECT_EQ(viewer.initResult(), VV_OK);
     }
-}
-
-TEST(ViewerInterface, LogFollowsItsLevelAndSizeLimitAndExitIsTheLastMessage)
-{
-    const cwtest::CardFolder card(tinyTake(1, 30));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("Viewer.log"));
-    {
-        ViewerSession viewer(InitParam()
-                                 .set(InitParam::kLogLevel, "2")
-                                 .set(InitParam::kLogFilePath, path.toStdString())
-                                 .set(InitParam::kLogFileSize, "1"));
-        const std::vector<QString> paths = mp4Paths(card, onlyTake(card));
-        ASSERT_EQ(viewer.setTake(paths), VV_OK);
-        for (int i = 0; i < 20; ++i) {
-            ASSERT_TRUE(viewer.job([] { return vv_show_frame(5, 0); }));
-            ASSERT_TRUE(viewer.job(vv_stop));
-        }
-        EXPECT_EQ(viewer.setTake({dir.filePath(QStringLiteral("missing.MP4"))}), VV_ERR_FILE);
-        // Ended while playing, the last message is VM_EXITED.
-        ASSERT_EQ(viewer.setTake(paths), VV_OK);
-        ASSERT_EQ(vv_play(), VV_OK);
-        ASSERT_TRUE(viewer.waitForMessage(VM_PLAYED));
-        ASSERT_EQ(vv_exit(), VV_OK);
-        EXPECT_EQ(viewer.messages().back().id, VM_EXITED);
-    }
-    const QByteArray log = readAll(path);
-    const QByteArray old = readAll(path + QStringLiteral(".old"));
-    EXPECT_FALSE(old.isEmpty()) << "a full log is kept as .old";
-    EXPECT_LE(old.size(), 1024 + 200);
-    EXPECT_TRUE(log.contains("vv_exit"));
-    EXPECT_TRUE((old + log).contains("state VM_STOPPED"));
-    EXPECT_TRUE((old + log).contains("vv_set_av_info failed: -5"));
-
-    // Level 0 writes nothing.
-    const QString silent = dir.filePath(QStringLiteral("Silent.log"));
-    {
-        ViewerSession viewer(
-            InitParam().set(InitParam::kLogLevel, "0").set(InitParam::kLogFilePath, silent.toStdString()));
-        EXPECT_EQ(viewer.setTake({dir.filePath(QStringLiteral("missing.MP4"))}), VV_ERR_FILE);
-    }
-    EXPECT_FALSE(QFile::exists(silent));
 }

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
-#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -133,64 +132,36 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
     EXPECT_EQ(unknown.bitmap.pixels, nullptr);
 }
 
-TEST_F(TwoClipTake, BitmapFileReadsBackWithTheSamePixels)
+// Thumbnails written as BMP files read back through Qt in the cache's tests;
+// here a 32-bit bitmap of odd width, and the refusals.
+TEST_F(TwoClipTake, BitmapFilesAreWrittenWholeOrNotAtAll)
 {
     QTemporaryDir dir;
-    const Thumbnail thumb(paths(), 52, VV_ICON_MEDIA_SPANNING);
-    ASSERT_EQ(thumb.rc, VV_OK);
-
-    // A 24-bit thumbnail and a 32-bit bitmap whose rows need padding.
     vv_bitmap_t odd{7, 5, 32, 28, static_cast<uint8_t*>(std::malloc(28 * 5))};
     for (int i = 0; i < 28 * 5; ++i)
         odd.pixels[i] = uint8_t(i * 37 + 11);
-    for (const vv_bitmap_t* bitmap : std::initializer_list<const vv_bitmap_t*>{&thumb.bitmap, &odd}) {
-        const QString path = dir.filePath(QStringLiteral("b%1.bmp").arg(bitmap->bits_per_pixel));
-        ASSERT_EQ(vv_bitmap_write(path.toUtf8().constData(), bitmap, 1), VV_OK);
-
-        const QByteArray data = readAll(path);
-        const auto u32 = [&](int at) { return qFromLittleEndian<uint32_t>(data.constData() + at); };
-        const int bytes = bitmap->bits_per_pixel / 8;
-        const uint32_t rowSize = (uint32_t(bitmap->width * bytes) + 3) & ~3u;
-        ASSERT_EQ(data.left(2), QByteArray("BM"));
-        EXPECT_EQ(u32(2), uint32_t(data.size()));
-        EXPECT_EQ(u32(10), 54u);                     // pixels after the two headers
-        EXPECT_EQ(u32(14), 40u);                     // BITMAPINFOHEADER
-        EXPECT_EQ(int32_t(u32(22)), bitmap->height); // positive: bottom-up
-        EXPECT_EQ(uint8_t(data[28]), bitmap->bits_per_pixel);
-        EXPECT_EQ(u32(30), 0u); // BI_RGB
-        EXPECT_EQ(uint32_t(data.size()), 54 + rowSize * uint32_t(bitmap->height));
-        // The bottom row comes first; padding bytes are zero.
-        const auto* fileBytes = reinterpret_cast<const uint8_t*>(data.constData());
-        EXPECT_EQ(std::memcmp(fileBytes + 54, pixelAt(*bitmap, 0, bitmap->height - 1),
-                              size_t(bitmap->width * bytes)),
-                  0);
-        for (uint32_t pad = uint32_t(bitmap->width * bytes); pad < rowSize; ++pad)
-            EXPECT_EQ(fileBytes[54 + pad], 0);
-
-        // What the program sees through Qt.
-        const QImage image(path);
-        ASSERT_EQ(image.size(), QSize(bitmap->width, bitmap->height));
-        for (int y = 0; y < bitmap->height; ++y) {
-            for (int x = 0; x < bitmap->width; ++x) {
-                const uint8_t* p = pixelAt(*bitmap, x, y);
-                ASSERT_EQ(image.pixel(x, y) & 0xFFFFFF, qRgb(p[2], p[1], p[0]) & 0xFFFFFF)
-                    << bitmap->bits_per_pixel << " bits, pixel " << x << "," << y;
-            }
+    const QString path = dir.filePath(QStringLiteral("odd.bmp"));
+    ASSERT_EQ(vv_bitmap_write(path.toUtf8().constData(), &odd, 1), VV_OK);
+    const QByteArray data = readAll(path);
+    ASSERT_EQ(data.size(), 54 + 28 * 5);
+    const QImage image(path);
+    ASSERT_EQ(image.size(), QSize(7, 5));
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 7; ++x) {
+            const uint8_t* p = pixelAt(odd, x, y);
+            ASSERT_EQ(image.pixel(x, y) & 0xFFFFFF, qRgb(p[2], p[1], p[0]) & 0xFFFFFF) << x << "," << y;
         }
-    }
     vv_bitmap_free(&odd);
     EXPECT_EQ(odd.pixels, nullptr);
 
     // Refusals leave no file behind and keep an existing one.
-    const QString existing = dir.filePath(QStringLiteral("b24.bmp"));
-    const QByteArray before = readAll(existing);
-    EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &odd, 0), VV_ERR_PARAM); // freed: empty
-    EXPECT_EQ(vv_bitmap_write(existing.toUtf8().constData(), &thumb.bitmap, 0), VV_ERR_WRITE);
+    const Thumbnail thumb(paths(), 52);
+    const QByteArray before = readAll(path);
+    EXPECT_EQ(vv_bitmap_write(path.toUtf8().constData(), &odd, 1), VV_ERR_PARAM); // freed: empty
+    EXPECT_EQ(vv_bitmap_write(path.toUtf8().constData(), &thumb.bitmap, 0), VV_ERR_WRITE);
     const QString missingFolder = dir.filePath(QStringLiteral("no/such/folder/x.bmp"));
     EXPECT_EQ(vv_bitmap_write(missingFolder.toUtf8().constData(), &thumb.bitmap, 1), VV_ERR_WRITE);
-    EXPECT_FALSE(QFile::exists(missingFolder));
-    EXPECT_EQ(readAll(existing), before);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2) << "temporary files were left";
+    EXPECT_EQ(readAll(path), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"odd.bmp"}) << "temporary files were left";
     EXPECT_EQ(vv_bitmap_write(nullptr, &thumb.bitmap, 1), VV_ERR_PARAM);
-    EXPECT_EQ(vv_bitmap_free(nullptr), VV_OK);
 }

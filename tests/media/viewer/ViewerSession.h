@@ -20,11 +20,11 @@
 
 namespace vvtest {
 
-// The settings texts of an initialisation block, kept alive with the block.
+// The settings texts of an initialisation block (the settings store's values
+// for a new settings file), kept alive with the block.
 class InitParam
 {
 public:
-    // The settings store's values for a new settings file.
     InitParam()
         : m_texts{"",       "",   "",   "",        "",        "",       "0", "1024", "",  "500000", "5",
                   "1",      "20", "10", "5",       "5",       "5",      "1", "1",    "1", "1",      "1",
@@ -47,9 +47,6 @@ public:
         return &m_param;
     }
 
-    static constexpr int kLogLevel = 7;
-    static constexpr int kLogFileSize = 8;
-    static constexpr int kLogFilePath = 9;
     static constexpr int kPlayInfoInterval = 23;
     static constexpr int kFrameDropFlag = 24;
     static constexpr int kLowResolution = 25;
@@ -60,8 +57,23 @@ private:
     vv_init_param_t m_param{};
 };
 
-// One message of the library, with the frame information copied out; the
-// end-of-job calls are recorded among them with the id kEndOfJob.
+// UTF-8 copies of paths with the array of pointers the library takes.
+struct Utf8Paths
+{
+    explicit Utf8Paths(const std::vector<QString>& paths)
+    {
+        for (const QString& path : paths)
+            utf8.push_back(path.toUtf8());
+        for (const QByteArray& path : utf8)
+            pointers.push_back(path.constData());
+    }
+    const char** data() { return pointers.empty() ? nullptr : pointers.data(); }
+    int32_t size() const { return int32_t(pointers.size()); }
+    std::vector<QByteArray> utf8;
+    std::vector<const char*> pointers;
+};
+
+// A message of the library; end-of-job calls are recorded with id kEndOfJob.
 constexpr int kEndOfJob = -1;
 
 struct Message
@@ -74,8 +86,7 @@ struct Message
     int64_t numFrames = -1;
 };
 
-// One picture the frame sink received: its record, and the counter drawn
-// into it read back from its pixels.
+// A picture the frame sink received, with the counter read from its pixels.
 struct Picture
 {
     int64_t frame = -1;
@@ -83,14 +94,13 @@ struct Picture
     int64_t clipFrame = -1;
     int width = 0;
     int height = 0;
-    int fullScreen = 0;
     std::optional<cardgen::FrameCounterValue> counter;
     std::chrono::steady_clock::time_point at;
     int64_t heard = -1; // sample frames the device had played by then (sessions with sound)
 };
 
-// A started library (vv_init ... vv_exit) whose messages, pictures, sound and
-// end-of-job calls are recorded for the test to wait on.
+// A started library (vv_init ... vv_exit) recording its messages, pictures,
+// sound and end-of-job calls for the test to wait on.
 class ViewerSession : public IVVDemuxCallBacker
 {
 public:
@@ -122,32 +132,23 @@ public:
         record([](auto& self) { self.m_messages.push_back({kEndOfJob}); });
     }
 
-    // vv_set_av_info for the files, with the AV information block.
     int setTake(const std::vector<QString>& paths, vv_av_info_t* info = nullptr)
     {
-        std::vector<QByteArray> utf8;
-        std::vector<const char*> pointers;
-        for (const QString& path : paths)
-            utf8.push_back(path.toUtf8());
-        for (const QByteArray& path : utf8)
-            pointers.push_back(path.constData());
+        Utf8Paths utf8(paths);
         vv_av_info_t local{};
-        return vv_set_av_info(pointers.data(), int32_t(pointers.size()), info ? info : &local);
+        return vv_set_av_info(utf8.data(), utf8.size(), info ? info : &local);
     }
 
-    // Waits until the predicate over the recorded messages (or pictures) holds.
-    bool waitFor(const std::function<bool(const std::vector<Message>&)>& done,
-                 std::chrono::milliseconds timeout = std::chrono::seconds(20))
+    bool waitFor(const std::function<bool(const std::vector<Message>&)>& done)
     {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, timeout, [&] { return done(m_messages); });
+        return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return done(m_messages); });
     }
     bool waitForPictures(const std::function<bool(const std::vector<Picture>&)>& done)
     {
         std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return done(m_pictures); });
     }
-    // Waits for a message of this id among those recorded since the last clear().
     bool waitForMessage(int id)
     {
         return waitFor([&](const std::vector<Message>& messages) {
@@ -155,9 +156,9 @@ public:
                                [&](const Message& m) { return m.id == id; });
         });
     }
-    // Runs a request and waits for a state that ends a job and for the
-    // end-of-job call after it: by default the end of the take (paused on its
-    // last frame). With state 0, for the next end-of-job call.
+    // Runs a request and waits for the state given (by default the pause at
+    // the take's end) followed by an end-of-job call; with state 0, for the
+    // next end-of-job call only.
     bool runUntil(const std::function<int()>& request, int state = VM_PAUSING)
     {
         const size_t from = messages().size();
@@ -173,7 +174,6 @@ public:
             return false;
         });
     }
-    // Runs a request and waits for the end-of-job call it leads to.
     bool job(const std::function<int()>& request) { return runUntil(request, 0); }
 
     std::vector<Message> messages()
@@ -193,7 +193,6 @@ public:
         m_pictures.clear();
     }
     cwtest::SimulatedAudioDevice& audio() { return m_audio; }
-    // Typical pictures arrive with their bitmap; the session frees them.
     std::vector<vv_typical_picture_t> typicalPictures()
     {
         std::lock_guard lock(m_mutex);
@@ -236,7 +235,6 @@ private:
             frame->clip_frame_no,
             frame->width,
             frame->height,
-            frame->full_screen,
             cardgen::FrameCounter::readPacked(frame->pixels, frame->stride, frame->width, frame->height, 4),
             std::chrono::steady_clock::now(),
             self->m_withAudio ? self->m_audio.heard() : -1};
@@ -258,17 +256,14 @@ private:
 inline std::vector<QString> mp4Paths(const cwtest::CardFolder& card, const cardgen::ManifestTake& take)
 {
     std::vector<QString> paths;
-    for (const cardgen::ManifestClip& clip : take.clips) {
-        for (const cardgen::ManifestFile& file : clip.files) {
+    for (const cardgen::ManifestClip& clip : take.clips)
+        for (const cardgen::ManifestFile& file : clip.files)
             if (file.kind == QLatin1String("MP4"))
                 paths.push_back(card.path(file.path, take.card));
-        }
-    }
     return paths;
 }
 
-// A card of tiny 29.97p clips (GOP 15) with one take of clipsPerTake clips of
-// the given length.
+// A card of tiny 29.97p clips (GOP 15) with one take of clipsPerTake clips.
 inline cardgen::Options tinyTake(int clipsPerTake, int frames)
 {
     cardgen::Options options = cwtest::CardFolder::quick();
@@ -280,7 +275,6 @@ inline cardgen::Options tinyTake(int clipsPerTake, int frames)
     return options;
 }
 
-// The take of a card made by tinyTake.
 inline const cardgen::ManifestTake& onlyTake(const cwtest::CardFolder& card)
 {
     return card.manifest().takes.front();
@@ -297,7 +291,6 @@ inline cardgen::FrameCounterValue counterOf(const cardgen::ManifestTake& take, i
     return {};
 }
 
-// Reads the counter out of a bitmap of the library.
 inline std::optional<cardgen::FrameCounterValue> readCounter(const vv_bitmap_t& bitmap)
 {
     return cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
@@ -318,14 +311,8 @@ struct Thumbnail
 
     Thumbnail(const std::vector<QString>& paths, int64_t frame, int icon = VV_ICON_NONE)
     {
-        std::vector<QByteArray> utf8;
-        std::vector<const char*> pointers;
-        for (const QString& path : paths)
-            utf8.push_back(path.toUtf8());
-        for (const QByteArray& path : utf8)
-            pointers.push_back(path.constData());
-        rc = vv_get_thumbnail(pointers.empty() ? nullptr : pointers.data(), int32_t(pointers.size()), frame,
-                              icon, &bitmap);
+        Utf8Paths utf8(paths);
+        rc = vv_get_thumbnail(utf8.data(), utf8.size(), frame, icon, &bitmap);
     }
     Thumbnail(const Thumbnail&) = delete;
     Thumbnail& operator=(const Thumbnail&) = delete;

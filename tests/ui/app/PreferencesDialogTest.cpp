@@ -70,7 +70,6 @@ protected:
     {
         return cwtest::dialogButton(dialog.get(), which);
     }
-    static void flushNotifications() { cwtest::settle(); }
     static QString today(const QString& pattern) { return QDate::currentDate().toString(pattern); }
 
     std::unique_ptr<PreferencesDialog> dialog;
@@ -113,7 +112,7 @@ TEST_F(PreferencesDialogTest, OnlyOkStoresTheSettingsThenPostsDateFormatBeforeRe
         choose(dialog->orderResolutionGroup(), 1);
         cwtest::key(dialog.get(), Qt::Key_Escape);
     });
-    flushNotifications();
+    cwtest::settle(); // notifications are posted when the program is next idle
     EXPECT_TRUE(posted.isEmpty());
     EXPECT_EQ(fileBytes(path), before);
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getLowResolution(), 2);
@@ -134,8 +133,8 @@ TEST_F(PreferencesDialogTest, OnlyOkStoresTheSettingsThenPostsDateFormatBeforeRe
             button(QDialogButtonBox::Ok)->click();
         });
         EXPECT_EQ(shownVerify, row % 2 == 1) << row; // stored off, then on, then off again
-        EXPECT_TRUE(posted.isEmpty());               // posted when the program is next idle
-        flushNotifications();
+        EXPECT_TRUE(posted.isEmpty());
+        cwtest::settle(); // notifications are posted when the program is next idle
         EXPECT_EQ(posted, QStringList({SC::SCDateFormatDidChangeNotification,
                                        SC::SCResolutionDidChangeNotification}));
 

@@ -1,5 +1,3 @@
-#include "core/app/BLMainWindowCtrl.h"
-#include "core/app/panes/BLMediaInfoCtrl.h"
 #include "core/app/preview/BLAudioChannelCtrl.h"
 #include "core/app/preview/BLPreviewButtonCtrl.h"
 #include "core/app/preview/BLPreviewCtrl.h"
@@ -11,26 +9,18 @@
 #include "support/MessageRecorder.h"
 #include "support/QtPrinters.h"
 #include "support/UserInput.h"
-#include "ui/app/SCMainWindow.h"
 #include "ui/preview/SCAudioChannelView.h"
 #include "ui/preview/SCFullScreenWindow.h"
 #include "ui/preview/SCImageButton.h"
 #include "ui/preview/SCOpenGLView.h"
-#include "ui/preview/SCPreviewAudioOutput.h"
 #include "ui/preview/SCPreviewButtonBar.h"
 #include "ui/preview/SCPreviewView.h"
 #include "ui/preview/SCTimeCodeField.h"
 #include "ui/preview/SCTimeSlider.h"
 
 #include <QApplication>
-#include <QAudioDevice>
 #include <QCheckBox>
-#include <QDir>
 #include <QLabel>
-#include <QMediaDevices>
-#include <QMenu>
-#include <QPushButton>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -207,78 +197,4 @@ TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeav
     EXPECT_TRUE(opened);
     EXPECT_FALSE(ctrl->isFullScreen());
     EXPECT_FALSE(fullScreen->isVisible());
-}
-
-TEST(PreviewAudioOutputTest, WithoutAnAudioDeviceThePreviewPlaysSilently)
-{
-    SCPreviewAudioOutput output;
-    const vv_audio_sink_t sink = output.sink();
-    if (QMediaDevices::audioOutputs().isEmpty()) {
-        EXPECT_FALSE(output.hasDevice());
-        EXPECT_EQ(sink.write, nullptr);
-        return;
-    }
-    ASSERT_TRUE(output.hasDevice());
-    std::vector<int16_t> silence(2 * 4800, 0);
-    EXPECT_GE(sink.write(sink.context, silence.data(), 4800, 48000, 2), 4800);
-    sink.flush(sink.context);
-    EXPECT_EQ(sink.write(sink.context, nullptr, 0, 48000, 2), 0);
-}
-
-TEST_F(PreviewViewTest, TheMainWindowPreviewsATake)
-{
-    cardgen::Options options = tinyCard(1, 9);
-    options.size = "1280x720";
-    const cwtest::CardFolder hd(options);
-    ASSERT_TRUE(hd.ok()) << hd.error().toStdString();
-    SCMainWindow window;
-    BLMainWindowCtrl windowCtrl(window);
-    window.setController(&windowCtrl);
-    windowCtrl.awakeFromNib();
-    BLPreviewCtrl* preview = windowCtrl.getPreviewCtrl();
-    window.show();
-    ASSERT_TRUE(windowCtrl.initializeCtrl());
-
-    // The card's folder is chosen in the Main pane first: a change of folder stops the preview.
-    BLMediaInfoCtrl* pane = windowCtrl.getMediaInfoCtrl(BLMediaInfoCtrl::kTypeMain);
-    pane->setWorkFolder(hd.workFolder(), false);
-    pane->setSelectFolder(hd.workFolder(), true);
-    ASSERT_TRUE(waitFor([&] { return pane->getTakeData().size() == 1; }));
-    play(hd, takeOf(hd, hd.manifest().takes.front()));
-    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PLAYED; }));
-    windowCtrl.selectMenuItem(MENU_ITEM_ID_PREVIEW_PAUSE);
-    ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == VM_PAUSING; }));
-    // The Preview menu's items, validated as the menu opens.
-    for (QAction* action : window.previewMenu()->actions())
-        if (action->data().toInt() == MENU_ITEM_ID_PREVIEW_TOP_FRAME) {
-            window.validateMenuItems();
-            EXPECT_TRUE(action->isEnabled());
-            action->trigger();
-        }
-    SCOpenGLView* picture = window.previewWidget()->openGLView();
-    ASSERT_TRUE(waitFor([&] { return counterIn(picture) == counterOf(hd.manifest().takes.front(), 0); }));
-    const QString folder = QStringLiteral(CLIPWRIGHT_BINARY_DIR "/screenshots");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    EXPECT_TRUE(window.grab().toImage().save(folder + "/preview.png"));
-
-    // Space typed in the picture plays and pauses the preview; the window's
-    // Space shortcut (play the grid's take) does not take it.
-    QApplication::setActiveWindow(&window);
-    picture->setFocus(Qt::MouseFocusReason);
-    window.enablePaneMenuItems(); // as after any menu has closed
-    for (int state : {VM_PLAYED, VM_PAUSING}) {
-        QTest::keyClick(picture, Qt::Key_Space);
-        ASSERT_TRUE(waitFor([&] { return preview->getViewerState() == state; }));
-    }
-
-    // Minimised, the picture is hidden; back, it is shown.
-    windowCtrl.windowWillMiniaturizeNotification();
-    EXPECT_FALSE(picture->isVisible());
-    windowCtrl.windowDidDeminiaturizeNotification();
-    EXPECT_TRUE(picture->isVisible());
-
-    window.close();
-    EXPECT_FALSE(preview->isUseViewerLibrary());
-    EXPECT_TRUE(
-        cwtest::logMessages().contains("0000:[BLPreviewCtrl finalizeViewerLibrary] call vv_exit return:0"));
 }
