@@ -62,26 +62,3 @@ TEST_F(BIMCtrlTest, PreImportKeepsWhatTheCheckerLearntUntilAFileIsAccepted)
     EXPECT_FALSE(bim->preImportMP4(text));
     EXPECT_EQ(facts(*bim), expected);
 }
-
-TEST_F(BIMCtrlTest, EmbeddedDocumentIsKeptOnlyWhenTheFileHasOne)
-{
-    const QByteArray document = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<NonRealTimeMeta/>\n";
-    Mp4Builder with;
-    with.tracks << Mp4Builder::videoTrack({"IBBPBB"});
-    with.xmlBody = QByteArray(4, '\0') + document + '\0'; // version bytes, then a terminated string
-    Mp4Builder without = with;
-    without.xmlBody.clear();
-    Mp4Builder empty = with; // a document of no bytes: only the terminator
-    empty.xmlBody = QByteArray(4, '\0') + '\0';
-
-    BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
-    ASSERT_TRUE(bim->checkNonMetaExist(write(with, "with.MP4")));
-    EXPECT_EQ(bim->getNonMetaData(), document);
-    EXPECT_EQ(bim->getDuration(), 0u) << "the document check learns nothing else";
-    for (const QString& file :
-         {write(without, "without.MP4"), write(empty, "empty.MP4"), m_dir.filePath("none")}) {
-        ASSERT_TRUE(bim->checkNonMetaExist(m_dir.filePath("with.MP4")));
-        EXPECT_FALSE(bim->checkNonMetaExist(file)) << file.toStdString();
-        EXPECT_TRUE(bim->getNonMetaData().isEmpty()) << "no document of an earlier file is left";
-    }
-}

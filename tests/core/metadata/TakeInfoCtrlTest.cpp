@@ -170,10 +170,6 @@ TEST_F(TakeInfoCtrlTest, NothingToWriteOrNothingReadable)
     // A take without clips is refused.
     EXPECT_FALSE(
         BLTakeInfoCtrl::createTakeInfo(path, takeWith('A', {}, {entry('3', "0", "", "0", "")}), next));
-    // A file that cannot be read is refused.
-    const DOTakeData spanning =
-        takeWith('A', {'1'}, {entry('1', "0", "300", "0", "300"), entry('3', "0", "9", "300", "309")});
-    EXPECT_FALSE(BLTakeInfoCtrl::createTakeInfo(m_dir.filePath("MISSING.SMI"), spanning, next));
     // An entry list that cannot be written (no begin for the first entry) leaves the file as it was.
     const DOTakeData broken =
         takeWith('A', {'1'}, {entry('1', "0", "300", "", "300"), entry('3', "0", "9", "300", "309")});

@@ -115,12 +115,20 @@ TEST_F(TreeViewCtrlTest, ASelectionSurvivesARebuildAndAVanishedFolderIsReportedN
     m_tree.selectTreeIndex(-1);
     EXPECT_EQ(m_pane.selectFolder, "");
 
-    // A rebuild that keeps the selection finds the folder at its new row
-    // without handing it over again.
+    // Only the own pane's change of work folder rebuilds; a rebuild that keeps
+    // the selection finds the folder at its new row without handing it over again.
     m_tree.selectTreeIndex(2);
     makeFolders(m_work, {"a0"});
     const int handed = m_pane.selectionsHandedOver;
-    m_tree.updateData(true);
+    auto workFolderChanged = [](const void* pane, bool keepSelection) {
+        BLCommon::sharedCtrl()->sendNotificationNow(pane, SC::SCWorkFolderDidChangeNotification,
+                                                    {{SC::SCKeepSelectKey, keepSelection}});
+    };
+    int otherPane = 0;
+    workFolderChanged(&otherPane, true);
+    EXPECT_EQ(m_tree.rowCount(), 3);
+    workFolderChanged(&m_pane, true);
+    EXPECT_EQ(m_tree.rowCount(), 4);
     EXPECT_EQ(m_tree.selectedRow(), 3);
     EXPECT_EQ(m_pane.selectionsHandedOver, handed);
     EXPECT_EQ(m_pane.selectFolder, path("b"));
@@ -130,6 +138,10 @@ TEST_F(TreeViewCtrlTest, ASelectionSurvivesARebuildAndAVanishedFolderIsReportedN
     m_tree.doubleClickSelecttion();
     EXPECT_EQ(m_pane.workFolder, m_work);
     EXPECT_EQ(m_pane.notFound, 1);
+
+    workFolderChanged(&m_pane, false);
+    EXPECT_EQ(m_tree.selectedRow(), 0);
+    EXPECT_EQ(m_pane.selectFolder, m_work);
 }
 
 TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
@@ -186,28 +198,6 @@ TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
     post(SC::SCFolderDidDeleteNotification, {{SC::SCDeletePathKey, path("elsewhere")}});
     EXPECT_EQ(m_pane.workFolder, m_work);
     EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new"}));
-}
-
-TEST_F(TreeViewCtrlTest, OnlyTheOwnPanesWorkFolderChangeRebuilds)
-{
-    makeFolders(m_work, {"a"});
-    m_tree.updateData(false);
-    makeFolders(m_work, {"b"});
-
-    int otherPane = 0;
-    BLCommon::sharedCtrl()->sendNotificationNow(&otherPane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, true}});
-    EXPECT_EQ(m_tree.rowCount(), 2);
-
-    m_tree.selectTreeIndex(1);
-    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, true}});
-    EXPECT_EQ(m_tree.rowCount(), 3);
-    EXPECT_EQ(m_tree.selectedRow(), 1);
-    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, false}});
-    EXPECT_EQ(m_tree.selectedRow(), 0);
-    EXPECT_EQ(m_pane.selectFolder, m_work);
 }
 
 class TreeViewCtrlVolumeTest : public TreeViewCtrlTest
@@ -397,37 +387,15 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
                           MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
         EXPECT_FALSE(menuState(m_tree, tag).enable) << tag;
 
+    // A disabled or unknown command is not handed to the pane.
+    for (const int tag : {MENU_ITEM_ID_DELETE, MENU_ITEM_ID_EXPORT, 44006})
+        m_tree.selectMenuItem(tag);
+    EXPECT_TRUE(m_pane.commands.isEmpty());
+
     // Thumbnail commands are the grid's to answer.
     const MenuState sortDate = menuState(m_tree, MENU_ITEM_ID_SORT_DATE);
     EXPECT_TRUE(sortDate.supported && sortDate.enable && sortDate.check);
     EXPECT_FALSE(menuState(m_tree, MENU_ITEM_ID_EXPORT).enable);
-}
-
-TEST_F(TreeViewCtrlTest, EachCommandIsHandedToThePane)
-{
-    makeFolders(m_work, {"a"});
-    m_tree.updateData(false);
-    m_tree.selectTreeIndex(1);
-
-    for (const int tag :
-         {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE, MENU_ITEM_ID_CLIP_SEARCH,
-          MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE})
-        m_tree.selectMenuItem(tag);
-    // Disabled or unknown commands do nothing.
-    for (const int tag : {MENU_ITEM_ID_NEW_FOLDER, MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_EXPORT, 44006})
-        m_tree.selectMenuItem(tag);
-    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
-
-    EXPECT_EQ(m_pane.commands, (QList<int>{MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE,
-                                           MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_CHANGE_WORK_FOLDER,
-                                           MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE}));
-    EXPECT_EQ(m_pane.opened, QStringList{path("a")});
-
-    // Opening a folder that has gone is reported to the pane instead.
-    ASSERT_TRUE(QDir(path("a")).removeRecursively());
-    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
-    EXPECT_EQ(m_pane.opened.size(), 1);
-    EXPECT_EQ(m_pane.notFound, 1);
 }
 
 } // namespace

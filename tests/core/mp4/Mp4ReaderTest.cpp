@@ -7,7 +7,6 @@
 
 #include <cstring>
 #include <functional>
-#include <random>
 
 using cwtest::be32;
 using cwtest::Mp4Box;
@@ -132,6 +131,7 @@ TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
          [&](Boxes& b) { b[2].find(video)->children.removeAt(b[2].find(video)->indexOf("sdtp")); },
          "MP4 box Seek reached EOF\n"},
         {"stsc count", body(video + "/stsc", replaceAt(4, be32(3))), "STSC Size Error \n"},
+        {"stco count low", body(video + "/stco", replaceAt(4, be32(1))), "Read stco Length Error\n"},
         {"stco count high", body(video + "/stco", replaceAt(4, be32(3))), "Read stco Length Error\n"},
         {"stts count zero", body(video + "/stts", replaceAt(4, be32(0))), "Read STTS Error\n"},
         {"stts count high", body(video + "/stts", replaceAt(4, be32(2))), "Read STTS Error\n"},
@@ -237,49 +237,6 @@ TEST_F(Mp4Test, SequenceHeaderMustLieInTheFirst2048BytesOfChunkZero)
     EXPECT_EQ(check(b.boxes()), "MPEG-2 Read err\n");
 }
 
-TEST_F(Mp4Test, MalformedTablesAreRefusedWithTheirTexts)
-{
-    struct Case
-    {
-        const char* box;
-        int at;
-        QByteArray bytes;
-        const char* error;
-    };
-    // Offsets are into the box body (after the 8-byte header).
-    const Case cases[] = {
-        {"stsc", 4, be32(3), "STSC Size Error \n"},       {"stco", 4, be32(1), "Read stco Length Error\n"},
-        {"stco", 4, be32(3), "Read stco Length Error\n"}, {"stts", 4, be32(0), "Read STTS Error\n"},
-        {"stts", 4, be32(2), "Read STTS Error\n"},
-    };
-    for (const Case& c : cases) {
-        QList<Mp4Box> boxes = cameraFile().boxes();
-        Mp4Box* box = videoStbl(boxes)->find(c.box);
-        box->body.replace(c.at, c.bytes.size(), c.bytes);
-        EXPECT_EQ(check(boxes), c.error) << c.box << " at " << c.at;
-    }
-
-    // A sample count that does not match the size table fails without a text of the reader.
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    videoStbl(boxes)->find("stsz")->body.replace(8, 4, be32(13));
-    EXPECT_EQ(readerError(write(boxes)), "(no text)");
-    EXPECT_EQ(check(boxes), "MP4 File Moov Read Error");
-
-    // Sample descriptions too short for their fields.
-    boxes = cameraFile().boxes();
-    videoStbl(boxes)->find("stsd")->body.truncate(100);
-    EXPECT_EQ(check(boxes), "Read STSD  Error\n");
-    boxes = cameraFile().boxes();
-    boxes[2].find("trak:1/mdia/minf/stbl/stsd")->body.truncate(30);
-    EXPECT_EQ(check(boxes), "Read STSD  Error\n");
-    boxes = cameraFile().boxes();
-    boxes[2].find("trak:0/mdia/mdhd")->body.truncate(12);
-    EXPECT_EQ(check(boxes), "Read MDHD Error\n");
-    boxes = cameraFile().boxes();
-    videoStbl(boxes)->find("sdtp")->body.truncate(2);
-    EXPECT_EQ(check(boxes), "Read SDTP Error\n");
-}
-
 TEST_F(Mp4Test, TruncatedFilesAreRefusedWithATextNeverACrash)
 {
     Mp4Builder b = cameraFile();
@@ -304,48 +261,4 @@ TEST_F(Mp4Test, TruncatedFilesAreRefusedWithATextNeverACrash)
     // Cut at a track boundary inside moov: not mistaken for a file with fewer tracks.
     const qsizetype audioTrak = whole.indexOf("trak", whole.indexOf("trak", moovStart) + 4) - 4;
     EXPECT_EQ(readerError(write(whole.left(audioTrak))), "MP4 box Seek reached EOF\n");
-}
-
-TEST_F(Mp4Test, RandomCorruptionIsRefusedOrReadNeverACrash)
-{
-    Mp4Builder b = cameraFile();
-    b.tracks << Mp4Builder::audioTrack("in24", 1, {1601, 1602});
-    b.xmlBody = QByteArray(4, '\0') + "<NonRealTimeMeta/>";
-    const QByteArray whole = b.bytes();
-    const qsizetype moovStart = whole.size() - qsizetype(b.boxes()[2].size());
-    std::mt19937 random(20240611);
-    int passed = 0;
-    for (int round = 0; round < 1000; ++round) {
-        QByteArray data = whole;
-        const int flips = 1 + int(random() % 6);
-        for (int i = 0; i < flips; ++i) {
-            // Mostly the box tree, sometimes the sequence header or the ftyp.
-            const quint32 where = random() % 10;
-            const qsizetype at = where < 8
-                                     ? moovStart + qsizetype(random() % quint32(whole.size() - moovStart))
-                                 : where < 9 ? qsizetype(random() % 64)
-                                             : qsizetype(24 + random() % 40);
-            data[at] = char(random() % 4 == 0 ? 0xFF : random());
-        }
-        const QByteArray file = write(data);
-        CCreatePPT ppt;
-        const char* xml = nullptr;
-        int xmlLength = 0;
-        if (ppt.blCheckMP4(file.constData(), xml, xmlLength)) {
-            ++passed;
-            QString text;
-            EXPECT_EQ(ppt.getVideoSizeStr(text), 1);
-            if (xml) {
-                EXPECT_GE(xmlLength, 0);
-            }
-        } else {
-            ASSERT_NE(ppt.getErrorText(), nullptr);
-        }
-        ppt.CloseCheckMP4();
-        const QByteArray ppn = write(QByteArray(), "out.PPN");
-        if (!ppt.StartConvert(file.constData(), ppn.constData())) {
-            ASSERT_NE(ppt.getErrorText(), nullptr);
-        }
-    }
-    EXPECT_GT(passed, 0) << "some corruptions (in the data) leave the file readable";
 }
