@@ -76,49 +76,39 @@ protected:
     cwtest::MessageRecorder m_messages;
 };
 
-TEST_F(DiskSpaceTest, UsageLimitOfACardMustStayAboveTheUsedShare)
+TEST_F(DiskSpaceTest, TheDataMustFitAndLeaveTheDiskBelowItsUsageLimit)
 {
-    settings(0, 90);
-    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
-    const QString destination = m_card.path() + "/BPAV";
-
-    EXPECT_FALSE(disk->checkDiskSpace({source("C6", 6 * kGB)}, destination)); // 91 %
-    EXPECT_FALSE(disk->checkDiskSpace({source("C5", 5 * kGB)}, destination)); // 90 %: not below
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3193", "MSG_6510_3193"}));
-    EXPECT_TRUE(disk->checkDiskSpace({source("C4", 4 * kGB)}, destination)); // 89 %
-    EXPECT_EQ(m_messages.alerts().size(), 2);
-}
-
-TEST_F(DiskSpaceTest, WithoutALimitTheDataMustFitAndFoldersCountWhole)
-{
-    settings(0, 0);
-    BLDiskCtrl* disk = BLDiskCtrl::sharedCtrl();
     const QString clip = QFileInfo(source("C10", 10 * kGB)).path();
     writeFile(clip + "/C10M01.XML", 1000);
-
-    // A clip folder counts with everything in it: 10 GB + 1000 bytes > 10 GB free.
     m_volumes.addVolume({m_card.path() + "/full", "vfat", "FULL", 100 * kGB, 10 * kGB});
-    EXPECT_FALSE(disk->checkDiskSpace({clip}, m_card.path() + "/full"));
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3229"}));
-    // Exactly the free space fits.
-    EXPECT_TRUE(disk->checkDiskSpace({clip + "/C10.MP4"}, m_card.path() + "/full"));
-    // 100 means the same as 0.
-    settings(0, 100);
-    EXPECT_FALSE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({clip}, m_card.path() + "/full"));
-    EXPECT_EQ(m_messages.keys().last(), "MSG_6510_3229");
-}
-
-TEST_F(DiskSpaceTest, TheStartupDiskUsesItsOwnLimit)
-{
-    settings(0, 1);
-    // 6 GB onto the start-up disk (250 GB free of 500): the card limit of 1 % does not apply.
-    EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest")));
-    settings(51, 1);
-    EXPECT_FALSE(
-        BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, home().path("dest"))); // 51 %
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3193"}));
-    // Without a destination nothing is needed (50 %); the sources' BPAV volume is tested.
-    EXPECT_TRUE(BLDiskCtrl::sharedCtrl()->checkDiskSpace({source("C6", 6 * kGB)}, QString()));
+    const QString card = m_card.path() + "/BPAV";
+    const QString full = m_card.path() + "/full";
+    const QString startup = home().path("dest");
+    const QString six = source("C6", 6 * kGB);
+    // The card has 85 GB of 100 used, the start-up disk 250 GB of 500.
+    const struct
+    {
+        int systemMax, localMax;
+        QString source, destination;
+        const char* refusal;
+    } cases[] = {
+        {0, 90, six, card, "MSG_6510_3193"},                   // 91 %
+        {0, 90, source("C5", 5 * kGB), card, "MSG_6510_3193"}, // 90 %: not below
+        {0, 90, source("C4", 4 * kGB), card, ""},              // 89 %
+        {0, 0, clip, full, "MSG_6510_3229"},                   // a folder counts whole: 10 GB + 1000 bytes
+        {0, 0, clip + "/C10.MP4", full, ""},                   // exactly the free space fits
+        {0, 100, clip, full, "MSG_6510_3229"},                 // 100 means the same as 0
+        {0, 1, six, startup, ""},                              // the start-up disk has its own limit
+        {51, 1, six, startup, "MSG_6510_3193"},                // 51 %
+        {51, 1, six, QString(), ""}, // no destination: nothing needed, the sources' disk at 50 %
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(QString("%1 to %2").arg(c.source, c.destination).toStdString());
+        settings(c.systemMax, c.localMax);
+        m_messages.clear();
+        EXPECT_EQ(BLDiskCtrl::sharedCtrl()->checkDiskSpace({c.source}, c.destination), !*c.refusal);
+        EXPECT_EQ(m_messages.keys(), *c.refusal ? QStringList{c.refusal} : QStringList());
+    }
 }
 
 TEST(DiskKindTest, FileSystemKindsAndTheirLogLines)

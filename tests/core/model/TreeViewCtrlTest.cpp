@@ -219,23 +219,7 @@ protected:
     QString m_cardB;
 };
 
-TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheStartupDiskThenTheVolumes)
-{
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
-    EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
-    EXPECT_EQ(m_pane.selectFolder, "/");
-    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
-    EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
-
-    // Double-clicking a volume makes it the work folder.
-    m_tree.selectTreeIndex(2);
-    m_tree.doubleClickSelecttion();
-    EXPECT_EQ(m_pane.workFolder, m_cardB);
-    EXPECT_EQ(displayNames(m_tree), QStringList{"Zeta"});
-}
-
-TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
+TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheVolumesAsTheyAreMountedAndUnmounted)
 {
     BLVolumeWatcher watcher;
     QStringList posted;
@@ -244,6 +228,11 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
             posted << n.name + " " + n.userInfo.value(SC::NSDevicePath).toString();
         });
     m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
+    EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
+    EXPECT_EQ(m_pane.selectFolder, "/");
+    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
+    EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
     m_tree.selectTreeIndex(2); // Zeta
     const QString cardC = m_dir.filePath("mnt/CARD_C");
     makeFolders(m_dir.path(), {"mnt/CARD_C"});
@@ -271,6 +260,12 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
     EXPECT_EQ(posted, (QStringList{"SCWorkspaceDidMountNotification " + cardC,
                                    "SCWorkspaceDidUnmountNotification " + m_cardA,
                                    "SCWorkspaceDidUnmountNotification " + m_cardB}));
+
+    // Double-clicking a volume makes it the work folder.
+    m_tree.selectTreeIndex(1);
+    m_tree.doubleClickSelecttion();
+    EXPECT_EQ(m_pane.workFolder, cardC);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"Beta"});
 }
 
 TEST_F(TreeViewCtrlVolumeTest, UnmountingTheCardOfTheWorkFolderShowsTheVolumeList)
