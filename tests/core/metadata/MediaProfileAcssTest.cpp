@@ -83,14 +83,6 @@ QStringList describe(const QList<DOMaterial>& materials)
     return list;
 }
 
-QStringList uris(const QList<DOMaterial>& materials)
-{
-    QStringList list;
-    for (const DOMaterial& m : materials)
-        list << m.getUri();
-    return list;
-}
-
 // A record from the fields describeFile lists, '|' between them; missing ones stay empty.
 template <class Record> Record fileRecord(const QString& fields)
 {
@@ -189,37 +181,6 @@ TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
             R"(R:,,./TAKR/T0001/T0001M01.XML|XML||||||||)")
             .arg(umid(4), umid(5), umid(6), umid(7), umid(8), "MPEG2HD35_1920_1080_MP@HL");
     EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())), expected.toStdString());
-
-    // Search modes: 1 clips, 2 takes, 0 any; the children of a found material
-    // are filtered by the take id itself, so a take's clips are not its children.
-    const struct
-    {
-        QString id;
-        int mode;
-        QStringList uris;
-        int components, proxies, infos; // of the first found
-    } searches[] = {
-        {"", 1, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
-        {"", 2, {"./TAKR/T0001/T0001.SMI"}, 2, 0, 1},
-        {"A000", 0, {"./CLPR/A0001/A0001.SMI", "./CLPR/A0002/A0002.SMI", "./CLPR/A0003/A0003.MP4"}, 1, 1, 3},
-        {"A0001", 1, {"./CLPR/A0001/A0001.SMI"}, 1, 1, 3},
-        {"T0001", 2, {"./TAKR/T0001/T0001.SMI"}, 0, 0, 1},
-        {"A0001", 2, {}, 0, 0, 0},
-        {"T0001", 1, {}, 0, 0, 0},
-    };
-    for (const auto& s : searches) {
-        SCOPED_TRACE(s.id.toStdString() + " mode " + std::to_string(s.mode));
-        const QList<DOMaterial> found = acss.getMaterialData(s.id, s.mode);
-        EXPECT_EQ(uris(found), s.uris);
-        if (found.isEmpty())
-            continue;
-        EXPECT_EQ(found[0].getComponent().size(), s.components);
-        EXPECT_EQ(found[0].getProxy().size(), s.proxies);
-        EXPECT_EQ(found[0].getRelevantInfo().size(), s.infos);
-    }
-    ASSERT_TRUE(acss.getMediaPro(data, "", 2));
-    EXPECT_EQ(data.getMaterial().size(), 1);
-    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
 }
 
 TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)

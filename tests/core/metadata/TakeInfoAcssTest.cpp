@@ -44,15 +44,6 @@ TEST_F(TakeInfoAcssTest, ReadsEveryPartOfACameraFile)
     ASSERT_EQ(par.getAudio().size(), 2);
     EXPECT_EQ(par.getAudio()[1].getTrackSrc(), "2");
 
-    // The source text keeps the elements whose "src" contains it.
-    DOTSmil filtered;
-    ASSERT_TRUE(acss.getSmilData(filtered, "2222222222222222"));
-    EXPECT_EQ(filtered.getBody().getSwPar().getRef().size(), 1);
-    EXPECT_EQ(filtered.getBody().getSwPar().getVideo().size(), 1);
-    EXPECT_TRUE(filtered.getBody().getPar().getRef().isEmpty());
-    EXPECT_TRUE(filtered.getBody().getPar().getAudio().isEmpty());
-    EXPECT_EQ(acss.getRefData("", 0)[0].getSrc(), kClip2);
-
     // A document without head or switch reads as empty parts.
     BLTakeInfoAcss take;
     ASSERT_TRUE(take.loadForFilePath(copy("T0001.SMI")));

@@ -1,7 +1,6 @@
 #include "MetadataTestSupport.h"
 
 #include "core/card/BLTakeInfoCtrl.h"
-#include "core/formats/metadata/BLTakeInfoAcss.h"
 
 #include <QTemporaryDir>
 
@@ -139,15 +138,6 @@ TEST_F(TakeInfoCtrlTest, SpanningTakeGetsItsFirstPartAndALinkToTheNext)
                   entry('3', "0", "600", "750", "1350")});
     ASSERT_TRUE(BLTakeInfoCtrl::createTakeInfo(second, later, next));
     EXPECT_EQ(plainRefs(second), Names({line('N', "0 300 0 300"), line('2', "0 450 300 750")}));
-
-    // A root written without the URN prefix keeps that form.
-    const QString bare = m_dir.filePath("BARE.SMI");
-    BLTakeInfoAcss created;
-    ASSERT_TRUE(created.createForFilePath(bare, umid('0')));
-    ASSERT_TRUE(created.save());
-    ASSERT_TRUE(BLTakeInfoCtrl::createTakeInfo(bare, take, next));
-    EXPECT_EQ(readXmlOutline(bare).attribute("umid"), umid('A'));
-    EXPECT_EQ(plainRefs(bare).size(), 3u);
 }
 
 TEST_F(TakeInfoCtrlTest, NothingToWriteOrNothingReadable)

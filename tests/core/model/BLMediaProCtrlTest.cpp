@@ -168,7 +168,7 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
     DOMaterial looseEntry;
     looseEntry.setUri("./CLPR/ABC0002.MP4");
     looseEntry.setType("MP4");
-    ASSERT_EQ(mediaPro.setMaterialData({looseEntry}), 0);
+    ASSERT_EQ(mediaPro.replaceMaterialData(mediaPro.getMaterialData(QString(), 0) + QList{looseEntry}), 0);
     ASSERT_TRUE(mediaPro.save("0123"));
     ASSERT_TRUE(QFile::remove(card.bpav() + "/CLPR/ABC0004/ABC0004M01.XML"));
 

@@ -1,9 +1,6 @@
 #include "Mp4TestSupport.h"
 
-#include "core/formats/mp4/CFileException.h"
 #include "core/formats/mp4/CMP4File.h"
-
-#include <QFileInfo>
 
 #include <cstring>
 #include <functional>
@@ -34,39 +31,6 @@ std::string readerError(const QByteArray& file)
 }
 
 } // namespace
-
-TEST_F(Mp4Test, FileWrapperOpensOnlyExistingFilesAndThrowsOnShortReads)
-{
-    CFileM file;
-    const QByteArray missing = local(path("missing.bin"));
-    EXPECT_EQ(file.Open(missing.constData(), CFileM::kModeWrite), 0);
-    EXPECT_FALSE(QFileInfo::exists(path("missing.bin"))) << "Open must never create a file";
-    EXPECT_EQ(file.Open(local(m_dir.path()).constData(), CFileM::kModeRead), 0) << "a folder is no file";
-
-    const QByteArray name = write(QByteArray("0123456789"), "ten.bin");
-    ASSERT_EQ(file.Open(name.constData(), CFileM::kModeRead), 1);
-    EXPECT_EQ(file.GetLength(), 10u);
-    char buf[16] = {};
-    EXPECT_EQ(file.Read(buf, 4), 4u);
-    EXPECT_EQ(std::string(buf, 4), "0123");
-    EXPECT_EQ(file.Seek(2, CFileM::kSeekCurrent), 6u);
-    EXPECT_EQ(file.Seek(-3, CFileM::kSeekEnd), 7u);
-    EXPECT_EQ(file.Seek(11, CFileM::kSeekStart), 0u) << "a move past the end is refused";
-    EXPECT_EQ(file.Seek(-1, CFileM::kSeekStart), 0u);
-    EXPECT_EQ(file.Seek(10, CFileM::kSeekStart), 10u);
-    EXPECT_EQ(file.Seek(-4, CFileM::kSeekCurrent), 6u);
-    EXPECT_THROW(file.Read(buf, 5), CFileException) << "four bytes are left";
-    EXPECT_EQ(file.Close(), 1);
-    EXPECT_EQ(file.Read(buf, 1), 0u) << "no file open";
-    EXPECT_EQ(file.GetLength(), 0u);
-
-    ASSERT_EQ(file.Open(name.constData(), CFileM::kModeWrite), 1);
-    EXPECT_EQ(file.Write("AB", 2), 2u);
-    file.Close();
-    QFile f(path("ten.bin"));
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll(), QByteArray("AB23456789")) << "written from the start, not truncated";
-}
 
 TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
 {
