@@ -160,6 +160,16 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
                           "  <AudioRecPort audioCodec=\"LPCM16\" port=\"OTHERS\" trackDst=\"CH2\">\n");
     expect("Title", QString("<Title usAscii=\"\">\n  <lib:Alias xml:lang=\"%1\">%2\n")
                         .arg(BLCommon::getSystemLanguage(), kClip));
+
+    // The project's own reader agrees.
+    BLNonMetaAcss acss;
+    ASSERT_TRUE(acss.loadForFilePath(nonMeta()));
+    DONonRealTimeMeta meta;
+    ASSERT_TRUE(acss.getNonMetaData(meta, BLCommon::getSystemLanguage()));
+    EXPECT_EQ(meta.getDuration(), "1802");
+    EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), umid);
+    EXPECT_EQ(meta.getTitle().getAlias().getValue(), kClip);
+    EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
 }
 
 TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
