@@ -41,26 +41,6 @@ BimFile fourFrames()
 
 } // namespace
 
-TEST_F(CReadRtMetaTest, ReadsTheTimeCodeOfEveryFrameUnit)
-{
-    BimFile f = fourFrames();
-    f.skipBits = 8 * 100 + 7; // 100 whole bytes skipped
-    CReadRtMeta reader;
-    ASSERT_TRUE(reader.blReadBIM(write(f.bytes()).constData(), 1234));
-    EXPECT_EQ(reader.getLastError(), nullptr);
-    EXPECT_TRUE(reader.isOpen());
-    EXPECT_EQ(reader.getUnitCount(), 5u);
-    FTCSTRUCT tc;
-    for (unsigned long i = 0; i < 4; ++i) {
-        ASSERT_TRUE(reader.GetTimeCode(i, &tc)) << i;
-        EXPECT_EQ(packed(tc), f.timeCodes[int(i)]) << i;
-    }
-    // Frame N - 2 is the last one answered.
-    EXPECT_FALSE(reader.GetTimeCode(4, &tc));
-    EXPECT_FALSE(reader.GetTimeCode(~0ul, &tc));
-    EXPECT_FALSE(reader.GetTimeCode(0, nullptr));
-}
-
 TEST_F(CReadRtMetaTest, ShortFrameUnitsLeaveTheReaderClosed)
 {
     // Cut frame units, a unit count far beyond the file (refused without
@@ -76,7 +56,6 @@ TEST_F(CReadRtMetaTest, ShortFrameUnitsLeaveTheReaderClosed)
         CReadRtMeta reader;
         EXPECT_TRUE(reader.blReadBIM(write(data).constData(), 0)) << data.size();
         EXPECT_STREQ(reader.getLastError(), "BIM FRAMEFUU Read Error\n");
-        EXPECT_FALSE(reader.isOpen());
         FTCSTRUCT tc;
         EXPECT_FALSE(reader.GetTimeCode(0, &tc));
         // A closed reader reads again without CloseFTC.
@@ -121,7 +100,6 @@ TEST_F(CReadRtMetaTest, HeaderFaultsAreRefusedWithTheirTexts)
         CReadRtMeta reader;
         EXPECT_FALSE(reader.blReadBIM(write(c.data).constData(), 0)) << c.error;
         EXPECT_STREQ(reader.getLastError(), c.error);
-        EXPECT_FALSE(reader.isOpen());
     }
     CReadRtMeta reader;
     EXPECT_FALSE(reader.blReadBIM(QFile::encodeName(m_dir.filePath("none.BIM")).constData(), 0));
@@ -130,9 +108,12 @@ TEST_F(CReadRtMetaTest, HeaderFaultsAreRefusedWithTheirTexts)
 
 TEST_F(CReadRtMetaTest, UnitCountsAndTheInitialDescriptionLengthCheckWhichIsNotFatal)
 {
-    // 1,985 units make the expected length need four bytes of its own.
-    BimFile f;
-    for (quint32 i = 0; i < 1985; ++i)
+    // 1,985 units make the expected length need four bytes of its own; the
+    // first ones carry flag bits above the tens digits, which are kept, and
+    // the skipped part ends within a byte.
+    BimFile f = fourFrames();
+    f.skipBits = 8 * 100 + 7;
+    for (quint32 i = 4; i < 1985; ++i)
         f.timeCodes.append(i);
     for (qint64 delta : {0, 1, -1}) {
         f.lengthDelta = delta;
@@ -143,8 +124,14 @@ TEST_F(CReadRtMetaTest, UnitCountsAndTheInitialDescriptionLengthCheckWhichIsNotF
         else
             EXPECT_STREQ(reader.getLastError(), "InitialDescription_Length Error\n");
         FTCSTRUCT tc;
-        ASSERT_TRUE(reader.GetTimeCode(1984, &tc));
-        EXPECT_EQ(packed(tc), 1984u);
+        for (unsigned long i : {0ul, 1ul, 2ul, 3ul, 1984ul}) {
+            ASSERT_TRUE(reader.GetTimeCode(i, &tc)) << i;
+            EXPECT_EQ(packed(tc), f.timeCodes[int(i)]) << i;
+        }
+        // Frame N - 2 is the last one answered.
+        EXPECT_FALSE(reader.GetTimeCode(1985, &tc));
+        EXPECT_FALSE(reader.GetTimeCode(~0ul, &tc));
+        EXPECT_FALSE(reader.GetTimeCode(0, nullptr));
     }
     // No frame units at all, and unit counts on both sides of the step from
     // three to four length bytes (1,984 and 1,985 units).
@@ -155,7 +142,6 @@ TEST_F(CReadRtMetaTest, UnitCountsAndTheInitialDescriptionLengthCheckWhichIsNotF
         CReadRtMeta reader;
         ASSERT_TRUE(reader.blReadBIM(write(g.bytes()).constData(), 0));
         EXPECT_EQ(reader.getLastError(), nullptr) << n;
-        EXPECT_TRUE(reader.isOpen());
         EXPECT_EQ(reader.getUnitCount(), quint64(n));
         FTCSTRUCT tc;
         EXPECT_EQ(reader.GetTimeCode(0, &tc), n >= 2) << n;

@@ -102,15 +102,6 @@ bool isDateTime(const QString& text)
     return form.match(text).hasMatch();
 }
 
-QStringList logLines(const QString& stateHome)
-{
-    QStringList lines;
-    const QString log = QString::fromUtf8(readBytes(stateHome + "/Clipwright/Clipwright.log"));
-    for (const QString& line : log.split("\r\n", Qt::SkipEmptyParts))
-        lines << line.section(' ', 2);
-    return lines;
-}
-
 QString fixturePath(const QString& relative)
 {
     return QStringLiteral(CLIPWRIGHT_TESTS_DIR "/core/metadata/fixtures/") + relative;

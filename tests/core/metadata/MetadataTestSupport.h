@@ -49,9 +49,6 @@ XmlNode readXmlOutline(const QString& path);
 // A date and time as the card files write it: "2026-01-16T09:30:15+09:00".
 bool isDateTime(const QString& text);
 
-// The log's lines below a state folder as "PPPP:message", without their time stamps.
-QStringList logLines(const QString& stateHome);
-
 // Path of a committed fixture ("smi/C0001.SMI").
 QString fixturePath(const QString& relative);
 // Copies a fixture into a folder; answers the copy's path.

@@ -11,32 +11,6 @@
 using namespace cwmeta;
 
 namespace {
-const QString kUmid1 = "060A2B340101010501010D43130000001111111111111111080046FFFE010203";
-
-// The root's children of the camera file C0001 in order.
-const Names kCameraOrder = {"TargetMaterial",
-                            "Duration",
-                            "LtcChangeTable",
-                            "CreationDate",
-                            "LastUpdate",
-                            "TypicalUbit",
-                            "KeyFrame",
-                            "BodyUmidBasicChangeTable",
-                            "BodyUmidWhenChangeTable",
-                            "BodyUmidWhereChangeTable",
-                            "BodyUmidWhoChangeTable",
-                            "KlvPacketTable",
-                            "VideoFormat",
-                            "AudioFormat",
-                            "SubStream",
-                            "Device",
-                            "vx:Shooting",
-                            "Lens",
-                            "Title",
-                            "Description",
-                            "RecordingMode",
-                            "vx:Extension"};
-
 DOAlias makeAlias(const QString& lang, const QString& value)
 {
     DOAlias alias;
@@ -101,11 +75,6 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     EXPECT_EQ(none.getUsAscii(), "Harbour at dawn");
     EXPECT_EQ(none.getAlias().getLang(), "");
     EXPECT_EQ(none.getAlias().getValue(), "");
-    // A language that cannot be put into a query fails the read, keeping what was read before it.
-    DONonRealTimeMeta partial;
-    EXPECT_FALSE(acss.getNonMetaData(partial, "e'n"));
-    EXPECT_EQ(partial.getDuration(), "300");
-    EXPECT_EQ(partial.getDevice().getModelName(), "CAM-100");
 
     // A sparse file: missing elements stay empty without failing.
     BLNonMetaAcss sparse;
@@ -117,6 +86,14 @@ TEST_F(NonMetaAcssTest, ReadsEveryElementOfACameraFile)
     EXPECT_EQ(few.getTargetMaterial().getStatus(), "NG");
     EXPECT_TRUE(few.getBasicChangeArray().isEmpty());
     EXPECT_TRUE(few.getAudioFormat().getRecPortArray().isEmpty());
+
+    // A well-formed file of another kind is loaded but not read as metadata.
+    const QString other = m_dir.filePath("OTHER.XML");
+    ASSERT_TRUE(writeBytes(other, "<MediaProfile><Duration value=\"1\"/></MediaProfile>"));
+    BLNonMetaAcss wrongKind;
+    ASSERT_TRUE(wrongKind.loadForFilePath(other));
+    DONonRealTimeMeta notMeta;
+    EXPECT_FALSE(wrongKind.getNonMetaData(notMeta, "en"));
 }
 
 TEST_F(NonMetaAcssTest, SavedWithoutChangesKeepsEverything)
@@ -144,30 +121,17 @@ TEST_F(NonMetaAcssTest, EditedCameraFileKeepsUnknownsAndSchemaOrder)
     BLNonMetaAcss acss;
     ASSERT_TRUE(acss.loadForFilePath(path));
 
-    // What the clip property dialog does: title, creator, description, last update, then the version.
+    // What the clip property dialog does: title, creator, description, last update, then the version;
+    // the table rewrites of the clip operations are checked where those operations are tested.
     ASSERT_TRUE(acss.setTitle(makeTitle("Harbour at noon", "en", "Harbour at noon")));
     ASSERT_TRUE(acss.setCreator("Ann Example"));
     ASSERT_TRUE(acss.setDescription("Two boats\nand a crane <&>"));
     ASSERT_TRUE(acss.setLastUpdate());
     ASSERT_TRUE(acss.updateVersion());
-    // And the table rewrites of the clip operations.
-    DOLtcChangeTable ltc;
-    ltc.setTcFps("30");
-    DOLtcChange change;
-    change.setFrameCount("0");
-    change.setValue("40000000");
-    change.setStatus("increment");
-    ltc.setLtcChangeArray({change});
-    ASSERT_TRUE(acss.updateLtcChangeTable(ltc));
-    DOBodyUmidBasicChange basic;
-    basic.setFrameCount("0");
-    basic.setValue("060A2B340101010501010D43130000004444444444444444080046FFFE010203");
-    basic.setStatus("start");
-    ASSERT_TRUE(acss.updateBasicChangeTable({basic}));
     ASSERT_TRUE(acss.save());
 
     const XmlNode root = readXmlOutline(path);
-    Names order = kCameraOrder;
+    Names order = before.childNames();
     order.insert(std::find(order.begin(), order.end(), "Title"), "Creator");
     EXPECT_EQ(root.childNames(), order);
 
@@ -183,9 +147,8 @@ TEST_F(NonMetaAcssTest, EditedCameraFileKeepsUnknownsAndSchemaOrder)
     EXPECT_EQ(root.attribute("xsi:schemaLocation"), before.attribute("xsi:schemaLocation"));
 
     // Every element not edited is exactly as before, unknown ones included.
-    for (const std::string& name : kCameraOrder) {
-        if (name == "LtcChangeTable" || name == "LastUpdate" || name == "BodyUmidBasicChangeTable" ||
-            name == "Title" || name == "Description")
+    for (const std::string& name : before.childNames()) {
+        if (name == "LastUpdate" || name == "Title" || name == "Description")
             continue;
         const QString element = QString::fromStdString(name);
         EXPECT_EQ(describe(*root.child(element)), describe(*before.child(element))) << name;
@@ -200,12 +163,6 @@ TEST_F(NonMetaAcssTest, EditedCameraFileKeepsUnknownsAndSchemaOrder)
     EXPECT_EQ(root.child("Creator")->attribute("name"), "Ann Example");
     EXPECT_EQ(root.child("Description")->text, "Two boats\nand a crane <&>");
     EXPECT_TRUE(isDateTime(root.child("LastUpdate")->attribute("value")));
-    EXPECT_EQ(describe(*root.child("LtcChangeTable")),
-              "<LtcChangeTable tcFps=\"30\">\n  <LtcChange frameCount=\"0\" value=\"40000000\" "
-              "status=\"increment\">\n");
-    EXPECT_EQ(describe(*root.child("BodyUmidBasicChangeTable")),
-              "<BodyUmidBasicChangeTable>\n  <BodyUmidBasicChange frameCount=\"0\" value=\"" +
-                  basic.getValue() + "\" status=\"start\">\n");
 }
 
 TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
@@ -225,7 +182,6 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     // schema, so they come before the unknown "Battery" that follows CreationDate.
     ASSERT_TRUE(acss.setKeyFrame("12"));
     ASSERT_TRUE(acss.setLastUpdate());
-    ASSERT_TRUE(acss.setTypicalUbit("0000000000000001"));
     DOBodyUmidBasicChange a;
     a.setFrameCount("0");
     a.setValue("A");
@@ -235,30 +191,16 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     b.setValue("B");
     ASSERT_TRUE(acss.updateBasicChangeTable({a, b}));
     ASSERT_TRUE(acss.setDescription("note"));
-    DOAudioFormat audio;
-    DOAudioRecPort port;
-    port.setPort("OTHERS");
-    port.setTrackDst("CH1");
-    audio.setRecPortArray({port});
-    ASSERT_TRUE(acss.setAudioFormat(audio));
-    // A video frame without its codec writes nothing and succeeds; a record port goes first.
-    DOVideoFormat video;
-    video.setVideoRecPort("DIRECT");
-    DOVideoFrame frame;
-    frame.setFormatFps("50i");
-    video.setVideoFrame(frame);
-    ASSERT_TRUE(acss.setVideoFormat(video));
     DOTargetMaterial target;
     target.setUmidRef("X");
     ASSERT_TRUE(acss.setTargetMaterial(target));
     ASSERT_TRUE(acss.save());
 
     const XmlNode root = readXmlOutline(path);
-    EXPECT_EQ(
-        root.childNames(),
-        Names({"TargetMaterial", "Duration", "Genlock", "LtcChangeTable", "CreationDate", "LastUpdate",
-               "TypicalUbit", "KeyFrame", "BodyUmidBasicChangeTable", "Battery", "KlvPacketTable",
-               "VideoFormat", "AudioFormat", "Device", "Creator", "Title", "Description", "RecordingMode"}));
+    EXPECT_EQ(root.childNames(),
+              Names({"TargetMaterial", "Duration", "Genlock", "LtcChangeTable", "CreationDate", "LastUpdate",
+                     "KeyFrame", "BodyUmidBasicChangeTable", "Battery", "KlvPacketTable", "VideoFormat",
+                     "Device", "Creator", "Title", "Description", "RecordingMode"}));
     EXPECT_EQ(root.child("Title")->attributes, (QList<std::pair<QString, QString>>{{"usAscii", ""}}));
     EXPECT_TRUE(root.child("Title")->children.isEmpty());
     EXPECT_EQ(root.child("LtcChangeTable")->attributes,
@@ -269,10 +211,7 @@ TEST_F(NonMetaAcssTest, NewElementsTakeTheirSchemaPlaces)
     EXPECT_EQ(
         basic->children[1].attributes,
         (QList<std::pair<QString, QString>>{{"frameCount", "100"}, {"value", "B"}, {"status", "start"}}));
-    EXPECT_EQ(root.child("VideoFormat")->childNames(), Names({"VideoRecPort", "VideoFrame"}));
-    EXPECT_EQ(root.child("VideoFormat")->child("VideoFrame")->attribute("formatFps"), "25p");
-    // Empty record fields are left out or leave existing values alone.
-    EXPECT_FALSE(root.child("AudioFormat")->hasAttribute("numOfChannel"));
+    // Empty record fields leave existing values alone.
     EXPECT_EQ(root.child("TargetMaterial")->attribute("status"), "NG");
     EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), "X");
     for (const XmlNode& element : root.children)
@@ -325,14 +264,10 @@ TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
     root = saved(two);
     ASSERT_EQ(root.child("Title")->children.size(), 1);
     EXPECT_EQ(root.child("Title")->children[0].attribute("xml:lang"), "en");
-    // An alias without a language, or with one that cannot be quoted, is refused.
-    EXPECT_FALSE(two.setAlias(makeAlias("", "x")));
-    EXPECT_FALSE(two.setAlias(makeAlias("e'n", "x")));
 
     // A file without the "lib" namespace gets it declared before the first alias.
     BLNonMetaAcss sparse;
     ASSERT_TRUE(sparse.loadForFilePath(copy("C0002M01.XML")));
-    EXPECT_FALSE(sparse.setAlias(makeAlias("en", "x"))); // no Title to put it in
     ASSERT_TRUE(sparse.setTitle(makeTitle("Boats", "en", "Boats")));
     ASSERT_TRUE(sparse.save());
     BLNonMetaAcss again;
@@ -343,57 +278,6 @@ TEST_F(NonMetaAcssTest, TitleAliasCreatorAndDescriptionRules)
     EXPECT_EQ(title.getUsAscii(), "Boats");
     EXPECT_EQ(readXmlOutline(m_dir.filePath("C0002M01.XML")).child("Title")->child("lib:Alias")->namespaceUri,
               BLNonMetaAcss::kLibNameSpace);
-}
-
-TEST_F(NonMetaAcssTest, NewDocumentsAndTheHeaderRecord)
-{
-    // A created document (the full table of an import is written by the
-    // import's own tests) declares the default and "lib" namespaces.
-    const QString path = m_dir.filePath("C0009M01.XML");
-    BLNonMetaAcss acss;
-    EXPECT_FALSE(acss.setDuration("1")); // no document
-    ASSERT_TRUE(acss.createForFilePath(path));
-    EXPECT_FALSE(acss.isLoaded());
-    ASSERT_TRUE(acss.setDuration("300"));
-    ASSERT_TRUE(acss.setCreationDate(""));
-    ASSERT_TRUE(acss.save());
-    XmlNode saved = readXmlOutline(path);
-    EXPECT_EQ(saved.name, "NonRealTimeMeta");
-    EXPECT_EQ(saved.namespaces, (QList<std::pair<QString, QString>>{{"", BLNonMetaAcss::kNameSpace},
-                                                                    {"lib", BLNonMetaAcss::kLibNameSpace}}));
-    EXPECT_TRUE(isDateTime(saved.attribute("lastUpdate")));
-    EXPECT_TRUE(isDateTime(saved.child("CreationDate")->attribute("value")));
-
-    // The header record: namespaces and schema location; "xsi:schemaLocation" needs "xsi".
-    BLNonMetaAcss header;
-    ASSERT_TRUE(header.loadForFilePath(path));
-    DONonMetaHeader record;
-    record.setXmlns_lib("urn:schemas-professionalDisc:lib:ver.1.20");
-    record.setXsi_schema("urn:x x.xsd");
-    ASSERT_TRUE(header.setNonMetaHeader(record));
-    ASSERT_TRUE(header.save());
-    saved = readXmlOutline(path);
-    EXPECT_EQ(saved.namespaces[1].second, "urn:schemas-professionalDisc:lib:ver.1.20");
-    EXPECT_FALSE(saved.hasAttribute("xsi:schemaLocation"));
-    record.setXmlns_xsi("http://www.w3.org/2001/XMLSchema-instance");
-    record.setLastUpdate("2012-02-02T02:02:02+02:00");
-    ASSERT_TRUE(header.setNonMetaHeader(record));
-    DONonMetaHeader readBack;
-    ASSERT_TRUE(header.getNonMetaHeader(readBack));
-    EXPECT_EQ(readBack.getXsi_schema(), "urn:x x.xsd");
-    EXPECT_EQ(readBack.getLastUpdate(), "2012-02-02T02:02:02+02:00");
-    EXPECT_EQ(readBack.getXmlns(), BLNonMetaAcss::kNameSpace);
-    ASSERT_TRUE(header.updateVersion());
-    ASSERT_TRUE(header.getNonMetaHeader(readBack));
-    EXPECT_EQ(readBack.getXmlns_lib(), BLNonMetaAcss::kLibNameSpace);
-
-    // A well-formed file of another kind is loaded but not read as metadata.
-    const QString other = m_dir.filePath("OTHER.XML");
-    ASSERT_TRUE(writeBytes(other, "<MediaProfile><Duration value=\"1\"/></MediaProfile>"));
-    BLNonMetaAcss wrongKind;
-    ASSERT_TRUE(wrongKind.loadForFilePath(other));
-    DONonRealTimeMeta meta;
-    EXPECT_FALSE(wrongKind.getNonMetaData(meta, "en"));
 }
 
 TEST_F(NonMetaAcssTest, HostileFilesAreRefused)

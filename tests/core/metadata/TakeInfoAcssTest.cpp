@@ -14,18 +14,6 @@ const QString kClip1 = kUmid + "1111111111111111080046FFFE010203";
 const QString kClip2 = kUmid + "2222222222222222080046FFFE010203";
 const QString kClip3 = kUmid + "3333333333333333080046FFFE010203";
 
-DOTRef makeRef(const QString& src, const QString& clipBegin, const QString& clipEnd, const QString& begin,
-               const QString& end = {})
-{
-    DOTRef ref;
-    ref.setSrc(src);
-    ref.setClipBegin(clipBegin);
-    ref.setClipEnd(clipEnd);
-    ref.setBegin(begin);
-    ref.setEnd(end);
-    return ref;
-}
-
 class TakeInfoAcssTest : public ::testing::Test
 {
 protected:
@@ -56,15 +44,6 @@ TEST_F(TakeInfoAcssTest, ReadsEveryPartOfACameraFile)
     ASSERT_EQ(par.getAudio().size(), 2);
     EXPECT_EQ(par.getAudio()[1].getTrackSrc(), "2");
 
-    // The source text keeps the elements whose "src" contains it.
-    DOTSmil filtered;
-    ASSERT_TRUE(acss.getSmilData(filtered, "2222222222222222"));
-    EXPECT_EQ(filtered.getBody().getSwPar().getRef().size(), 1);
-    EXPECT_EQ(filtered.getBody().getSwPar().getVideo().size(), 1);
-    EXPECT_TRUE(filtered.getBody().getPar().getRef().isEmpty());
-    EXPECT_TRUE(filtered.getBody().getPar().getAudio().isEmpty());
-    EXPECT_EQ(acss.getRefData("", 0)[0].getSrc(), kClip2);
-
     // A document without head or switch reads as empty parts.
     BLTakeInfoAcss take;
     ASSERT_TRUE(take.loadForFilePath(copy("T0001.SMI")));
@@ -94,24 +73,6 @@ TEST_F(TakeInfoAcssTest, RecordWrittenBackLeavesTheFileAsItWas)
         // audio tracks of one clip keep their own attributes.
         EXPECT_EQ(readXmlOutline(path), before) << name << "\n" << readBytes(path).constData();
     }
-}
-
-TEST_F(TakeInfoAcssTest, ListsAreValidatedWholeBeforeAnyChange)
-{
-    BLTakeInfoAcss acss;
-    ASSERT_TRUE(acss.loadForFilePath(copy("C0001.SMI")));
-    auto outline = [&] {
-        acss.save();
-        return readXmlOutline(m_dir.filePath("C0001.SMI"));
-    };
-    const XmlNode original = outline();
-
-    // Missing src, clipBegin or begin, or a src that cannot be quoted, refuse a ref list.
-    EXPECT_FALSE(acss.setRefData({makeRef(kClip3, "0", "", "0"), makeRef("", "0", "1", "0")}, 1));
-    EXPECT_FALSE(acss.setRefData({makeRef(kClip3, "", "1", "0")}, 1));
-    EXPECT_FALSE(acss.setRefData({makeRef(kClip3, "0", "1", "")}, 1));
-    EXPECT_FALSE(acss.setRefData({makeRef("urn:x'y", "0", "1", "0")}, 1));
-    EXPECT_EQ(outline(), original);
 }
 
 TEST_F(TakeInfoAcssTest, HostileFilesAreRefused)

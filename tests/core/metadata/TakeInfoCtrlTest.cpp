@@ -1,7 +1,6 @@
 #include "MetadataTestSupport.h"
 
 #include "core/card/BLTakeInfoCtrl.h"
-#include "core/formats/metadata/BLTakeInfoAcss.h"
 
 #include <QTemporaryDir>
 
@@ -119,6 +118,26 @@ TEST_F(TakeInfoCtrlTest, SpanningTakeGetsItsFirstPartAndALinkToTheNext)
                  {entry('1', "0", "300", "0", "300"), entry('2', "0", "450", "300", "750"),
                   entry('3', "0", "600", "750", "1350"), entry('4', "0", "90", "1350", "1440")});
     const DOTakeData next = takeWith('N', {'3', '4'}, {});
+
+    // Nothing to write: every entry names the take's own clips, or a foreign
+    // entry has no source; yes, and the file is untouched.
+    const QByteArray bytes = readBytes(path);
+    const DOTakeData own =
+        takeWith('A', {'1', '2'}, {entry('1', "0", "300", "0", "300"), entry('2', "0", "450", "300", "750")});
+    EXPECT_TRUE(BLTakeInfoCtrl::createTakeInfo(path, own, next));
+    DOTakeInfo blank = entry('3', "0", "", "750", "");
+    blank.setSrc("");
+    const DOTakeData unnamed = takeWith('A', {'1'}, {entry('1', "0", "300", "0", "300"), blank});
+    EXPECT_TRUE(BLTakeInfoCtrl::createTakeInfo(path, unnamed, next));
+    // A take without clips, or an entry list that cannot be written (no begin
+    // for the first entry), is refused and leaves the file as it was.
+    EXPECT_FALSE(
+        BLTakeInfoCtrl::createTakeInfo(path, takeWith('A', {}, {entry('3', "0", "", "0", "")}), next));
+    const DOTakeData broken =
+        takeWith('A', {'1'}, {entry('1', "0", "300", "", "300"), entry('3', "0", "9", "300", "309")});
+    EXPECT_FALSE(BLTakeInfoCtrl::createTakeInfo(path, broken, next));
+    EXPECT_EQ(readBytes(path), bytes);
+
     ASSERT_TRUE(BLTakeInfoCtrl::createTakeInfo(path, take, next));
     // The entries before the first foreign clip, then the next take starting at its begin, open-ended.
     EXPECT_EQ(plainRefs(path),
@@ -139,44 +158,4 @@ TEST_F(TakeInfoCtrlTest, SpanningTakeGetsItsFirstPartAndALinkToTheNext)
                   entry('3', "0", "600", "750", "1350")});
     ASSERT_TRUE(BLTakeInfoCtrl::createTakeInfo(second, later, next));
     EXPECT_EQ(plainRefs(second), Names({line('N', "0 300 0 300"), line('2', "0 450 300 750")}));
-
-    // A root written without the URN prefix keeps that form.
-    const QString bare = m_dir.filePath("BARE.SMI");
-    BLTakeInfoAcss created;
-    ASSERT_TRUE(created.createForFilePath(bare, umid('0')));
-    ASSERT_TRUE(created.save());
-    ASSERT_TRUE(BLTakeInfoCtrl::createTakeInfo(bare, take, next));
-    EXPECT_EQ(readXmlOutline(bare).attribute("umid"), umid('A'));
-    EXPECT_EQ(plainRefs(bare).size(), 3u);
-}
-
-TEST_F(TakeInfoCtrlTest, NothingToWriteOrNothingReadable)
-{
-    const QString path = copy("T0001.SMI");
-    const QByteArray bytes = readBytes(path);
-    const DOTakeData next = takeWith('N', {'3'}, {});
-
-    // Every entry names the take's own clips: yes, and the file is untouched.
-    const DOTakeData own =
-        takeWith('A', {'1', '2'}, {entry('1', "0", "300", "0", "300"), entry('2', "0", "450", "300", "750")});
-    EXPECT_TRUE(BLTakeInfoCtrl::createTakeInfo(path, own, next));
-    // A foreign entry without a source ends the search the same way.
-    DOTakeInfo blank = entry('3', "0", "", "750", "");
-    blank.setSrc("");
-    const DOTakeData unnamed = takeWith('A', {'1'}, {entry('1', "0", "300", "0", "300"), blank});
-    EXPECT_TRUE(BLTakeInfoCtrl::createTakeInfo(path, unnamed, next));
-    EXPECT_EQ(readBytes(path), bytes);
-
-    // A take without clips is refused.
-    EXPECT_FALSE(
-        BLTakeInfoCtrl::createTakeInfo(path, takeWith('A', {}, {entry('3', "0", "", "0", "")}), next));
-    // A file that cannot be read is refused.
-    const DOTakeData spanning =
-        takeWith('A', {'1'}, {entry('1', "0", "300", "0", "300"), entry('3', "0", "9", "300", "309")});
-    EXPECT_FALSE(BLTakeInfoCtrl::createTakeInfo(m_dir.filePath("MISSING.SMI"), spanning, next));
-    // An entry list that cannot be written (no begin for the first entry) leaves the file as it was.
-    const DOTakeData broken =
-        takeWith('A', {'1'}, {entry('1', "0", "300", "", "300"), entry('3', "0", "9", "300", "309")});
-    EXPECT_FALSE(BLTakeInfoCtrl::createTakeInfo(path, broken, next));
-    EXPECT_EQ(readBytes(path), bytes);
 }

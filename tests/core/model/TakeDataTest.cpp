@@ -62,26 +62,6 @@ DOLtcChange ltc(const QString& value)
 
 } // namespace
 
-TEST(TakeDataTest, UmidsKeepTheirLast64Characters)
-{
-    DOTakeData take;
-    take.setUmid("urn:smpte:umid:" + kDigits);
-    EXPECT_EQ(take.getUmid(), kDigits);
-
-    take.setClipUmid("urn:smpte:umid:" + kDigits);
-    take.setClipUmid("C2");
-    take.setClipUmid("urn:smpte:umid:" + QString(kDigits).replace(0, 1, "1"), 0);
-    EXPECT_EQ(take.getClipUmid(), QStringList({QString(kDigits).replace(0, 1, "1"), kDigits, "C2"}));
-
-    // Take info sources likewise; their UMID gives the prefix back.
-    DOTakeInfo info;
-    info.setSrc("urn:smpte:umid:" + kDigits);
-    EXPECT_EQ(info.getSrc(), kDigits);
-    EXPECT_EQ(info.getUmid(), "urn:smpte:umid:" + kDigits);
-    info.setSrc("short");
-    EXPECT_EQ(info.getSrc(), "short");
-}
-
 TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
 {
     DOTakeData single;
@@ -123,26 +103,6 @@ TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
                                                            {"12ab", -1},
                                                            {"1.5", -1}})
         EXPECT_EQ(BLCommon::toFrameCount(text), frames) << text.toStdString();
-}
-
-TEST(TakeDataTest, ToolTipListsFormatResolutionRateAspectSizeAndDuration)
-{
-    DOTakeData take;
-    take.setVideoCodec("MPEG2HD35_1440_MP@HL");
-    take.setPixel("1440");
-    take.setNumOfVerticalLine("1080");
-    take.setFormatFps("29.97p");
-    take.setARatio("16:9");
-    take.setSize(1024);
-    take.setClipData(clip("C1", 1000, 1024));
-    take.setClipData(clip("C2", 800, 2048)); // 1800 frames in all
-    const QString size = BLCommon::convertSizeStr(4096, "#,##0", 1);
-    EXPECT_EQ(take.getToolTip(), " Format: MPEG2HD35 \r Resolution: 1440 X 1080 \r Frame rate: 29.97p \r "
-                                 "Aspect ratio: 16:9 \r Size: " +
-                                     size + " \r Duration: 00:01.00:02 ");
-
-    // A take without a duration shows the empty time code.
-    EXPECT_TRUE(DOTakeData().getToolTip().endsWith(" Duration: --:--:--:-- "));
 }
 
 TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
@@ -266,29 +226,6 @@ TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)
     single.setMP4Uri("./CLPR/C2/GONE.MP4");
     EXPECT_FALSE(single.isAllFileExist(work.path()));
     EXPECT_FALSE(single.isAllFileExist(work.path() + "/elsewhere"));
-}
-
-TEST(TakeDataTest, FrontAndRearComponentsReplaceAnOtherMediumEntryAtThatEnd)
-{
-    DOTakeData take;
-    take.setTakeComponents({component("file:///media/prev/A.SMI", "P"), component("./CLPR/C1/C1.SMI", "C1"),
-                            component("file:///media/next/B.SMI", "N")});
-    take.addFrontComponent(component("file:///media/new-prev/X.SMI", "X"));
-    take.addRearComponent(component("file:///media/new-next/Y.SMI", "Y"));
-    EXPECT_EQ(uris(take.getTakeComponents()), QStringList({"file:///media/new-prev/X.SMI", "./CLPR/C1/C1.SMI",
-                                                           "file:///media/new-next/Y.SMI"}));
-
-    // A clip entry at an end stays.
-    DOTakeData clipsOnly;
-    clipsOnly.setTakeComponents({component("./CLPR/C1/C1.SMI", "C1")});
-    clipsOnly.addFrontComponent(component("file:///media/p/P.SMI", "P"));
-    clipsOnly.addRearComponent(component("file:///media/n/N.SMI", "N"));
-    EXPECT_EQ(uris(clipsOnly.getTakeComponents()),
-              QStringList({"file:///media/p/P.SMI", "./CLPR/C1/C1.SMI", "file:///media/n/N.SMI"}));
-
-    DOTakeData empty;
-    empty.addFrontComponent(component("file:///media/p/P.SMI", "P"));
-    EXPECT_EQ(empty.getTakeComponents().size(), 1);
 }
 
 TEST(TakeDataTest, RebuildTakeComponentJoinsBothClipRunsBetweenTheOtherMediaEntries)

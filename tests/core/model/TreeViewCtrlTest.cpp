@@ -115,12 +115,20 @@ TEST_F(TreeViewCtrlTest, ASelectionSurvivesARebuildAndAVanishedFolderIsReportedN
     m_tree.selectTreeIndex(-1);
     EXPECT_EQ(m_pane.selectFolder, "");
 
-    // A rebuild that keeps the selection finds the folder at its new row
-    // without handing it over again.
+    // Only the own pane's change of work folder rebuilds; a rebuild that keeps
+    // the selection finds the folder at its new row without handing it over again.
     m_tree.selectTreeIndex(2);
     makeFolders(m_work, {"a0"});
     const int handed = m_pane.selectionsHandedOver;
-    m_tree.updateData(true);
+    auto workFolderChanged = [](const void* pane, bool keepSelection) {
+        BLCommon::sharedCtrl()->sendNotificationNow(pane, SC::SCWorkFolderDidChangeNotification,
+                                                    {{SC::SCKeepSelectKey, keepSelection}});
+    };
+    int otherPane = 0;
+    workFolderChanged(&otherPane, true);
+    EXPECT_EQ(m_tree.rowCount(), 3);
+    workFolderChanged(&m_pane, true);
+    EXPECT_EQ(m_tree.rowCount(), 4);
     EXPECT_EQ(m_tree.selectedRow(), 3);
     EXPECT_EQ(m_pane.selectionsHandedOver, handed);
     EXPECT_EQ(m_pane.selectFolder, path("b"));
@@ -130,6 +138,10 @@ TEST_F(TreeViewCtrlTest, ASelectionSurvivesARebuildAndAVanishedFolderIsReportedN
     m_tree.doubleClickSelecttion();
     EXPECT_EQ(m_pane.workFolder, m_work);
     EXPECT_EQ(m_pane.notFound, 1);
+
+    workFolderChanged(&m_pane, false);
+    EXPECT_EQ(m_tree.selectedRow(), 0);
+    EXPECT_EQ(m_pane.selectFolder, m_work);
 }
 
 TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
@@ -188,28 +200,6 @@ TEST_F(TreeViewCtrlTest, FolderOperationsOfOtherPartsUpdateTheList)
     EXPECT_EQ(displayNames(m_tree), (QStringList{"work", "0b", "0new"}));
 }
 
-TEST_F(TreeViewCtrlTest, OnlyTheOwnPanesWorkFolderChangeRebuilds)
-{
-    makeFolders(m_work, {"a"});
-    m_tree.updateData(false);
-    makeFolders(m_work, {"b"});
-
-    int otherPane = 0;
-    BLCommon::sharedCtrl()->sendNotificationNow(&otherPane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, true}});
-    EXPECT_EQ(m_tree.rowCount(), 2);
-
-    m_tree.selectTreeIndex(1);
-    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, true}});
-    EXPECT_EQ(m_tree.rowCount(), 3);
-    EXPECT_EQ(m_tree.selectedRow(), 1);
-    BLCommon::sharedCtrl()->sendNotificationNow(&m_pane, SC::SCWorkFolderDidChangeNotification,
-                                                {{SC::SCKeepSelectKey, false}});
-    EXPECT_EQ(m_tree.selectedRow(), 0);
-    EXPECT_EQ(m_pane.selectFolder, m_work);
-}
-
 class TreeViewCtrlVolumeTest : public TreeViewCtrlTest
 {
 protected:
@@ -229,23 +219,7 @@ protected:
     QString m_cardB;
 };
 
-TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheStartupDiskThenTheVolumes)
-{
-    m_tree.updateData(false);
-    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
-    EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
-    EXPECT_EQ(m_pane.selectFolder, "/");
-    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
-    EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
-
-    // Double-clicking a volume makes it the work folder.
-    m_tree.selectTreeIndex(2);
-    m_tree.doubleClickSelecttion();
-    EXPECT_EQ(m_pane.workFolder, m_cardB);
-    EXPECT_EQ(displayNames(m_tree), QStringList{"Zeta"});
-}
-
-TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
+TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheVolumesAsTheyAreMountedAndUnmounted)
 {
     BLVolumeWatcher watcher;
     QStringList posted;
@@ -254,6 +228,11 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
             posted << n.name + " " + n.userInfo.value(SC::NSDevicePath).toString();
         });
     m_tree.updateData(false);
+    EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
+    EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
+    EXPECT_EQ(m_pane.selectFolder, "/");
+    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
+    EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
     m_tree.selectTreeIndex(2); // Zeta
     const QString cardC = m_dir.filePath("mnt/CARD_C");
     makeFolders(m_dir.path(), {"mnt/CARD_C"});
@@ -281,6 +260,12 @@ TEST_F(TreeViewCtrlVolumeTest, MountsAndUnmountsUpdateTheVolumeList)
     EXPECT_EQ(posted, (QStringList{"SCWorkspaceDidMountNotification " + cardC,
                                    "SCWorkspaceDidUnmountNotification " + m_cardA,
                                    "SCWorkspaceDidUnmountNotification " + m_cardB}));
+
+    // Double-clicking a volume makes it the work folder.
+    m_tree.selectTreeIndex(1);
+    m_tree.doubleClickSelecttion();
+    EXPECT_EQ(m_pane.workFolder, cardC);
+    EXPECT_EQ(displayNames(m_tree), QStringList{"Beta"});
 }
 
 TEST_F(TreeViewCtrlVolumeTest, UnmountingTheCardOfTheWorkFolderShowsTheVolumeList)
@@ -397,37 +382,15 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
                           MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_MEDIA_NAME_CHANGE})
         EXPECT_FALSE(menuState(m_tree, tag).enable) << tag;
 
+    // A disabled or unknown command is not handed to the pane.
+    for (const int tag : {MENU_ITEM_ID_DELETE, MENU_ITEM_ID_EXPORT, 44006})
+        m_tree.selectMenuItem(tag);
+    EXPECT_TRUE(m_pane.commands.isEmpty());
+
     // Thumbnail commands are the grid's to answer.
     const MenuState sortDate = menuState(m_tree, MENU_ITEM_ID_SORT_DATE);
     EXPECT_TRUE(sortDate.supported && sortDate.enable && sortDate.check);
     EXPECT_FALSE(menuState(m_tree, MENU_ITEM_ID_EXPORT).enable);
-}
-
-TEST_F(TreeViewCtrlTest, EachCommandIsHandedToThePane)
-{
-    makeFolders(m_work, {"a"});
-    m_tree.updateData(false);
-    m_tree.selectTreeIndex(1);
-
-    for (const int tag :
-         {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE, MENU_ITEM_ID_CLIP_SEARCH,
-          MENU_ITEM_ID_CHANGE_WORK_FOLDER, MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE})
-        m_tree.selectMenuItem(tag);
-    // Disabled or unknown commands do nothing.
-    for (const int tag : {MENU_ITEM_ID_NEW_FOLDER, MENU_ITEM_ID_FOLDER_DIVISION, MENU_ITEM_ID_EXPORT, 44006})
-        m_tree.selectMenuItem(tag);
-    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
-
-    EXPECT_EQ(m_pane.commands, (QList<int>{MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_DELETE,
-                                           MENU_ITEM_ID_CLIP_SEARCH, MENU_ITEM_ID_CHANGE_WORK_FOLDER,
-                                           MENU_ITEM_ID_MOVE_UP_FOLDER, MENU_ITEM_ID_SORT_TITLE}));
-    EXPECT_EQ(m_pane.opened, QStringList{path("a")});
-
-    // Opening a folder that has gone is reported to the pane instead.
-    ASSERT_TRUE(QDir(path("a")).removeRecursively());
-    m_tree.selectMenuItem(MENU_ITEM_ID_OPEN_IN_FINDER);
-    EXPECT_EQ(m_pane.opened.size(), 1);
-    EXPECT_EQ(m_pane.notFound, 1);
 }
 
 } // namespace

@@ -133,39 +133,3 @@ TEST_F(Mp4Test, EmbeddedXmlIsReturnedWholeOrWithoutItsFourBytePrefix)
                      body.isEmpty() ? "blCheckMP4() No XML Data" : "blCheckMP4() XML Data Error");
     }
 }
-
-TEST_F(Mp4Test, OneCheckPerObjectUntilClosed)
-{
-    const QByteArray file = write(cameraFile().boxes());
-    CCreatePPT ppt;
-    QString text = "before";
-    EXPECT_EQ(ppt.getVideoFPSStr(text), 0);
-    EXPECT_EQ(ppt.getWidth(text), 0);
-    EXPECT_EQ(text, "before") << "no text before a check";
-
-    const QByteArray missing = local(path("missing.MP4"));
-    EXPECT_EQ(ppt.blCheckMP4(missing.constData()), 0);
-    EXPECT_STREQ(ppt.getErrorText(), "MP4 File Open Error");
-
-    ASSERT_EQ(ppt.blCheckMP4(file.constData()), 1);
-    EXPECT_EQ(ppt.blCheckMP4(file.constData()), 0);
-    EXPECT_STREQ(ppt.getErrorText(), "blCheckMP4() System error");
-    const QByteArray ppn = write(QByteArray(), "clip.PPN");
-    EXPECT_EQ(ppt.StartConvert(file.constData(), ppn.constData()), 0) << "the tables belong to the check";
-    EXPECT_EQ(ppt.getFPS(), 9) << "a refused call leaves the check as it was";
-    EXPECT_EQ(ppt.ulGetNumOfFrame(), 12u);
-
-    ppt.CloseCheckMP4();
-    EXPECT_EQ(ppt.getVideoFPSStr(text), 0);
-    EXPECT_EQ(ppt.ulGetNumOfFrame(), 0u);
-    EXPECT_EQ(ppt.getNumAudioStream(), 0);
-
-    // A failed check needs no close, and leaves nothing behind.
-    QList<cwtest::Mp4Box> boxes = cameraFile().boxes();
-    boxes[2].find("trak:0/mdia/minf/stbl/stsc")->body.replace(4, 4, cwtest::be32(9));
-    const QByteArray bad = write(boxes, "bad.MP4");
-    EXPECT_EQ(ppt.blCheckMP4(bad.constData()), 0);
-    EXPECT_EQ(ppt.ulGetNumOfFrame(), 0u);
-    EXPECT_EQ(ppt.blCheckMP4(file.constData()), 1);
-    EXPECT_EQ(ppt.ulGetNumOfFrame(), 12u);
-}
