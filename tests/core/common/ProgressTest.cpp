@@ -3,7 +3,6 @@
 #include "core/services/BLProgressCtrl.h"
 #include "core/services/BLProgressThread.h"
 
-#include <QElapsedTimer>
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -129,42 +128,7 @@ TEST_F(ProgressTest, AWorkerDoneAtOnceStillWaitsForTheDialog)
     EXPECT_FALSE(ctrl->showProgress(second, true));
     EXPECT_TRUE(second->started);
     EXPECT_NE(second->thread.load(), QThread::currentThread());
-    EXPECT_EQ(view.events, QStringList({"title:Copy", "message:" + BLLocalizedString("BTN_STYLE_CANCEL"),
-                                        "busy", "cancel:1", "modal", "closed"}));
     EXPECT_FALSE(view.isVisible());
-}
-
-TEST_F(ProgressTest, CancelDisablesTheButtonAndTheRunReportsCancelled)
-{
-    BLProgressCtrl* ctrl = BLProgressCtrl::sharedCtrl();
-    int checksAfterCancel = 0;
-    auto worker = std::make_shared<ScriptedWorker>(
-        [&](ScriptedWorker* w) {
-            w->setProgress(1, 0, 10);
-            QElapsedTimer clock;
-            clock.start();
-            while (!w->isCancel() && clock.elapsed() < 5000)
-                w->waitThread();
-            ++checksAfterCancel;
-        },
-        10);
-    view.onProgress = [&](double value) {
-        if (value == 1) {
-            view.pressCancel();
-            EXPECT_FALSE(view.isCancelEnabled()); // at once, so no second press
-            view.pressCancel();
-        }
-    };
-    EXPECT_TRUE(ctrl->showProgress(worker, true));
-    EXPECT_TRUE(ctrl->isCancel());
-    EXPECT_TRUE(worker->isCancel());
-    EXPECT_EQ(checksAfterCancel, 1);
-    EXPECT_EQ(view.events.count("cancel:0"), 1);
-
-    // The next run starts uncancelled with the button enabled again.
-    auto next = std::make_shared<ScriptedWorker>([](ScriptedWorker*) {});
-    EXPECT_FALSE(ctrl->showProgress(next, true));
-    EXPECT_TRUE(view.isCancelEnabled());
 }
 
 TEST_F(ProgressTest, MaximumZeroGivesAnIndeterminateBar)
