@@ -66,14 +66,6 @@ TEST(TimecodeTest, TheFirstLtcValueDecidesDropFrame)
     EXPECT_EQ(rate, 24);
 }
 
-TEST(TimecodeTest, LtcTableFormCarriesTheFlagInTheFramesPair)
-{
-    EXPECT_EQ(BLCommon::convertOfDurationByFrameCount(0, "29.97p", {}, true), "40000000");
-    // 01:02:03 frame 4 at 25 frames per second.
-    const qint64 frames = (3600 + 2 * 60 + 3) * 25 + 4;
-    EXPECT_EQ(BLCommon::convertOfDurationByFrameCount(frames, "25p", {}, true), "44030201");
-}
-
 TEST(TimecodeTest, LtcValuesParseOrAreRejected)
 {
     BLCommon::Timecode tc;

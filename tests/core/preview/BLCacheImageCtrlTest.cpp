@@ -4,8 +4,8 @@
 #include "core/app/preview/BLCacheImageCtrl.h"
 
 #include "PreviewTestSupport.h"
-#include "core/services/SCNotificationCenter.h"
 #include "support/FrameCounter.h"
+#include "support/NotificationRecorder.h"
 #include "support/QtPrinters.h"
 
 #include <QDateTime>
@@ -13,8 +13,6 @@
 #include <QImage>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 using namespace pvtest;
 
@@ -25,47 +23,36 @@ struct Delivery
 {
     QImage image;
     int takeStatus = -1;
-    qint64 frameNo = -1;
-    QString umid;
     QString selectFolder;
 };
 
 // Keeps every picture the cache delivers, in order.
-class DeliveryRecorder
+class DeliveryRecorder : public cwtest::NotificationRecorder
 {
 public:
-    DeliveryRecorder()
+    DeliveryRecorder() : NotificationRecorder({SC::SCCacheImageDidGetNotification}) {}
+    // The pictures of a take's key frame.
+    QList<Delivery> of(const DOTakeData& take) const
     {
-        SCNotificationCenter::defaultCenter()->addObserver(
-            this, SC::SCCacheImageDidGetNotification, [this](const SCNotification& note) {
-                const QVariantMap& info = note.userInfo;
-                deliveries.append({info.value(SC::SCCacheGImageKey).value<QImage>(),
-                                   info.value(SC::SCCacheGTakeStatusKey).toInt(),
-                                   info.value(SC::SCCacheGFrameNoKey).toLongLong(),
-                                   info.value(SC::SCCacheGUmidKey).toString(),
-                                   info.value(SC::SCCacheGSelectFolderKey).toString()});
-            });
+        QList<Delivery> found;
+        for (const SCNotification& note : notes) {
+            const QVariantMap& info = note.userInfo;
+            if (info.value(SC::SCCacheGUmidKey).toString() == take.getUmid() &&
+                info.value(SC::SCCacheGFrameNoKey).toLongLong() == take.getKeyFrame())
+                found.append({info.value(SC::SCCacheGImageKey).value<QImage>(),
+                              info.value(SC::SCCacheGTakeStatusKey).toInt(),
+                              info.value(SC::SCCacheGSelectFolderKey).toString()});
+        }
+        return found;
     }
-    ~DeliveryRecorder() { SCNotificationCenter::defaultCenter()->removeObserver(this); }
-
-    int countFor(const DOTakeData& take) const
-    {
-        return int(std::count_if(deliveries.begin(), deliveries.end(), [&](const Delivery& d) {
-            return d.umid == take.getUmid() && d.frameNo == take.getKeyFrame();
-        }));
-    }
+    int countFor(const DOTakeData& take) const { return int(of(take).size()); }
     // Waits for the picture of a take's key frame; the last one delivered.
     std::optional<Delivery> waitFor(const DOTakeData& take) const
     {
         if (!cwtest::waitFor([&] { return countFor(take) > 0; }))
             return std::nullopt;
-        for (qsizetype i = deliveries.size() - 1; i >= 0; --i)
-            if (deliveries[i].umid == take.getUmid() && deliveries[i].frameNo == take.getKeyFrame())
-                return deliveries[i];
-        return std::nullopt;
+        return of(take).last();
     }
-
-    QList<Delivery> deliveries;
 };
 
 void request(int mediaInfoType, const QString& folder, const DOTakeData& take)
@@ -161,7 +148,7 @@ TEST_F(CacheImageCtrlTest, ARequestDecodesTheKeyFrameOnceAndThenServesTheCacheFi
     ASSERT_TRUE(marker.save(file, "BMP"));
     const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
     setModified(file, old);
-    recorder.deliveries.clear();
+    recorder.notes.clear();
     request(1, folder(), cached);
     const std::optional<Delivery> again = recorder.waitFor(cached);
     ASSERT_TRUE(again);
@@ -206,7 +193,7 @@ TEST_F(CacheImageCtrlTest, ACancelRemovesOnlyThatPanesRequests)
     ASSERT_TRUE(recorder.waitFor(a));
     ASSERT_TRUE(recorder.waitFor(c));
     EXPECT_EQ(recorder.countFor(b), 0);
-    EXPECT_EQ(recorder.deliveries.size(), 2);
+    EXPECT_EQ(recorder.notes.size(), 2);
 }
 
 TEST_F(CacheImageCtrlTest, EveryFailureStillEndsInAPicture)
