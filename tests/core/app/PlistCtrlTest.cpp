@@ -87,15 +87,3 @@ TEST_F(PlistTest, BrokenOrMistypedSettingsGiveDefaultsWithoutCrash)
     EXPECT_FALSE(plist->getMainWindowX(nullptr));
     EXPECT_EQ(plist->getViewerLogLevel(), "0");
 }
-
-TEST_F(PlistTest, LibraryLogPathsFallBackToTheCachesFolder)
-{
-    const QString path = settingsPath(home());
-    cwtest::writeSettings(home().configHome(), QVariantMap{{"LOG_FLAG", "OFF"}});
-    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
-    ASSERT_EQ(plist->filePath(), path);
-    EXPECT_EQ(plist->getViewerLogFilePath(), home().cacheHome() + "/Viewer.log");
-    EXPECT_EQ(plist->getMpeg2tsLogFilePath(), home().cacheHome() + "/Export.log");
-    // An existing file is not merged with defaults.
-    EXPECT_EQ(BLPlistCtrl::readPlistFile(path)->size(), 1);
-}

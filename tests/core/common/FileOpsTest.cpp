@@ -270,8 +270,6 @@ TEST_F(FileOpsTest, CopyCreateAndRemove)
     EXPECT_FALSE(QFileInfo::exists(path("half")));
     chmod(QFile::encodeName(path("src/C0001/sub/C0001.BIM")).constData(), 0644);
 
-    EXPECT_FALSE(BLCommon::createNewFolder(path("a/b")));
-    EXPECT_TRUE(BLCommon::createNewFolderWithParent(path("a/b")));
     ASSERT_TRUE(cwtest::writeFile(path("new/full"), "data"));
     EXPECT_FALSE(BLCommon::createNewFile(path("new/full"))); // an existing file is kept
     EXPECT_EQ(cwtest::readFile(path("new/full")), "data");

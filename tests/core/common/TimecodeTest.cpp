@@ -155,17 +155,6 @@ TEST(TimecodeTest, DropFrameStartFramesRoundTripEveryFrameOfAnHour)
     }
 }
 
-TEST(TimecodeTest, DurationCheckAllowsBigFilesAndShortClips)
-{
-    const QList<DOLtcChange> noChanges;
-    EXPECT_TRUE(BLCommon::checkTimeCode(29 * 60 * 25, "25p", noChanges, 1000));
-    EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, 1000));
-    EXPECT_TRUE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, qint64(1) << 32));
-    EXPECT_FALSE(BLCommon::checkTimeCode(30 * 60 * 25, "25p", noChanges, (qint64(1) << 32) - 1));
-    EXPECT_TRUE(BLCommon::checkTimeCode(3600 * 25, "25p", noChanges, 1000)); // 01:00 has minutes 00
-    EXPECT_FALSE(BLCommon::checkTimeCode(10 * 3600 * 25, "25p", noChanges, 1000));
-}
-
 TEST(TimecodeTest, TakesFormatTheirDurationAndStartTimeCode)
 {
     DOTakeData take;
@@ -195,7 +184,7 @@ TEST(TimecodeTest, TakesFormatTheirDurationAndStartTimeCode)
     EXPECT_TRUE(BLCommon::Is720SP({take, hd720}));
 }
 
-TEST(TimecodeTest, TheDurationCheckLooksAtEveryClip)
+TEST(TimecodeTest, TheDurationCheckLooksAtEveryClipAndAllowsBigFiles)
 {
     DOTakeData single;
     single.setFormatFps("25p");
@@ -215,4 +204,8 @@ TEST(TimecodeTest, TheDurationCheckLooksAtEveryClip)
     EXPECT_TRUE(BLCommon::checkTakeDuration({single, multi}));
     single.setCurrentDuration(30 * 60 * 25);
     EXPECT_FALSE(BLCommon::checkTakeDuration({single, multi}));
+    single.setCurrentDuration(3600 * 25); // 01:00:00:00 has minutes 00
+    EXPECT_TRUE(BLCommon::checkTakeDuration({single}));
+    single.setCurrentDuration(10 * 3600 * 25);
+    EXPECT_FALSE(BLCommon::checkTakeDuration({single}));
 }

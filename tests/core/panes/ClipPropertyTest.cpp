@@ -109,17 +109,6 @@ protected:
     cwtest::MessageRecorder m_messages;
 };
 
-TEST_F(ClipPropertyTest, OkWithNothingEditedRewritesTheClipsButNotTheTakeAndTellsNobody)
-{
-    const QByteArray take = cwtest::readFile(takeFile());
-    const QByteArray clip = cwtest::readFile(clipFiles().front());
-    EXPECT_FALSE(edit(m_take.getUsAscii()));
-    EXPECT_EQ(m_view.endCodes, QList<int>{BLClipPropertyCtrl::kStopCodeOK});
-    EXPECT_EQ(cwtest::readFile(takeFile()), take);
-    EXPECT_NE(cwtest::readFile(clipFiles().front()), clip);
-    EXPECT_TRUE(m_changes.notes.isEmpty());
-}
-
 TEST_F(ClipPropertyTest, ChecksRefuseEachTextOverItsLimitAndKeepTheDialogOpen)
 {
     const struct

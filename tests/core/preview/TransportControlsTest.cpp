@@ -80,32 +80,6 @@ TEST_F(TransportControlsTest, TheSliderMapsFramesToItsEndsAndSkipsReportsUntilOn
     EXPECT_EQ(view.sliderValue, 0);
 }
 
-// A drag while paused is left to the widget test.
-TEST_F(TransportControlsTest, DraggingDuringPlaybackShowsTheFrameUnderTheSliderAndPlaysOn)
-{
-    const cwtest::CardFolder card(tinyCard(1, 120));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const cardgen::ManifestTake& manifestTake = card.manifest().takes.front();
-    start();
-
-    // During playback: paused while the hand is on the slider, then playing on
-    // from where it was let go.
-    play(card, takeOf(card, manifestTake));
-    ASSERT_TRUE(waitFor([&] { return slider().getFrameNo() >= 3; }));
-    const int before = slider().timeSliderDragStart();
-    ASSERT_EQ(before, VM_PLAYED);
-    ASSERT_TRUE(waitForState(VM_PAUSING));
-    slider().sliderDidMove(505);   // 119 * 505 / 1000 = frame 60
-    ASSERT_TRUE(waitForFrame(60)); // shown by the drag thread; the report ends the skipping
-    EXPECT_EQ(view.lastPicture().counter, counterOf(manifestTake, 60));
-    EXPECT_FALSE(slider().getSkipFrameInfo());
-    EXPECT_EQ(ctrl->getViewerState(), VM_PAUSING);
-    slider().timeSliderDragEnd(before);
-    ASSERT_TRUE(waitForState(VM_PLAYED));
-    ASSERT_TRUE(waitFor([&] { return slider().getFrameNo() > 62; }));
-    EXPECT_GE(view.lastPicture().frame, 60);
-}
-
 TEST_F(TransportControlsTest, TheTimeCodeOfADropFrameTakeComesFromItsBimFiles)
 {
     cardgen::Options options = tinyCard(0, 9, {2});
