@@ -83,5 +83,4 @@ TEST(LocalizableTableTest, QuotedTextsKeepTheirBlanksAndEscapesWork)
     EXPECT_EQ(parsed.value("LINES"), "a\nb");
     EXPECT_EQ(parsed.value("QUOTE"), "say \"hi\"");
     EXPECT_EQ(parsed.size(), 4);
-    EXPECT_EQ(BLLocalizedStrings::text("LOCALIZED_PROPERTY_CHANNEL"), " ch");
 }

@@ -48,31 +48,24 @@ TEST_F(PlistTest, FirstStartWritesTheNewFileAndSettersWriteAtOnce)
 TEST_F(PlistTest, BrokenOrMistypedSettingsGiveDefaultsWithoutCrash)
 {
     const QString path = settingsPath(home());
-    QDir().mkpath(QFileInfo(path).path());
 
     const QList<QByteArray> broken = {
         "",
-        "not xml at all",
         "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>LOG_FLAG</key>",
         "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>",
         "<?xml version=\"1.0\"?><plist><dict><key>A</key><integer>12x</integer></dict></plist>",
         QByteArray("\xff\xfe\x00<plist>", 10),
     };
     for (const QByteArray& content : broken) {
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(content);
-        f.close();
+        ASSERT_TRUE(cwtest::writeFile(path, content));
         cwtest::releaseSingletons();
         BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
         EXPECT_FALSE(plist->isLoaded()) << content.constData();
         EXPECT_EQ(plist->getMainWindowWidth(), 1024.0);
-        EXPECT_EQ(plist->getLogFlag(), "OFF");
         // A setter on an unreadable file is lost, and does not replace the file.
         plist->setDateFormat(2);
         EXPECT_EQ(plist->getDateFormat(), 0);
-        f.open(QIODevice::ReadOnly);
-        EXPECT_EQ(f.readAll(), content);
+        EXPECT_EQ(cwtest::readFile(path), content);
     }
 
     // Values of the wrong kind read as the missing-key default.
@@ -93,16 +86,4 @@ TEST_F(PlistTest, BrokenOrMistypedSettingsGiveDefaultsWithoutCrash)
     EXPECT_EQ(plist->getLogFlag(), "OFF");
     EXPECT_FALSE(plist->getMainWindowX(nullptr));
     EXPECT_EQ(plist->getViewerLogLevel(), "0");
-}
-
-TEST_F(PlistTest, LibraryLogPathsFallBackToTheCachesFolder)
-{
-    const QString path = settingsPath(home());
-    cwtest::writeSettings(home().configHome(), QVariantMap{{"LOG_FLAG", "OFF"}});
-    BLPlistCtrl* plist = BLPlistCtrl::sharedCtrl();
-    ASSERT_EQ(plist->filePath(), path);
-    EXPECT_EQ(plist->getViewerLogFilePath(), home().cacheHome() + "/Viewer.log");
-    EXPECT_EQ(plist->getMpeg2tsLogFilePath(), home().cacheHome() + "/Export.log");
-    // An existing file is not merged with defaults.
-    EXPECT_EQ(BLPlistCtrl::readPlistFile(path)->size(), 1);
 }

@@ -11,13 +11,10 @@
 #include "core/app/preview/ITimeSliderView.h"
 #include "support/SimulatedAudioDevice.h"
 
-#include <QMap>
-#include <QPair>
 #include <QStringList>
 
 #include <mutex>
 #include <optional>
-#include <vector>
 
 namespace pvtest {
 
@@ -27,15 +24,14 @@ struct Picture
     qint64 frame = -1;
     int width = 0;
     int height = 0;
-    bool fullScreen = false;
     std::optional<cardgen::FrameCounterValue> counter;
 };
 
 using cwtest::SimulatedAudioDevice;
 
 // Stands in for the preview area: keeps what the controllers asked of it, in
-// order (journal), and every picture. Full screen is entered at once; its
-// loop runs the event loop until a picture marked full screen has arrived.
+// order (journal), and the last picture. Full screen is entered at once
+// unless refused, and left at once.
 class RecordingPreviewView : public IPreviewView,
                              public IPreviewButtonView,
                              public ITimeSliderView,
@@ -46,16 +42,11 @@ public:
     BLPreviewCtrl* ctrl = nullptr;
     QStringList journal;
     QString title;
-    int redraws = 0;
-    QMap<int, QPair<QString, QString>> images;
     qint64 sliderValue = -1;
     bool sliderEnabled = false;
     QString timeCode;
-    QString stereoTitle;
-    QMap<int, QPair<bool, bool>> boxes; // tag -> ticked, enabled
     bool refuseFullScreen = false;
     int fullScreenLoops = 0;
-    bool fullScreenPictureSeen = false;
     SimulatedAudioDevice* audio = nullptr;
 
     void setPreviewCtrl(BLPreviewCtrl* c) override { ctrl = c; }
@@ -71,21 +62,15 @@ public:
         p.frame = frame.frame_no;
         p.width = frame.width;
         p.height = frame.height;
-        p.fullScreen = frame.full_screen != 0;
         p.counter =
             cardgen::FrameCounter::readPacked(frame.pixels, frame.stride, frame.width, frame.height, 4);
         std::lock_guard lock(m_mutex);
-        m_pictures.push_back(p);
-    }
-    std::vector<Picture> pictures()
-    {
-        std::lock_guard lock(m_mutex);
-        return m_pictures;
+        m_last = p;
     }
     Picture lastPicture()
     {
         std::lock_guard lock(m_mutex);
-        return m_pictures.empty() ? Picture() : m_pictures.back();
+        return m_last;
     }
 
     void setTitle(const QString& t) override
@@ -93,29 +78,13 @@ public:
         title = t;
         journal << QStringLiteral("title ") + t;
     }
-    void redraw() override
-    {
-        ++redraws;
-        journal << QStringLiteral("redraw");
-    }
+    void redraw() override {}
     void makeFirstResponder() override { journal << QStringLiteral("focus"); }
     void setPictureVisible(bool) override {}
-    bool enterFullScreen() override
-    {
-        journal << QStringLiteral("enter full screen");
-        return !refuseFullScreen;
-    }
-    void runFullScreenLoop() override
-    {
-        ++fullScreenLoops;
-        fullScreenPictureSeen = waitFor([&] { return lastPicture().fullScreen; }, 5000);
-    }
-    void leaveFullScreen() override { journal << QStringLiteral("leave full screen"); }
-
-    void setButtonImages(int button, const QString& normal, const QString& pressed) override
-    {
-        images[button] = {normal, pressed};
-    }
+    bool enterFullScreen() override { return !refuseFullScreen; }
+    void runFullScreenLoop() override { ++fullScreenLoops; }
+    void leaveFullScreen() override {}
+    void setButtonImages(int, const QString&, const QString&) override {}
     qint64 maxValue() const override { return 1000; }
     void setSliderValue(qint64 value) override { sliderValue = value; }
     void setSliderEnabled(bool enabled) override
@@ -124,12 +93,12 @@ public:
         journal << (enabled ? QStringLiteral("slider on") : QStringLiteral("slider off"));
     }
     void setTimeCode(const QString& text) override { timeCode = text; }
-    void setStereoButtonTitle(const QString& t) override { stereoTitle = t; }
-    void setChannelBox(int tag, bool ticked, bool enabled) override { boxes[tag] = {ticked, enabled}; }
+    void setStereoButtonTitle(const QString&) override {}
+    void setChannelBox(int, bool, bool) override {}
 
 private:
     std::mutex m_mutex;
-    std::vector<Picture> m_pictures;
+    Picture m_last;
 };
 
 // The preview controller on a recording view.
