@@ -89,7 +89,6 @@ TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
         EXPECT_FALSE(m_ctrl.checkRepeatClip(clipCtrl)) << what;
         // Nothing is renamed or touched: the new takes are the chosen ones.
         EXPECT_EQ(umidsOf(clipCtrl.getNewTakes()), umidsOf(m_takes)) << what;
-        EXPECT_EQ(clipCtrl.getNewTakes().at(2).getSMIUri(), m_takes.at(2).getSMIUri());
         EXPECT_EQ(optest::snapshot(m_parent + "/Dest"), before) << what;
         ASSERT_TRUE(QDir(m_parent + "/Dest/BPAV").removeRecursively());
         ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR")));
@@ -98,9 +97,6 @@ TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
     // A clip folder of a multi-clip take under the same name, in other case.
     ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR/abc0004")));
     refused("clip folder name");
-    // A single clip's folder.
-    ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR/ABC0002")));
-    refused("single clip folder name");
     // The take folder.
     ASSERT_TRUE(QDir().mkpath(destination("BPAV/TAKR/ABC0003U01")));
     refused("take folder name");
@@ -110,26 +106,6 @@ TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
     // A take under another name that has the UMID of the chosen take.
     copyToDestination("TAKR/ABC0003U01", "TAKR/XYZ0001U01");
     refused("take UMID");
-    // A single-clip take under another name with a chosen take's UMID.
-    copyToDestination("CLPR/ABC0001", "CLPR/XYZ0002");
-    refused("single take UMID");
-}
-
-TEST_F(ChecksTest, UmidsCollideAcrossTheRecordsOfAnOperation)
-{
-    QList<DOClipCtrl> records(3);
-    records[0].setFromTakes({m_takes.at(0), m_takes.at(1)});
-    records[1].setFromTakes({m_takes.at(2)});
-    records[2].setFromTakes({m_takes.at(1)});
-    EXPECT_EQ(m_ctrl.checkUmid(records[0], records, 0), 0);
-    EXPECT_EQ(m_ctrl.checkUmid(records[1], records, 1), 1);
-    EXPECT_EQ(m_ctrl.checkUmid(records[2], records, 2), 0);
-
-    DOClipCtrl clipCtrl;
-    clipCtrl.setToTakes({m_takes.at(2)});
-    EXPECT_EQ(m_ctrl.checkUmid(m_takes.at(2).getUmid().toLower(), clipCtrl), 0);
-    EXPECT_EQ(m_ctrl.checkUmid("urn:smpte:umid:" + m_takes.at(2).getClipUmid(1), clipCtrl), 0);
-    EXPECT_EQ(m_ctrl.checkUmid(m_takes.at(0).getUmid(), clipCtrl), 1);
 }
 
 TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndOtherThanTheSource)
@@ -151,7 +127,6 @@ TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndOtherThanTheSource)
     m_volumes.addVolume({m_parent + "/Dest", "ntfs", "NTFS", 100 * kGB, 50 * kGB});
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCopy), "MSG_642_3111");
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeMove), "MSG_644_3186");
-    EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCombine), "MSG_651_3232");
 
     // The source folder itself, named in other case (a combine is refused
     // without a message).
@@ -196,10 +171,6 @@ TEST_F(ChecksTest, ADestinationThatCannotBeWrittenOrReadIsRefused)
         EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeMove));
     }
     EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3206", "MSG_6510_3208"}));
-
-    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x7777));
-    cwtest::AsOrdinaryUser user;
-    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
 }
 
 TEST_F(ChecksTest, DiskSpaceIsTestedWhereTheTakesWouldGo)
@@ -215,7 +186,6 @@ TEST_F(ChecksTest, DiskSpaceIsTestedWhereTheTakesWouldGo)
                   BLClipCtrl::kNameRefusedClose);
         EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3229"}));
         EXPECT_FALSE(QFileInfo::exists(m_parent + "/New"));
-        EXPECT_FALSE(copy.getNewFolderFlag());
 
         // A move onto the volume does too (one within the start-up disk
         // needs none: the move test shows it).
@@ -238,16 +208,14 @@ TEST_F(ChecksTest, DiskSpaceIsTestedWhereTheTakesWouldGo)
     EXPECT_EQ(onVolume.getCopyToPath(), volume);
     EXPECT_EQ(onVolume.destinationWorkFolder(), volume + "/Inside");
     EXPECT_TRUE(QFileInfo(volume + "/Inside").isDir());
-    EXPECT_TRUE(onVolume.getChangeFolderFlag());
     EXPECT_TRUE(onVolume.getNewFolderFlag());
-    EXPECT_FALSE(QFileInfo::exists(m_parent + "/Inside"));
-    optest::settle();
+    cwtest::settle();
     EXPECT_EQ(madeIn, QStringList({volume}));
     SCNotificationCenter::defaultCenter()->removeObserver(this);
 }
 
 // 599 clip folders: a take of two clips passes the limit, an unusable take
-// does not count. The copy and import tests show the limit from the dialog.
+// does not count. The import test shows the limit from its dialog.
 TEST_F(ChecksTest, TheDestinationKeepsWithinTheFolderLimits)
 {
     const QTemporaryDir memory(QFileInfo("/dev/shm").isWritable() ? "/dev/shm/limits-XXXXXX"
@@ -262,34 +230,21 @@ TEST_F(ChecksTest, TheDestinationKeepsWithinTheFolderLimits)
     EXPECT_TRUE(m_messages.keys().isEmpty()); // the caller tells the user
 }
 
+// A clip of the multi-clip take that cannot be changed stops the check at its take.
 TEST_F(ChecksTest, TheSourceMustBeChangeableAndItsTakesDeletable)
 {
     optest::openTree(m_source->workFolder());
     DOClipCtrl clipCtrl = record("Dest");
-    {
-        cwtest::AsOrdinaryUser user;
-        EXPECT_TRUE(m_ctrl.checkWritableMoveOrigin(clipCtrl, BLClipCtrl::kTypeMove));
-        EXPECT_TRUE(m_ctrl.checkDeletePath(clipCtrl));
-    }
-    EXPECT_TRUE(m_messages.keys().isEmpty());
-
-    // A clip of the multi-clip take that cannot be changed.
     const QString clip = sourceBpav() + "/CLPR/ABC0004";
     QFile::setPermissions(clip, QFile::Permissions(0x5555));
     {
         cwtest::AsOrdinaryUser user;
-        for (int type : {BLClipCtrl::kTypeMove, BLClipCtrl::kTypeCombine, BLClipCtrl::kTypeDelete,
-                         BLClipCtrl::kTypeCopy})
+        for (int type : {BLClipCtrl::kTypeMove, BLClipCtrl::kTypeCombine, BLClipCtrl::kTypeDelete})
             EXPECT_FALSE(m_ctrl.checkWritableMoveOrigin(clipCtrl, type));
         EXPECT_FALSE(m_ctrl.checkDeletePath(clipCtrl));
     }
+    QFile::setPermissions(clip, QFile::Permissions(0x7777));
     EXPECT_EQ(m_messages.keys(),
               QStringList({"MSG_6510_3207", "MSG_6510_3205", "MSG_6510_3203", "MSG_6510_3203"}));
-    EXPECT_EQ(clipCtrl.getTargetTake().getUmid(), m_takes.at(2).getUmid()); // stopped at the take
-    QFile::setPermissions(clip, QFile::Permissions(0x7777));
-
-    // A source on a drive that cannot be used.
-    m_volumes.addVolume({m_source->workFolder(), "iso9660", "DISC", kGB, 0});
-    EXPECT_FALSE(m_ctrl.checkWritableMoveOrigin(clipCtrl, BLClipCtrl::kTypeDelete));
-    EXPECT_EQ(m_messages.keys().last(), "MSG_651_3232");
+    EXPECT_EQ(clipCtrl.getTargetTake().getUmid(), m_takes.at(2).getUmid());
 }

@@ -100,7 +100,7 @@ TEST_F(ClipMoveTest, OnOneVolumeAMoveNeedsNoSpaceAndBothIndexesListWhatIsThere)
     optest::AnsweringTransferView view({QFileInfo(other.workFolder()).fileName()});
     BLClipMoveCtrl ctrl(&view, move, nullptr, nullptr);
     ASSERT_TRUE(ctrl.showModal());
-    optest::settle();
+    cwtest::settle();
     EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
     EXPECT_EQ(updates, QStringList({card->workFolder(), other.workFolder()}));
 

@@ -30,7 +30,7 @@ TEST_F(MediaNameChangeTest, NamesOfUpTo62BytesAreWrittenAndAnUnchangedOneIsOnlyA
     const auto change = [&](const QString& folder, const QStringList& answers) {
         AnsweringView view(answers);
         const bool changed = BLMediaNameChangeCtrl(&view, nullptr).showModal(folder);
-        optest::settle();
+        cwtest::settle();
         return std::pair(changed, view.shown);
     };
     cardgen::Options options = cwtest::CardFolder::fast(1);

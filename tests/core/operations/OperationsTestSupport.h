@@ -41,16 +41,9 @@ QList<DOTakeData> loadTakes(const QString& workFolder);
 // up to the temporary folder.
 void openTree(const QString& root);
 
-// The messages of the log lines of one process id, without date and time.
-QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
-
 // Every entry under a folder (links not followed) with what identifies it:
 // a file's contents, a folder's mark, a link's target.
 QMap<QString, QByteArray> snapshot(const QString& root);
-
-void writeFile(const QString& path, const QByteArray& contents);
-using cwtest::readFile;
-using cwtest::settle;
 
 // A dialog as a user answers it: OK with each answer in turn until the
 // controller ends it (a refusal that keeps it open gets the next answer),
