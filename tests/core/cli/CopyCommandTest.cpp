@@ -1,6 +1,6 @@
 // clipwright-cli copy on generated cards: what it copies and reports, and what
 // a real write failure leaves (nothing of the copy). What arrives, byte for
-// byte, and what a cancel leaves are checked by the copy controller's tests.
+// byte, is checked by the copy controller's tests.
 #include "CliTestSupport.h"
 
 #include "core/card/BLHouseKeepingCtrl.h"
@@ -41,18 +41,28 @@ TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
     EXPECT_TRUE(unknown.err.contains("no take XYZ0009")) << unknown.err.constData();
 }
 
+// No file may grow past 64 KiB in the copying process: write fails with EFBIG
+// in the middle of the first real-time metadata file. A new folder goes; a
+// card that held takes stays as it was.
 TEST_F(CopyCommandTest, AWriteFailureRollsBackWithItsMessage)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    cardgen::Options options = cwtest::CardFolder::fast(2);
+    options.prefix = "OTH";
+    options.recorded = QDateTime::currentDateTimeUtc().addDays(-1); // other UMIDs
+    cwtest::CardFolder other(options);
+    ASSERT_TRUE(card.ok() && other.ok());
+    ASSERT_EQ(cli({"scan", other.workFolder()}).status, 0);
     const QMap<QString, QByteArray> source = files(card.workFolder());
-    const QString destination = home().path("media/Copy");
-
-    // No file may grow past 64 KiB in the copying process: write fails with
-    // EFBIG in the middle of the first real-time metadata file.
-    const CliRun run = cliWithFileSizeLimit({"copy", card.workFolder(), destination}, 65536);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
-    EXPECT_FALSE(QFileInfo::exists(destination));
+    const QMap<QString, QByteArray> held = files(other.workFolder());
+    const QString fresh = home().path("media/Copy");
+    for (const QString& destination : {fresh, other.workFolder()}) {
+        SCOPED_TRACE(destination.toStdString());
+        const CliRun run = cliWithFileSizeLimit({"copy", card.workFolder(), destination}, 65536);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
+    }
+    EXPECT_FALSE(QFileInfo::exists(fresh));
+    EXPECT_EQ(files(other.workFolder()), held);
     EXPECT_EQ(files(card.workFolder()), source);
 }

@@ -66,9 +66,12 @@ TEST_F(FolderCommandsTest, DivideCombineBackAndNameTheMedia)
     EXPECT_EQ(QDir(home().path("media")).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList({"SHOOT"}));
 
+    // At most 62 bytes in UTF-8: 63 ASCII or 21 three-byte characters are refused.
     EXPECT_EQ(cli({"media-name", shoot, QString(63, 'x')}).status, 1);
-    EXPECT_EQ(cli({"media-name", shoot, "Day 2"}).status, 0);
-    EXPECT_EQ(cli({"media-name", shoot}).out, "Day 2\n");
+    EXPECT_EQ(cli({"media-name", shoot, QString(21, QChar(0x3042))}).status, 1);
+    const QString name62 = QString(20, QChar(0x3042)) + "ab";
+    EXPECT_EQ(cli({"media-name", shoot, name62}).status, 0);
+    EXPECT_EQ(cli({"media-name", shoot}).out, name62.toUtf8() + "\n");
     EXPECT_EQ(cli({"media-name"}).status, 2);
 }
 

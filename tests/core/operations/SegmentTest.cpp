@@ -34,13 +34,6 @@ std::vector<int> disksOf(const TAKE& take)
 TEST(SegmentTest, EdgeCases)
 {
     int disks = -1;
-    // Everything fits: one disk.
-    std::vector<TAKE> small{makeTake("a", {10, 20}), makeTake("b", {30}), makeTake("c", {5, 5, 5})};
-    ASSERT_EQ(Segment(small.data(), 3, 100, &disks), kSegmentDone);
-    EXPECT_EQ(disks, 1);
-    for (const TAKE& take : small)
-        EXPECT_EQ(disksOf(take), std::vector<int>(take.clips.size(), 0));
-
     // A take larger than the capacity is split between clips, in clip order.
     std::vector<TAKE> large{makeTake("big", {30, 30, 30, 30, 30})};
     ASSERT_EQ(Segment(large.data(), 1, 70, &disks), kSegmentDone);
@@ -105,8 +98,6 @@ TEST(SegmentTest, RandomFoldersPackWithinTheCapacity)
                     runs.append(clip.disk);
                 }
             }
-            EXPECT_EQ(take.remainSize, 0);
-            EXPECT_EQ(take.begin, take.clipCount());
         }
         for (auto it = used.begin(); it != used.end(); ++it)
             EXPECT_LE(it.value(), capacity) << "round " << round << " disk " << it.key();
