@@ -47,8 +47,8 @@ TEST_F(FolderCommandsTest, DivideCombineBackAndNameTheMedia)
     const QString shoot = makeShoot();
     const QStringList umids = scannedUmids(shoot);
     const QMap<QString, qint64> clips = clipFiles(shoot);
-
     EXPECT_EQ(cli({"divide", shoot}).status, 2);
+    EXPECT_EQ(cli({"divide", shoot, "--capacity", "3.5"}).status, 1); // below 4 GB
     const CliRun divided = cli({"divide", "--json", shoot, "--capacity", "4"});
     ASSERT_EQ(divided.status, 0) << divided.err.constData();
     const QJsonArray folders = QJsonDocument::fromJson(divided.out)["folders"].toArray();
@@ -57,7 +57,6 @@ TEST_F(FolderCommandsTest, DivideCombineBackAndNameTheMedia)
     for (const QJsonValue& folder : folders)
         paths << folder["path"].toString();
     EXPECT_TRUE(scannedUmids(shoot).isEmpty());
-
     const CliRun combined = cli(QStringList{"combine", "--delete-sources", "--json", shoot} + paths);
     ASSERT_EQ(combined.status, 0) << combined.err.constData();
     EXPECT_EQ(QJsonDocument::fromJson(combined.out)["deleted"].toArray().size(), 6);
@@ -65,7 +64,6 @@ TEST_F(FolderCommandsTest, DivideCombineBackAndNameTheMedia)
     EXPECT_EQ(clipFiles(shoot), clips);
     EXPECT_EQ(QDir(home().path("media")).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList({"SHOOT"}));
-
     // At most 62 bytes in UTF-8: 63 ASCII or 21 three-byte characters are refused.
     EXPECT_EQ(cli({"media-name", shoot, QString(63, 'x')}).status, 1);
     EXPECT_EQ(cli({"media-name", shoot, QString(21, QChar(0x3042))}).status, 1);

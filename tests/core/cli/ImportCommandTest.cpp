@@ -21,7 +21,6 @@ TEST_F(ImportCommandTest, AWriteFailureLeavesTheFolderAsItWasAndARunWithoutItRep
     const QString loose = card.bpav() + "/CLPR/ABC0002.MP4";
     const QString copied = other.bpav() + "/CLPR/ABC0001/ABC0001.MP4";
     ASSERT_TRUE(QFileInfo::exists(loose));
-
     // No file may grow past half the copied MP4 in the importing process:
     // the loose file moves, its metadata is written, then the copy fails.
     const qint64 limit = QFileInfo(copied).size() / 2;
@@ -30,7 +29,6 @@ TEST_F(ImportCommandTest, AWriteFailureLeavesTheFolderAsItWasAndARunWithoutItRep
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains(BLLocalizedString("MSG_631_3166").toUtf8())) << run.err.constData();
     EXPECT_EQ(files(card.workFolder()), before);
-
     // Without the limit the import reports the clip it made.
     const CliRun imported = cli({"import", "--json", card.workFolder(), copied});
     ASSERT_EQ(imported.status, 0) << imported.err.constData();

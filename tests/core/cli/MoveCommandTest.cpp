@@ -1,6 +1,7 @@
-// clipwright-cli move: its report, what a write failure across file systems
-// leaves, and what a process killed at any moment of a move leaves once both
-// folders have been scanned again.
+// clipwright-cli move: what a write failure across file systems leaves, and
+// what a process killed at any moment of a move leaves once both folders have
+// been scanned again. What each folder lists after a move is checked by the
+// move controller's tests.
 #include "CliTestSupport.h"
 
 #include <QRegularExpression>
@@ -39,32 +40,6 @@ using MoveCommandTest = CliTest;
 
 } // namespace
 
-// What each folder lists after a move is checked by the move controller's
-// tests; here the command's report and exit codes.
-TEST_F(MoveCommandTest, MovesTakesAndReportsThem)
-{
-    cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QString destination = home().path("media/Moved");
-    const CliRun run = cli({"move", "--json", card.workFolder(), destination, "ABC0002", "ABC0004U01"});
-    ASSERT_EQ(run.status, 0) << run.err.constData();
-    const QJsonObject result = QJsonDocument::fromJson(run.out).object();
-    EXPECT_FALSE(result["copiedAcrossFileSystems"].toBool());
-    EXPECT_EQ(result["files"].toInteger(), 5 + 2 * 5 + 2);
-    QStringList moved;
-    for (const QJsonValue& take : result["takes"].toArray())
-        moved << take["umid"].toString();
-    moved.sort();
-    EXPECT_EQ(scannedUmids(destination), moved);
-    EXPECT_EQ(scannedUmids(card.workFolder()).size(), 2);
-
-    // Wrong usage, and requests that cannot be met.
-    EXPECT_EQ(cli({"move", card.workFolder()}).status, 2);
-    EXPECT_EQ(cli({"move", "--quick", card.workFolder(), destination}).status, 2);
-    EXPECT_EQ(cli({"move", card.workFolder(), destination, "ABC0002"}).status, 1);
-    EXPECT_EQ(cli({"move", destination, destination}).status, 1);
-}
-
 TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
 {
     const QString other = otherFileSystem(home().path("media"));
@@ -78,7 +53,6 @@ TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
     const QMap<QString, QByteArray> before = files(card.workFolder());
     const QTemporaryDir target(other + "/clipwright-move-XXXXXX");
     const QString destination = target.path() + "/Moved";
-
     // No file may grow past 256 KiB in the moving process: the copy of the
     // first essence file fails with EFBIG.
     const CliRun run = cliWithFileSizeLimit({"move", card.workFolder(), destination}, 262144);

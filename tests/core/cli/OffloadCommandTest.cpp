@@ -57,14 +57,12 @@ TEST_F(OffloadTest, EngineCopiesACardReadOnceToTwoVerifiedDestinations)
     qint64 cardSize = 0;
     for (auto it = source.cbegin(); it != source.cend(); ++it)
         cardSize += QFileInfo(card.workFolder() + '/' + it.key()).size();
-
     const QStringList destinations{home().path("media/A"), home().path("media/B")};
     BLOffloadThread offload(card.workFolder(), destinations);
     const qint64 before = bytesReadByThisThread();
     ASSERT_TRUE(offload.run());
     EXPECT_LT(bytesReadByThisThread() - before, cardSize * 11 / 10);
     EXPECT_EQ(files(card.workFolder()), source);
-
     for (const QString& copy : destinations) {
         EXPECT_EQ(withoutHistory(files(copy)), source) << copy.toStdString();
         EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
@@ -161,7 +159,6 @@ TEST_F(OffloadTest, ACancelDuringTheSecondFileKeepsNoCopy)
     big.close();
     ASSERT_TRUE(cwtest::writeFile(card.workFolder() + "/A0.BIN", "0"));
     const QMap<QString, QByteArray> source = files(card.workFolder());
-
     QProcess p;
     p.start(kCli,
             {"offload", "--name", "CARD", card.workFolder(), home().path("media"), home().path("home2")});

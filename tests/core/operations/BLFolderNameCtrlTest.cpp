@@ -3,6 +3,7 @@
 #include "core/operations/IFolderNameView.h"
 #include "core/services/BLCommon.h"
 #include "support/AsOrdinaryUser.h"
+#include "support/NotificationRecorder.h"
 
 namespace {
 
@@ -64,15 +65,6 @@ protected:
         ASSERT_TRUE(QDir().mkpath(root));
         // Open to the ordinary user of the permission tests.
         optest::openTree(root);
-        for (const QString& name :
-             {SC::SCNewFolderDidMakeNotification, SC::SCFolderNameDidChangeNotification})
-            SCNotificationCenter::defaultCenter()->addObserver(
-                this, name, [this](const SCNotification& n) { posted << n; });
-    }
-    void TearDown() override
-    {
-        SCNotificationCenter::defaultCenter()->removeObserver(this);
-        HomeTest::TearDown();
     }
 
     QString makeFolder(const QString& name)
@@ -89,7 +81,9 @@ protected:
 
     QString root;
     cwtest::MessageRecorder messages;
-    QList<SCNotification> posted;
+    cwtest::NotificationRecorder recorder{
+        {SC::SCNewFolderDidMakeNotification, SC::SCFolderNameDidChangeNotification}};
+    QList<SCNotification>& posted = recorder.notes;
 };
 
 // Each refused name keeps the dialog open with its message; the name that
@@ -103,7 +97,6 @@ TEST_F(BLFolderNameCtrlTest, NewFolderRefusalsKeepTheDialogOpenUntilANameFits)
     ScriptedFolderNameView view(script);
     BLFolderNameCtrl ctrl(&view);
     EXPECT_TRUE(ctrl.showNewFolder(root));
-
     EXPECT_EQ(view.location, "media");
     EXPECT_EQ(view.okPresses, script.size() - 1);
     EXPECT_EQ(messages.keys(),
@@ -167,7 +160,6 @@ TEST_F(BLFolderNameCtrlTest, AFolderThatHasGoneOrCannotBeWrittenEndsTheDialog)
     EXPECT_FALSE(ctrl.showNewFolder(root + "/gone"));
     EXPECT_EQ(gone.okPresses, 1);
     EXPECT_TRUE(ctrl.isFolderNotFound());
-
     const QString locked = makeFolder("Locked");
     const QString inner = makeFolder("Locked/Inner");
     QFile::setPermissions(locked, kReadOnlyDir);

@@ -76,7 +76,6 @@ TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
     DOClipCtrl clean = record("Dest");
     EXPECT_TRUE(m_ctrl.checkRepeatClip(clean));
     EXPECT_EQ(umidsOf(clean.getNewTakes()), umidsOf(m_takes));
-
     const auto refused = [&](const char* what) {
         DOClipCtrl clipCtrl = record("Dest");
         const QMap<QString, QByteArray> before = optest::snapshot(m_parent + "/Dest");
@@ -87,7 +86,6 @@ TEST_F(ChecksTest, ANameOrUmidAlreadyInTheDestinationRefusesTheWholeOperation)
         ASSERT_TRUE(QDir(m_parent + "/Dest/BPAV").removeRecursively());
         ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR")));
     };
-
     // A clip folder of a multi-clip take under the same name, in other case.
     ASSERT_TRUE(QDir().mkpath(destination("BPAV/CLPR/abc0004")));
     refused("clip folder name");
@@ -121,7 +119,6 @@ TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndOtherThanTheSource)
     m_volumes.addVolume({m_parent + "/Dest", "ntfs", "NTFS", 100 * kGB, 50 * kGB});
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCopy), "MSG_642_3111");
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeMove), "MSG_644_3186");
-
     // The source folder itself, named in other case (a combine is refused
     // without a message).
     m_parent = QFileInfo(m_source->workFolder()).path();
@@ -137,7 +134,6 @@ TEST_F(ChecksTest, AFat32DestinationTakesNoFileBeyondItsLimit)
     cwtest::FakeVolumeProvider volumes;
     volumes.addVolume({m_parent + "/Dest", "vfat", "CARD", 100 * kGB, 50 * kGB});
     EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
-
     // A clip of the multi-clip take with a (sparse) essence file at the limit, then beyond.
     QFile essence(sourceBpav() + "/CLPR/ABC0004/ABC0004.MP4");
     ASSERT_TRUE(essence.resize(BLClipCtrl::kFat32Limit));
@@ -165,28 +161,6 @@ TEST_F(ChecksTest, ADestinationThatCannotBeWrittenOrReadIsRefused)
         EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeMove));
     }
     EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3206", "MSG_6510_3208"}));
-}
-
-// Without room a new folder is not made; a destination shown as a volume root
-// is tested at the volume, and the folder typed is made on it.
-TEST_F(ChecksTest, DiskSpaceIsTestedWhereTheTakesWouldGo)
-{
-    const QString volume = m_parent + "/VOL";
-    ASSERT_TRUE(QDir().mkpath(volume));
-    cwtest::FakeVolumeProvider volumes({"/", "ext4", "System", 500 * kGB, 1000});
-    volumes.addVolume({volume, "ext4", "VOL", 100 * kGB, 50 * kGB});
-    DOClipCtrl copy = record("Shown");
-    EXPECT_EQ(m_ctrl.checkCopyToFolderName("New", copy, BLClipCtrl::kNameTypeCopy),
-              BLClipCtrl::kNameRefusedClose);
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3229"}));
-    EXPECT_FALSE(QFileInfo::exists(m_parent + "/New"));
-
-    DOClipCtrl onVolume = record("VOL");
-    EXPECT_EQ(m_ctrl.checkCopyToFolderName("Inside", onVolume, BLClipCtrl::kNameTypeCopy),
-              BLClipCtrl::kNameReady);
-    EXPECT_EQ(onVolume.destinationWorkFolder(), volume + "/Inside");
-    EXPECT_TRUE(QFileInfo(volume + "/Inside").isDir());
-    EXPECT_TRUE(onVolume.getNewFolderFlag());
 }
 
 // A clip of the multi-clip take that cannot be changed stops the check at its take.

@@ -6,7 +6,7 @@
 
 #include <QProcess>
 
-using ClipDeleteTest = optest::OperationTest<>;
+using ClipDeleteTest = optest::OperationTest;
 
 TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheRest)
 {

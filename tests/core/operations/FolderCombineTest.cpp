@@ -68,14 +68,12 @@ TEST_F(FolderCombineTest, ACollisionInAnySourceEndsTheCombineBeforeAnythingMoves
     makeCard("C", "CCC", 2, {}, 3);
     ASSERT_EQ(QProcess::execute("cp", {"-a", first, parent + "/B"}), 0);
     ASSERT_TRUE(QDir().mkpath(parent + "/BPAV"));
-
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     ctrl.preShowModal();
     QStringList names;
     for (const QVariantMap& row : ctrl.rows())
         names << row.value("realName").toString();
     EXPECT_EQ(names, QStringList({"A", "B", "C"}));
-
     const QMap<QString, QByteArray> before = optest::snapshot(parent);
     EXPECT_FALSE(ctrl.execFolderCombine({"A", "C", "B"}, true));
     EXPECT_EQ(messages.keys(), QStringList({"MSG_654_3175"}));
@@ -91,7 +89,6 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
     makeCard("A", "AAA", 2, {2}, 2);
     makeCard("B", "BBB", 2, {}, 3, true);
     const QMap<QString, QByteArray> before = optest::snapshot(parent);
-
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     DOClipCtrl record = destinationRecord(destination);
     QList<DOClipCtrl> records;
@@ -112,7 +109,6 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
     BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
     EXPECT_TRUE(worker->isRestored());
     EXPECT_EQ(optest::snapshot(parent), before);
-
     // B's loose MP4 file keeps it from being deleted; A goes.
     ASSERT_TRUE(ctrl.execFolderCombine({"A", "B"}, true));
     EXPECT_EQ(ctrl.deletedFolders(), QStringList({parent + "/A"}));

@@ -1,12 +1,11 @@
-// Dividing a generated card into folders of a small capacity: the capacity
-// texts and folder names, a take split over three folders, what stays behind,
-// and a cancel or a vanished folder in the middle (everything back).
+// Dividing a generated card into folders of a small capacity: a take split
+// over three folders, what stays behind, and a cancel or a vanished folder in
+// the middle (everything back).
 #include "OperationsTestSupport.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/card/BLMediaProCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderDivisionThread.h"
-#include "support/FakeVolumeProvider.h"
 
 namespace {
 
@@ -66,32 +65,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(FolderDivisionTest, CapacityTextsAndFolderNames)
-{
-    // At least 4 GB, as a plain decimal number.
-    const std::pair<const char*, double> sizes[] = {
-        {"3.5", 0}, {"4", 4 * 1073741824.0}, {"4.5", 4.5 * 1073741824.0}, {".5", 0}, {"4.5.1", 0}, {"4a", 0}};
-    for (const auto& [text, expected] : sizes) {
-        double bytes = 0;
-        EXPECT_EQ(BLFolderDivisionCtrl::chkSize(text, &bytes), expected > 0) << text;
-        EXPECT_EQ(bytes, expected) << text;
-    }
-
-    const QString shoot = home().path("media/SHOOT");
-    ASSERT_TRUE(QDir().mkpath(shoot));
-    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot), QStringList({shoot + "_1", shoot + "_2"}));
-    ASSERT_TRUE(QDir().mkpath(shoot + "_2"));
-    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot),
-              QStringList({shoot + "_1_1", shoot + "_1_2"}));
-
-    const QString volume = home().path("media/CARD");
-    ASSERT_TRUE(QDir().mkpath(volume));
-    cwtest::FakeVolumeProvider volumes;
-    volumes.addVolume({volume, "vfat", "CARD", 8'000'000'000, 4'000'000'000});
-    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, volume),
-              QStringList({volume + "/_1", volume + "/_2"}));
-}
 
 // One clip per folder: seven new folders, the take in three numbered parts
 // linked to their neighbours, the loose MP4 file left behind, and every

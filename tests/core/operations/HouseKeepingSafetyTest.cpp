@@ -85,7 +85,6 @@ TEST_F(HouseKeepingSafetyTest, AnUnlistedClipWithoutItsMp4KeepsItsUmidAndEveryFi
     const QString lost = card.manifest().takes[1].umid;
     ASSERT_TRUE(QFile::remove(card.bpav() + "/CLPR/ABC0002/ABC0002.MP4"));
     const QMap<QString, QByteArray> before = footage(work);
-
     for (int pass = 1; pass <= 2; ++pass) {
         SCOPED_TRACE(pass);
         const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
@@ -110,7 +109,6 @@ TEST_F(HouseKeepingSafetyTest, ADamagedMediaProfileIsKeptAsideAndRebuilt)
     ASSERT_TRUE(cwtest::writeFile(path, damaged));
     const QMap<QString, QByteArray> before = footage(work);
     const QString kept = home().stateHome() + "/Clipwright/damaged";
-
     // Every take is listed (a take folder read without the profile shows
     // status 1 until the profile lists it: compared by UMID here).
     QStringList umids, planned;
@@ -127,13 +125,8 @@ TEST_F(HouseKeepingSafetyTest, ADamagedMediaProfileIsKeptAsideAndRebuilt)
     EXPECT_EQ(cwtest::readFile(kept + "/" + copies[0]), damaged);
     EXPECT_TRUE(messages.alerts()[0].message.contains(kept + "/" + copies[0]));
     EXPECT_EQ(footage(work), before);
-
-    // Repaired once, the card reads as planned and nothing changes.
-    const QMap<QString, QByteArray> repaired = optest::snapshot(work);
-    messages.clear();
+    // Repaired once, the card reads as planned (a second pass: the every-card test).
     EXPECT_EQ(described(BLHouseKeepingCtrl().doHouseKeeping(work)), expected(card.manifest()));
-    EXPECT_EQ(optest::snapshot(work), repaired);
-    EXPECT_TRUE(messages.keys().isEmpty());
 }
 
 TEST_F(HouseKeepingSafetyTest, AWriteProtectedCardWithoutCueUpShowsEveryTakeAndWritesNothing)

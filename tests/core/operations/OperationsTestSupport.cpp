@@ -8,6 +8,10 @@
 
 namespace optest {
 
+namespace {
+
+// The clips of a work folder's CLPR folder, each given its UMID from its
+// metadata (through a take carrying the clip's metadata reference).
 QList<DOClipData> scanClips(const QString& workFolder)
 {
     BLClipCtrl ctrl;
@@ -23,6 +27,8 @@ QList<DOClipData> scanClips(const QString& workFolder)
     }
     return clips;
 }
+
+} // namespace
 
 QList<DOTakeData> loadTakes(const QString& workFolder)
 {

@@ -22,7 +22,6 @@ TEST_F(RollBackTest, WithChangedNamesTheDestinationFormsAreRolledBack)
     const QMap<QString, QByteArray> source = optest::snapshot(card.workFolder());
     ASSERT_TRUE(BLCommon::copyFile(card.bpav() + "/CLPR/ABC0001", destination.bpav() + "/CLPR/NEW0001"));
     ASSERT_TRUE(BLCommon::copyFile(card.bpav() + "/CLPR/ABC0004", destination.bpav() + "/CLPR/ABC0001"));
-
     DOTakeData renamed = takes.at(0);
     renamed.setXMLUri("./CLPR/NEW0001/ABC0001M01.XML");
     renamed.setSMIUri("./CLPR/NEW0001/ABC0001.SMI");

@@ -42,7 +42,6 @@ TEST(SegmentTest, EdgeCases)
     EXPECT_EQ(split[0], split[1]);
     EXPECT_EQ(split[2], split[3]);
     EXPECT_EQ(std::set<int>(split.begin(), split.end()).size(), 3u);
-
     // A repeated clip UMID, in one take or across two: nothing placed.
     std::vector<TAKE> repeatedInOne{makeTake("a", {1, 2}), makeTake("b", {1})};
     repeatedInOne[0].clips[1].umid = "a-0";
@@ -53,7 +52,6 @@ TEST(SegmentTest, EdgeCases)
         for (const TAKE& take : *takes)
             EXPECT_EQ(disksOf(take), std::vector<int>(take.clips.size(), -1));
     }
-
     // A capacity below the largest clip.
     std::vector<TAKE> tooLarge{makeTake("a", {10, 80}), makeTake("b", {5})};
     EXPECT_EQ(Segment(tooLarge.data(), 2, 79, &disks), kSegmentTooLarge);
