@@ -99,6 +99,13 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
             QDir(destination).removeRecursively();
             return QProcess::execute("cp", {"-a", card.workFolder(), source}) == 0;
         };
+        const auto strace = [&](const QStringList& options) {
+            QProcess p;
+            p.setProcessEnvironment(noLeakCheck);
+            p.start("strace",
+                    QStringList{"-f", "-qq"} + options + QStringList{kCli, "move", source, destination});
+            return finish(p).status;
+        };
         ++round;
         ASSERT_TRUE(QDir().mkpath(home().path("cards")));
 
@@ -106,17 +113,11 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
         // its count in its thread, which is what strace counts to.
         ASSERT_TRUE(reset());
         const QString trace = home().path("trace.txt");
-        QProcess dry;
-        dry.setProcessEnvironment(noLeakCheck);
-        dry.start("strace",
-                  {"-f", "-qq", "-o", trace, "-e", "trace=" + syscalls, kCli, "move", source, destination});
-        ASSERT_EQ(finish(dry).status, 0);
-        QFile traced(trace);
-        ASSERT_TRUE(traced.open(QIODevice::ReadOnly));
+        ASSERT_EQ(strace({"-o", trace, "-e", "trace=" + syscalls}), 0);
         QList<QPair<QString, int>> calls; // name, count in its thread
         QMap<QString, int> counts;
         static const QRegularExpression line(R"(^(\d+)\s+(\w+)\()");
-        for (const QByteArray& text : traced.readAll().split('\n')) {
+        for (const QByteArray& text : cwtest::readFile(trace).split('\n')) {
             const QRegularExpressionMatch m = line.match(QString::fromUtf8(text));
             if (m.hasMatch())
                 calls.append({m.captured(2), ++counts[m.captured(1) + " " + m.captured(2)]});
@@ -140,13 +141,9 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
             const QPair<QString, int>& call = calls[landed[k]];
             SCOPED_TRACE(QString("killed at %1 #%2").arg(call.first).arg(call.second).toStdString());
             ASSERT_TRUE(reset());
-            QProcess killed;
-            killed.setProcessEnvironment(noLeakCheck);
-            killed.start("strace",
-                         {"-f", "-qq", "-o", "/dev/null",
-                          QString("--inject=%1:signal=KILL:when=%2").arg(call.first).arg(call.second), kCli,
-                          "move", source, destination});
-            EXPECT_EQ(finish(killed).status, -1) << "the move was not killed";
+            const QString inject =
+                QString("--inject=%1:signal=KILL:when=%2").arg(call.first).arg(call.second);
+            EXPECT_EQ(strace({"-o", "/dev/null", inject}), -1) << "the move was not killed";
 
             // Either folder may be opened first.
             const bool destinationFirst = k % 2 == 0;

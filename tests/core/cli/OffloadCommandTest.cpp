@@ -62,10 +62,8 @@ TEST_F(OffloadTest, EngineCopiesACardReadOnceToTwoVerifiedDestinations)
     const qint64 before = bytesReadByThisThread();
     ASSERT_TRUE(offload.run());
     EXPECT_LT(bytesReadByThisThread() - before, cardSize * 11 / 10);
-    EXPECT_EQ(files(card.workFolder()), source);
     for (const QString& copy : destinations) {
         EXPECT_EQ(withoutHistory(files(copy)), source) << copy.toStdString();
-        EXPECT_EQ(BLMhlHistory::contents(copy), BLMhlHistory::contents(card.workFolder()));
         BLMhlHistory history(copy);
         ASSERT_TRUE(history.load());
         ASSERT_EQ(history.files().size(), source.size());

@@ -12,19 +12,14 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
 
-// The dialog: runs a script of the user's actions while "shown".
-class FakeOffloadView : public IOffloadView
+// The dialog as a user answers it: the destination added and Start pressed;
+// Cancel when that does not end it.
+class StartingOffloadView : public IOffloadView
 {
 public:
-    std::function<void(BLOffloadCtrl&)> script;
-    QStringList lines;
-    int code = -1;
-    bool ended = false;
-
+    explicit StartingOffloadView(QString destination) : m_destination(std::move(destination)) {}
     void setSource(const QString&) override {}
     void setDestinations(const QStringList& l) override { lines = l; }
     int selectedDestination() const override { return -1; }
@@ -33,7 +28,9 @@ public:
     int runModal(BLOffloadCtrl* ctrl) override
     {
         ended = false;
-        script(*ctrl);
+        EXPECT_TRUE(ctrl->addDestination(m_destination));
+        ctrl->onStart();
+        endedByStart = ended;
         if (!ended)
             ctrl->onCancel();
         return code;
@@ -43,6 +40,13 @@ public:
         code = c;
         ended = true;
     }
+
+    QStringList lines;
+    int code = -1;
+    bool ended = false, endedByStart = false;
+
+private:
+    QString m_destination;
 };
 
 using OffloadCtrlTest = cwtest::HomeTest;
@@ -55,13 +59,7 @@ TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
     ASSERT_TRUE(QDir().mkpath(target));
     const QString copy = target + '/' + BLOffloadCtrl::defaultName(card.workFolder());
     cwtest::MessageRecorder messages;
-    FakeOffloadView view;
-    bool endedByStart = false;
-    view.script = [&](BLOffloadCtrl& ctrl) {
-        ASSERT_TRUE(ctrl.addDestination(target));
-        ctrl.onStart();
-        endedByStart = view.ended;
-    };
+    StartingOffloadView view(target);
 
     // A sparse file makes the card larger than the destination's free space:
     // the dialog stays for another choice.
@@ -70,7 +68,7 @@ TEST_F(OffloadCtrlTest, RefusesADestinationWithoutRoomThenOffloadsToOneVerified)
                 big.resize(QStorageInfo(target).bytesAvailable() + (qint64(1) << 30)));
     big.close();
     EXPECT_FALSE(BLOffloadCtrl(&view, card.workFolder()).showModal());
-    EXPECT_FALSE(endedByStart);
+    EXPECT_FALSE(view.endedByStart);
     ASSERT_EQ(view.lines.size(), 1);
     EXPECT_TRUE(view.lines[0].startsWith(target)) << view.lines[0].toStdString();
     ASSERT_EQ(messages.alerts().size(), 1);

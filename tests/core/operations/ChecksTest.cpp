@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr qint64 kGB = 1'000'000'000;
-
 QStringList umidsOf(const QList<DOTakeData>& takes)
 {
     QStringList umids;
@@ -61,7 +59,6 @@ protected:
         ASSERT_TRUE(BLCommon::copyFile(sourceBpav() + "/" + from, destination("BPAV/" + to)));
     }
 
-    cwtest::FakeVolumeProvider m_volumes;
     cwtest::MessageRecorder m_messages;
     QTemporaryDir m_dir;
     QString m_parent;
@@ -116,7 +113,8 @@ TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndOtherThanTheSource)
     ASSERT_TRUE(QDir().mkpath(m_parent + "/A:B"));
     EXPECT_EQ(refusal(record("A:B"), BLClipCtrl::kTypeMove), "MSG_648_3160");
     // A drive of a kind that cannot be used.
-    m_volumes.addVolume({m_parent + "/Dest", "ntfs", "NTFS", 100 * kGB, 50 * kGB});
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({m_parent + "/Dest", "ntfs", "NTFS", 100'000'000'000, 50'000'000'000});
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeCopy), "MSG_642_3111");
     EXPECT_EQ(refusal(record("Dest"), BLClipCtrl::kTypeMove), "MSG_644_3186");
     // The source folder itself, named in other case (a combine is refused
@@ -126,41 +124,6 @@ TEST_F(ChecksTest, TheDestinationPathMustBeNamedUsableAndOtherThanTheSource)
     EXPECT_EQ(refusal(record("CARD"), BLClipCtrl::kTypeCopy), "MSG_642_3158");
     EXPECT_EQ(refusal(record("CARD"), BLClipCtrl::kTypeMove), "MSG_644_3187");
     EXPECT_EQ(refusal(record("CARD"), BLClipCtrl::kTypeCombine), "");
-}
-
-TEST_F(ChecksTest, AFat32DestinationTakesNoFileBeyondItsLimit)
-{
-    ASSERT_TRUE(QDir().mkpath(m_parent + "/Dest"));
-    cwtest::FakeVolumeProvider volumes;
-    volumes.addVolume({m_parent + "/Dest", "vfat", "CARD", 100 * kGB, 50 * kGB});
-    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
-    // A clip of the multi-clip take with a (sparse) essence file at the limit, then beyond.
-    QFile essence(sourceBpav() + "/CLPR/ABC0004/ABC0004.MP4");
-    ASSERT_TRUE(essence.resize(BLClipCtrl::kFat32Limit));
-    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
-    ASSERT_TRUE(essence.resize(BLClipCtrl::kFat32Limit + 1));
-    EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_648_3127"}));
-    // Only the takes chosen count.
-    EXPECT_TRUE(m_ctrl.checkCopyPath(record("Dest", {m_takes.at(0)}), BLClipCtrl::kTypeCopy));
-}
-
-TEST_F(ChecksTest, ADestinationThatCannotBeWrittenOrReadIsRefused)
-{
-    ASSERT_TRUE(QDir().mkpath(m_parent + "/Dest/BPAV/CLPR"));
-    optest::openTree(m_parent);
-    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x5555));
-    {
-        cwtest::AsOrdinaryUser user;
-        EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeCopy));
-    }
-    // Not readable.
-    QFile::setPermissions(m_parent + "/Dest/BPAV", QFile::Permissions(0x3333));
-    {
-        cwtest::AsOrdinaryUser user;
-        EXPECT_FALSE(m_ctrl.checkCopyPath(record("Dest"), BLClipCtrl::kTypeMove));
-    }
-    EXPECT_EQ(m_messages.keys(), QStringList({"MSG_6510_3206", "MSG_6510_3208"}));
 }
 
 // A clip of the multi-clip take that cannot be changed stops the check at its take.

@@ -7,8 +7,6 @@
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/services/BLCommon.h"
 
-#include <QDateTime>
-
 namespace {
 
 // Every entry under a folder with its size, time stamp and contents.

@@ -9,13 +9,12 @@
 
 namespace {
 
-class FolderDivisionTest : public cwtest::HomeTest
+class FolderDivisionTest : public optest::OperationTest
 {
 protected:
     void SetUp() override
     {
-        HomeTest::SetUp();
-        BLProgressCtrl::sharedCtrl()->setView(&progress);
+        OperationTest::SetUp();
         // Singles ABC0002 to ABC0005 (ABC0001 a loose MP4 file) and the take
         // ABC0006U01 of ABC0006 to ABC0008.
         cardgen::Options options = cwtest::CardFolder::fast(5, {3});
@@ -29,11 +28,6 @@ protected:
         const DOTakeData spanning = multi();
         for (const DOClipData& clip : spanning.getClipData())
             largest = std::max(largest, clip.getSize());
-    }
-    void TearDown() override
-    {
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-        HomeTest::TearDown();
     }
     DOTakeData multi() const
     {
@@ -57,8 +51,6 @@ protected:
         return QDir(QFileInfo(card->workFolder()).path()).entryList({"card_*"}, QDir::Dirs);
     }
 
-    BLHeadlessProgressView progress;
-    cwtest::MessageRecorder messages;
     std::unique_ptr<cwtest::CardFolder> card;
     QList<DOTakeData> takes;
     qint64 largest = 0;
@@ -96,9 +88,9 @@ TEST_F(FolderDivisionTest, ATakeSplitOverThreeFoldersBecomesThreeLinkedParts)
         EXPECT_EQ(links(n + 1), n < 3) << n;
     }
     // A part's take info names the part that continues it.
-    QFile takeInfo(BLCommon::getPathOfBPAV(folders[1]) + "/" + BLCommon::removalDot(parts[1].getSMIUri()));
-    ASSERT_TRUE(takeInfo.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(takeInfo.readAll().contains(parts[2].getUmid().toLatin1()));
+    EXPECT_TRUE(cwtest::readFile(BLCommon::getPathOfBPAV(folders[1]) + "/" +
+                                 BLCommon::removalDot(parts[1].getSMIUri()))
+                    .contains(parts[2].getUmid().toLatin1()));
 
     // The divided folder keeps its loose MP4 file only; nothing needs repair.
     const QList<DOTakeData> left = BLHouseKeepingCtrl().doHouseKeeping(card->workFolder());

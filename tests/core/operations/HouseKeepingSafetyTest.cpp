@@ -165,10 +165,8 @@ TEST_F(HouseKeepingSafetyTest, EveryGeneratedCardLoadsWithItsTakes)
     const std::pair<const char*, cardgen::Options> cards[] = {
         {"plain", with([](cardgen::Options&) {})},
         {"prefix CLPR", with([](cardgen::Options& o) { o.prefix = "CLPR"; })},
-        {"prefix TAKR", with([](cardgen::Options& o) { o.prefix = "TAKR"; })},
         {"camera layout", with([](cardgen::Options& o) { o.layout = "PRIVATE/ORX/BPAV"; })},
         {"spanning", with([](cardgen::Options& o) { o.spanningClips = 2; })},
-        {"50p", with([](cardgen::Options& o) { o.frameRate = "50p"; })},
         {"59.94p non-drop", with([](cardgen::Options& o) {
              o.frameRate = "59.94p";
              o.nonDropFrame = true;

@@ -1,7 +1,5 @@
-// Importing MP4 files into a work folder: the clips made from files of
-// generated cards and of FFmpeg's own muxer, the checks of Add and OK with
-// their messages, the re-import of a loose file of the destination, and what
-// a cancel leaves (the folder as it was).
+// Importing MP4 files into a work folder: the clips made, the checks of Add
+// and OK, the re-import of a loose file, and what a cancel leaves.
 #include "OperationsTestSupport.h"
 #include "core/app/preview/BLCacheImageCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"

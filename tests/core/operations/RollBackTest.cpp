@@ -4,10 +4,10 @@
 #include "core/card/DOClipCtrl.h"
 #include "core/services/BLCommon.h"
 
-// A roll-back after a cancel is shown by the copy, move, division and combine
-// tests; this is the case they cannot reach: a take brought into a destination
-// as NEW0001 goes back under that name, and a folder of the destination named
-// like the take's source form stays.
+// A roll-back after a cancel or a failure is shown by the copy, move, division
+// and combine tests; this is the case they cannot reach: a take brought into a
+// destination as NEW0001 goes back under that name, and a folder of the
+// destination named like the take's source form stays.
 using RollBackTest = cwtest::HomeTest;
 
 TEST_F(RollBackTest, WithChangedNamesTheDestinationFormsAreRolledBack)

@@ -6,7 +6,6 @@
 #include <QRandomGenerator>
 
 #include <numeric>
-#include <set>
 
 namespace {
 
@@ -31,17 +30,9 @@ std::vector<int> disksOf(const TAKE& take)
 
 } // namespace
 
-TEST(SegmentTest, EdgeCases)
+TEST(SegmentTest, ARepeatedClipUmidOrAClipOverTheCapacityPlacesNothing)
 {
     int disks = -1;
-    // A take larger than the capacity is split between clips, in clip order.
-    std::vector<TAKE> large{makeTake("big", {30, 30, 30, 30, 30})};
-    ASSERT_EQ(Segment(large.data(), 1, 70, &disks), kSegmentDone);
-    EXPECT_EQ(disks, 3);
-    const std::vector<int> split = disksOf(large[0]);
-    EXPECT_EQ(split[0], split[1]);
-    EXPECT_EQ(split[2], split[3]);
-    EXPECT_EQ(std::set<int>(split.begin(), split.end()).size(), 3u);
     // A repeated clip UMID, in one take or across two: nothing placed.
     std::vector<TAKE> repeatedInOne{makeTake("a", {1, 2}), makeTake("b", {1})};
     repeatedInOne[0].clips[1].umid = "a-0";
