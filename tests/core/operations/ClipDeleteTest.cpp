@@ -6,7 +6,7 @@
 
 #include <QProcess>
 
-using ClipDeleteTest = optest::OperationTest<>;
+using ClipDeleteTest = optest::OperationTest;
 
 TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheRest)
 {
@@ -35,7 +35,7 @@ TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheR
         updates.clear();
         messages.setAnswer(answer);
         const bool deleted = BLClipDeleteCtrl(clipCtrl, nullptr).clipDelete();
-        optest::settle(); // the notification is posted when idle
+        cwtest::settle(); // the notification is posted when idle
         return deleted;
     };
     // The entries of CLPR and TAKR that lost anything.
@@ -85,7 +85,7 @@ TEST_F(ClipDeleteTest, EveryTakeGoesWholeOrIsReportedAndTheMediaProfileListsTheR
     // A hidden file, which the checks do not look at, made immutable (not even
     // root may remove it) keeps ABC0001's folder; the next take goes.
     const QString held = card.bpav() + "/CLPR/ABC0001/.held";
-    optest::writeFile(held, "x");
+    ASSERT_TRUE(cwtest::writeFile(held, "x"));
     if (QProcess::execute("chattr", {"+i", held}) != 0)
         GTEST_SKIP() << "no immutable flag here (needs root on a file system that has it)";
     const bool deleted = remove({"ABC0001", "ABC0004"});

@@ -20,29 +20,17 @@ DOClipCtrl destinationRecord(const QString& folder)
     return record;
 }
 
-class FolderCombineTest : public cwtest::HomeTest
+class FolderCombineTest : public optest::OperationTest
 {
 protected:
-    void SetUp() override
-    {
-        HomeTest::SetUp();
-        BLProgressCtrl::sharedCtrl()->setView(&progress);
-        parent = home().path("media");
-        ASSERT_TRUE(QDir().mkpath(parent));
-    }
-    void TearDown() override
-    {
-        BLProgressCtrl::sharedCtrl()->setView(nullptr);
-        HomeTest::TearDown();
-    }
-    // A card of its own clip names in the shared parent folder.
+    // A card of its own clip names in the shared media folder.
     QString makeCard(const QString& name, const QString& prefix, int clips, std::vector<int> multi, int day,
                      bool looseFirst = false)
     {
         cardgen::Options options = cwtest::CardFolder::fast(clips, std::move(multi));
         if (looseFirst)
             options.damages.push_back(cwtest::damage(cardgen::Damage::Kind::Loose, 1));
-        options.outputFolder = parent + "/" + name;
+        options.outputFolder = parent() + "/" + name;
         options.manifestPath = home().path(name + ".json");
         options.prefix = prefix;
         options.recorded = QDateTime(QDate(2026, 3, day), QTime(10, 0), QTimeZone::utc());
@@ -51,9 +39,7 @@ protected:
         return options.outputFolder;
     }
 
-    BLHeadlessProgressView progress;
-    cwtest::MessageRecorder messages;
-    QString parent;
+    QString parent() { return home().path("media"); }
 };
 
 } // namespace
@@ -66,20 +52,18 @@ TEST_F(FolderCombineTest, ACollisionInAnySourceEndsTheCombineBeforeAnythingMoves
     const QString destination = makeCard("DEST", "DST", 1, {}, 1);
     const QString first = makeCard("A", "AAA", 2, {}, 2);
     makeCard("C", "CCC", 2, {}, 3);
-    ASSERT_EQ(QProcess::execute("cp", {"-a", first, parent + "/B"}), 0);
-    ASSERT_TRUE(QDir().mkpath(parent + "/BPAV"));
-
+    ASSERT_EQ(QProcess::execute("cp", {"-a", first, parent() + "/B"}), 0);
+    ASSERT_TRUE(QDir().mkpath(parent() + "/BPAV"));
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     ctrl.preShowModal();
     QStringList names;
     for (const QVariantMap& row : ctrl.rows())
         names << row.value("realName").toString();
     EXPECT_EQ(names, QStringList({"A", "B", "C"}));
-
-    const QMap<QString, QByteArray> before = optest::snapshot(parent);
+    const QMap<QString, QByteArray> before = optest::snapshot(parent());
     EXPECT_FALSE(ctrl.execFolderCombine({"A", "C", "B"}, true));
     EXPECT_EQ(messages.keys(), QStringList({"MSG_654_3175"}));
-    EXPECT_EQ(optest::snapshot(parent), before);
+    EXPECT_EQ(optest::snapshot(parent()), before);
     EXPECT_EQ(ctrl.lastRun(), nullptr);
 }
 
@@ -90,16 +74,15 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
     const QString destination = makeCard("DEST", "DST", 1, {}, 1);
     makeCard("A", "AAA", 2, {2}, 2);
     makeCard("B", "BBB", 2, {}, 3, true);
-    const QMap<QString, QByteArray> before = optest::snapshot(parent);
-
+    const QMap<QString, QByteArray> before = optest::snapshot(parent());
     BLFolderCombineCtrl ctrl(nullptr, destinationRecord(destination));
     DOClipCtrl record = destinationRecord(destination);
     QList<DOClipCtrl> records;
     for (const char* name : {"A", "B"}) {
         DOClipCtrl source = record;
-        source.setCopyFromPath(parent);
+        source.setCopyFromPath(parent());
         source.setCopyFromFolderName(name);
-        source.setFromTakes(BLHouseKeepingCtrl().doHouseKeeping(parent + "/" + name));
+        source.setFromTakes(BLHouseKeepingCtrl().doHouseKeeping(parent() + "/" + name));
         source.setBeforeTakes(source.getFromTakes());
         records << source;
     }
@@ -111,11 +94,10 @@ TEST_F(FolderCombineTest, ACancelPutsEverythingBackAndAFolderKeepingTakesStays)
         records, &ctrl);
     BLProgressCtrl::sharedCtrl()->showProgress(worker, true);
     EXPECT_TRUE(worker->isRestored());
-    EXPECT_EQ(optest::snapshot(parent), before);
-
+    EXPECT_EQ(optest::snapshot(parent()), before);
     // B's loose MP4 file keeps it from being deleted; A goes.
     ASSERT_TRUE(ctrl.execFolderCombine({"A", "B"}, true));
-    EXPECT_EQ(ctrl.deletedFolders(), QStringList({parent + "/A"}));
-    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(parent + "/B").size(), 1);
+    EXPECT_EQ(ctrl.deletedFolders(), QStringList({parent() + "/A"}));
+    EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(parent() + "/B").size(), 1);
     EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(destination).size(), 5);
 }

@@ -8,6 +8,10 @@
 
 namespace optest {
 
+namespace {
+
+// The clips of a work folder's CLPR folder, each given its UMID from its
+// metadata (through a take carrying the clip's metadata reference).
 QList<DOClipData> scanClips(const QString& workFolder)
 {
     BLClipCtrl ctrl;
@@ -23,6 +27,8 @@ QList<DOClipData> scanClips(const QString& workFolder)
     }
     return clips;
 }
+
+} // namespace
 
 QList<DOTakeData> loadTakes(const QString& workFolder)
 {
@@ -75,19 +81,6 @@ void openTree(const QString& root)
         QFile::setPermissions(path, folder);
 }
 
-QStringList logLinesOf(const cwtest::ScopedHome& home, int processId)
-{
-    // "yyyy/MM/dd HH:mm:ss PPPP:message"
-    QFile log(home.stateHome() + "/Clipwright/Clipwright.log");
-    const QString id = QString::asprintf("%04d", processId);
-    QStringList lines;
-    if (log.open(QIODevice::ReadOnly))
-        for (const QString& line : QString::fromUtf8(log.readAll()).split("\r\n", Qt::SkipEmptyParts))
-            if (line.mid(20, 4) == id)
-                lines << line.mid(25);
-    return lines;
-}
-
 QMap<QString, QByteArray> snapshot(const QString& root)
 {
     QMap<QString, QByteArray> entries;
@@ -111,14 +104,6 @@ QMap<QString, QByteArray> snapshot(const QString& root)
     return entries;
 }
 
-void writeFile(const QString& path, const QByteArray& contents)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(contents);
-}
-
 void replaceInFile(const QString& path, const QString& from, const QString& to)
 {
     QFile file(path);
@@ -127,7 +112,7 @@ void replaceInFile(const QString& path, const QString& from, const QString& to)
     file.close();
     ASSERT_TRUE(text.contains(from)) << from.toStdString() << " not in " << path.toStdString();
     text.replace(from, to);
-    writeFile(path, text.toUtf8());
+    ASSERT_TRUE(cwtest::writeFile(path, text.toUtf8()));
 }
 
 } // namespace optest

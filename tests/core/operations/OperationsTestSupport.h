@@ -27,10 +27,6 @@
 
 namespace optest {
 
-// The clips of a work folder's CLPR folder as the folder scan finds them,
-// each given its UMID from its metadata (through a take carrying the clip's
-// metadata reference, as the scan fills clips).
-QList<DOClipData> scanClips(const QString& workFolder);
 // The takes of a work folder read the way a folder scan reads them: every
 // CLPR and TAKR entry classified, clips claimed by their takes, the rest
 // single-clip takes, all filled from their metadata; in folder-name order.
@@ -41,27 +37,19 @@ QList<DOTakeData> loadTakes(const QString& workFolder);
 // up to the temporary folder.
 void openTree(const QString& root);
 
-// The messages of the log lines of one process id, without date and time.
-QStringList logLinesOf(const cwtest::ScopedHome& home, int processId);
-
 // Every entry under a folder (links not followed) with what identifies it:
 // a file's contents, a folder's mark, a link's target.
 QMap<QString, QByteArray> snapshot(const QString& root);
 
-void writeFile(const QString& path, const QByteArray& contents);
-using cwtest::readFile;
-using cwtest::settle;
-
-// A dialog as a user answers it: OK with each answer in turn until the
-// controller ends it (a refusal that keeps it open gets the next answer),
-// then Cancel. answer() is the one being tried.
-template <class View, class Ctrl> class AnsweringDialog : public View
+// The copy or move dialog as a user answers it: OK with each destination
+// folder name in turn until the controller ends it (a refusal that keeps it
+// open gets the next name), then Cancel.
+class AnsweringTransferView : public IClipTransferView
 {
 public:
-    explicit AnsweringDialog(QStringList answers) : m_answers(std::move(answers)) {}
-    int runModal(Ctrl* ctrl) override
+    explicit AnsweringTransferView(QStringList answers) : m_answers(std::move(answers)) {}
+    int runModal(IClipTransferCtrl* ctrl) override
     {
-        m_ended = false;
         for (const QString& answer : std::as_const(m_answers)) {
             m_answer = answer;
             ctrl->onOK();
@@ -76,9 +64,11 @@ public:
         m_ended = true;
         m_code = code;
     }
-
-protected:
-    const QString& answer() const { return m_answer; }
+    void setTitle(const QString&) override {}
+    void setMessage(const QString&) override {}
+    void setSource(const QString&) override {}
+    void setDestination(const QString&) override {}
+    QString destination() const override { return m_answer; }
 
 private:
     QStringList m_answers;
@@ -87,19 +77,6 @@ private:
     int m_code = 0;
 };
 
-// The copy or move dialog answered with destination folder names.
-class AnsweringTransferView : public AnsweringDialog<IClipTransferView, IClipTransferCtrl>
-{
-public:
-    using AnsweringDialog::AnsweringDialog;
-    void setTitle(const QString& t) override { title = t; }
-    void setMessage(const QString& m) override { message = m; }
-    void setSource(const QString& s) override { source = s; }
-    void setDestination(const QString& d) override { proposed = d; }
-    QString destination() const override { return answer(); }
-
-    QString title, message, source, proposed;
-};
 // A worker whose pauses (after each folder moved) call `step` with the
 // progress so far.
 template <class Thread> class Paced : public Thread
@@ -122,7 +99,7 @@ void replaceInFile(const QString& path, const QString& from, const QString& to);
 // A test of an operation on takes: a home with an empty "media" folder, the
 // progress dialog shown through `progress`, the messages in `messages` and
 // the folders named by reload notifications in `updates`.
-template <class ProgressView = BLHeadlessProgressView> class OperationTest : public cwtest::HomeTest
+class OperationTest : public cwtest::HomeTest
 {
 protected:
     void SetUp() override
@@ -142,7 +119,7 @@ protected:
         HomeTest::TearDown();
     }
 
-    ProgressView progress;
+    BLHeadlessProgressView progress;
     cwtest::MessageRecorder messages;
     QStringList updates;
 };
