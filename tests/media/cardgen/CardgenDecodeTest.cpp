@@ -17,6 +17,7 @@ struct EssenceCase
     int audioTracks;
     int channelsPerTrack;
     bool interlaced;
+    bool co64 = false; // 64-bit chunk offsets instead of 32-bit ones
 };
 
 void checkEssence(const EssenceCase& c)
@@ -29,6 +30,8 @@ void checkEssence(const EssenceCase& c)
     options.frames = c.frames;
     options.audioTracks = c.audioTracks;
     options.audioChannelsPerTrack = c.channelsPerTrack;
+    if (c.co64)
+        options.damages = {cwtest::damage(cardgen::Damage::Kind::Co64, 1)};
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const cardgen::ManifestTake& take = card.manifest().takes.front();
@@ -77,11 +80,10 @@ void checkEssence(const EssenceCase& c)
 
 TEST(CardgenDecode, FfmpegAgreesWithTheManifestAndReadsEveryCounter)
 {
-    const EssenceCase cases[] = {{"1920x1080", "59.94i", 15, 30, 1, 2, true},
-                                 {"1440x1080", "50i", 12, 24, 2, 1, true},
-                                 {"1280x720", "59.94p", 15, 21, 0, 2, false},
-                                 {"tiny", "23.98p", 9, 12, 4, 2, false},
-                                 {"tiny", "25p", 0, 3, 1, 1, false}};
+    const EssenceCase cases[] = {
+        {"1920x1080", "59.94i", 15, 30, 1, 2, true}, {"1440x1080", "50i", 12, 24, 2, 1, true},
+        {"1280x720", "59.94p", 15, 21, 0, 2, false}, {"tiny", "23.98p", 9, 12, 4, 2, false},
+        {"tiny", "25p", 0, 3, 1, 1, false},          {"tiny", "29.97p", 15, 30, 1, 2, false, true}};
     for (const EssenceCase& c : cases) {
         SCOPED_TRACE(std::string(c.size) + " " + c.rate);
         checkEssence(c);
