@@ -126,7 +126,7 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
             EXPECT_EQ(reader.getUnitCount(), quint64(clip.frames) + 1);
             start += reader.getUnitCount();
             // Each GOP header (one per 3 frames) carries its first frame's time code.
-            const QByteArray mp4 = crosscheck::readFile(clipFile(card, clip, "MP4"));
+            const QByteArray mp4 = cwtest::readFile(clipFile(card, clip, "MP4"));
             qsizetype gop = 0;
             FTCSTRUCT tc;
             for (int frame = 0; frame < clip.frames; ++frame, ++frameOfTake) {

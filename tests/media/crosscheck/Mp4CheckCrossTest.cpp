@@ -96,7 +96,7 @@ TEST(Mp4CheckCrossXml, EmbeddedDocumentIsTheClipsMetadataFile)
     for (const cardgen::ManifestTake& take : card.manifest().takes) {
         const cardgen::ManifestClip& clip = take.clips.front();
         SCOPED_TRACE(clip.name.toStdString());
-        const QByteArray metadata = crosscheck::readFile(clipFile(card, clip, "XML"));
+        const QByteArray metadata = cwtest::readFile(clipFile(card, clip, "XML"));
         ASSERT_FALSE(metadata.isEmpty());
 
         CCreatePPT ppt;

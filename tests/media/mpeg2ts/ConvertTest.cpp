@@ -4,6 +4,7 @@
 #include "media/mpeg2ts/mpeg2ts.h"
 #include "media/viewer/FFmpegUtil.h"
 #include "support/CardFolder.h"
+#include "support/TestEnvironment.h"
 
 #include <QDir>
 #include <QFile>
@@ -132,10 +133,7 @@ Decoded readBack(const std::vector<QString>& files)
 // The payload of the first packet of a PID in a transport stream file.
 QByteArray firstPayload(const QString& file, int pid)
 {
-    QFile f(file);
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray data = f.readAll();
+    const QByteArray data = cwtest::readFile(file);
     for (qsizetype i = 0; i + 188 <= data.size(); i += 188) {
         const auto* p = reinterpret_cast<const uint8_t*>(data.constData() + i);
         if (p[0] == 0x47 && ((p[1] & 0x1F) << 8 | p[2]) == pid)
@@ -214,12 +212,10 @@ protected:
         return paths;
     }
 
-    static cwtest::CardFolder* s_card;
+    static inline cwtest::CardFolder* s_card = nullptr;
     QTemporaryDir m_dir;
     Cancelling m_callback;
 };
-
-cwtest::CardFolder* ConvertTest::s_card = nullptr;
 
 TEST_F(ConvertTest, TakesReadBackAsTheirSource)
 {
@@ -288,24 +284,13 @@ TEST_F(ConvertTest, CancelAndFailuresLeaveNoFile)
     EXPECT_LT(m_callback.seen.back(), 100);
     m_callback.cancelAt = 101;
 
-    QFile::copy(mp4s(take).front(), m_dir.filePath("cut.MP4"));
-    QFile cut(m_dir.filePath("cut.MP4"));
-    cut.resize(cut.size() / 2);
-    const struct
-    {
-        std::vector<QString> inputs;
-        QString output;
-        int error;
-    } cases[] = {
-        {{m_dir.filePath("missing.MP4")}, m_dir.filePath("T.M2T"), MPEG2TS_ERR_READ},
-        {{m_dir.filePath("cut.MP4")}, m_dir.filePath("T.M2T"), MPEG2TS_ERR_READ},
-        {mp4s(take), m_dir.filePath("no/such/folder/T.M2T"), MPEG2TS_ERR_CREATE},
-        {{s_card->path(take.files.front().path)}, m_dir.filePath("T.M2T"), MPEG2TS_ERR_READ},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(convert(c.inputs, c.output, params), MPEG2TS_RESULT_FAILED) << c.output.toStdString();
-        EXPECT_EQ(MPEG2TSGetLastError(), c.error) << c.inputs.front().toStdString();
-    }
+    // A truncated input, and an output folder that does not exist.
+    QByteArray cut = cwtest::readFile(mp4s(take).front());
+    ASSERT_TRUE(cwtest::writeFile(m_dir.filePath("cut.MP4"), cut.left(cut.size() / 2)));
+    EXPECT_EQ(convert({m_dir.filePath("cut.MP4")}, m_dir.filePath("T.M2T"), params), MPEG2TS_RESULT_FAILED);
+    EXPECT_EQ(MPEG2TSGetLastError(), MPEG2TS_ERR_READ);
+    EXPECT_EQ(convert(mp4s(take), m_dir.filePath("no/such/folder/T.M2T"), params), MPEG2TS_RESULT_FAILED);
+    EXPECT_EQ(MPEG2TSGetLastError(), MPEG2TS_ERR_CREATE);
     EXPECT_EQ(QDir(m_dir.path()).entryList({"*.M2T*"}, QDir::Files), QStringList());
 }
 

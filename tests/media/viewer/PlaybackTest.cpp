@@ -24,7 +24,7 @@ std::vector<int64_t> reportedFrames(const std::vector<Message>& messages, size_t
     std::vector<int64_t> frames;
     for (size_t i = from; i < messages.size(); ++i) {
         if (messages[i].id == VM_FRAME_INFO)
-            frames.push_back(messages[i].frame);
+            frames.push_back(messages[i].info.take_frame_no);
     }
     return frames;
 }
@@ -71,10 +71,10 @@ TEST_F(ViewerPlayback, PlaysEveryFrameOnceInOrderAndPausesOnTheLastFrame)
     for (const Message& m : messages) {
         if (m.id != VM_FRAME_INFO)
             continue;
-        EXPECT_EQ(m.clip, m.frame < 30 ? 0 : 1);
-        EXPECT_EQ(m.clipFrame, m.frame % 30);
-        EXPECT_EQ(m.clipFrames, 30);
-        EXPECT_EQ(m.numFrames, 60);
+        EXPECT_EQ(m.info.clip_no, m.info.take_frame_no < 30 ? 0 : 1);
+        EXPECT_EQ(m.info.clip_frame_no, m.info.take_frame_no % 30);
+        EXPECT_EQ(m.info.clip_frames, 30);
+        EXPECT_EQ(m.info.num_frames, 60);
     }
 
     // The pictures are the frames the messages name, at the take's rate.

@@ -81,11 +81,7 @@ constexpr int kEndOfJob = -1;
 struct Message
 {
     int id = 0;
-    int clip = -1;
-    int64_t clipFrame = -1;
-    int64_t frame = -1;
-    int64_t clipFrames = -1;
-    int64_t numFrames = -1;
+    vv_frame_info_t info{}; // of VM_FRAME_INFO
 };
 
 // A picture the frame sink received, with the counter read from its pixels.
@@ -197,15 +193,8 @@ private:
     static void onMessage(vv_viewer_message_t* message, void* context)
     {
         Message m{message->message_id};
-        if (m.id == VM_FRAME_INFO) {
-            const auto* info = static_cast<const vv_frame_info_t*>(message->param);
-            m = {m.id,
-                 info->clip_no,
-                 info->clip_frame_no,
-                 info->take_frame_no,
-                 info->clip_frames,
-                 info->num_frames};
-        }
+        if (m.id == VM_FRAME_INFO)
+            m.info = *static_cast<const vv_frame_info_t*>(message->param);
         static_cast<ViewerSession*>(context)->record(
             [&](ViewerSession& self) { self.m_messages.push_back(m); });
     }
