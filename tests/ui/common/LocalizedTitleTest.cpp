@@ -8,9 +8,6 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPushButton>
 #include <QStandardItemModel>
 #include <QTabWidget>
 #include <QTableWidget>
@@ -20,16 +17,16 @@
 #include <gtest/gtest.h>
 
 // Keys of the real table with their texts: "BTN_STYLE_OK" is "OK",
-// "LOCALIZED_COPY_TITLE" is "Copy Clips", and so on.
+// "LOCALIZED_COPY_TITLE" is "Copy Clips", and so on. Window titles, buttons,
+// labels, group boxes and menus are checked on the real windows by the main
+// window's test; here the other kinds of titles and what must stay.
 TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTree)
 {
     QDialog dialog;
-    dialog.setWindowTitle("LOCALIZED_COPY_TITLE");
     auto* layout = new QVBoxLayout(&dialog);
-    auto* ok = new QPushButton("BTN_STYLE_OK");
     auto* dots = new QCheckBox("...");
     auto* unknown = new QLabel("no entry for this");
-    auto* group = new QGroupBox("LOCALIZED_PREVIEW_STEREO");
+    auto* group = new QGroupBox;
     auto* nested = new QLabel("LOCALIZED_FOLDER_MESSAGE", group); // a grandchild
     auto* combo = new QComboBox;
     combo->addItems({"LOCALIZED_TYPE_KB", "/"});
@@ -44,22 +41,13 @@ TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTre
     QStandardItemModel model(0, 1);
     model.setHorizontalHeaderLabels({"LOCALIZED_MPEG2TSCONVERT_TO_PATH"});
     tree->setModel(&model);
-    auto* bar = new QMenuBar;
-    QMenu* menu = bar->addMenu("LOCALIZED_ALL_COPY_TITLE");
-    QAction* yes = menu->addAction("BTN_STYLE_YES");
-    QMenu* submenu = menu->addMenu("LOCALIZED_FOLDER_CREATE_TITLE");
-    QAction* no = submenu->addAction("BTN_STYLE_NO");
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{ok, dots, unknown, group, combo, edit, tabs, table, tree, bar})
+    for (QWidget* w : std::initializer_list<QWidget*>{dots, unknown, group, combo, edit, tabs, table, tree})
         layout->addWidget(w);
 
     localizedTitleByObject(&dialog);
 
-    EXPECT_EQ(dialog.windowTitle(), "Copy Clips");
-    EXPECT_EQ(ok->text(), "OK");
     EXPECT_EQ(dots->text(), "...");
     EXPECT_EQ(unknown->text(), "no entry for this");
-    EXPECT_EQ(group->title(), "Stereo");
     EXPECT_EQ(nested->text(), "Enter the folder name:");
     EXPECT_EQ(combo->itemText(0) + combo->itemText(1), "KB/");
     EXPECT_EQ(edit->text(), "BTN_STYLE_NO");
@@ -67,12 +55,8 @@ TEST(LocalizedTitleTest, ReplacesTitlesThatHaveADifferentTextAndWalksTheWholeTre
     EXPECT_EQ(tabs->tabText(0), "Rename Folder");
     EXPECT_EQ(table->horizontalHeaderItem(0)->text() + table->horizontalHeaderItem(1)->text(), "Size: x");
     EXPECT_EQ(model.headerData(0, Qt::Horizontal).toString(), "Export to folder:");
-    EXPECT_EQ(menu->title(), "Copy All Clips");
-    EXPECT_EQ(yes->text(), "Yes");
-    EXPECT_EQ(submenu->title(), "New Folder");
-    EXPECT_EQ(no->text(), "No");
 
-    // A lone action or menu can be localised as well.
+    // A lone action can be localised as well.
     QAction action("BTN_STYLE_CANCEL");
     localizedTitleByObject(&action);
     EXPECT_EQ(action.text(), "Cancel");
