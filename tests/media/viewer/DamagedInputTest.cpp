@@ -130,35 +130,3 @@ TEST_F(DamagedInput, DamagedPicturesDecodeAsWellAsTheyCan)
         EXPECT_EQ(pictures.back().counter, counterOf(take(), 29));
     }
 }
-
-TEST_F(DamagedInput, RandomlyFlippedBytesNeverCrash)
-{
-    const QByteArray good = cwtest::readFile(goodMp4());
-    const auto [moovAt, moovSize] = box(good, "moov");
-    ASSERT_GT(moovAt, 0);
-    std::mt19937 random(20240501);
-    ViewerSession viewer(InitParam().set(InitParam::kPlayInfoInterval, "0"));
-    int opened = 0;
-    for (int round = 0; round < 60; ++round) {
-        QByteArray data = good;
-        // Half the rounds hit the index, the others anywhere.
-        const qsizetype from = round % 2 ? moovAt : 0;
-        std::uniform_int_distribution<qsizetype> place(from, data.size() - 1);
-        for (int i = 0; i < 12; ++i)
-            data[place(random)] = char(random());
-        const QString path = m_dir.filePath(QStringLiteral("flip%1.MP4").arg(round));
-        ASSERT_TRUE(cwtest::writeFile(path, data));
-
-        for (const int64_t frame : {0, 14, 29}) {
-            const Thumbnail thumb({path}, frame);
-            EXPECT_TRUE(thumb.rc < VV_OK || thumb.bitmap.width == 160) << thumb.rc;
-        }
-        if (viewer.setTake({path}) == VV_OK) {
-            ++opened;
-            ASSERT_TRUE(viewer.job([] { return vv_show_frame(17, 0); }));
-            ASSERT_TRUE(viewer.job(vv_minus_one_frame));
-            ASSERT_TRUE(viewer.job(vv_last_frame));
-        }
-    }
-    EXPECT_GT(opened, 0);
-}

@@ -1,13 +1,7 @@
-// Thumbnails: the exact frame of a take, the status marks, and BMP files.
+// Thumbnails: the exact frame of a take and the status marks.
 #include "ViewerSession.h"
 
-#include <QDir>
-#include <QImage>
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 using namespace vvtest;
 
@@ -95,33 +89,4 @@ TEST_F(TwoClipTake, StatusMarksAreDrawnOnlyInTheirCorner)
     EXPECT_EQ(pixelAt(error.bitmap, 2, 2)[0], 64);
 
     EXPECT_EQ(Thumbnail(paths(), 0, 6).rc, VV_ERR_PARAM);
-}
-
-// Thumbnails written as BMP files read back through Qt in the cache's tests;
-// here a 32-bit bitmap of odd width, and the refusals.
-TEST_F(TwoClipTake, BitmapFilesAreWrittenWholeOrNotAtAll)
-{
-    QTemporaryDir dir;
-    vv_bitmap_t odd{7, 5, 32, 28, static_cast<uint8_t*>(std::malloc(28 * 5))};
-    for (int i = 0; i < 28 * 5; ++i)
-        odd.pixels[i] = uint8_t(i * 37 + 11);
-    const QString path = dir.filePath(QStringLiteral("odd.bmp"));
-    ASSERT_EQ(vv_bitmap_write(path.toUtf8().constData(), &odd, 1), VV_OK);
-    ASSERT_EQ(cwtest::readFile(path).size(), 54 + 28 * 5);
-    const QImage image(path);
-    ASSERT_EQ(image.size(), QSize(7, 5));
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 7; ++x) {
-            const uint8_t* p = pixelAt(odd, x, y);
-            ASSERT_EQ(image.pixel(x, y) & 0xFFFFFF, qRgb(p[2], p[1], p[0]) & 0xFFFFFF) << x << "," << y;
-        }
-    vv_bitmap_free(&odd);
-
-    // Refusals leave no file behind and keep an existing one.
-    const Thumbnail thumb(paths(), 52);
-    const QByteArray before = cwtest::readFile(path);
-    EXPECT_EQ(vv_bitmap_write(path.toUtf8().constData(), &odd, 1), VV_ERR_PARAM); // freed: empty
-    EXPECT_EQ(vv_bitmap_write(path.toUtf8().constData(), &thumb.bitmap, 0), VV_ERR_WRITE);
-    EXPECT_EQ(cwtest::readFile(path), before);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"odd.bmp"}) << "temporary files were left";
 }

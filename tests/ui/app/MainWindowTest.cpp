@@ -118,21 +118,6 @@ TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultLayoutUnlessADialogIsInF
     EXPECT_LT(at(main).y() + main->height(), at(preview).y());
 }
 
-TEST_F(MainWindowTest, AnAcceptedZoomEndsWithUnlockedDividers)
-{
-    start();
-    window->setMinimumSize(400, 400);
-    const QList<int> before = window->splitView()->sizes();
-    window->showMaximized();
-    ASSERT_TRUE(waitFor([&] { return window->isMaximized() && !ctrl->isZoom(); }));
-    settle();
-    EXPECT_FALSE(window->dividersLocked());
-    EXPECT_TRUE(window->splitView()->handle(1)->isEnabled());
-    // The room gained goes to the panes; the preview keeps its height.
-    EXPECT_EQ(window->splitView()->sizes().value(1), before.value(1));
-    EXPECT_GT(upperSide(), before.value(0));
-}
-
 TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
 {
     start();
