@@ -282,20 +282,3 @@ TEST_F(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
 
     EXPECT_EQ(vv_audio_ch(3), VV_ERR_PARAM);
 }
-
-TEST(ViewerReports, PositionsAreReportedAtTheInterval)
-{
-    const cwtest::CardFolder card(tinyTake(1, 45));
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    ViewerSession viewer; // 100 ms between reports, late pictures dropped
-    ASSERT_EQ(viewer.setTake(mp4Paths(card, onlyTake(card))), VV_OK);
-    ASSERT_TRUE(viewer.runUntil(vv_play));
-    const std::vector<int64_t> frames = reportedFrames(viewer.messages());
-    ASSERT_GE(frames.size(), 3u);
-    EXPECT_EQ(frames.front(), 0);
-    EXPECT_EQ(frames.back(), 44); // the last frame always
-    for (size_t i = 1; i + 1 < frames.size(); ++i)
-        EXPECT_GE(frames[i] - frames[i - 1], 3) << "reports closer than 100 ms";
-    EXPECT_GE(frames.size(), 10u);
-    EXPECT_LE(frames.size(), 16u);
-}

@@ -3,11 +3,8 @@
 #include "core/services/BLCommon.h"
 #include "core/services/BLLocalizedStrings.h"
 #include "core/services/BLPlistCtrl.h"
-#include "core/services/SCNotificationNames.h"
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
-#include "support/UserInput.h"
-#include "ui/app/HouseKeepingSheet.h"
 #include "ui/app/PreferencesDialog.h"
 #include "ui/app/SCMainWindow.h"
 
@@ -116,23 +113,6 @@ TEST_F(MainWindowTest, ResetWindowSizeRestoresTheDefaultLayoutUnlessADialogIsInF
     EXPECT_LT(at(main).x() + main->width(), at(sub1).x());
     EXPECT_EQ(at(main).y(), at(sub1).y());
     EXPECT_LT(at(main).y() + main->height(), at(preview).y());
-}
-
-TEST_F(MainWindowTest, HousekeepingSheetFollowsItsNotificationsOnly)
-{
-    start();
-    HouseKeepingSheet* sheet = window->houseKeepingSheet();
-    EXPECT_FALSE(sheet->isVisible());
-    BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCShowHouseKeepingWindowNotification);
-    ASSERT_TRUE(sheet->isVisible());
-    EXPECT_EQ(sheet->windowModality(), Qt::WindowModal);
-
-    key(sheet, Qt::Key_Escape);
-    settle();
-    EXPECT_TRUE(sheet->isVisible()); // the user cannot dismiss it
-
-    BLCommon::sharedCtrl()->sendNotificationNow(this, SC::SCCloseHouseKeepingWindowNotification);
-    EXPECT_FALSE(sheet->isVisible());
 }
 
 TEST_F(MainWindowTest, EveryTitleOfTheWindowsHasATableEntry)

@@ -119,21 +119,6 @@ TEST_F(TreeViewTest, TheContextMenuCarriesTheCommandsWithTheirTags)
     qputenv("PATH", path);
 }
 
-TEST_F(TreeViewTest, TheDeleteKeyDeletesTheSelectedFolderWhenAllowed)
-{
-    m_tree.selectTreeIndex(2);
-    key(m_view.get(), Qt::Key_Delete);
-    EXPECT_EQ(m_pane.commands, QList<int>{MENU_ITEM_ID_DELETE});
-    m_tree.selectTreeIndex(-1); // nothing to delete
-    key(m_view.get(), Qt::Key_Delete);
-    EXPECT_EQ(m_pane.commands.size(), 1);
-
-    // Other keys still move the selection.
-    m_tree.selectTreeIndex(1);
-    key(m_view.get(), Qt::Key_Down);
-    EXPECT_EQ(m_pane.selectFolder, m_work + "/b");
-}
-
 TEST_F(TreeViewTest, ARightClickFocusesTheListAndSelectsTheRowBeforeTheMenu)
 {
     QWidget window;
