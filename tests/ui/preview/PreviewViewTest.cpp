@@ -159,7 +159,7 @@ TEST_F(PreviewViewTest, ThePictureShowsTheDeliveredFrameInItsAspectAndTheControl
     EXPECT_FALSE(view->timeSlider()->isEnabled());
 }
 
-TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeavesIt)
+TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeLeavesIt)
 {
     pauseInATake();
     view->buttonBar()->button(BLPreviewButtonCtrl::kLastFrame)->click();
@@ -182,14 +182,4 @@ TEST_F(PreviewViewTest, FullScreenOpensOnADoubleClickAndEscapeOrADoubleClickLeav
     EXPECT_FALSE(fullScreen->isVisible());
     EXPECT_EQ(shown, counterOf(manifestTake(), 28));
     ASSERT_TRUE(waitForPicture(view->openGLView(), 28));
-
-    // From the menu, left by a double click.
-    opened = false;
-    QTimer::singleShot(200, [&] {
-        opened = fullScreen->isVisible();
-        cwtest::doubleClick(fullScreen, fullScreen->rect().center());
-    });
-    ctrl->selectMenuItem(MENU_ITEM_ID_PREVIEW_FULL_SCREEN);
-    EXPECT_TRUE(opened);
-    EXPECT_FALSE(fullScreen->isVisible());
 }
