@@ -14,8 +14,6 @@
 #include <gtest/gtest.h>
 #include <xxhash.h>
 
-#include <atomic>
-
 namespace {
 
 struct Decoded

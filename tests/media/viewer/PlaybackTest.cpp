@@ -238,7 +238,7 @@ TEST_F(ViewerPlayback, PauseFastForwardRewindAndStop)
     EXPECT_EQ(viewer.messages().back().id, VM_EXITED);
 }
 
-TEST_F(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
+TEST_F(ViewerPlayback, SoundIsTheClockAndAPauseEmptiesTheDevice)
 {
     ViewerSession viewer(everyFrame(), true);
     ASSERT_EQ(viewer.setTake(paths()), VV_OK);
@@ -279,6 +279,4 @@ TEST_F(ViewerPlayback, SoundIsTheClockAndFollowsTheChannelChoice)
     const size_t given = device.samples().size();
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     EXPECT_EQ(device.samples().size(), given);
-
-    EXPECT_EQ(vv_audio_ch(3), VV_ERR_PARAM);
 }

@@ -113,14 +113,16 @@ protected:
         close();
         HomeTest::TearDown();
     }
-    // Answers the next modal dialog of that kind once it is up.
-    template <class Dialog> static void answerDialog(const std::function<void(Dialog*)>& answer)
+    // Answers the next transfer dialog once it is up, keeping its name and folders.
+    static void answerTransfer(bool accept, QString* shown)
     {
-        QTimer::singleShot(20, [answer] {
-            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget()))
-                answer(dialog);
-            else
-                answerDialog<Dialog>(answer);
+        QTimer::singleShot(20, [=] {
+            auto* dialog = qobject_cast<ClipTransferDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return answerTransfer(accept, shown);
+            *shown = dialog->objectName() + ": " + dialog->sourceField()->text() + " -> " +
+                     dialog->destinationField()->text();
+            accept ? dialog->accept() : dialog->reject();
         });
     }
 
@@ -565,15 +567,8 @@ TEST_F(MediaPanesTest, DropsAndCutAndPasteCopyOrMoveTakesToTheOtherPane)
         QApplication::sendEvent(viewport, &dropped);
         return dropped.isAccepted() ? dropped.dropAction() : Qt::IgnoreAction;
     };
-    // The dialog of the transfer, confirmed or not; its name and folders are kept.
     QString shown;
-    const auto answer = [&](bool accept) {
-        answerDialog<ClipTransferDialog>([&shown, accept](ClipTransferDialog* dialog) {
-            shown = dialog->objectName() + ": " + dialog->sourceField()->text() + " -> " +
-                    dialog->destinationField()->text();
-            accept ? dialog->accept() : dialog->reject();
-        });
-    };
+    const auto answer = [&](bool accept) { answerTransfer(accept, &shown); };
     // Without Shift the takes are copied: once confirmed the other pane shows them.
     answer(true);
     EXPECT_EQ(drop(1, Qt::NoModifier), Qt::CopyAction);

@@ -6,14 +6,10 @@
 #include "ui/panes/SCTreeView.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
 #include <QMenu>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -110,35 +106,6 @@ TEST_F(TreeViewTest, TheContextMenuCarriesTheCommandsWithTheirTags)
     EXPECT_EQ(openWith("exit 3\n"), (m_work + "/a").toUtf8());
     EXPECT_EQ(messages.keys(), QStringList{"MSG_632_3302"});
     qputenv("PATH", path);
-}
-
-TEST_F(TreeViewTest, ARightClickFocusesTheListAndSelectsTheRowBeforeTheMenu)
-{
-    QWidget window;
-    auto* field = new QLineEdit(&window);
-    auto* view = new SCTreeView(&m_tree, &window);
-    view->setGeometry(0, 40, 240, 200);
-    window.resize(240, 240);
-    window.show();
-    field->setFocus();
-    ASSERT_EQ(window.focusWidget(), field);
-
-    QWidget* viewport = view->viewport();
-    const QPoint at = view->visualRect(m_tree.index(1)).center();
-    click(viewport, at, Qt::NoModifier, Qt::RightButton);
-    EXPECT_EQ(m_pane.selectFolder, m_work + "/a");
-
-    bool menuShown = false;
-    QTimer::singleShot(0, [&] {
-        if (QWidget* popup = QApplication::activePopupWidget()) {
-            menuShown = qobject_cast<QMenu*>(popup) != nullptr;
-            popup->close();
-        }
-    });
-    QContextMenuEvent event(QContextMenuEvent::Mouse, at, viewport->mapToGlobal(at));
-    QApplication::sendEvent(viewport, &event);
-    EXPECT_TRUE(menuShown);
-    EXPECT_EQ(window.focusWidget(), view);
 }
 
 } // namespace
