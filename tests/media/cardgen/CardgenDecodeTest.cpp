@@ -17,6 +17,7 @@ struct EssenceCase
     int audioTracks;
     int channelsPerTrack;
     bool interlaced;
+    bool co64 = false; // 64-bit chunk offsets instead of 32-bit ones
 };
 
 void checkEssence(const EssenceCase& c)
@@ -29,13 +30,15 @@ void checkEssence(const EssenceCase& c)
     options.frames = c.frames;
     options.audioTracks = c.audioTracks;
     options.audioChannelsPerTrack = c.channelsPerTrack;
+    if (c.co64)
+        options.damages = {cwtest::damage(cardgen::Damage::Kind::Co64, 1)};
     const cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const cardgen::ManifestTake& take = card.manifest().takes.front();
     const cardgen::ManifestClip& clip = take.clips.front();
     ASSERT_EQ(clip.files.front().kind, "MP4");
 
-    const FfmpegProbe probe = FfmpegProbe::run(card.path(clip.files.front().path), clip.counterClip);
+    const FfmpegProbe probe = FfmpegProbe::run(card.path(clip.files.front().path));
     ASSERT_TRUE(probe.opened);
     EXPECT_EQ(probe.videoCodec, "mpeg2video");
     EXPECT_EQ(probe.width, take.width);
@@ -47,16 +50,9 @@ void checkEssence(const EssenceCase& c)
 
     // Presentation order: the i-th picture out of the decoder shows frame i,
     // including the B pictures shown before each GOP's intra picture.
-    const bool small = take.width < 1280;
-    for (int i = 0; i < probe.decodedFrames; ++i) {
-        const cardgen::FrameCounterValue expected{clip.counterClip, i};
-        EXPECT_EQ(probe.counters[size_t(i)][0], expected) << "frame " << i;
-        EXPECT_EQ(probe.counters[size_t(i)][1], expected) << "frame " << i << " at half size";
-        if (!small) {
-            EXPECT_EQ(probe.counters[size_t(i)][2], expected) << "frame " << i << " at quarter size";
-        }
-        EXPECT_LT(probe.lumaError[size_t(i)], 4.0) << "frame " << i << " is not the drawn picture";
-    }
+    for (int i = 0; i < probe.decodedFrames; ++i)
+        EXPECT_EQ(probe.counters[size_t(i)], (cardgen::FrameCounterValue{clip.counterClip, i}))
+            << "frame " << i;
 
     // One PCM track per option, 48 kHz 16-bit, a tone of n kHz on channel n.
     ASSERT_EQ(int(probe.audio.size()), c.audioTracks);
@@ -72,16 +68,14 @@ void checkEssence(const EssenceCase& c)
             EXPECT_NEAR(double(crossings), 2000.0 * channel * seconds, 2.0) << "channel " << channel;
         }
     }
-    EXPECT_EQ(take.audioChannels, c.audioTracks * c.channelsPerTrack);
 }
 
 TEST(CardgenDecode, FfmpegAgreesWithTheManifestAndReadsEveryCounter)
 {
-    const EssenceCase cases[] = {{"1920x1080", "59.94i", 15, 30, 1, 2, true},
-                                 {"1440x1080", "50i", 12, 24, 2, 1, true},
-                                 {"1280x720", "59.94p", 15, 21, 0, 2, false},
-                                 {"tiny", "23.98p", 9, 12, 4, 2, false},
-                                 {"tiny", "25p", 0, 3, 1, 1, false}};
+    const EssenceCase cases[] = {
+        {"1920x1080", "59.94i", 15, 30, 1, 2, true}, {"1440x1080", "50i", 12, 24, 2, 1, true},
+        {"1280x720", "59.94p", 15, 21, 0, 2, false}, {"tiny", "23.98p", 9, 12, 4, 2, false},
+        {"tiny", "25p", 0, 3, 1, 1, false},          {"tiny", "29.97p", 15, 30, 1, 2, false, true}};
     for (const EssenceCase& c : cases) {
         SCOPED_TRACE(std::string(c.size) + " " + c.rate);
         checkEssence(c);

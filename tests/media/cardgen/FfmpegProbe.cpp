@@ -2,45 +2,7 @@
 
 #include "media/viewer/FFmpegUtil.h"
 
-extern "C" {
-#include <libswscale/swscale.h>
-}
-
-#include <cstdlib>
-
-namespace {
-
-// Scales a decoded picture to gray at 1/divisor of its size and reads the counter.
-std::optional<cardgen::FrameCounterValue> readScaled(const AVFrame* frame, int divisor)
-{
-    const int w = frame->width / divisor;
-    const int h = frame->height / divisor;
-    const vv::SwsPtr sws(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), w, h,
-                                        AV_PIX_FMT_GRAY8, SWS_BILINEAR, nullptr, nullptr, nullptr));
-    std::vector<uint8_t> gray(size_t(w) * h);
-    uint8_t* dst[4] = {gray.data(), nullptr, nullptr, nullptr};
-    int dstStride[4] = {w, 0, 0, 0};
-    sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, dst, dstStride);
-    return cardgen::FrameCounter::read(gray.data(), w, w, h);
-}
-
-double meanLumaError(const AVFrame* frame, int counterClip, int index)
-{
-    std::vector<uint8_t> expected(size_t(frame->width) * frame->height);
-    cardgen::FrameCounter::draw(expected.data(), frame->width, frame->width, frame->height, counterClip,
-                                index);
-    long long sum = 0;
-    for (int y = 0; y < frame->height; ++y) {
-        for (int x = 0; x < frame->width; ++x)
-            sum += std::abs(int(frame->data[0][size_t(y) * frame->linesize[0] + x]) -
-                            int(expected[size_t(y) * frame->width + x]));
-    }
-    return double(sum) / (double(frame->width) * frame->height);
-}
-
-} // namespace
-
-FfmpegProbe FfmpegProbe::run(const QString& path, int counterClip)
+FfmpegProbe FfmpegProbe::run(const QString& path)
 {
     FfmpegProbe probe;
     AVFormatContext* opened = nullptr;
@@ -83,11 +45,10 @@ FfmpegProbe FfmpegProbe::run(const QString& path, int counterClip)
     const vv::FramePtr frame = vv::makeFrame();
     auto receive = [&]() {
         while (avcodec_receive_frame(ctx.get(), frame.get()) == 0) {
-            const int index = probe.decodedFrames++;
+            ++probe.decodedFrames;
             probe.interlacedFrames += frame->interlaced_frame ? 1 : 0;
             probe.counters.push_back(
-                {readScaled(frame.get(), 1), readScaled(frame.get(), 2), readScaled(frame.get(), 4)});
-            probe.lumaError.push_back(meanLumaError(frame.get(), counterClip, index));
+                cardgen::FrameCounter::read(frame->data[0], frame->linesize[0], frame->width, frame->height));
             av_frame_unref(frame.get());
         }
     };

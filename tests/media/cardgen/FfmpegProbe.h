@@ -4,12 +4,11 @@
 
 #include <QString>
 
-#include <array>
 #include <optional>
 #include <vector>
 
-// What FFmpeg (libavformat + libavcodec + libswscale), an independent reader,
-// makes of a cardgen MP4 file.
+// What FFmpeg (libavformat + libavcodec), an independent reader, makes of a
+// cardgen MP4 file.
 struct FfmpegProbe
 {
     bool opened = false;
@@ -21,10 +20,8 @@ struct FfmpegProbe
     long long streamFrames = 0; // frame count the container announces
     int decodedFrames = 0;
     int interlacedFrames = 0;
-    // Per decoded frame, in output order: the counter read at full, half and
-    // quarter size, and the mean difference of the luma to the drawn picture.
-    std::vector<std::array<std::optional<cardgen::FrameCounterValue>, 3>> counters;
-    std::vector<double> lumaError;
+    // Per decoded frame, in output order: the counter read from its luma.
+    std::vector<std::optional<cardgen::FrameCounterValue>> counters;
 
     struct Audio
     {
@@ -36,5 +33,5 @@ struct FfmpegProbe
     };
     std::vector<Audio> audio;
 
-    static FfmpegProbe run(const QString& path, int counterClip);
+    static FfmpegProbe run(const QString& path);
 };

@@ -1,6 +1,5 @@
-// cardgen's real-time metadata files through CReadRtMeta, and the GOP headers
-// of its MP4 files: one time code per frame, counted here independently from
-// the manifest's start time code.
+// cardgen's real-time metadata files through CReadRtMeta: one time code per
+// frame, counted here independently from the manifest's start time code.
 #include "CrossCheckSupport.h"
 
 #include "core/formats/metadata/CReadRtMeta.h"
@@ -63,15 +62,6 @@ Tc decode(const FTCSTRUCT& t)
     return {bcd(t.hours, 2), bcd(t.minutes, 3), bcd(t.seconds, 3), bcd(t.frames, 2), (t.frames & 0x40) != 0};
 }
 
-// The time code of a GOP header: drop flag, hours, minutes, marker, seconds, frames.
-Tc gopTimeCode(const QByteArray& mp4, qsizetype at)
-{
-    const auto bits = quint32(quint8(mp4[at])) << 24 | quint32(quint8(mp4[at + 1])) << 16 |
-                      quint32(quint8(mp4[at + 2])) << 8 | quint8(mp4[at + 3]);
-    return {int(bits >> 26 & 0x1F), int(bits >> 20 & 0x3F), int(bits >> 13 & 0x3F), int(bits >> 7 & 0x3F),
-            (bits >> 31) != 0};
-}
-
 } // namespace
 
 TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
@@ -90,10 +80,8 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
         {"59.94i", "00:00:59:20", false, 30, 30, 1}, // over a dropped minute boundary
         {"59.94i", "00:09:59:25", true, 12, 30, 1},  // non-drop: nothing is left out
         {"29.97p", "00:19:59:28", false, 6, 30, 1},  // a tenth minute drops nothing
-        {"59.94p", "00:00:59:28", false, 12, 30, 2},
-        {"23.98p", "01:00:00:00", false, 30, 24, 1},
-        {"25p", "23:59:59:20", false, 12, 25, 1}, // past midnight
-        {"50p", "10:00:00:00", false, 12, 25, 2},
+        {"59.94p", "00:00:59:28", false, 12, 30, 2},   {"23.98p", "01:00:00:00", false, 30, 24, 1},
+        {"25p", "23:59:59:20", false, 12, 25, 1},      // past midnight
         {"59.94i", "00:00:59:25", false, 9, 30, 1, 3}, // the clips of a take continue the time code
     };
     for (const Case& c : cases) {
@@ -120,14 +108,9 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
             CReadRtMeta& reader = *readers.emplace_back(std::make_unique<CReadRtMeta>());
             ASSERT_TRUE(reader.blReadBIM(local(clipFile(card, clip, "BIM")).constData(), start))
                 << reader.getLastError();
-            EXPECT_EQ(reader.getLastError(), nullptr);
-            ASSERT_TRUE(reader.isOpen());
             EXPECT_EQ(reader.getStartPosition(), start);
             EXPECT_EQ(reader.getUnitCount(), quint64(clip.frames) + 1);
             start += reader.getUnitCount();
-            // Each GOP header (one per 3 frames) carries its first frame's time code.
-            const QByteArray mp4 = crosscheck::readFile(clipFile(card, clip, "MP4"));
-            qsizetype gop = 0;
             FTCSTRUCT tc;
             for (int frame = 0; frame < clip.frames; ++frame, ++frameOfTake) {
                 if (frameOfTake > 0 && frameOfTake % c.perTimecode == 0)
@@ -135,11 +118,6 @@ TEST(BimCross, ReaderGivesEveryFrameItsTimeCode)
                 ASSERT_TRUE(reader.GetTimeCode(frame, &tc)) << frame;
                 EXPECT_EQ(display(decode(tc)), display(expected))
                     << clip.name.toStdString() << " frame " << frame;
-                if (frame % 3 == 0 && c.perTimecode == 1) {
-                    gop = mp4.indexOf(QByteArray("\x00\x00\x01\xB8", 4), gop) + 4;
-                    ASSERT_GT(gop, 4) << "frame " << frame;
-                    EXPECT_EQ(display(gopTimeCode(mp4, gop)), display(expected)) << "GOP of frame " << frame;
-                }
             }
             EXPECT_EQ(display(decode(tc)), clip.lastTimecode);
             EXPECT_FALSE(reader.GetTimeCode(clip.frames, &tc));

@@ -5,6 +5,7 @@
 // the other.
 #include "support/CardFolder.h"
 #include "support/QtPrinters.h"
+#include "support/TestEnvironment.h"
 
 #include <QFile>
 
@@ -36,12 +37,6 @@ inline QString clipFile(const cwtest::CardFolder& card, const cardgen::ManifestC
 inline QByteArray local(const QString& path)
 {
     return QFile::encodeName(path);
-}
-
-inline QByteArray readFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 } // namespace crosscheck

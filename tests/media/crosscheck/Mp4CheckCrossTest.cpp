@@ -85,38 +85,3 @@ TEST(Mp4CheckCross, WhatTheImportLearnsOfAFileIsWhatTheCameraWroteIntoItsMetadat
         BLBIMCtrl::releaseCtrl();
     }
 }
-
-TEST(Mp4CheckCrossXml, EmbeddedDocumentIsTheClipsMetadataFile)
-{
-    cardgen::Options o = crosscheck::oneClipCard("tiny", "59.94i");
-    o.clips = 2;
-    o.embedXml = true;
-    const cwtest::CardFolder card(o);
-    ASSERT_TRUE(card.ok()) << card.error().toStdString();
-    for (const cardgen::ManifestTake& take : card.manifest().takes) {
-        const cardgen::ManifestClip& clip = take.clips.front();
-        SCOPED_TRACE(clip.name.toStdString());
-        const QByteArray metadata = crosscheck::readFile(clipFile(card, clip, "XML"));
-        ASSERT_FALSE(metadata.isEmpty());
-
-        CCreatePPT ppt;
-        const char* xml = nullptr;
-        int length = 0;
-        ASSERT_EQ(ppt.blCheckMP4(local(clipFile(card, clip, "MP4")).constData(), xml, length), 1);
-        ASSERT_NE(xml, nullptr) << ppt.getErrorText();
-        EXPECT_EQ(QString::fromUtf8(xml, length), QString::fromUtf8(metadata));
-        ppt.CloseCheckMP4();
-
-        BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
-        ASSERT_TRUE(bim->checkNonMetaExist(clipFile(card, clip, "MP4")));
-        EXPECT_EQ(QString::fromUtf8(bim->getNonMetaData()), QString::fromUtf8(metadata));
-        BLBIMCtrl::releaseCtrl();
-    }
-
-    // Without embedding there is no document.
-    const cwtest::CardFolder plain(crosscheck::oneClipCard("tiny", "59.94i"));
-    ASSERT_TRUE(plain.ok());
-    EXPECT_FALSE(BLBIMCtrl::sharedCtrl()->checkNonMetaExist(
-        clipFile(plain, plain.manifest().takes.front().clips.front(), "MP4")));
-    BLBIMCtrl::releaseCtrl();
-}

@@ -4,9 +4,11 @@
 #include "media/viewer/vv.h"
 #include "support/CardFolder.h"
 #include "support/SimulatedAudioDevice.h"
+#include "support/TestEnvironment.h"
 
-#include <QFile>
 #include <QString>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
@@ -79,11 +81,7 @@ constexpr int kEndOfJob = -1;
 struct Message
 {
     int id = 0;
-    int clip = -1;
-    int64_t clipFrame = -1;
-    int64_t frame = -1;
-    int64_t clipFrames = -1;
-    int64_t numFrames = -1;
+    vv_frame_info_t info{}; // of VM_FRAME_INFO
 };
 
 // A picture the frame sink received, with the counter read from its pixels.
@@ -99,8 +97,8 @@ struct Picture
     int64_t heard = -1; // sample frames the device had played by then (sessions with sound)
 };
 
-// A started library (vv_init ... vv_exit) recording its messages, pictures,
-// sound and end-of-job calls for the test to wait on.
+// A started library (vv_init ... vv_exit) recording its messages, pictures
+// and end-of-job calls for the test to wait on.
 class ViewerSession : public IVVDemuxCallBacker
 {
 public:
@@ -122,14 +120,12 @@ public:
     {
         vv_exit();
         vv_set_demux_callbacker(nullptr);
-        for (vv_typical_picture_t& typical : m_typical)
-            vv_bitmap_free(&typical.bitmap);
     }
 
     int initResult() const { return m_initResult; }
     void EndOfJob() override
     {
-        record([](auto& self) { self.m_messages.push_back({kEndOfJob}); });
+        record([](ViewerSession& self) { self.m_messages.push_back({kEndOfJob}); });
     }
 
     int setTake(const std::vector<QString>& paths, vv_av_info_t* info = nullptr)
@@ -148,13 +144,6 @@ public:
     {
         std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return done(m_pictures); });
-    }
-    bool waitForMessage(int id)
-    {
-        return waitFor([&](const std::vector<Message>& messages) {
-            return std::any_of(messages.begin(), messages.end(),
-                               [&](const Message& m) { return m.id == id; });
-        });
     }
     // Runs a request and waits for the state given (by default the pause at
     // the take's end) followed by an end-of-job call; with state 0, for the
@@ -193,11 +182,6 @@ public:
         m_pictures.clear();
     }
     cwtest::SimulatedAudioDevice& audio() { return m_audio; }
-    std::vector<vv_typical_picture_t> typicalPictures()
-    {
-        std::lock_guard lock(m_mutex);
-        return m_typical;
-    }
 
 private:
     template <typename F> void record(F f)
@@ -209,27 +193,15 @@ private:
     static void onMessage(vv_viewer_message_t* message, void* context)
     {
         Message m{message->message_id};
-        if (m.id == VM_FRAME_INFO) {
-            const auto* info = static_cast<const vv_frame_info_t*>(message->param);
-            m = {m.id,
-                 info->clip_no,
-                 info->clip_frame_no,
-                 info->take_frame_no,
-                 info->clip_frames,
-                 info->num_frames};
-        }
-        static_cast<ViewerSession*>(context)->record([&](ViewerSession& self) {
-            if (m.id == VM_TYPICAL_PICTURE) {
-                self.m_typical.push_back(*static_cast<const vv_typical_picture_t*>(message->param));
-                m.frame = self.m_typical.back().frame_no;
-            }
-            self.m_messages.push_back(m);
-        });
+        if (m.id == VM_FRAME_INFO)
+            m.info = *static_cast<const vv_frame_info_t*>(message->param);
+        static_cast<ViewerSession*>(context)->record(
+            [&](ViewerSession& self) { self.m_messages.push_back(m); });
     }
     static void onFrame(void* context, const vv_frame_t* frame)
     {
         auto* self = static_cast<ViewerSession*>(context);
-        Picture p{
+        const Picture p{
             frame->frame_no,
             frame->clip_no,
             frame->clip_frame_no,
@@ -245,7 +217,6 @@ private:
     std::condition_variable m_changed;
     std::vector<Message> m_messages;
     std::vector<Picture> m_pictures;
-    std::vector<vv_typical_picture_t> m_typical;
     cwtest::SimulatedAudioDevice m_audio;
     bool m_withAudio = false;
     int m_initResult = VV_ERR_STATE;
@@ -291,17 +262,20 @@ inline cardgen::FrameCounterValue counterOf(const cardgen::ManifestTake& take, i
     return {};
 }
 
-inline std::optional<cardgen::FrameCounterValue> readCounter(const vv_bitmap_t& bitmap)
+// A take of two clips of 30 frames, GOPs of 15 (intra pictures at 2 and
+// 17), made once for the run; the tests only read it.
+class TwoClipTake : public ::testing::Test
 {
-    return cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
-                                             bitmap.bits_per_pixel / 8);
-}
-
-inline QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+protected:
+    static const cwtest::CardFolder& card()
+    {
+        static const cwtest::CardFolder folder(tinyTake(2, 30));
+        return folder;
+    }
+    void SetUp() override { ASSERT_TRUE(card().ok()) << card().error().toStdString(); }
+    static const cardgen::ManifestTake& take() { return onlyTake(card()); }
+    static std::vector<QString> paths() { return mp4Paths(card(), take()); }
+};
 
 // A thumbnail of the library (vv_get_thumbnail), freed with it.
 struct Thumbnail
@@ -317,7 +291,11 @@ struct Thumbnail
     Thumbnail(const Thumbnail&) = delete;
     Thumbnail& operator=(const Thumbnail&) = delete;
     ~Thumbnail() { vv_bitmap_free(&bitmap); }
-    std::optional<cardgen::FrameCounterValue> counter() const { return readCounter(bitmap); }
+    std::optional<cardgen::FrameCounterValue> counter() const
+    {
+        return cardgen::FrameCounter::readPacked(bitmap.pixels, bitmap.stride, bitmap.width, bitmap.height,
+                                                 bitmap.bits_per_pixel / 8);
+    }
 };
 
 } // namespace vvtest

@@ -32,17 +32,10 @@ TEST_F(ClipDialogsTest, SearchListsTheHitAndADoubleClickChoosesItThePropertyDial
         search.searchButton()->click();
         EXPECT_FALSE(search.closeButton()->isEnabled());
         EXPECT_TRUE(search.cancelButton()->isEnabled());
-        auto* poll = new QTimer(&search);
-        QObject::connect(poll, &QTimer::timeout, &search, [&, poll] {
-            if (ctrl.isSearching())
-                return;
-            poll->stop();
-            ASSERT_EQ(search.tableView()->model()->rowCount(), 1);
-            const QModelIndex row = search.tableView()->model()->index(0, 1);
-            search.tableView()->selectRow(0);
-            emit search.tableView()->doubleClicked(row);
-        });
-        poll->start(20);
+        ASSERT_TRUE(cwtest::waitFor([&] { return !ctrl.isSearching(); }));
+        ASSERT_EQ(search.tableView()->model()->rowCount(), 1);
+        search.tableView()->selectRow(0);
+        emit search.tableView()->doubleClicked(search.tableView()->model()->index(0, 1));
     });
     QString umid, path;
     ASSERT_TRUE(ctrl.showModal(&umid, &path));

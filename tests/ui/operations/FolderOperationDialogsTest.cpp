@@ -1,7 +1,6 @@
-// The dialogs of Divide Folder and Combine Folders driven as a user would.
+// The Combine Folders dialog driven as a user would.
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/operations/BLFolderCombineCtrl.h"
-#include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/services/BLHeadlessProgressView.h"
 #include "core/services/BLProgressCtrl.h"
 #include "support/CardFolder.h"
@@ -9,10 +8,8 @@
 #include "support/TestEnvironment.h"
 #include "support/UserInput.h"
 #include "ui/operations/FolderCombineDialog.h"
-#include "ui/operations/FolderDivisionDialog.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFileInfo>
 #include <QPushButton>
 #include <QTableWidget>
@@ -20,32 +17,6 @@
 #include <gtest/gtest.h>
 
 using namespace cwtest;
-
-// Ten and more capacities, the tenth chosen; a refused capacity and one the
-// folder already fits keep the dialog open.
-TEST(FolderOperationDialogsTest, DivisionDialogOffersCapacitiesAndKeepsRefusalsOpen)
-{
-    ScopedHome home;
-    MessageRecorder messages;
-    const CardFolder card(CardFolder::fast(2));
-    ASSERT_TRUE(card.ok());
-    FolderDivisionDialog dialog;
-    BLFolderDivisionCtrl ctrl(&dialog, BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()),
-                              card.workFolder(), nullptr);
-    whenShown(&dialog, [&] {
-        EXPECT_GE(dialog.sizeField()->count(), 10);
-        EXPECT_EQ(dialog.sizeField()->currentIndex(), 9);
-        EXPECT_TRUE(dialog.sizeField()->isEditable());
-        for (const char* text : {"3.5", "4"}) {
-            dialog.sizeField()->setEditText(text);
-            dialogButton(&dialog, QDialogButtonBox::Ok)->click();
-            EXPECT_TRUE(dialog.isVisible()) << text;
-        }
-        dialogButton(&dialog, QDialogButtonBox::Cancel)->click();
-    });
-    EXPECT_FALSE(ctrl.showModal());
-    EXPECT_EQ(messages.keys(), QStringList({"MSG_653_3135", "MSG_653_3178"}));
-}
 
 // Start is enabled once a folder is ticked; the ticked folder's takes move
 // and, with the switch on, the emptied folder goes.
