@@ -1,10 +1,15 @@
 // clipwright-cli copy on generated cards: what it copies and reports, and what
-// a real write failure leaves (nothing of the copy). What arrives, byte for
-// byte, is checked by the copy controller's tests.
+// a cancel by signal and a real write failure leave (nothing of the copy).
+// What arrives, byte for byte, is checked by the copy controller's tests.
 #include "CliTestSupport.h"
 
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/services/BLLocalizedStrings.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <csignal>
 
 using namespace clitest;
 using CopyCommandTest = CliTest;
@@ -37,6 +42,38 @@ TEST_F(CopyCommandTest, CopiesACardAndReportsWhatItCopied)
 // No file may grow past 64 KiB in the copying process: write fails with EFBIG
 // in the middle of the first real-time metadata file. A new folder goes; a
 // card that held takes stays as it was.
+TEST_F(CopyCommandTest, ASignalCancelsAndLeavesNothingOfTheCopy)
+{
+    cardgen::Options options = cwtest::CardFolder::fast(12);
+    options.size = "1920x1080";
+    options.frames = 90;
+    options.quantizer = 2;
+    cwtest::CardFolder card(options);
+    ASSERT_TRUE(card.ok()) << card.error().toStdString();
+    const QMap<QString, QByteArray> source = files(card.workFolder());
+    const QString destination = home().path("media/Copy");
+
+    // The process is stopped as soon as its first file arrives, so the signal
+    // surely comes while it copies.
+    QProcess p;
+    p.start(kCli, {"copy", card.workFolder(), destination});
+    ASSERT_TRUE(p.waitForStarted());
+    const QString first = destination + "/BPAV/CLPR/ABC0001/ABC0001M01.XML";
+    QElapsedTimer timer;
+    timer.start();
+    while (!QFileInfo::exists(first) && timer.elapsed() < 30000 && p.state() == QProcess::Running)
+        QThread::usleep(200);
+    const pid_t pid = pid_t(p.processId());
+    ASSERT_EQ(::kill(pid, SIGSTOP), 0);
+    ::kill(pid, SIGINT);
+    ::kill(pid, SIGCONT);
+    const CliRun run = finish(p);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains("cancelled")) << run.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(destination));
+    EXPECT_EQ(files(card.workFolder()), source);
+}
+
 TEST_F(CopyCommandTest, AWriteFailureRollsBackWithItsMessage)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(3));

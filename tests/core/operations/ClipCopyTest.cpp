@@ -1,13 +1,32 @@
-// Copying takes between work folders on generated cards: what arrives and
-// what the checks of OK refuse. What a failure or a cancel leaves (nothing of
-// the copy; both take one way back) is checked by the copy command's test.
+// Copying takes between work folders on generated cards: what arrives, what
+// the checks of OK refuse, and what a cancel leaves (nothing), with the
+// progress the dialog shows. A write failure is checked by the copy command's test.
 #include "OperationsTestSupport.h"
+#include "core/card/BLCardPath.h"
 #include "core/card/BLHouseKeepingCtrl.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/operations/BLClipCopyCtrl.h"
 #include "core/services/BLCommon.h"
 
+#include <QTimer>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
+
+class WatchingProgressView : public BLHeadlessProgressView
+{
+public:
+    void setDeterminate(double value, double min, double max) override
+    {
+        BLHeadlessProgressView::setDeterminate(value, min, max);
+        values << value;
+        maxima << max;
+    }
+    QList<double> values, maxima;
+};
 
 // Every entry under a folder with its size, time stamp and contents.
 QMap<QString, QByteArray> footprint(const QString& root)
@@ -69,11 +88,15 @@ TEST_F(ClipCopyTest, ACardCopiedIntoANewFolderArrivesWholeAndTheSourceIsUntouche
 {
     cardgen::Options options = cwtest::CardFolder::fast(3, {2});
     options.spanningClips = 2;
+    options.size = "1440x1080";
+    options.frames = 30;
     cwtest::CardFolder card(options);
     ASSERT_TRUE(card.ok()) << card.error().toStdString();
     const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
     const QMap<QString, QByteArray> before = footprint(card.workFolder());
     const QString destination = home().path("media/Copy");
+    WatchingProgressView watching;
+    BLProgressCtrl::sharedCtrl()->setView(&watching);
     ASSERT_TRUE(copy(record(card.workFolder(), copyable(takes), destination), {"Copy"}));
     EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
     EXPECT_EQ(footprint(card.workFolder()), before);
@@ -87,9 +110,107 @@ TEST_F(ClipCopyTest, ACardCopiedIntoANewFolderArrivesWholeAndTheSourceIsUntouche
             EXPECT_EQ(copied.value(it.key()), it.value()) << it.key().toStdString();
         }
     }
+    // The bar's total is the takes' size in MiB, rounded down, and is never passed.
+    qint64 bytes = 0;
+    for (const DOTakeData& take : copyable(takes)) {
+        bytes += BLCardPath::getFolderSize(take.getXMLUri(), card.workFolder());
+        for (const DOClipData& clip : take.getClipData())
+            bytes += BLCardPath::getFolderSize(clip.getXMLUri(), card.workFolder());
+    }
+    ASSERT_GE(bytes / 1048576, 2) << "a card of several MiB";
+    EXPECT_TRUE(watching.maxima.contains(double(bytes / 1048576)));
+    for (qsizetype i = 0; i < watching.values.size(); ++i)
+        EXPECT_LE(watching.values[i], watching.maxima[i]);
 }
 
-TEST_F(ClipCopyTest, OkRefusesABpavNameAndAClipAlreadyThere)
+namespace {
+
+// Holds the copy of a file until released: the file becomes a named pipe that
+// gives the file's bytes once released; restore() puts the file back.
+class HeldFile
+{
+public:
+    explicit HeldFile(const QString& path) : m_path(path)
+    {
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly))
+            m_bytes = file.readAll();
+        m_held = !m_bytes.isEmpty() && QFile::remove(path) &&
+                 ::mkfifo(QFile::encodeName(path).constData(), 0644) == 0;
+    }
+    ~HeldFile() { restore(); }
+    bool isHeld() const { return m_held; }
+    // Feeds the bytes to the copy waiting on the pipe.
+    void release()
+    {
+        const int fd = ::open(QFile::encodeName(m_path).constData(), O_WRONLY);
+        for (qint64 done = 0; fd >= 0 && done < m_bytes.size();) {
+            const ssize_t n = ::write(fd, m_bytes.constData() + done, size_t(m_bytes.size() - done));
+            if (n <= 0)
+                break;
+            done += n;
+        }
+        if (fd >= 0)
+            ::close(fd);
+    }
+    void restore()
+    {
+        if (!m_held)
+            return;
+        m_held = false;
+        QFile::remove(m_path);
+        cwtest::writeFile(m_path, m_bytes);
+    }
+
+private:
+    QString m_path;
+    QByteArray m_bytes;
+    bool m_held = false;
+};
+
+} // namespace
+
+TEST_F(ClipCopyTest, ACancelLeavesNothingOfTheCopyAndPostsNoUpdate)
+{
+    cwtest::CardFolder card(cwtest::CardFolder::fast(4));
+    cardgen::Options otherOptions = cwtest::CardFolder::fast(2);
+    otherOptions.prefix = "OTH";
+    otherOptions.recorded = QDateTime::currentDateTimeUtc().addDays(-1); // other UMIDs
+    cwtest::CardFolder other(otherOptions);
+    ASSERT_TRUE(card.ok() && other.ok());
+    const QList<DOTakeData> takes = copyable(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()));
+    BLHouseKeepingCtrl().doHouseKeeping(other.workFolder());
+    const QMap<QString, QByteArray> source = optest::snapshot(card.workFolder());
+    const QMap<QString, QByteArray> destination = optest::snapshot(other.workFolder());
+
+    // Cancel while a file of the first take, and then of the third, is being
+    // copied: into a new folder (it goes), and into a card that holds takes
+    // (it stays as it was).
+    const struct
+    {
+        const char* clip;
+        QString into;
+    } cases[] = {{"ABC0001", home().path("media/Fresh")}, {"ABC0003", other.workFolder()}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.clip);
+        HeldFile held(card.bpav() + QString("/CLPR/%1/%1.SMI").arg(c.clip));
+        ASSERT_TRUE(held.isHeld());
+        QTimer::singleShot(300, [&] {
+            progress.pressCancel();
+            held.release();
+        });
+        EXPECT_FALSE(copy(record(card.workFolder(), takes, c.into), {QFileInfo(c.into).fileName()}));
+        held.restore();
+    }
+    EXPECT_FALSE(QFileInfo::exists(home().path("media/Fresh")));
+    EXPECT_EQ(optest::snapshot(other.workFolder()), destination);
+
+    EXPECT_TRUE(updates.isEmpty());
+    EXPECT_TRUE(messages.keys().isEmpty()) << messages.keys().join(", ").toStdString();
+    EXPECT_EQ(optest::snapshot(card.workFolder()), source);
+}
+
+TEST_F(ClipCopyTest, OkRefusesABpavNameAClipAlreadyThereAndAFolderOverItsLimits)
 {
     cwtest::CardFolder card(cwtest::CardFolder::fast(2));
     ASSERT_TRUE(card.ok());
@@ -104,6 +225,16 @@ TEST_F(ClipCopyTest, OkRefusesABpavNameAndAClipAlreadyThere)
     EXPECT_FALSE(copy(record(card.workFolder(), takes, destination), {"Copy"}));
     EXPECT_EQ(messages.keys(), QStringList{"MSG_642_3114"});
     EXPECT_EQ(footprint(destination), copied);
+    // A folder with 600 clip folders takes no more; a new folder made for the
+    // copy and refused goes again.
+    messages.clear();
+    const QString full = home().path("media/Full");
+    for (int i = 0; i < 600; ++i)
+        ASSERT_TRUE(QDir().mkpath(full + QString("/BPAV/CLPR/F%1").arg(i, 4, 10, QChar('0'))));
+    EXPECT_FALSE(copy(record(card.workFolder(), takes, full), {"Full"}));
+    EXPECT_EQ(messages.keys(), QStringList{"MSG_632_3236"});
+    EXPECT_EQ(QDir(full + "/BPAV/CLPR").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 600);
+    EXPECT_TRUE(updates.size() == 1) << "only the copy that was made";
 }
 
 // Either half of a take recorded across two cards, copied next to the other,

@@ -6,6 +6,7 @@
 #include "core/card/BLMediaProCtrl.h"
 #include "core/operations/BLFolderDivisionCtrl.h"
 #include "core/operations/BLFolderDivisionThread.h"
+#include "support/FakeVolumeProvider.h"
 
 namespace {
 
@@ -61,6 +62,28 @@ protected:
 // One clip per folder: seven new folders, the take in three numbered parts
 // linked to their neighbours, the loose MP4 file left behind, and every
 // folder's index listing what it holds.
+TEST_F(FolderDivisionTest, CapacityTextsAndFolderNames)
+{
+    for (const auto& [text, bytes] :
+         {std::pair<const char*, double>{"3.5", 0}, {"4", 4 * 1073741824.0}, {"4a", 0}}) {
+        double parsed = 0;
+        EXPECT_EQ(BLFolderDivisionCtrl::chkSize(text, &parsed), bytes > 0) << text;
+        EXPECT_EQ(parsed, bytes) << text;
+    }
+    const QString shoot = home().path("media/SHOOT");
+    ASSERT_TRUE(QDir().mkpath(shoot));
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot), QStringList({shoot + "_1", shoot + "_2"}));
+    ASSERT_TRUE(QDir().mkpath(shoot + "_2"));
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, shoot),
+              QStringList({shoot + "_1_1", shoot + "_1_2"}));
+    const QString volume = home().path("media/CARD");
+    ASSERT_TRUE(QDir().mkpath(volume));
+    cwtest::FakeVolumeProvider volumes;
+    volumes.addVolume({volume, "vfat", "CARD", 8'000'000'000, 4'000'000'000});
+    EXPECT_EQ(BLFolderDivisionCtrl::createDivFolderName(2, volume),
+              QStringList({volume + "/_1", volume + "/_2"}));
+}
+
 TEST_F(FolderDivisionTest, ATakeSplitOverThreeFoldersBecomesThreeLinkedParts)
 {
     BLFolderDivisionCtrl ctrl(nullptr, takes, card->workFolder(), nullptr);

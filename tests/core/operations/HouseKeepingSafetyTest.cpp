@@ -2,7 +2,9 @@
 // damage, on a write-protected mount and on every kind of card the generator
 // makes, checked against the generator's manifest and the bytes on disk.
 #include "OperationsTestSupport.h"
+#include "core/card/BLClipCtrl.h"
 #include "core/card/BLHouseKeepingCtrl.h"
+#include "core/card/DOClipCtrl.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -75,7 +77,7 @@ protected:
     cwtest::MessageRecorder messages;
 };
 
-TEST_F(HouseKeepingSafetyTest, AnUnlistedClipWithoutItsMp4KeepsItsUmidAndEveryFile)
+TEST_F(HouseKeepingSafetyTest, AClipWithoutItsMp4KeepsEveryFileAndCanBeDeletedOnPurpose)
 {
     cardgen::Options options = cwtest::CardFolder::fast(3);
     options.damages = {damage(Kind::Unlisted, 3)}; // the first pass rewrites the profile
@@ -85,9 +87,10 @@ TEST_F(HouseKeepingSafetyTest, AnUnlistedClipWithoutItsMp4KeepsItsUmidAndEveryFi
     const QString lost = card.manifest().takes[1].umid;
     ASSERT_TRUE(QFile::remove(card.bpav() + "/CLPR/ABC0002/ABC0002.MP4"));
     const QMap<QString, QByteArray> before = footage(work);
+    QList<DOTakeData> takes;
     for (int pass = 1; pass <= 2; ++pass) {
         SCOPED_TRACE(pass);
-        const QList<DOTakeData> takes = BLHouseKeepingCtrl().doHouseKeeping(work);
+        takes = BLHouseKeepingCtrl().doHouseKeeping(work);
         EXPECT_EQ(footage(work), before);
         const DOTakeData* unusable = withUmid(takes, lost);
         ASSERT_NE(unusable, nullptr);
@@ -96,6 +99,17 @@ TEST_F(HouseKeepingSafetyTest, AnUnlistedClipWithoutItsMp4KeepsItsUmidAndEveryFi
         EXPECT_EQ(takes.size(), 3);
     }
     EXPECT_TRUE(messages.keys().isEmpty());
+    // Deleting the take, as the pane's Delete does, removes its folder alone.
+    DOClipCtrl clipCtrl;
+    clipCtrl.setToTakes(takes);
+    clipCtrl.setTargetTake(*withUmid(takes, lost));
+    ASSERT_TRUE(BLClipCtrl().doDeleteTake(clipCtrl, work));
+    QMap<QString, QByteArray> left = before;
+    for (const QString& path : before.keys())
+        if (path.startsWith("BPAV/CLPR/ABC0002"))
+            left.remove(path);
+    EXPECT_EQ(footage(work), left);
+    EXPECT_EQ(withUmid(BLHouseKeepingCtrl().doHouseKeeping(work), lost), nullptr);
 }
 
 // A profile padded with NUL bytes (a truncated one: the scan command's test).

@@ -30,9 +30,18 @@ std::vector<int> disksOf(const TAKE& take)
 
 } // namespace
 
-TEST(SegmentTest, ARepeatedClipUmidOrAClipOverTheCapacityPlacesNothing)
+TEST(SegmentTest, EdgeCases)
 {
     int disks = -1;
+    // Everything fits: one disk.
+    std::vector<TAKE> small{makeTake("a", {10, 20}), makeTake("b", {30}), makeTake("c", {5, 5, 5})};
+    ASSERT_EQ(Segment(small.data(), 3, 100, &disks), kSegmentDone);
+    EXPECT_EQ(disks, 1);
+    // A take larger than the capacity is split between clips, in clip order.
+    std::vector<TAKE> large{makeTake("big", {30, 30, 30, 30, 30})};
+    ASSERT_EQ(Segment(large.data(), 1, 70, &disks), kSegmentDone);
+    EXPECT_EQ(disks, 3);
+    EXPECT_EQ(disksOf(large[0]), (std::vector<int>{0, 0, 1, 1, 2}));
     // A repeated clip UMID, in one take or across two: nothing placed.
     std::vector<TAKE> repeatedInOne{makeTake("a", {1, 2}), makeTake("b", {1})};
     repeatedInOne[0].clips[1].umid = "a-0";

@@ -109,6 +109,21 @@ protected:
     cwtest::MessageRecorder m_messages;
 };
 
+TEST_F(ClipPropertyTest, OkWithNothingEditedRewritesTheClipsButNotTheTakeAndTellsNobody)
+{
+    const QByteArray take = cwtest::readFile(takeFile());
+    QList<QByteArray> clips;
+    for (const QString& path : clipFiles())
+        clips << cwtest::readFile(path);
+    EXPECT_FALSE(edit(m_take.getUsAscii()));
+    EXPECT_EQ(m_view.endCodes, QList<int>{BLClipPropertyCtrl::kStopCodeOK});
+    EXPECT_EQ(cwtest::readFile(takeFile()), take);
+    for (int i = 0; i < clips.size(); ++i)
+        EXPECT_NE(cwtest::readFile(clipFiles()[i]), clips[i]) << i;
+    EXPECT_TRUE(m_changes.notes.isEmpty());
+    EXPECT_TRUE(m_messages.keys().isEmpty());
+}
+
 TEST_F(ClipPropertyTest, ChecksRefuseEachTextOverItsLimitAndKeepTheDialogOpen)
 {
     const struct

@@ -179,21 +179,21 @@ TEST_F(CacheImageCtrlTest, RequestsForOnePictureAreServedOnceWhicheverPaneAsked)
 
 TEST_F(CacheImageCtrlTest, ACancelRemovesOnlyThatPanesRequests)
 {
-    // The worker decodes a (not cached yet) while b and c wait in the queue,
-    // so the cancel reaches b before the worker can take it.
-    const DOTakeData a = take(0, 1, 0);
-    const DOTakeData b = take(1, 2, 0);
-    const DOTakeData c = take(2, 3, 0);
-    DeliveryRecorder recorder;
+    // With the worker ended the queue stays as the notifications leave it.
     BLCacheImageCtrl ctrl;
-    request(2, folder(), a);
-    request(1, folder(), b);
-    request(2, folder(), c);
+    ctrl.setExitThread();
+    const DOTakeData b = take(1, 2, 0);
+    request(1, folder(), take(0, 1, 0));
+    request(2, folder(), b);
+    request(1, folder(), take(2, 3, 0));
+    request(2, folder(), take(2, 3, 0));
+    ASSERT_EQ(ctrl.getRequestCount(), 4);
     cancel(1);
-    ASSERT_TRUE(recorder.waitFor(a));
-    ASSERT_TRUE(recorder.waitFor(c));
-    EXPECT_EQ(recorder.countFor(b), 0);
-    EXPECT_EQ(recorder.notes.size(), 2);
+    ASSERT_EQ(ctrl.getRequestCount(), 2);
+    EXPECT_EQ(ctrl.getTopRequestData()->getMediaInfoType(), 2);
+    EXPECT_EQ(ctrl.getTopRequestData()->getTakeData().getUmid(), b.getUmid());
+    cancel(2);
+    EXPECT_EQ(ctrl.getRequestCount(), 0);
 }
 
 TEST_F(CacheImageCtrlTest, EveryFailureStillEndsInAPicture)
