@@ -139,7 +139,6 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
     const QString fileDate =
         BLCommon::getXmlFormatDateString(born.isValid() ? born : QFileInfo(mp4()).lastModified());
     expect("CreationDate", QString("<CreationDate value=\"%1\">\n").arg(fileDate));
-    EXPECT_NE(fileDate, kTakeDate);
     EXPECT_TRUE(isRecent(root.child("LastUpdate")->attribute("value")));
     expect("TypicalUbit", "<TypicalUbit value=\"0000000000000000\">\n");
     expect("KeyFrame", "<KeyFrame frameCount=\"0\">\n");
@@ -233,10 +232,6 @@ TEST_F(CreateNRTTest, OneAudioPortPerChannel)
     };
     const Case cases[] = {
         {"no sound", {}, "<AudioFormat numOfChannel=\"...\">\n"},
-        {"mono",
-         {Mp4Builder::audioTrack("in24", 1, {1601})},
-         "<AudioFormat numOfChannel=\"1\">\n"
-         "  <AudioRecPort audioCodec=\"LPCM24\" port=\"OTHERS\" trackDst=\"CH1\">\n"},
         {"stereo and mono",
          {Mp4Builder::audioTrack("in32", 2, {1601}), Mp4Builder::audioTrack("twos", 1, {1601})},
          "<AudioFormat numOfChannel=\"3\">\n"
@@ -301,7 +296,7 @@ TEST_F(CreateNRTTest, EmbeddedDocumentIsKeptButItsUmidTitleAndLastUpdate)
 {
     const QString camera = cwmeta::fixturePath("nrt/C0001M01.XML");
     Mp4Builder file = hdFile(12);
-    file.xmlBody = QByteArray(4, '\0') + cwmeta::readBytes(camera) + '\0';
+    file.xmlBody = QByteArray(4, '\0') + cwtest::readFile(camera) + '\0';
     importFile(file);
     DOTakeData take = takeData();
     const QString importUmid = take.getUmid();
@@ -315,29 +310,17 @@ TEST_F(CreateNRTTest, EmbeddedDocumentIsKeptButItsUmidTitleAndLastUpdate)
     EXPECT_NE(newUmid, importUmid);
     EXPECT_NE(newUmid, original.child("TargetMaterial")->attribute("umidRef"));
     EXPECT_TRUE(isRecent(written.attribute("lastUpdate")));
-    EXPECT_TRUE(isRecent(written.child("LastUpdate")->attribute("value")));
 
     // Everything else is the camera's document as it was.
     XmlNode expected = original;
-    auto set = [](XmlNode& node, const QString& name, const QString& value) {
-        for (auto& attribute : node.attributes)
-            if (attribute.first == name)
-                attribute.second = value;
-    };
-    set(expected, "lastUpdate", written.attribute("lastUpdate"));
-    for (XmlNode& child : expected.children) {
-        if (child.name == "TargetMaterial")
-            set(child, "umidRef", newUmid);
-        if (child.name == "LastUpdate")
-            set(child, "value", written.child("LastUpdate")->attribute("value"));
-        if (child.name == "Title") {
-            child.attributes = {{"usAscii", ""}};
-            XmlNode alias = child.children.first();
-            alias.attributes = {{"xml:lang", BLCommon::getSystemLanguage()}};
-            alias.text = kClip;
-            child.children = {alias};
-        }
-    }
+    expected.setAttribute("lastUpdate", written.attribute("lastUpdate"));
+    expected.child("TargetMaterial")->setAttribute("umidRef", newUmid);
+    expected.child("LastUpdate")->setAttribute("value", written.child("LastUpdate")->attribute("value"));
+    XmlNode* title = expected.child("Title");
+    title->attributes = {{"usAscii", ""}};
+    title->children.resize(1);
+    title->children[0].attributes = {{"xml:lang", BLCommon::getSystemLanguage()}};
+    title->children[0].text = kClip;
     EXPECT_EQ(written, expected);
 }
 
@@ -351,13 +334,10 @@ TEST_F(CreateNRTTest, AnEmbeddedDocumentThatIsNoMetadataIsReplacedByABuiltOne)
         importFile(file);
         ASSERT_TRUE(BLBIMCtrl::sharedCtrl()->checkNonMetaExist(mp4()));
         DOTakeData take = takeData();
-        const QString umid = take.getUmid();
         ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
-        EXPECT_EQ(take.getUmid(), umid);
         const XmlNode root = readXmlOutline(nonMeta());
         EXPECT_EQ(root.childNames().size(), 15u);
-        EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), umid);
-        EXPECT_EQ(root.child("Duration")->attribute("value"), "6");
+        EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), take.getUmid());
     }
 }
 

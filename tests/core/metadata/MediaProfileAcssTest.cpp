@@ -22,14 +22,10 @@ protected:
     // A BPAV folder in the test home holding the given media profile text.
     QString makeFolder(const QByteArray& profile)
     {
-        const QString folder = home().path("card/BPAV");
-        QDir().mkpath(folder);
-        QFile file(folder + "/MEDIAPRO.XML");
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(profile);
-        return folder;
+        EXPECT_TRUE(cwtest::writeFile(home().path("card/BPAV/MEDIAPRO.XML"), profile));
+        return home().path("card/BPAV");
     }
-    QString cameraFolder() { return makeFolder(cwmeta::readBytes(kFixture)); }
+    QString cameraFolder() { return makeFolder(cwtest::readFile(kFixture)); }
 };
 
 // The outline of a saved profile with the save stamp blanked out.
@@ -55,35 +51,8 @@ QStringList block(const QStringList& outline, const QString& start)
     return outline.mid(first, end - first);
 }
 
-template <class Record> QString describeFile(const Record& r)
-{
-    return QStringList{r.getUri(), r.getType(), r.getVideoType(),   r.getAudioType(), r.getFps(),
-                       r.getDur(), r.getCh(),   r.getAspectRatio(), r.getOffset(),    r.getUmid()}
-        .join('|');
-}
-
-QString describe(const DOMaterial& m)
-{
-    QStringList parts{describeFile(m) + '|' + m.getTitle() + '|' + m.getMPStatus()};
-    for (const DOComponent& c : m.getComponent())
-        parts << "C:" + c.getMediaId() + "," + c.getMediaKind() + "," + c.getMediaName() + "," +
-                     describeFile(c);
-    for (const DOProxy& p : m.getProxy())
-        parts << "P:" + p.getMediaId() + "," + p.getMediaKind() + "," + describeFile(p);
-    for (const DORelevantInfo& i : m.getRelevantInfo())
-        parts << "R:" + i.getMediaId() + "," + i.getMediaKind() + "," + describeFile(i);
-    return parts.join(' ');
-}
-
-QStringList describe(const QList<DOMaterial>& materials)
-{
-    QStringList list;
-    for (const DOMaterial& m : materials)
-        list << describe(m);
-    return list;
-}
-
-// A record from the fields describeFile lists, '|' between them; missing ones stay empty.
+// A record from its fields, '|' between them, in the order uri, type, video
+// and audio type, fps, dur, ch, aspect ratio, offset, umid; missing ones stay empty.
 template <class Record> Record fileRecord(const QString& fields)
 {
     const QStringList f = fields.split('|');
@@ -137,58 +106,12 @@ bool replace(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials)
 
 } // namespace
 
-TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
-{
-    cameraFolder();
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath("~/card/BPAV/")); // "~" is the user's home
-    EXPECT_EQ(acss.filePath(), home().path("card/BPAV/MEDIAPRO.XML"));
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 0));
-
-    EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
-    EXPECT_EQ(data.getSystem().getSystemKind(), "Camera CX-100 ver.1.10");
-    EXPECT_EQ(data.getSystem().getVersion(), "2.00");
-    EXPECT_EQ(data.getAttached().getMediaId(), kCameraMediaId);
-    EXPECT_EQ(data.getAttached().getMediaKind(), "ProfessionalMemoryCard");
-    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
-    EXPECT_EQ(data.getMetadata().getCharset(), "UTF-8");
-    EXPECT_EQ(data.getMetadata().getType(), "nonRealTimeMeta");
-
-    // One line per material: its fields, then "C:" components, "P:" proxies
-    // and "R:" relevant infos, each with its medium.
-    auto umid = [](int n) {
-        return "060A2B340101010501010D4313000000001234567890123" + QString::number(n) + "0800460202123456";
-    };
-    const QString expected =
-        QString(
-            R"(./CLPR/A0001/A0001.SMI|PD-EDL|||59.94i|300|2|16:9|0|%1||0 )"
-            R"(C:,,,./CLPR/A0001/A0001.MP4|MP4|%6|LPCM16|59.94i|300|2|16:9|0| )"
-            R"(P:,,./CLPR/A0001/A0001P.MP4|MP4|MPEG4SP||||||| R:,,./CLPR/A0001/A0001M01.XML|XML|||||||| )"
-            R"(R:,,./CLPR/A0001/A0001R01.BIM|BiM|||||||| R:,,./CLPR/A0001/A0001I01.PPN|PPN||||||||)"
-            "\n"
-            R"(./CLPR/A0002/A0002.SMI|PD-EDL|||59.94i|450|2|16:9|0|%2||0 )"
-            R"(C:,,,./CLPR/A0002/A0002.MP4|MP4|%6|LPCM16|59.94i|450|2|16:9|0| )"
-            R"(R:,,./CLPR/A0002/A0002M01.XML|XML|||||||| R:,,./CLPR/A0002/A0002R01.BIM|BiM|||||||| )"
-            R"(R:,,./CLPR/A0002/A0002I01.PPN|PPN||||||||)"
-            "\n"
-            R"(./CLPR/A0003/A0003.MP4|MP4|%6|LPCM16|29.97p|120|2|16:9|0|%3||3 )"
-            R"(R:,,./CLPR/A0003/A0003M01.XML|XML||||||||)"
-            "\n"
-            R"(./TAKR/T0001/T0001.SMI|PD-EDL|||59.94i|750|2|16:9|0|%4||0 C:,,,./CLPR/A0001/A0001.SMI|PD-EDL||||||||%1 )"
-            R"(C:FEDCBA0987654321FEDCBA0987654321,ProfessionalMemoryCard,Wedding B,)"
-            R"(file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI|PD-EDL||||||||%5 )"
-            R"(R:,,./TAKR/T0001/T0001M01.XML|XML||||||||)")
-            .arg(umid(4), umid(5), umid(6), umid(7), umid(8), "MPEG2HD35_1920_1080_MP@HL");
-    EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())), expected.toStdString());
-}
-
 TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
 {
-    const QString folder = cameraFolder();
+    cameraFolder();
     const QStringList before = savedOutline(kFixture);
     BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(folder));
+    ASSERT_TRUE(acss.loadForFolderPath("~/card/BPAV/")); // "~" is the user's home
     DOAttached attached;
     ASSERT_TRUE(acss.getAttachedData(attached));
     attached.setMediaName("Wedding A2");
@@ -248,27 +171,22 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
     };
 
     // A media id given to save leaves Attached and the sequence alone.
-    {
-        BLMediaProfileAcss acss;
-        ASSERT_TRUE(acss.loadForFolderPath(folder));
-        ASSERT_TRUE(acss.save("ANY"));
-        EXPECT_EQ(storedMediaId(), kCameraMediaId);
-        EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 9997);
-    }
+    BLMediaProfileAcss given;
+    ASSERT_TRUE(given.loadForFolderPath(folder) && given.save("ANY"));
+    EXPECT_EQ(storedMediaId(), kCameraMediaId);
+    EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 9997);
     // Empty text: a new id from the sequence number plus one; 9998 is the
     // last number, after it comes 0.
     QStringList ids;
     for (const int expectedNo : {9998, 0, 1}) {
         BLMediaProfileAcss acss;
-        ASSERT_TRUE(acss.loadForFolderPath(folder));
-        ASSERT_TRUE(acss.save(""));
+        ASSERT_TRUE(acss.loadForFolderPath(folder) && acss.save(""));
         EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), expectedNo);
         ids << storedMediaId();
         EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(ids.last()).hasMatch())
             << ids.last().toStdString();
         EXPECT_EQ(ids.last().mid(14, 2), QString::number((expectedNo % 64) | 0xC0, 16).toUpper());
     }
-    EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), 3);
     // Attached was changed in place: its other values and foreign attribute stay.
     EXPECT_TRUE(cwmeta::fileOutlineLines(path).contains(
         QStringLiteral(
@@ -280,8 +198,7 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
         makeFolder(R"(<MediaProfile xmlns="urn:x"><Properties><System systemId="a"/>)"
                    R"(<Metadata charset="UTF-8"/></Properties><Contents/></MediaProfile>)");
     BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(noAttached));
-    ASSERT_TRUE(acss.save(""));
+    ASSERT_TRUE(acss.loadForFolderPath(noAttached) && acss.save(""));
     const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
     ASSERT_EQ(outline.size(), 6);
     EXPECT_TRUE(
@@ -290,14 +207,13 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
             .match(outline.at(3))
             .hasMatch())
         << outline.join('\n').toStdString();
-    EXPECT_EQ(outline.at(4), R"(    Metadata charset="UTF-8")");
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 2);
 }
 
 TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
 {
     const QString folder = home().path("new/BPAV");
-    QDir().mkpath(folder);
+    ASSERT_TRUE(QDir().mkpath(folder));
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder + "/../BPAV/"));
     EXPECT_EQ(acss.filePath(), folder + "/MEDIAPRO.XML");

@@ -1,5 +1,7 @@
 #include "MetadataTestSupport.h"
 
+#include "support/TestEnvironment.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +10,8 @@
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace cwmeta {
 
@@ -27,6 +31,11 @@ const XmlNode* XmlNode::child(const QString& childName, int n) const
     return nullptr;
 }
 
+XmlNode* XmlNode::child(const QString& childName, int n)
+{
+    return const_cast<XmlNode*>(std::as_const(*this).child(childName, n));
+}
+
 QString XmlNode::attribute(const QString& attributeName) const
 {
     for (const auto& [key, value] : attributes)
@@ -41,6 +50,13 @@ bool XmlNode::hasAttribute(const QString& attributeName) const
         if (attr.first == attributeName)
             return true;
     return false;
+}
+
+void XmlNode::setAttribute(const QString& attributeName, const QString& value)
+{
+    for (auto& attr : attributes)
+        if (attr.first == attributeName)
+            attr.second = value;
 }
 
 QString describe(const XmlNode& node, int depth)
@@ -117,18 +133,6 @@ QString copyFixture(const QString& relative, const QString& folder)
     return target;
 }
 
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& data)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
-}
-
 QStringList outlineLines(const QByteArray& xml)
 {
     QStringList lines;
@@ -168,7 +172,7 @@ QStringList outlineLines(const QByteArray& xml)
 
 QStringList fileOutlineLines(const QString& path)
 {
-    return outlineLines(readBytes(path));
+    return outlineLines(cwtest::readFile(path));
 }
 
 std::string joined(const QStringList& lines)
@@ -225,9 +229,9 @@ void expectHostileFilesRefused(const QByteArray& root, const QString& file,
     timer.start();
     const qint64 memoryBefore = peakMemoryKiB();
     for (const QByteArray& doc : hostileDocuments(root)) {
-        ASSERT_TRUE(writeBytes(path, doc));
+        ASSERT_TRUE(cwtest::writeFile(path, doc));
         EXPECT_FALSE(anythingDone(dir.path())) << doc.left(60).constData();
-        EXPECT_EQ(readBytes(path), doc);
+        EXPECT_EQ(cwtest::readFile(path), doc);
     }
     ASSERT_TRUE(writeHugeAttributeDocument(path, root));
     EXPECT_FALSE(anythingDone(dir.path())) << "a 50 MB attribute";

@@ -30,9 +30,12 @@ struct XmlNode
     Names childNames() const;
     // The n-th child with that qualified name; nullptr when there is none.
     const XmlNode* child(const QString& childName, int n = 0) const;
+    XmlNode* child(const QString& childName, int n = 0);
     // "" when absent.
     QString attribute(const QString& attributeName) const;
     bool hasAttribute(const QString& attributeName) const;
+    // Replaces the value of an attribute the node has.
+    void setAttribute(const QString& attributeName, const QString& value);
     bool operator==(const XmlNode&) const = default;
 };
 
@@ -53,8 +56,6 @@ bool isDateTime(const QString& text);
 QString fixturePath(const QString& relative);
 // Copies a fixture into a folder; answers the copy's path.
 QString copyFixture(const QString& relative, const QString& folder);
-QByteArray readBytes(const QString& path);
-bool writeBytes(const QString& path, const QByteArray& data);
 
 // A flat outline of an XML text for comparing whole files: one line per
 // element, text and comment, indented by depth, each element with its
