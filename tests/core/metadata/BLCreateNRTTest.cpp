@@ -358,39 +358,3 @@ TEST_F(CreateNRTTest, AFailedStepEndsTheCreation)
     EXPECT_FALSE(BLCreateNRT::createNonMetaFile(gone, take));
     EXPECT_FALSE(QFileInfo::exists(gone));
 }
-
-// The formats a camera records are checked against the card generator
-// elsewhere; here an unknown one and the files the checker refuses.
-TEST_F(CreateNRTTest, AFileTheCheckerRefusesLeavesTheFactsOfTheLastOneItTook)
-{
-    // 23.98p at a size and aspect the camera does not know, no sound.
-    Mp4Builder odd;
-    odd.tracks << Mp4Builder::videoTrack({"IBB"}, 3000, mpeg2SequenceStart(704, 576, 4, 1, true));
-    importFile(odd);
-    BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
-    auto facts = [bim] {
-        return QStringList{QString::number(bim->getDuration()),
-                           QString::number(bim->getFrameCount()),
-                           bim->gettcFps(),
-                           bim->getVideoCodec(),
-                           bim->getFormatFps(),
-                           bim->getPixel(),
-                           bim->getNumOfVertical(),
-                           bim->getARatio(),
-                           QString::number(bim->getPort()),
-                           QString::number(bim->getAudioChannel()),
-                           bim->getAudioCodec()};
-    };
-    const QStringList expected{"3", "2", "24",   "MPEG2HD35_-_-_MP@HL", "23.98p", "----", "----", "...",
-                               "0", "0", "-----"};
-    EXPECT_EQ(facts(), expected);
-
-    Mp4Builder noVideo;
-    noVideo.tracks << Mp4Builder::audioTrack("twos", 2, {1601});
-    ASSERT_TRUE(noVideo.write(mp4()));
-    EXPECT_FALSE(bim->preImportMP4(mp4()));
-    EXPECT_FALSE(bim->preImportMP4(m_dir.filePath("missing.MP4")));
-    ASSERT_TRUE(Mp4Builder::write(mp4(), QByteArray("not an MP4 file at all")));
-    EXPECT_FALSE(bim->preImportMP4(mp4()));
-    EXPECT_EQ(facts(), expected);
-}

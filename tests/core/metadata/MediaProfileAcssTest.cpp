@@ -256,19 +256,6 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
              R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
 }
 
-TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
-{
-    auto component = [](const QString& uri) {
-        DOComponent c;
-        c.setUri(uri);
-        return c;
-    };
-    EXPECT_LT(component("file://ID/CLPR/A0009/A0003.SMI").compareByUri(component("./CLPR/A0001/B0001.SMI")),
-              0);
-    EXPECT_GT(component("./CLPR/A0001/b0002.SMI").compareByUri(component("./CLPR/Z0001/B0001.SMI")), 0);
-    EXPECT_EQ(component("./x/ABC.SMI").compareByUri(component("./y/abc.smi")), 0);
-}
-
 TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)
 {
     cwmeta::expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {

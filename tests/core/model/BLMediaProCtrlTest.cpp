@@ -65,57 +65,15 @@ DOAttached attachedOf(const QString& workFolder)
     return attached;
 }
 
-const DOClipData* clipWithUmid(const QList<DOClipData>& clips, const QString& umid)
+// The take of that UMID as housekeeping loads it, with the given status.
+DOTakeData loaded(const QList<DOTakeData>& takes, const QString& umid, int status = 0)
 {
-    for (const DOClipData& clip : clips) {
-        if (clip.getUmid() == umid)
-            return &clip;
-    }
-    return nullptr;
-}
-
-// The references and length of a generated clip, on a take or a clip record.
-template <typename Record> void setClipFiles(Record& record, const cardgen::ManifestClip& clip)
-{
-    const QString folder = "./CLPR/" + clip.name + "/" + clip.name;
-    record.setSMIUri(folder + ".SMI");
-    record.setXMLUri(folder + "M01.XML");
-    record.setBIMUri(folder + "R01.BIM");
-    record.setPPNUri(folder + "I01.PPN");
-    record.setMP4Uri(folder + ".MP4");
-    record.setCurrentDuration(clip.frames);
-}
-
-// A single-clip take of a generated clip, as the loaders make it.
-DOTakeData singleTake(const cardgen::ManifestTake& planned, int status = 0)
-{
-    DOTakeData take;
-    setClipFiles(take, planned.clips.front());
-    take.setSingleClipFlag(true);
-    take.setUmid(planned.umid);
-    take.setVideoCodec(planned.videoFormat);
-    take.setFormatFps(planned.frameRate);
-    take.setCurrentDuration(planned.frames);
-    take.setTakeStatus(status);
-    return take;
-}
-
-// A multi-clip take of generated clips with its clip records.
-DOTakeData multiTake(const cardgen::ManifestTake& planned, int status = 0)
-{
-    DOTakeData take;
-    take.setUmid(planned.umid);
-    take.setSMIUri("./TAKR/" + planned.takeId + "/" + planned.takeId + ".SMI");
-    take.setXMLUri("./TAKR/" + planned.takeId + "/" + planned.takeId + "M01.XML");
-    take.setTakeStatus(status);
-    for (const cardgen::ManifestClip& planClip : planned.clips) {
-        DOClipData clip;
-        setClipFiles(clip, planClip);
-        clip.setUmid(planClip.umid);
-        take.setClipUmid(planClip.umid);
-        take.setClipData(clip);
-    }
-    return take;
+    const auto take = std::find_if(takes.begin(), takes.end(),
+                                   [&umid](const DOTakeData& t) { return t.getUmid() == umid; });
+    EXPECT_NE(take, takes.end()) << umid.toStdString();
+    DOTakeData result = take == takes.end() ? DOTakeData() : *take;
+    result.setTakeStatus(status);
+    return result;
 }
 
 using MediaProCtrlTest = cwtest::HomeTest;
@@ -167,8 +125,9 @@ TEST_F(MediaProCtrlTest, CheckingSideDecidesListedClipsAndPicksUpWhatTheProfileM
 
     // Only metadata and essence left: status 3, real; the unlisted folders are
     // picked up, the one without metadata as unusable.
-    const DOClipData* partial = clipWithUmid(clips, planned[2].umid);
-    ASSERT_NE(partial, nullptr);
+    const auto partial = std::find_if(clips.begin(), clips.end(),
+                                      [&](const DOClipData& c) { return c.getUmid() == planned[2].umid; });
+    ASSERT_NE(partial, clips.end());
     EXPECT_EQ(partial->getClipStatus(), 3);
     EXPECT_TRUE(partial->getRealFlag());
     EXPECT_EQ(partial->getCurrentDuration(), 6);
@@ -200,23 +159,24 @@ TEST_F(MediaProCtrlTest, RewriteWritesVersionMaterialsAndKeepsTheHeader)
     const auto& planned = card.manifest().takes;
     const QString work = card.workFolder();
     const DOAttached before = attachedOf(work);
+    const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(work);
 
     // Given out of the card's order, which the profile follows. ABC0003 lost
     // its essence: it gets no material, and its folder stays.
-    DOTakeData complete = singleTake(planned[0]);
+    DOTakeData complete = loaded(read, planned[0].umid);
     complete.setFormatFps(""); // written empty: the stored value goes
-    DOTakeData mp4Only = singleTake(planned[1], 3);
+    DOTakeData mp4Only = loaded(read, planned[1].umid, 3);
     mp4Only.setSMIUri("./CLPR/ABC0002");
     mp4Only.setAudioCodec("LPCM16");
     ASSERT_TRUE(QFile::remove(card.bpav() + "/CLPR/ABC0003/ABC0003.MP4"));
-    DOTakeData lost = singleTake(planned[2], 5);
+    DOTakeData lost = loaded(read, planned[2].umid, 5);
     lost.setMateUpFlg(false);
     DOTakeData loose;
     loose.setUmid(QString(64, 'A'));
     loose.setMP4Uri("./CLPR/ABC0009.MP4");
     loose.setTakeStatus(4);
-    DOTakeData good = multiTake(planned[3]);
-    DOTakeData broken = multiTake(planned[4], 5);
+    DOTakeData good = loaded(read, planned[3].umid);
+    DOTakeData broken = loaded(read, planned[4].umid, 5);
     const QList<DOTakeData> takes{mp4Only, complete, lost, loose, good, broken};
 
     BLMediaProCtrl ctrl;
@@ -334,9 +294,10 @@ TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMedi
     const int token = SCNotificationCenter::defaultCenter()->addObserver(
         this, SC::SCMediaNameDidChangeNotification,
         [&](const SCNotification& n) { announced << n.userInfo; });
-    DOTakeData later = singleTake(planned[0]);
+    const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
+    DOTakeData later = loaded(read, planned[0].umid);
     later.setCreationDate("2020-01-02T00:00:00Z");
-    DOTakeData earlier = singleTake(planned[1]);
+    DOTakeData earlier = loaded(read, planned[1].umid);
     earlier.setCreationDate("2020-01-01T00:00:00Z");
     BLMediaProCtrl ctrl;
     ASSERT_TRUE(ctrl.createCopyMediaPro(destination, {later, earlier}, card.workFolder(), QString()));
@@ -370,7 +331,8 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     const QStringList before = materialUris(work);
     ASSERT_EQ(before.size(), 5);
 
-    DOTakeData multi = multiTake(planned[2]);
+    const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(work);
+    DOTakeData multi = loaded(read, planned[2].umid);
     for (int i = 0; i < 2; ++i) {
         DOClipData clip = multi.getClipData(i);
         clip.setUmid(clip.getUmid().toLower()); // found ignoring case
@@ -384,7 +346,7 @@ TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)
     EXPECT_EQ(materialUris(work), before.mid(0, 2));
 
     // The folder keeps a 720-line take: the version follows.
-    DOTakeData first = singleTake(planned[0]);
+    DOTakeData first = loaded(read, planned[0].umid);
     ASSERT_TRUE(ctrl.deleteMaterial({first}, work, true));
     EXPECT_EQ(materialUris(work), before.mid(1, 1));
     EXPECT_EQ(versionOf(work), "1.20");
