@@ -185,11 +185,9 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
     };
     const QByteArray i5994 = mpeg2SequenceStart(1920, 1080, 3, 4, false);
     const QByteArray p50 = mpeg2SequenceStart(1280, 720, 3, 6, true);
-    const QByteArray p2398 = mpeg2SequenceStart(1920, 1080, 3, 1, true);
     const Case cases[] = {
         {"one frame", 1, i5994, {}, "-", -1, "30 ... 00000000 ... 00000000"},
         {"50p counts at half the rate", 12, p50, {}, "-", -1, "25 0 40000000 11 45000000"},
-        {"23.98p", 30, p2398, {}, "-", -1, "24 0 40000000 29 45010000"},
         {"a non-drop take", 1802, i5994, "01000000", "-", -1, "30 0 40000000 1801 41000100"},
         {"no time-code base", 12, i5994, {}, "", -1, "... 0 00000000 11 00000000"},
         {"duration and last frame disagree", 12, i5994, {}, "-", 20, "30 0 40000000 ... 00000000"},

@@ -110,14 +110,13 @@ TEST_F(CReadRtMetaTest, UnitCountsAndTheInitialDescriptionLengthCheckWhichIsNotF
         else
             EXPECT_STREQ(reader.getLastError(), "InitialDescription_Length Error\n");
         FTCSTRUCT tc;
-        for (unsigned long i : {0ul, 1ul, 2ul, 3ul, 1984ul}) {
+        for (unsigned long i : {0ul, 3ul, 1984ul}) {
             ASSERT_TRUE(reader.GetTimeCode(i, &tc)) << i;
             EXPECT_EQ(packed(tc), f.timeCodes[int(i)]) << i;
         }
         // Frame N - 2 is the last one answered.
-        EXPECT_FALSE(reader.GetTimeCode(1985, &tc));
-        EXPECT_FALSE(reader.GetTimeCode(~0ul, &tc));
-        EXPECT_FALSE(reader.GetTimeCode(0, nullptr));
+        EXPECT_FALSE(reader.GetTimeCode(1985, &tc) || reader.GetTimeCode(~0ul, &tc) ||
+                     reader.GetTimeCode(0, nullptr));
     }
     // No frame units at all, and unit counts on both sides of the step from
     // three to four length bytes (1,984 and 1,985 units).

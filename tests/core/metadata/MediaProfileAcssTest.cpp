@@ -10,8 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <type_traits>
-
 namespace {
 const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
 const QString kCameraMediaId = "1234567890ABCDEF1234567890ABCDEF";
@@ -70,16 +68,6 @@ template <class Record> Record fileRecord(const QString& fields)
     return r;
 }
 
-// The record on a medium of the card kind.
-template <class Record> Record onMedium(Record r, const QString& mediaId, const QString& mediaName = {})
-{
-    r.setMediaId(mediaId);
-    r.setMediaKind("ProfessionalMemoryCard");
-    if constexpr (std::is_same_v<Record, DOComponent>)
-        r.setMediaName(mediaName);
-    return r;
-}
-
 // A clip material as the folder scanner builds it: take info, its MP4 and
 // three metadata files.
 DOMaterial clipMaterial(const QString& clip)
@@ -92,16 +80,6 @@ DOMaterial clipMaterial(const QString& clip)
     for (const char* info : {"M01.XML|XML", "R01.BIM|BiM", "I01.PPN|PPN"})
         material.addRelevantInfo(fileRecord<DORelevantInfo>(base + info));
     return material;
-}
-
-// The rewrite a folder gets after an operation: the materials replaced, the
-// version set, saved with the stored media id.
-bool replace(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials)
-{
-    DOAttached attached;
-    acss.getAttachedData(attached);
-    return acss.replaceMaterialData(materials) == 0 && acss.updateVersion("1.10") &&
-           acss.save(attached.getMediaId());
 }
 
 } // namespace
@@ -232,28 +210,17 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
             .hasMatch())
         << outline.join('\n').toStdString();
 
-    // Loaded back, it is an ordinary profile: materials go into a new Contents
-    // after Properties. Media attributes only for a component on another
-    // medium, and only when set; relevant infos never name their medium. Given
-    // out of format order on purpose: each lands among its own kind; the proxy
-    // is not written by a replacement.
+    // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
     BLMediaProfileAcss loaded;
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
-    auto take = fileRecord<DOMaterial>("./TAKR/T0001/T0001.SMI|PD-EDL");
-    take.setRelevantInfo({onMedium(fileRecord<DORelevantInfo>("./TAKR/T0001/T0001M01.XML|XML"), "ID1")});
-    take.setProxy({onMedium(fileRecord<DOProxy>("./CLPR/A0001/A0001P.MP4||||59.94i"), "")});
-    take.setComponent({onMedium(fileRecord<DOComponent>("./CLPR/A0001/A0001.SMI|PD-EDL"), "ID1", "Name"),
-                       onMedium(fileRecord<DOComponent>("file://ID1/CLPR/B0001/B0001.SMI|PD-EDL"), "ID1")});
-    ASSERT_TRUE(replace(loaded, {take}));
+    ASSERT_EQ(loaded.replaceMaterialData({clipMaterial("A0001")}), 0);
+    ASSERT_TRUE(loaded.save(""));
     const QStringList replaced = cwmeta::fileOutlineLines(loaded.filePath());
-    EXPECT_GT(replaced.indexOf("  Contents"), replaced.indexOf("  Properties"));
-    EXPECT_EQ(
-        cwmeta::joined(block(replaced, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")),
-        cwmeta::joined(QStringList(
-            {R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
-             R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
-             R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
-             R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
+    const qsizetype contents = replaced.indexOf("  Contents");
+    EXPECT_GT(contents, replaced.indexOf("  Properties"));
+    EXPECT_EQ(replaced.value(contents + 1).toStdString(),
+              R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" )"
+              R"(aspectRatio="16:9" offset="0" umid="UMID-A0001" status="0")");
 }
 
 TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)

@@ -173,25 +173,18 @@ TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)
     c1.setPPNUri("./CLPR/C1/C1I01.PPN");
     c1.setMP4Uri("./CLPR/C1/C1.MP4");
     take.setClipData(c1);
-    EXPECT_TRUE(c1.isAllFileExist(work.path()));
-    EXPECT_TRUE(take.isAllFileExist(work.path()));
-
-    // A clip of status 3 names its folder as take info: a clip checks it as a file.
+    // A clip of status 3 has only metadata and essence.
     DOClipData c2;
     c2.setClipStatus(3);
     c2.setXMLUri("./CLPR/C2/C2M01.XML");
-    c2.setSMIUri("./CLPR/C2");
     c2.setMP4Uri("./CLPR/C2/C2.MP4");
-    EXPECT_FALSE(c2.isAllFileExist(work.path()));
-    c2.setSMIUri("");
-    EXPECT_TRUE(c2.isAllFileExist(work.path()));
     take.setClipData(c2);
     EXPECT_TRUE(take.isAllFileExist(work.path()));
-
     ASSERT_TRUE(QFile::remove(bpav + "/CLPR/C1/C1I01.PPN"));
     EXPECT_FALSE(take.isAllFileExist(work.path()));
 
-    // A single clip of status 3: the take skips its SMI, BIM and PPN references.
+    // A single clip of status 3 names its folder as take info: the take skips
+    // its SMI, BIM and PPN references, which a clip record checks as files.
     DOTakeData single;
     single.setXMLUri("./CLPR/C2/C2M01.XML");
     single.setMP4Uri("./CLPR/C2/C2.MP4");
@@ -201,8 +194,8 @@ TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)
     EXPECT_TRUE(single.isAllFileExist(work.path()));
     single.setTakeStatus(0);
     EXPECT_FALSE(single.isAllFileExist(work.path()));
-    single.setTakeStatus(3);
-    EXPECT_FALSE(single.isAllFileExist(work.path() + "/elsewhere"));
+    c2.setSMIUri("./CLPR/C2");
+    EXPECT_FALSE(c2.isAllFileExist(work.path()));
 }
 
 TEST(TakeDataTest, RebuildTakeComponentJoinsBothClipRunsBetweenTheOtherMediaEntries)
