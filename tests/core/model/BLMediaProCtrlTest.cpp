@@ -6,10 +6,10 @@
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "core/formats/metadata/BLMediaProfileAcss.h"
 #include "core/services/BLCommon.h"
-#include "core/services/SCNotificationCenter.h"
 #include "core/services/SCNotificationNames.h"
 #include "support/AsOrdinaryUser.h"
 #include "support/CardFolder.h"
+#include "support/NotificationRecorder.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -290,10 +290,7 @@ TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMedi
         ASSERT_TRUE(BLCommon::copyFile(card.path(take.clips.front().folder),
                                        destination + "/BPAV/CLPR/" + take.clips.front().name));
 
-    QList<QVariantMap> announced;
-    const int token = SCNotificationCenter::defaultCenter()->addObserver(
-        this, SC::SCMediaNameDidChangeNotification,
-        [&](const SCNotification& n) { announced << n.userInfo; });
+    cwtest::NotificationRecorder announced({SC::SCMediaNameDidChangeNotification});
     const QList<DOTakeData> read = BLHouseKeepingCtrl().doHouseKeeping(card.workFolder());
     DOTakeData later = loaded(read, planned[0].umid);
     later.setCreationDate("2020-01-02T00:00:00Z");
@@ -306,18 +303,16 @@ TEST_F(MediaProCtrlTest, CopyIntoAFolderWithoutProfileCarriesAndAnnouncesTheMedi
     EXPECT_EQ(attachedOf(destination).getMediaName(), "Field Day");
     EXPECT_NE(attachedOf(destination).getMediaId(), attachedOf(card.workFolder()).getMediaId());
     EXPECT_EQ(materialUris(destination), QStringList({earlier.getSMIUri(), later.getSMIUri()}));
-    ASSERT_EQ(announced.size(), 1);
-    EXPECT_EQ(announced[0].value(SC::SCSelectFolderKey).toString(), destination);
-    EXPECT_EQ(announced[0].value(SC::SCMediaNameKey).toString(), "Field Day");
+    ASSERT_EQ(announced.notes.size(), 1);
+    EXPECT_EQ(announced.notes[0].userInfo.value(SC::SCSelectFolderKey).toString(), destination);
+    EXPECT_EQ(announced.notes[0].userInfo.value(SC::SCMediaNameKey).toString(), "Field Day");
 
     // Into a folder that has a profile, with a media id: the id is set, nothing announced.
     const QString mediaId = QString(32, 'C');
     ASSERT_TRUE(ctrl.createCopyMediaPro(destination, {earlier}, card.workFolder(), mediaId));
     cwtest::settle();
     EXPECT_EQ(attachedOf(destination).getMediaId(), mediaId);
-    EXPECT_EQ(attachedOf(destination).getMediaName(), "Field Day");
-    EXPECT_EQ(announced.size(), 1);
-    SCNotificationCenter::defaultCenter()->removeObserver(token);
+    EXPECT_EQ(announced.notes.size(), 1);
 }
 
 TEST_F(MediaProCtrlTest, DeleteMaterialRemovesTheTakeAndItsClipsByUmid)

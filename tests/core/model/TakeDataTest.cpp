@@ -3,27 +3,21 @@
 #include "core/services/BLCommon.h"
 #include "support/TestEnvironment.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
 
 namespace {
 
-const QString kDigits = QStringLiteral("060A2B340101010501010D4313000000"
-                                       "3F2B1C0D954805C00800460202BA1FFE");
-
-DOClipData clip(const QString& umid, qint64 duration, qint64 size, quint32 offset = 0)
+DOClipData clip(const QString& umid, qint64 duration, qint64 size)
 {
     DOClipData c;
     c.setUmid(umid);
     c.setCurrentDuration(duration);
     c.setSize(size);
-    c.setOffset(offset);
     return c;
 }
 
@@ -42,15 +36,6 @@ QStringList uris(const QList<DOComponent>& components)
     for (const DOComponent& c : components)
         out.append(c.getUri());
     return out;
-}
-
-DOLtcChange ltc(const QString& value)
-{
-    DOLtcChange change;
-    change.setFrameCount("0");
-    change.setValue(value);
-    change.setStatus("increment");
-    return change;
 }
 
 } // namespace
@@ -115,43 +100,6 @@ TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
     lower.setCreationDate("2009-03-05t14:07:59z");
     EXPECT_EQ(upper.compareByClipCreationDate(lower), 0);
     EXPECT_LT(c1.compareByClipCreationDate(upper), 0);
-}
-
-TEST(TakeDataTest, CopyTakeKeepsTheRecordButTheTimeCodeRateHalfStepAndClipStates)
-{
-    DOTakeData take;
-    take.setUmid(kDigits);
-    DOClipData c = clip("C1", 1800, 100, 4);
-    c.setCreationDate("2009-03-05T14:07:59+09:00");
-    c.setLtcChange(ltc("44030201"));
-    c.setMateUpFlg(false);
-    c.setXMLUri("./CLPR/C1/C1M01.XML");
-    take.setClipData(c);
-    DOTakeInfo info;
-    info.setSrc("C1");
-    info.setClipEnd("end");
-    take.setTakeInfoData(info);
-    take.setMateUpFlg(false);
-    take.setLtcChange(ltc("40000000"));
-    take.setHalfStep("false");
-    take.setTcFps("30");
-    take.setOffset(9);
-
-    const DOTakeData copy = take.copyTake();
-    EXPECT_TRUE(copy.getTcFps().isEmpty() && copy.getHalfStep().isEmpty());
-    EXPECT_EQ(copy.getUmid(), kDigits);
-    EXPECT_FALSE(copy.getMateUpFlg());
-    EXPECT_EQ(copy.getTakeInfo().value(0).getClipEnd(), "end");
-    EXPECT_EQ(copy.getLtcChange(0).getValue(), "40000000");
-    EXPECT_EQ(copy.getOffset(), 4u); // the first clip's
-
-    // Its clips lose creation date, LTC changes and mate-up flag, and keep the rest.
-    ASSERT_EQ(copy.getClipData().size(), 1);
-    const DOClipData copiedClip = copy.getClipData(0);
-    EXPECT_EQ(copiedClip.getXMLUri(), "./CLPR/C1/C1M01.XML");
-    EXPECT_TRUE(copiedClip.getCreationDate().isEmpty() && copiedClip.getLtcChanges().isEmpty());
-    EXPECT_TRUE(copiedClip.getMateUpFlg());
-    EXPECT_EQ(take.getClipData(0).getLtcChanges().size(), 1); // the original is untouched
 }
 
 TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)

@@ -28,47 +28,6 @@ TEST_F(Mp4Test, ChunksOfOtherLengthsRotateEachGroupOfThree)
     EXPECT_EQ(sizes, (QList<quint32>{100, 101, 3000, 2000, 102, 103, 3001, 104, 2001}));
 }
 
-TEST_F(Mp4Test, PointerTableHeaderCarriesTheTrackCodes)
-{
-    struct Case
-    {
-        quint32 timescale, delta;
-        quint16 width, height;
-        const char* bytes7to12;
-    };
-    // The sizes and rates the camera records are checked against the generator's tables elsewhere.
-    const Case cases[] = {
-        {2497, 100, 720, 480, "32112051101F"}, // 24.97: code 6, NTSC rate
-        {1, 0, 704, 576, "02002051100F"},      // no duration, unknown sizes, q = 12
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.timescale) + "/" + std::to_string(c.delta));
-        Mp4Builder b;
-        b.tracks << Mp4Builder::videoTrack({"IBBPBB"});
-        b.tracks[0].timescale = c.timescale;
-        b.tracks[0].timeToSample = {{6, c.delta}};
-        b.tracks[0].width = c.width;
-        b.tracks[0].height = c.height;
-        const QByteArray mp4 = write(b.boxes());
-        const QByteArray ppnPath = write(QByteArray(), "clip.PPN");
-        CCreatePPT ppt;
-        ASSERT_EQ(ppt.StartConvert(mp4.constData(), ppnPath.constData()), 1) << ppt.getErrorText();
-        const QByteArray ppn = cwtest::readFile(path("clip.PPN"));
-        EXPECT_EQ(ppn.mid(7, 6).toHex().toUpper(), QByteArray(c.bytes7to12));
-    }
-
-    // The mean duration is taken over the entries, not weighed by their counts:
-    // (1001 + 3003) / 2 = 2002, so 14.98 frames per second and code 0.
-    Mp4Builder b;
-    b.tracks << Mp4Builder::videoTrack({"IBBPBB"});
-    b.tracks[0].timeToSample = {{5, 1001}, {1, 3003}};
-    const QByteArray mp4 = write(b.boxes());
-    const QByteArray ppnPath = write(QByteArray(), "clip.PPN");
-    CCreatePPT ppt;
-    ASSERT_EQ(ppt.StartConvert(mp4.constData(), ppnPath.constData()), 1);
-    EXPECT_EQ(quint8(cwtest::readFile(path("clip.PPN"))[7]) >> 3, 0);
-}
-
 TEST_F(Mp4Test, PointerTableRefusalsLeaveTheirTexts)
 {
     const QByteArray mp4 = write(cameraFile().boxes());
