@@ -11,7 +11,9 @@
 #include <gtest/gtest.h>
 
 namespace {
-const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
+using namespace cwmeta;
+
+const QString kFixture = fixturePath("mediapro/MEDIAPRO.XML");
 const QString kCameraMediaId = "1234567890ABCDEF1234567890ABCDEF";
 
 class MediaProfileAcssTest : public cwtest::HomeTest
@@ -25,29 +27,6 @@ protected:
     }
     QString cameraFolder() { return makeFolder(cwtest::readFile(kFixture)); }
 };
-
-// The outline of a saved profile with the save stamp blanked out.
-QStringList savedOutline(const QString& path)
-{
-    static const QRegularExpression stamp(R"(createdAt="[^"]*")");
-    QStringList lines = cwmeta::fileOutlineLines(path);
-    for (QString& line : lines)
-        line.replace(stamp, R"(createdAt="*")");
-    return lines;
-}
-
-// The lines of the element that a line starts, up to its next sibling.
-QStringList block(const QStringList& outline, const QString& start)
-{
-    const qsizetype first = outline.indexOf(start);
-    if (first < 0)
-        return {};
-    const qsizetype indent = start.indexOf(QRegularExpression("\\S"));
-    qsizetype end = first + 1;
-    while (end < outline.size() && outline.at(end).indexOf(QRegularExpression("\\S")) > indent)
-        ++end;
-    return outline.mid(first, end - first);
-}
 
 // A record from its fields, '|' between them, in the order uri, type, video
 // and audio type, fps, dur, ch, aspect ratio, offset, umid; missing ones stay empty.
@@ -87,7 +66,6 @@ DOMaterial clipMaterial(const QString& clip)
 TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
 {
     cameraFolder();
-    const QStringList before = savedOutline(kFixture);
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath("~/card/BPAV/")); // "~" is the user's home
     DOAttached attached;
@@ -109,31 +87,25 @@ TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
     ASSERT_TRUE(acss.save(kCameraMediaId));
 
     // Foreign attributes and children, A0001's proxy and the playlist stay.
-    QStringList expected = before;
-    auto at = [&expected](const QString& text) { return expected.indexOf(expected.filter(text).value(0)); };
-    auto take = [&](const QString& text) {
-        const QStringList lines = block(expected, expected.value(at(text)));
-        expected.remove(at(text), lines.size());
-        return lines;
-    };
-    auto insert = [&expected](qsizetype where, const QStringList& lines) {
-        for (qsizetype i = 0; i < lines.size(); ++i)
-            expected.insert(where + i, lines.at(i));
-    };
-    expected[at("MediaProfile xmlns")].replace(R"(version="1.20")", R"(version="1.10")");
-    expected[at("mediaName=")].replace(R"(mediaName="Wedding A")", R"(mediaName="Wedding A2")");
-    expected[at("Material uri=\"./CLPR/A0001/")].replace(R"(dur="300")", R"(dur="301")");
-    take("Material uri=\"./CLPR/A0002/");
-    const QStringList takeBlock = take("Material uri=\"./TAKR/T0001/");
-    insert(at("Material uri=\"./CLPR/A0001/"), takeBlock);
-    insert(
-        at("cam:Playlist"),
-        {R"(    Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0")",
-         R"(      Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
-    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(expected));
+    const XmlNode written = readXmlOutline(acss.filePath());
+    XmlNode expected = readXmlOutline(kFixture);
+    expected.setAttribute("version", "1.10");
+    expected.setAttribute("createdAt", written.attribute("createdAt"));
+    expected.child("Properties")->child("Attached")->setAttribute("mediaName", "Wedding A2");
+    QList<XmlNode>& contents = expected.child("Contents")->children;
+    contents[0].setAttribute("dur", "301");
+    ASSERT_NE(written.child("Contents")->child("Material", 3), nullptr);
+    const XmlNode a0004 = *written.child("Contents")->child("Material", 3);
+    contents = {contents[3], contents[0], contents[2], a0004, contents[4]};
+    EXPECT_EQ(written, expected);
+    EXPECT_EQ(
+        describe(a0004),
+        R"(<Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0">
+  <Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0">
+  <RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML">
+  <RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM">
+  <RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN">
+)");
 }
 
 TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
@@ -166,10 +138,12 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
         EXPECT_EQ(ids.last().mid(14, 2), QString::number((expectedNo % 64) | 0xC0, 16).toUpper());
     }
     // Attached was changed in place: its other values and foreign attribute stay.
-    EXPECT_TRUE(cwmeta::fileOutlineLines(path).contains(
+    EXPECT_EQ(
+        describe(*readXmlOutline(path).child("Properties")->child("Attached")),
         QStringLiteral(
-            R"(    Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")")
-            .arg(ids.last())));
+            R"(<Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A">)"
+            "\n")
+            .arg(ids.last()));
 
     // A profile without Attached gets one, in its place among the properties.
     const QString noAttached =
@@ -177,14 +151,13 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
                    R"(<Metadata charset="UTF-8"/></Properties><Contents/></MediaProfile>)");
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath(noAttached) && acss.save(""));
-    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    ASSERT_EQ(outline.size(), 6);
-    EXPECT_TRUE(
-        QRegularExpression(
-            R"(^    Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName=""$)")
-            .match(outline.at(3))
-            .hasMatch())
-        << outline.join('\n').toStdString();
+    const XmlNode properties = *readXmlOutline(acss.filePath()).child("Properties");
+    EXPECT_EQ(properties.childNames(), Names({"System", "Attached", "Metadata"}));
+    EXPECT_TRUE(QRegularExpression(
+                    R"(^<Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName="">$)")
+                    .match(describe(properties.children.value(1)).trimmed())
+                    .hasMatch())
+        << describe(properties).toStdString();
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 2);
 }
 
@@ -200,32 +173,29 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     // Saving with empty text makes no media id for a created profile.
     ASSERT_TRUE(acss.save(""));
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 0);
-    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
+    const QString header = describe(readXmlOutline(acss.filePath()));
     EXPECT_TRUE(
         QRegularExpression(
-            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
-            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"\n)re"
-            R"re(  Properties\n    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)re")
-            .match(outline.join('\n'))
+            R"re(^<MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
+            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10">\n)re"
+            R"re(  <Properties>\n    <System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000">\n$)re")
+            .match(header)
             .hasMatch())
-        << outline.join('\n').toStdString();
+        << header.toStdString();
 
     // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
     BLMediaProfileAcss loaded;
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
     ASSERT_EQ(loaded.replaceMaterialData({clipMaterial("A0001")}), 0);
     ASSERT_TRUE(loaded.save(""));
-    const QStringList replaced = cwmeta::fileOutlineLines(loaded.filePath());
-    const qsizetype contents = replaced.indexOf("  Contents");
-    EXPECT_GT(contents, replaced.indexOf("  Properties"));
-    EXPECT_EQ(replaced.value(contents + 1).toStdString(),
-              R"(    Material uri="./CLPR/A0001/A0001.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" )"
-              R"(aspectRatio="16:9" offset="0" umid="UMID-A0001" status="0")");
+    const XmlNode replaced = readXmlOutline(loaded.filePath());
+    EXPECT_EQ(replaced.childNames(), Names({"Properties", "Contents"}));
+    EXPECT_EQ(replaced.child("Contents")->child("Material")->attribute("uri"), "./CLPR/A0001/A0001.SMI");
 }
 
 TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)
 {
-    cwmeta::expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
+    expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
         BLMediaProfileAcss acss;
         DOMediaProfileData data;
         return acss.loadForFolderPath(folder) || acss.getMediaPro(data, "", 0) || acss.save("");

@@ -133,53 +133,6 @@ QString copyFixture(const QString& relative, const QString& folder)
     return target;
 }
 
-QStringList outlineLines(const QByteArray& xml)
-{
-    QStringList lines;
-    QXmlStreamReader reader(xml);
-    int depth = 0;
-    auto indent = [&depth] { return QString(depth * 2, QLatin1Char(' ')); };
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            QString line = indent() + reader.qualifiedName().toString();
-            for (const QXmlStreamNamespaceDeclaration& ns : reader.namespaceDeclarations())
-                line += ns.prefix().isEmpty()
-                            ? QStringLiteral(" xmlns=\"%1\"").arg(ns.namespaceUri())
-                            : QStringLiteral(" xmlns:%1=\"%2\"").arg(ns.prefix(), ns.namespaceUri());
-            for (const QXmlStreamAttribute& attribute : reader.attributes())
-                line += QStringLiteral(" %1=\"%2\"").arg(attribute.qualifiedName(), attribute.value());
-            lines << line;
-            ++depth;
-            break;
-        }
-        case QXmlStreamReader::EndElement:
-            --depth;
-            break;
-        case QXmlStreamReader::Characters:
-            if (!reader.isWhitespace())
-                lines << indent() + QLatin1Char('"') + reader.text().toString() + QLatin1Char('"');
-            break;
-        case QXmlStreamReader::Comment:
-            lines << indent() + QStringLiteral("<!--%1-->").arg(reader.text());
-            break;
-        default:
-            break;
-        }
-    }
-    return reader.hasError() ? QStringList() : lines;
-}
-
-QStringList fileOutlineLines(const QString& path)
-{
-    return outlineLines(cwtest::readFile(path));
-}
-
-std::string joined(const QStringList& lines)
-{
-    return lines.join(QLatin1Char('\n')).toStdString();
-}
-
 namespace {
 bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
 {
