@@ -3,9 +3,6 @@
 #include "core/formats/metadata/BLCueupInfoAcss.h"
 #include "support/TestEnvironment.h"
 
-#include <QDir>
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -36,24 +33,6 @@ std::string describe(const DOClip& c)
     return (c.getUri() + '|' + c.getUmid() + '|' + c.getFtc()).toStdString();
 }
 } // namespace
-
-TEST_F(CueupInfoAcssTest, NewFileHoldsTheRootAndAnEmptyHistory)
-{
-    const QString folder = home().path("card/BPAV");
-    QDir().mkpath(folder);
-    BLCueupInfoAcss acss;
-    ASSERT_TRUE(acss.createForFolderPath("~/card/./BPAV"));
-    EXPECT_EQ(acss.filePath(), folder + "/CUEUP.XML");
-    EXPECT_FALSE(QFile::exists(acss.filePath())); // written by save only
-    ASSERT_TRUE(acss.save());
-    const QByteArray text = cwtest::readFile(acss.filePath());
-    EXPECT_TRUE(text.startsWith(R"(<?xml version="1.0" encoding="UTF-8"?>)")) << text.constData();
-    EXPECT_EQ(cwmeta::describe(cwmeta::readXmlOutline(acss.filePath())),
-              R"(<cueupinfo xmlns="urn:schemas-professionalDisc:cueupinfo" )"
-              R"(xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" )"
-              R"(xsi:schemaLocation="urn:schemas-professionalDisc:cueupinfo cueupinfo.xsd">)"
-              "\n  <history>\n");
-}
 
 TEST_F(CueupInfoAcssTest, CameraFileEntriesAreReadAndRemovedKeepingForeignContent)
 {

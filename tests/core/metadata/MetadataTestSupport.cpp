@@ -44,14 +44,6 @@ QString XmlNode::attribute(const QString& attributeName) const
     return {};
 }
 
-bool XmlNode::hasAttribute(const QString& attributeName) const
-{
-    for (const auto& attr : attributes)
-        if (attr.first == attributeName)
-            return true;
-    return false;
-}
-
 void XmlNode::setAttribute(const QString& attributeName, const QString& value)
 {
     for (auto& attr : attributes)

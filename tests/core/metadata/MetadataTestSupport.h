@@ -32,7 +32,6 @@ struct XmlNode
     XmlNode* child(const QString& childName, int n = 0);
     // "" when absent.
     QString attribute(const QString& attributeName) const;
-    bool hasAttribute(const QString& attributeName) const;
     // Replaces the value of an attribute the node has.
     void setAttribute(const QString& attributeName, const QString& value);
     bool operator==(const XmlNode&) const = default;

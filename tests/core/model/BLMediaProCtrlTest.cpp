@@ -42,11 +42,9 @@ QStringList materialUris(const QString& workFolder)
 
 const DOMaterial* findMaterial(const QList<DOMaterial>& materials, const QString& uri)
 {
-    for (const DOMaterial& material : materials) {
-        if (material.getUri() == uri)
-            return &material;
-    }
-    return nullptr;
+    const auto m = std::find_if(materials.begin(), materials.end(),
+                                [&](const DOMaterial& x) { return x.getUri() == uri; });
+    return m == materials.end() ? nullptr : &*m;
 }
 
 // The root's "version" attribute, read without the XML layer.
