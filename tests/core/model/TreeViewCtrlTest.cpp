@@ -212,7 +212,6 @@ TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheVolumesAsTheyAreMountedA
     EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
     EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
     EXPECT_EQ(m_pane.selectFolder, "/");
-    EXPECT_EQ(m_tree.data(m_tree.index(0), BLTreeViewCtrl::ImageRole).toString(), "drive-harddisk");
     EXPECT_EQ(m_tree.data(m_tree.index(1), BLTreeViewCtrl::ImageRole).toString(), "drive-removable-media");
     m_tree.selectTreeIndex(2); // Zeta
     const QString cardC = m_dir.filePath("mnt/CARD_C");

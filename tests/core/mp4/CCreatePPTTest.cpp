@@ -93,8 +93,7 @@ TEST_F(Mp4Test, EmbeddedXmlIsReturnedWholeOrWithoutItsFourBytePrefix)
         const char* xml = "untouched";
         int length = -1;
         EXPECT_EQ(ppt.blCheckMP4(file.constData(), xml, length), 1);
-        EXPECT_EQ(xml, nullptr);
-        EXPECT_EQ(length, 0);
+        EXPECT_TRUE(xml == nullptr && length == 0);
         EXPECT_STREQ(ppt.getErrorText(),
                      body.isEmpty() ? "blCheckMP4() No XML Data" : "blCheckMP4() XML Data Error");
     }
