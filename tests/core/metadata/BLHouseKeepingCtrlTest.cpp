@@ -139,10 +139,4 @@ TEST_F(HouseKeepingTest, MessagesForAnUnwritableMediumAndAFailedDurationCheckFro
     EXPECT_EQ(messages.keys(), QStringList({"MSG_732_3176", "MSG_111_3225"}));
     EXPECT_EQ(takes.size(), 2) << "the takes are still shown";
     EXPECT_EQ(cwtest::readFile(bpav + "/MEDIAPRO.XML"), profile);
-
-    // No BPAV folder: nothing, and a log line.
-    QTemporaryDir dir;
-    EXPECT_TRUE(BLHouseKeepingCtrl().doHouseKeeping(dir.path()).isEmpty());
-    EXPECT_TRUE(cwtest::logMessages().contains(
-        "0700:[BLHouseKeepingCtrl doHouseKeeping]    BPAV Folder is Nothing : " + dir.path()));
 }

@@ -120,11 +120,6 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
         return attached.getMediaId();
     };
 
-    // A media id given to save leaves Attached and the sequence alone.
-    BLMediaProfileAcss given;
-    ASSERT_TRUE(given.loadForFolderPath(folder) && given.save("ANY"));
-    EXPECT_EQ(storedMediaId(), kCameraMediaId);
-    EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 9997);
     // Empty text: a new id from the sequence number plus one; 9998 is the
     // last number, after it comes 0.
     QStringList ids;

@@ -39,7 +39,6 @@ TEST_F(NonMetaAcssTest, ReadsTheAliasOfTheLanguageAndWhatGeneratedCardsDoNotHold
     ASSERT_TRUE(acss.getNonMetaData(meta, "ja"));
     EXPECT_EQ(meta.getWhoChangeArray().value(0).getValue(), "CREW7");
     EXPECT_EQ(meta.getKlvPacketArray().value(1).getLengthValue(), "0B02");
-    EXPECT_EQ(meta.getDevice().getElementArray().value(1).getSoftware(), "0.90");
     EXPECT_EQ(meta.getDescription(), "Two boats & a crane");
     EXPECT_EQ(meta.getTitle().getAlias().getValue(), QString::fromUtf8("夜明けの港"));
     // An unknown language leaves the alias empty.

@@ -76,32 +76,6 @@ TEST(TakeDataTest, DurationAndSizeOfSingleAndMultiClipTakes)
         EXPECT_EQ(BLCommon::toFrameCount(text), frames) << text.toStdString();
 }
 
-TEST(TakeDataTest, TakesSortByTheLastClipsCreationDate)
-{
-    DOTakeData early; // its own date is late, but its last clip is early
-    early.setCreationDate("2010-01-01T00:00:00+09:00");
-    DOClipData c1;
-    c1.setCreationDate("2009-03-05T14:00:00+09:00");
-    DOClipData c2;
-    c2.setCreationDate("2009-03-05T15:00:00+09:00");
-    early.setClipData(c2);
-    early.setClipData(c1, 0);
-    EXPECT_EQ(early.getClipCreationDate(), "2009-03-05T15:00:00+09:00");
-
-    DOTakeData late;
-    late.setCreationDate("2009-03-05t16:00:00+09:00");
-    EXPECT_LT(early.compareByCreationDate(late), 0);
-    EXPECT_GT(late.compareByCreationDate(early), 0);
-
-    // Clips compare their own dates, ignoring the case of the separators.
-    DOClipData upper;
-    upper.setCreationDate("2009-03-05T14:07:59Z");
-    DOClipData lower;
-    lower.setCreationDate("2009-03-05t14:07:59z");
-    EXPECT_EQ(upper.compareByClipCreationDate(lower), 0);
-    EXPECT_LT(c1.compareByClipCreationDate(upper), 0);
-}
-
 TEST(TakeDataTest, AllFilesExistChecksTheTakeThenEveryClip)
 {
     QTemporaryDir work;

@@ -8,6 +8,7 @@
 #include "support/CardFolder.h"
 #include "support/FakeTreePane.h"
 #include "support/FakeVolumeProvider.h"
+#include "support/NotificationRecorder.h"
 #include "support/TestEnvironment.h"
 
 #include <QDir>
@@ -203,11 +204,8 @@ protected:
 TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheVolumesAsTheyAreMountedAndUnmounted)
 {
     BLVolumeWatcher watcher;
-    QStringList posted;
-    for (const QString& name : {SC::SCWorkspaceDidMountNotification, SC::SCWorkspaceDidUnmountNotification})
-        SCNotificationCenter::defaultCenter()->addObserver(&posted, name, [&posted](const SCNotification& n) {
-            posted << n.name + " " + n.userInfo.value(SC::NSDevicePath).toString();
-        });
+    cwtest::NotificationRecorder notes(
+        {SC::SCWorkspaceDidMountNotification, SC::SCWorkspaceDidUnmountNotification});
     m_tree.updateData(false);
     EXPECT_EQ(displayNames(m_tree), (QStringList{"System", "Alpha", "Zeta"}));
     EXPECT_EQ(m_tree.fullPathOfRow(1), m_cardA);
@@ -236,7 +234,9 @@ TEST_F(TreeViewCtrlVolumeTest, AnEmptyWorkFolderListsTheVolumesAsTheyAreMountedA
     EXPECT_EQ(m_pane.selectFolder, "/");
 
     watcher.checkVolumes(); // nothing changed: nothing posted
-    SCNotificationCenter::defaultCenter()->removeObserver(&posted);
+    QStringList posted;
+    for (const SCNotification& n : notes.notes)
+        posted << n.name + " " + n.userInfo.value(SC::NSDevicePath).toString();
     EXPECT_EQ(posted, (QStringList{"SCWorkspaceDidMountNotification " + cardC,
                                    "SCWorkspaceDidUnmountNotification " + m_cardA,
                                    "SCWorkspaceDidUnmountNotification " + m_cardB}));
@@ -332,7 +332,6 @@ TEST_F(TreeViewCtrlVolumeTest, MenuCommandsAreEnabledAsTheFolderAllows)
     EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_FOLDER_DIVISION).enable);
     EXPECT_TRUE(menuState(m_tree, MENU_ITEM_ID_ALL_COPY).enable);
 
-    // No selected folder.
     m_tree.selectTreeIndex(-1);
     for (const int tag : {MENU_ITEM_ID_CHANGE_FOLDER_NAME, MENU_ITEM_ID_NEW_FOLDER,
                           MENU_ITEM_ID_OPEN_IN_FINDER, MENU_ITEM_ID_DELETE, MENU_ITEM_ID_FOLDER_COMBINE,
