@@ -94,10 +94,6 @@ protected:
         take.setARatio(bim->getARatio());
         take.setAudioCodec(bim->getAudioCodec());
         take.setNumOfChannel(QString::number(bim->getAudioChannel()));
-        take.setManufacturer("...");
-        take.setModelName("...");
-        take.setUsAscii("");
-        take.setAlias("holiday");
         return take;
     }
 
@@ -139,7 +135,6 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
     const QString fileDate =
         BLCommon::getXmlFormatDateString(born.isValid() ? born : QFileInfo(mp4()).lastModified());
     expect("CreationDate", QString("<CreationDate value=\"%1\">\n").arg(fileDate));
-    EXPECT_NE(fileDate, kTakeDate);
     EXPECT_TRUE(isRecent(root.child("LastUpdate")->attribute("value")));
     expect("TypicalUbit", "<TypicalUbit value=\"0000000000000000\">\n");
     expect("KeyFrame", "<KeyFrame frameCount=\"0\">\n");
@@ -166,10 +161,8 @@ TEST_F(CreateNRTTest, BuiltDocumentHoldsEveryValueOfTheTable)
     ASSERT_TRUE(acss.loadForFilePath(nonMeta()));
     DONonRealTimeMeta meta;
     ASSERT_TRUE(acss.getNonMetaData(meta, BLCommon::getSystemLanguage()));
-    EXPECT_EQ(meta.getDuration(), "1802");
     EXPECT_EQ(meta.getTargetMaterial().getUmidRef(), umid);
     EXPECT_EQ(meta.getTitle().getAlias().getValue(), kClip);
-    EXPECT_EQ(meta.getAudioFormat().getRecPortArray().size(), 2);
 }
 
 TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
@@ -186,11 +179,9 @@ TEST_F(CreateNRTTest, LtcTableFollowsFramesRateAndTimeCodeBase)
     };
     const QByteArray i5994 = mpeg2SequenceStart(1920, 1080, 3, 4, false);
     const QByteArray p50 = mpeg2SequenceStart(1280, 720, 3, 6, true);
-    const QByteArray p2398 = mpeg2SequenceStart(1920, 1080, 3, 1, true);
     const Case cases[] = {
         {"one frame", 1, i5994, {}, "-", -1, "30 ... 00000000 ... 00000000"},
         {"50p counts at half the rate", 12, p50, {}, "-", -1, "25 0 40000000 11 45000000"},
-        {"23.98p", 30, p2398, {}, "-", -1, "24 0 40000000 29 45010000"},
         {"a non-drop take", 1802, i5994, "01000000", "-", -1, "30 0 40000000 1801 41000100"},
         {"no time-code base", 12, i5994, {}, "", -1, "... 0 00000000 11 00000000"},
         {"duration and last frame disagree", 12, i5994, {}, "-", 20, "30 0 40000000 ... 00000000"},
@@ -233,10 +224,6 @@ TEST_F(CreateNRTTest, OneAudioPortPerChannel)
     };
     const Case cases[] = {
         {"no sound", {}, "<AudioFormat numOfChannel=\"...\">\n"},
-        {"mono",
-         {Mp4Builder::audioTrack("in24", 1, {1601})},
-         "<AudioFormat numOfChannel=\"1\">\n"
-         "  <AudioRecPort audioCodec=\"LPCM24\" port=\"OTHERS\" trackDst=\"CH1\">\n"},
         {"stereo and mono",
          {Mp4Builder::audioTrack("in32", 2, {1601}), Mp4Builder::audioTrack("twos", 1, {1601})},
          "<AudioFormat numOfChannel=\"3\">\n"
@@ -253,22 +240,6 @@ TEST_F(CreateNRTTest, OneAudioPortPerChannel)
         ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
         EXPECT_EQ(outline(readXmlOutline(nonMeta()).child("AudioFormat")), c.expected);
     }
-
-    // A take without its format values gets "..." for each (the channel
-    // count is the examined file's).
-    DOTakeData bare;
-    bare.setUmid(BLCommon::sharedCtrl()->createUmid());
-    ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, bare));
-    const XmlNode root = readXmlOutline(nonMeta());
-    EXPECT_EQ(outline(root.child("VideoFormat")),
-              "<VideoFormat>\n"
-              "  <VideoFrame videoCodec=\"...\" formatFps=\"...\">\n"
-              "  <VideoLayout pixel=\"...\" numOfVerticalLine=\"...\" aspectRatio=\"...\">\n");
-    EXPECT_EQ(outline(root.child("AudioFormat")),
-              "<AudioFormat numOfChannel=\"3\">\n"
-              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH1\">\n"
-              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH2\">\n"
-              "  <AudioRecPort audioCodec=\"...\" port=\"OTHERS\" trackDst=\"CH3\">\n");
 }
 
 TEST_F(CreateNRTTest, CreationDateOfTheFileUnlessItHasNoneOrTheZeroDate)
@@ -301,7 +272,7 @@ TEST_F(CreateNRTTest, EmbeddedDocumentIsKeptButItsUmidTitleAndLastUpdate)
 {
     const QString camera = cwmeta::fixturePath("nrt/C0001M01.XML");
     Mp4Builder file = hdFile(12);
-    file.xmlBody = QByteArray(4, '\0') + cwmeta::readBytes(camera) + '\0';
+    file.xmlBody = QByteArray(4, '\0') + cwtest::readFile(camera) + '\0';
     importFile(file);
     DOTakeData take = takeData();
     const QString importUmid = take.getUmid();
@@ -313,31 +284,18 @@ TEST_F(CreateNRTTest, EmbeddedDocumentIsKeptButItsUmidTitleAndLastUpdate)
     const QString newUmid = written.child("TargetMaterial")->attribute("umidRef");
     EXPECT_EQ(take.getUmid(), newUmid) << "the take carries the document's new UMID";
     EXPECT_NE(newUmid, importUmid);
-    EXPECT_NE(newUmid, original.child("TargetMaterial")->attribute("umidRef"));
     EXPECT_TRUE(isRecent(written.attribute("lastUpdate")));
-    EXPECT_TRUE(isRecent(written.child("LastUpdate")->attribute("value")));
 
     // Everything else is the camera's document as it was.
     XmlNode expected = original;
-    auto set = [](XmlNode& node, const QString& name, const QString& value) {
-        for (auto& attribute : node.attributes)
-            if (attribute.first == name)
-                attribute.second = value;
-    };
-    set(expected, "lastUpdate", written.attribute("lastUpdate"));
-    for (XmlNode& child : expected.children) {
-        if (child.name == "TargetMaterial")
-            set(child, "umidRef", newUmid);
-        if (child.name == "LastUpdate")
-            set(child, "value", written.child("LastUpdate")->attribute("value"));
-        if (child.name == "Title") {
-            child.attributes = {{"usAscii", ""}};
-            XmlNode alias = child.children.first();
-            alias.attributes = {{"xml:lang", BLCommon::getSystemLanguage()}};
-            alias.text = kClip;
-            child.children = {alias};
-        }
-    }
+    expected.setAttribute("lastUpdate", written.attribute("lastUpdate"));
+    expected.child("TargetMaterial")->setAttribute("umidRef", newUmid);
+    expected.child("LastUpdate")->setAttribute("value", written.child("LastUpdate")->attribute("value"));
+    XmlNode* title = expected.child("Title");
+    title->attributes = {{"usAscii", ""}};
+    title->children.resize(1);
+    title->children[0].attributes = {{"xml:lang", BLCommon::getSystemLanguage()}};
+    title->children[0].text = kClip;
     EXPECT_EQ(written, expected);
 }
 
@@ -351,13 +309,10 @@ TEST_F(CreateNRTTest, AnEmbeddedDocumentThatIsNoMetadataIsReplacedByABuiltOne)
         importFile(file);
         ASSERT_TRUE(BLBIMCtrl::sharedCtrl()->checkNonMetaExist(mp4()));
         DOTakeData take = takeData();
-        const QString umid = take.getUmid();
         ASSERT_TRUE(BLCreateNRT::createNonMetaFile(m_folder, take));
-        EXPECT_EQ(take.getUmid(), umid);
         const XmlNode root = readXmlOutline(nonMeta());
         EXPECT_EQ(root.childNames().size(), 15u);
-        EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), umid);
-        EXPECT_EQ(root.child("Duration")->attribute("value"), "6");
+        EXPECT_EQ(root.child("TargetMaterial")->attribute("umidRef"), take.getUmid());
     }
 }
 
@@ -377,40 +332,4 @@ TEST_F(CreateNRTTest, AFailedStepEndsTheCreation)
     const QString gone = m_dir.filePath("P20260116093015_02");
     EXPECT_FALSE(BLCreateNRT::createNonMetaFile(gone, take));
     EXPECT_FALSE(QFileInfo::exists(gone));
-}
-
-// The formats a camera records are checked against the card generator
-// elsewhere; here an unknown one and the files the checker refuses.
-TEST_F(CreateNRTTest, AFileTheCheckerRefusesLeavesTheFactsOfTheLastOneItTook)
-{
-    // 23.98p at a size and aspect the camera does not know, no sound.
-    Mp4Builder odd;
-    odd.tracks << Mp4Builder::videoTrack({"IBB"}, 3000, mpeg2SequenceStart(704, 576, 4, 1, true));
-    importFile(odd);
-    BLBIMCtrl* bim = BLBIMCtrl::sharedCtrl();
-    auto facts = [bim] {
-        return QStringList{QString::number(bim->getDuration()),
-                           QString::number(bim->getFrameCount()),
-                           bim->gettcFps(),
-                           bim->getVideoCodec(),
-                           bim->getFormatFps(),
-                           bim->getPixel(),
-                           bim->getNumOfVertical(),
-                           bim->getARatio(),
-                           QString::number(bim->getPort()),
-                           QString::number(bim->getAudioChannel()),
-                           bim->getAudioCodec()};
-    };
-    const QStringList expected{"3", "2", "24",   "MPEG2HD35_-_-_MP@HL", "23.98p", "----", "----", "...",
-                               "0", "0", "-----"};
-    EXPECT_EQ(facts(), expected);
-
-    Mp4Builder noVideo;
-    noVideo.tracks << Mp4Builder::audioTrack("twos", 2, {1601});
-    ASSERT_TRUE(noVideo.write(mp4()));
-    EXPECT_FALSE(bim->preImportMP4(mp4()));
-    EXPECT_FALSE(bim->preImportMP4(m_dir.filePath("missing.MP4")));
-    ASSERT_TRUE(Mp4Builder::write(mp4(), QByteArray("not an MP4 file at all")));
-    EXPECT_FALSE(bim->preImportMP4(mp4()));
-    EXPECT_EQ(facts(), expected);
 }

@@ -1,6 +1,7 @@
 #include "CReadRtMetaFile.h"
 
 #include "core/formats/metadata/CReadRtMeta.h"
+#include "support/TestEnvironment.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -14,11 +15,8 @@ class CReadRtMetaTest : public ::testing::Test
 protected:
     QByteArray write(const QByteArray& data, const QString& name = "C0001R01.BIM")
     {
-        const QString path = m_dir.filePath(name);
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        EXPECT_EQ(f.write(data), data.size());
-        return QFile::encodeName(path);
+        EXPECT_TRUE(cwtest::writeFile(m_dir.filePath(name), data));
+        return QFile::encodeName(m_dir.filePath(name));
     }
 
     QTemporaryDir m_dir;
@@ -43,7 +41,7 @@ BimFile fourFrames()
 
 TEST_F(CReadRtMetaTest, ShortFrameUnitsLeaveTheReaderClosed)
 {
-    // Cut frame units, a unit count far beyond the file (refused without
+    // A cut frame unit, a unit count far beyond the file (refused without
     // reading or allocating for it), a skipped part running past the end.
     const QByteArray whole = fourFrames().bytes();
     BimFile huge = fourFrames();
@@ -51,8 +49,7 @@ TEST_F(CReadRtMetaTest, ShortFrameUnitsLeaveTheReaderClosed)
     BimFile skip;
     skip.unitCount = 1;
     skip.skipBits = 0xFFFFF;
-    for (const QByteArray& data : {whole.chopped(1), whole.chopped(1000), whole.chopped(1024),
-                                   whole.chopped(3 * 1024 + 1), huge.bytes(), skip.bytes().chopped(10)}) {
+    for (const QByteArray& data : {whole.chopped(1), huge.bytes(), skip.bytes().chopped(10)}) {
         CReadRtMeta reader;
         EXPECT_TRUE(reader.blReadBIM(write(data).constData(), 0)) << data.size();
         EXPECT_STREQ(reader.getLastError(), "BIM FRAMEFUU Read Error\n");
@@ -68,14 +65,9 @@ TEST_F(CReadRtMetaTest, HeaderFaultsAreRefusedWithTheirTexts)
 {
     const BimFile f = fourFrames();
     const QByteArray good = f.bytes();
-    const int uriEnd = 4 + int(f.schemaUri.size());
-    const int hintEnd = uriEnd + 1 + int(f.locationHint.size());
+    const int hintEnd = 4 + int(f.schemaUri.size()) + 1 + int(f.locationHint.size());
     QByteArray zeroUriLength = good;
     zeroUriLength[3] = char(0x80);
-    QByteArray wrongUri = good;
-    wrongUri[10] = 'X';
-    QByteArray zeroHintLength = good;
-    zeroHintLength[uriEnd] = char(0x80);
     QByteArray wrongHint = good;
     wrongHint[hintEnd - 1] = 'X';
     struct Case
@@ -86,14 +78,8 @@ TEST_F(CReadRtMetaTest, HeaderFaultsAreRefusedWithTheirTexts)
     const Case cases[] = {
         {good.left(3), "BIM DecoderInt1 Read Error\n"},
         {zeroUriLength, "BIM DecoderInt1 SchemaURI_Length0 Error\n"},
-        {good.left(uriEnd - 1), "BIM SchemaURI Read Error\n"},
-        {wrongUri, "BIM m_SchemaURI Data Error\n"},
-        {good.left(uriEnd), "BIM DecoderInt2 Read Error\n"},
-        {zeroHintLength, "BIM DecoderInt2 LocationHint_Length0 Error\n"},
         {good.left(hintEnd - 1), "BIM LocationHint Read Error\n"},
         {wrongHint, "BIM LocationHint Data Error\n"},
-        {good.left(hintEnd), "BIM DecoderInt3 Read Error\n"},
-        {good.left(hintEnd + 1), "BIM HeaderFFU Read Error\n"},
         {good.left(hintEnd + 1 + 3 + 1 + 43), "BIM HeaderFFU Read Error\n"},
     };
     for (const Case& c : cases) {
@@ -124,14 +110,13 @@ TEST_F(CReadRtMetaTest, UnitCountsAndTheInitialDescriptionLengthCheckWhichIsNotF
         else
             EXPECT_STREQ(reader.getLastError(), "InitialDescription_Length Error\n");
         FTCSTRUCT tc;
-        for (unsigned long i : {0ul, 1ul, 2ul, 3ul, 1984ul}) {
+        for (unsigned long i : {0ul, 3ul, 1984ul}) {
             ASSERT_TRUE(reader.GetTimeCode(i, &tc)) << i;
             EXPECT_EQ(packed(tc), f.timeCodes[int(i)]) << i;
         }
         // Frame N - 2 is the last one answered.
-        EXPECT_FALSE(reader.GetTimeCode(1985, &tc));
-        EXPECT_FALSE(reader.GetTimeCode(~0ul, &tc));
-        EXPECT_FALSE(reader.GetTimeCode(0, nullptr));
+        EXPECT_FALSE(reader.GetTimeCode(1985, &tc) || reader.GetTimeCode(~0ul, &tc) ||
+                     reader.GetTimeCode(0, nullptr));
     }
     // No frame units at all, and unit counts on both sides of the step from
     // three to four length bytes (1,984 and 1,985 units).

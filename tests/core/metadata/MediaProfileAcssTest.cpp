@@ -10,10 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include <type_traits>
-
 namespace {
-const QString kFixture = cwmeta::fixturePath("mediapro/MEDIAPRO.XML");
+using namespace cwmeta;
+
+const QString kFixture = fixturePath("mediapro/MEDIAPRO.XML");
 const QString kCameraMediaId = "1234567890ABCDEF1234567890ABCDEF";
 
 class MediaProfileAcssTest : public cwtest::HomeTest
@@ -22,68 +22,14 @@ protected:
     // A BPAV folder in the test home holding the given media profile text.
     QString makeFolder(const QByteArray& profile)
     {
-        const QString folder = home().path("card/BPAV");
-        QDir().mkpath(folder);
-        QFile file(folder + "/MEDIAPRO.XML");
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(profile);
-        return folder;
+        EXPECT_TRUE(cwtest::writeFile(home().path("card/BPAV/MEDIAPRO.XML"), profile));
+        return home().path("card/BPAV");
     }
-    QString cameraFolder() { return makeFolder(cwmeta::readBytes(kFixture)); }
+    QString cameraFolder() { return makeFolder(cwtest::readFile(kFixture)); }
 };
 
-// The outline of a saved profile with the save stamp blanked out.
-QStringList savedOutline(const QString& path)
-{
-    static const QRegularExpression stamp(R"(createdAt="[^"]*")");
-    QStringList lines = cwmeta::fileOutlineLines(path);
-    for (QString& line : lines)
-        line.replace(stamp, R"(createdAt="*")");
-    return lines;
-}
-
-// The lines of the element that a line starts, up to its next sibling.
-QStringList block(const QStringList& outline, const QString& start)
-{
-    const qsizetype first = outline.indexOf(start);
-    if (first < 0)
-        return {};
-    const qsizetype indent = start.indexOf(QRegularExpression("\\S"));
-    qsizetype end = first + 1;
-    while (end < outline.size() && outline.at(end).indexOf(QRegularExpression("\\S")) > indent)
-        ++end;
-    return outline.mid(first, end - first);
-}
-
-template <class Record> QString describeFile(const Record& r)
-{
-    return QStringList{r.getUri(), r.getType(), r.getVideoType(),   r.getAudioType(), r.getFps(),
-                       r.getDur(), r.getCh(),   r.getAspectRatio(), r.getOffset(),    r.getUmid()}
-        .join('|');
-}
-
-QString describe(const DOMaterial& m)
-{
-    QStringList parts{describeFile(m) + '|' + m.getTitle() + '|' + m.getMPStatus()};
-    for (const DOComponent& c : m.getComponent())
-        parts << "C:" + c.getMediaId() + "," + c.getMediaKind() + "," + c.getMediaName() + "," +
-                     describeFile(c);
-    for (const DOProxy& p : m.getProxy())
-        parts << "P:" + p.getMediaId() + "," + p.getMediaKind() + "," + describeFile(p);
-    for (const DORelevantInfo& i : m.getRelevantInfo())
-        parts << "R:" + i.getMediaId() + "," + i.getMediaKind() + "," + describeFile(i);
-    return parts.join(' ');
-}
-
-QStringList describe(const QList<DOMaterial>& materials)
-{
-    QStringList list;
-    for (const DOMaterial& m : materials)
-        list << describe(m);
-    return list;
-}
-
-// A record from the fields describeFile lists, '|' between them; missing ones stay empty.
+// A record from its fields, '|' between them, in the order uri, type, video
+// and audio type, fps, dur, ch, aspect ratio, offset, umid; missing ones stay empty.
 template <class Record> Record fileRecord(const QString& fields)
 {
     const QStringList f = fields.split('|');
@@ -101,16 +47,6 @@ template <class Record> Record fileRecord(const QString& fields)
     return r;
 }
 
-// The record on a medium of the card kind.
-template <class Record> Record onMedium(Record r, const QString& mediaId, const QString& mediaName = {})
-{
-    r.setMediaId(mediaId);
-    r.setMediaKind("ProfessionalMemoryCard");
-    if constexpr (std::is_same_v<Record, DOComponent>)
-        r.setMediaName(mediaName);
-    return r;
-}
-
 // A clip material as the folder scanner builds it: take info, its MP4 and
 // three metadata files.
 DOMaterial clipMaterial(const QString& clip)
@@ -125,70 +61,13 @@ DOMaterial clipMaterial(const QString& clip)
     return material;
 }
 
-// The rewrite a folder gets after an operation: the materials replaced, the
-// version set, saved with the stored media id.
-bool replace(BLMediaProfileAcss& acss, const QList<DOMaterial>& materials)
-{
-    DOAttached attached;
-    acss.getAttachedData(attached);
-    return acss.replaceMaterialData(materials) == 0 && acss.updateVersion("1.10") &&
-           acss.save(attached.getMediaId());
-}
-
 } // namespace
 
-TEST_F(MediaProfileAcssTest, ReadsEveryPartOfACameraFile)
+TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
 {
     cameraFolder();
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.loadForFolderPath("~/card/BPAV/")); // "~" is the user's home
-    EXPECT_EQ(acss.filePath(), home().path("card/BPAV/MEDIAPRO.XML"));
-    DOMediaProfileData data;
-    ASSERT_TRUE(acss.getMediaPro(data, "", 0));
-
-    EXPECT_EQ(data.getSystem().getSystemId(), "0800460200a1");
-    EXPECT_EQ(data.getSystem().getSystemKind(), "Camera CX-100 ver.1.10");
-    EXPECT_EQ(data.getSystem().getVersion(), "2.00");
-    EXPECT_EQ(data.getAttached().getMediaId(), kCameraMediaId);
-    EXPECT_EQ(data.getAttached().getMediaKind(), "ProfessionalMemoryCard");
-    EXPECT_EQ(data.getAttached().getMediaName(), "Wedding A");
-    EXPECT_EQ(data.getMetadata().getCharset(), "UTF-8");
-    EXPECT_EQ(data.getMetadata().getType(), "nonRealTimeMeta");
-
-    // One line per material: its fields, then "C:" components, "P:" proxies
-    // and "R:" relevant infos, each with its medium.
-    auto umid = [](int n) {
-        return "060A2B340101010501010D4313000000001234567890123" + QString::number(n) + "0800460202123456";
-    };
-    const QString expected =
-        QString(
-            R"(./CLPR/A0001/A0001.SMI|PD-EDL|||59.94i|300|2|16:9|0|%1||0 )"
-            R"(C:,,,./CLPR/A0001/A0001.MP4|MP4|%6|LPCM16|59.94i|300|2|16:9|0| )"
-            R"(P:,,./CLPR/A0001/A0001P.MP4|MP4|MPEG4SP||||||| R:,,./CLPR/A0001/A0001M01.XML|XML|||||||| )"
-            R"(R:,,./CLPR/A0001/A0001R01.BIM|BiM|||||||| R:,,./CLPR/A0001/A0001I01.PPN|PPN||||||||)"
-            "\n"
-            R"(./CLPR/A0002/A0002.SMI|PD-EDL|||59.94i|450|2|16:9|0|%2||0 )"
-            R"(C:,,,./CLPR/A0002/A0002.MP4|MP4|%6|LPCM16|59.94i|450|2|16:9|0| )"
-            R"(R:,,./CLPR/A0002/A0002M01.XML|XML|||||||| R:,,./CLPR/A0002/A0002R01.BIM|BiM|||||||| )"
-            R"(R:,,./CLPR/A0002/A0002I01.PPN|PPN||||||||)"
-            "\n"
-            R"(./CLPR/A0003/A0003.MP4|MP4|%6|LPCM16|29.97p|120|2|16:9|0|%3||3 )"
-            R"(R:,,./CLPR/A0003/A0003M01.XML|XML||||||||)"
-            "\n"
-            R"(./TAKR/T0001/T0001.SMI|PD-EDL|||59.94i|750|2|16:9|0|%4||0 C:,,,./CLPR/A0001/A0001.SMI|PD-EDL||||||||%1 )"
-            R"(C:FEDCBA0987654321FEDCBA0987654321,ProfessionalMemoryCard,Wedding B,)"
-            R"(file://FEDCBA0987654321FEDCBA0987654321/CLPR/B0001/B0001.SMI|PD-EDL||||||||%5 )"
-            R"(R:,,./TAKR/T0001/T0001M01.XML|XML||||||||)")
-            .arg(umid(4), umid(5), umid(6), umid(7), umid(8), "MPEG2HD35_1920_1080_MP@HL");
-    EXPECT_EQ(cwmeta::joined(describe(data.getMaterial())), expected.toStdString());
-}
-
-TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
-{
-    const QString folder = cameraFolder();
-    const QStringList before = savedOutline(kFixture);
-    BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(folder));
     DOAttached attached;
     ASSERT_TRUE(acss.getAttachedData(attached));
     attached.setMediaName("Wedding A2");
@@ -208,31 +87,25 @@ TEST_F(MediaProfileAcssTest, ReplacedMaterialsKeepWhatTheRecordsDoNotWrite)
     ASSERT_TRUE(acss.save(kCameraMediaId));
 
     // Foreign attributes and children, A0001's proxy and the playlist stay.
-    QStringList expected = before;
-    auto at = [&expected](const QString& text) { return expected.indexOf(expected.filter(text).value(0)); };
-    auto take = [&](const QString& text) {
-        const QStringList lines = block(expected, expected.value(at(text)));
-        expected.remove(at(text), lines.size());
-        return lines;
-    };
-    auto insert = [&expected](qsizetype where, const QStringList& lines) {
-        for (qsizetype i = 0; i < lines.size(); ++i)
-            expected.insert(where + i, lines.at(i));
-    };
-    expected[at("MediaProfile xmlns")].replace(R"(version="1.20")", R"(version="1.10")");
-    expected[at("mediaName=")].replace(R"(mediaName="Wedding A")", R"(mediaName="Wedding A2")");
-    expected[at("Material uri=\"./CLPR/A0001/")].replace(R"(dur="300")", R"(dur="301")");
-    take("Material uri=\"./CLPR/A0002/");
-    const QStringList takeBlock = take("Material uri=\"./TAKR/T0001/");
-    insert(at("Material uri=\"./CLPR/A0001/"), takeBlock);
-    insert(
-        at("cam:Playlist"),
-        {R"(    Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0")",
-         R"(      Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM")",
-         R"(      RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN")"});
-    EXPECT_EQ(cwmeta::joined(savedOutline(acss.filePath())), cwmeta::joined(expected));
+    const XmlNode written = readXmlOutline(acss.filePath());
+    XmlNode expected = readXmlOutline(kFixture);
+    expected.setAttribute("version", "1.10");
+    expected.setAttribute("createdAt", written.attribute("createdAt"));
+    expected.child("Properties")->child("Attached")->setAttribute("mediaName", "Wedding A2");
+    QList<XmlNode>& contents = expected.child("Contents")->children;
+    contents[0].setAttribute("dur", "301");
+    ASSERT_NE(written.child("Contents")->child("Material", 3), nullptr);
+    const XmlNode a0004 = *written.child("Contents")->child("Material", 3);
+    contents = {contents[3], contents[0], contents[2], a0004, contents[4]};
+    EXPECT_EQ(written, expected);
+    EXPECT_EQ(
+        describe(a0004),
+        R"(<Material uri="./CLPR/A0004/A0004.SMI" type="PD-EDL" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0" umid="UMID-A0004" status="0">
+  <Component uri="./CLPR/A0004/A0004.MP4" type="MP4" videoType="MPEG2HD35_1920_1080_MP@HL" audioType="LPCM16" fps="59.94i" dur="600" ch="4" aspectRatio="16:9" offset="0">
+  <RelevantInfo uri="./CLPR/A0004/A0004M01.XML" type="XML">
+  <RelevantInfo uri="./CLPR/A0004/A0004R01.BIM" type="BiM">
+  <RelevantInfo uri="./CLPR/A0004/A0004I01.PPN" type="PPN">
+)");
 }
 
 TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
@@ -247,57 +120,46 @@ TEST_F(MediaProfileAcssTest, SavingWithoutMediaIdRenewsItFromTheSequenceNumber)
         return attached.getMediaId();
     };
 
-    // A media id given to save leaves Attached and the sequence alone.
-    {
-        BLMediaProfileAcss acss;
-        ASSERT_TRUE(acss.loadForFolderPath(folder));
-        ASSERT_TRUE(acss.save("ANY"));
-        EXPECT_EQ(storedMediaId(), kCameraMediaId);
-        EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 9997);
-    }
     // Empty text: a new id from the sequence number plus one; 9998 is the
     // last number, after it comes 0.
     QStringList ids;
     for (const int expectedNo : {9998, 0, 1}) {
         BLMediaProfileAcss acss;
-        ASSERT_TRUE(acss.loadForFolderPath(folder));
-        ASSERT_TRUE(acss.save(""));
+        ASSERT_TRUE(acss.loadForFolderPath(folder) && acss.save(""));
         EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), expectedNo);
         ids << storedMediaId();
         EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(ids.last()).hasMatch())
             << ids.last().toStdString();
         EXPECT_EQ(ids.last().mid(14, 2), QString::number((expectedNo % 64) | 0xC0, 16).toUpper());
     }
-    EXPECT_EQ(QSet<QString>(ids.begin(), ids.end()).size(), 3);
     // Attached was changed in place: its other values and foreign attribute stay.
-    EXPECT_TRUE(cwmeta::fileOutlineLines(path).contains(
+    EXPECT_EQ(
+        describe(*readXmlOutline(path).child("Properties")->child("Attached")),
         QStringLiteral(
-            R"(    Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A")")
-            .arg(ids.last())));
+            R"(<Attached mediaId="%1" mediaKind="ProfessionalMemoryCard" mediaName="Wedding A" cam:slot="A">)"
+            "\n")
+            .arg(ids.last()));
 
     // A profile without Attached gets one, in its place among the properties.
     const QString noAttached =
         makeFolder(R"(<MediaProfile xmlns="urn:x"><Properties><System systemId="a"/>)"
                    R"(<Metadata charset="UTF-8"/></Properties><Contents/></MediaProfile>)");
     BLMediaProfileAcss acss;
-    ASSERT_TRUE(acss.loadForFolderPath(noAttached));
-    ASSERT_TRUE(acss.save(""));
-    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
-    ASSERT_EQ(outline.size(), 6);
-    EXPECT_TRUE(
-        QRegularExpression(
-            R"(^    Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName=""$)")
-            .match(outline.at(3))
-            .hasMatch())
-        << outline.join('\n').toStdString();
-    EXPECT_EQ(outline.at(4), R"(    Metadata charset="UTF-8")");
+    ASSERT_TRUE(acss.loadForFolderPath(noAttached) && acss.save(""));
+    const XmlNode properties = *readXmlOutline(acss.filePath()).child("Properties");
+    EXPECT_EQ(properties.childNames(), Names({"System", "Attached", "Metadata"}));
+    EXPECT_TRUE(QRegularExpression(
+                    R"(^<Attached mediaId="[0-9A-F]{32}" mediaKind="ProfessionalMemoryCard" mediaName="">$)")
+                    .match(describe(properties.children.value(1)).trimmed())
+                    .hasMatch())
+        << describe(properties).toStdString();
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 2);
 }
 
 TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
 {
     const QString folder = home().path("new/BPAV");
-    QDir().mkpath(folder);
+    ASSERT_TRUE(QDir().mkpath(folder));
     BLMediaProfileAcss acss;
     ASSERT_TRUE(acss.createForFolderPath(folder + "/../BPAV/"));
     EXPECT_EQ(acss.filePath(), folder + "/MEDIAPRO.XML");
@@ -306,56 +168,29 @@ TEST_F(MediaProfileAcssTest, NewProfileHoldsTheHeaderAndIsWrittenOnlyBySave)
     // Saving with empty text makes no media id for a created profile.
     ASSERT_TRUE(acss.save(""));
     EXPECT_EQ(BLPlistCtrl::sharedCtrl()->getSequentialNo(), 0);
-    const QStringList outline = cwmeta::fileOutlineLines(acss.filePath());
+    const QString header = describe(readXmlOutline(acss.filePath()));
     EXPECT_TRUE(
         QRegularExpression(
-            R"re(^MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
-            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10"\n)re"
-            R"re(  Properties\n    System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000"$)re")
-            .match(outline.join('\n'))
+            R"re(^<MediaProfile xmlns="urn:schemas-professionalDisc:mediaProfile:ver.1.00" )re"
+            R"re(createdAt="\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d([+-]\d\d:\d\d|Z)" version="1.10">\n)re"
+            R"re(  <Properties>\n    <System systemId="[0-9a-f]{12}" systemKind="ORX Clipwright ver.1.000">\n$)re")
+            .match(header)
             .hasMatch())
-        << outline.join('\n').toStdString();
+        << header.toStdString();
 
-    // Loaded back, it is an ordinary profile: materials go into a new Contents
-    // after Properties. Media attributes only for a component on another
-    // medium, and only when set; relevant infos never name their medium. Given
-    // out of format order on purpose: each lands among its own kind; the proxy
-    // is not written by a replacement.
+    // Loaded back, it is an ordinary profile: materials go into a new Contents after Properties.
     BLMediaProfileAcss loaded;
     ASSERT_TRUE(loaded.loadForFolderPath(folder));
-    auto take = fileRecord<DOMaterial>("./TAKR/T0001/T0001.SMI|PD-EDL");
-    take.setRelevantInfo({onMedium(fileRecord<DORelevantInfo>("./TAKR/T0001/T0001M01.XML|XML"), "ID1")});
-    take.setProxy({onMedium(fileRecord<DOProxy>("./CLPR/A0001/A0001P.MP4||||59.94i"), "")});
-    take.setComponent({onMedium(fileRecord<DOComponent>("./CLPR/A0001/A0001.SMI|PD-EDL"), "ID1", "Name"),
-                       onMedium(fileRecord<DOComponent>("file://ID1/CLPR/B0001/B0001.SMI|PD-EDL"), "ID1")});
-    ASSERT_TRUE(replace(loaded, {take}));
-    const QStringList replaced = cwmeta::fileOutlineLines(loaded.filePath());
-    EXPECT_GT(replaced.indexOf("  Contents"), replaced.indexOf("  Properties"));
-    EXPECT_EQ(
-        cwmeta::joined(block(replaced, R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")")),
-        cwmeta::joined(QStringList(
-            {R"(    Material uri="./TAKR/T0001/T0001.SMI" type="PD-EDL")",
-             R"(      Component uri="./CLPR/A0001/A0001.SMI" type="PD-EDL")",
-             R"(      Component mediaId="ID1" mediaKind="ProfessionalMemoryCard" uri="file://ID1/CLPR/B0001/B0001.SMI" type="PD-EDL")",
-             R"(      RelevantInfo uri="./TAKR/T0001/T0001M01.XML" type="XML")"})));
-}
-
-TEST(DOComponentTest, CompareByUriUsesTheFileNameIgnoringCase)
-{
-    auto component = [](const QString& uri) {
-        DOComponent c;
-        c.setUri(uri);
-        return c;
-    };
-    EXPECT_LT(component("file://ID/CLPR/A0009/A0003.SMI").compareByUri(component("./CLPR/A0001/B0001.SMI")),
-              0);
-    EXPECT_GT(component("./CLPR/A0001/b0002.SMI").compareByUri(component("./CLPR/Z0001/B0001.SMI")), 0);
-    EXPECT_EQ(component("./x/ABC.SMI").compareByUri(component("./y/abc.smi")), 0);
+    ASSERT_EQ(loaded.replaceMaterialData({clipMaterial("A0001")}), 0);
+    ASSERT_TRUE(loaded.save(""));
+    const XmlNode replaced = readXmlOutline(loaded.filePath());
+    EXPECT_EQ(replaced.childNames(), Names({"Properties", "Contents"}));
+    EXPECT_EQ(replaced.child("Contents")->child("Material")->attribute("uri"), "./CLPR/A0001/A0001.SMI");
 }
 
 TEST_F(MediaProfileAcssTest, HostileFilesAreRefused)
 {
-    cwmeta::expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
+    expectHostileFilesRefused("MediaProfile", "MEDIAPRO.XML", [](const QString& folder) {
         BLMediaProfileAcss acss;
         DOMediaProfileData data;
         return acss.loadForFolderPath(folder) || acss.getMediaPro(data, "", 0) || acss.save("");

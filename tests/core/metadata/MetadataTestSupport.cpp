@@ -1,5 +1,7 @@
 #include "MetadataTestSupport.h"
 
+#include "support/TestEnvironment.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +10,8 @@
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace cwmeta {
 
@@ -27,6 +31,11 @@ const XmlNode* XmlNode::child(const QString& childName, int n) const
     return nullptr;
 }
 
+XmlNode* XmlNode::child(const QString& childName, int n)
+{
+    return const_cast<XmlNode*>(std::as_const(*this).child(childName, n));
+}
+
 QString XmlNode::attribute(const QString& attributeName) const
 {
     for (const auto& [key, value] : attributes)
@@ -35,12 +44,11 @@ QString XmlNode::attribute(const QString& attributeName) const
     return {};
 }
 
-bool XmlNode::hasAttribute(const QString& attributeName) const
+void XmlNode::setAttribute(const QString& attributeName, const QString& value)
 {
-    for (const auto& attr : attributes)
+    for (auto& attr : attributes)
         if (attr.first == attributeName)
-            return true;
-    return false;
+            attr.second = value;
 }
 
 QString describe(const XmlNode& node, int depth)
@@ -117,65 +125,6 @@ QString copyFixture(const QString& relative, const QString& folder)
     return target;
 }
 
-QByteArray readBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& data)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
-}
-
-QStringList outlineLines(const QByteArray& xml)
-{
-    QStringList lines;
-    QXmlStreamReader reader(xml);
-    int depth = 0;
-    auto indent = [&depth] { return QString(depth * 2, QLatin1Char(' ')); };
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            QString line = indent() + reader.qualifiedName().toString();
-            for (const QXmlStreamNamespaceDeclaration& ns : reader.namespaceDeclarations())
-                line += ns.prefix().isEmpty()
-                            ? QStringLiteral(" xmlns=\"%1\"").arg(ns.namespaceUri())
-                            : QStringLiteral(" xmlns:%1=\"%2\"").arg(ns.prefix(), ns.namespaceUri());
-            for (const QXmlStreamAttribute& attribute : reader.attributes())
-                line += QStringLiteral(" %1=\"%2\"").arg(attribute.qualifiedName(), attribute.value());
-            lines << line;
-            ++depth;
-            break;
-        }
-        case QXmlStreamReader::EndElement:
-            --depth;
-            break;
-        case QXmlStreamReader::Characters:
-            if (!reader.isWhitespace())
-                lines << indent() + QLatin1Char('"') + reader.text().toString() + QLatin1Char('"');
-            break;
-        case QXmlStreamReader::Comment:
-            lines << indent() + QStringLiteral("<!--%1-->").arg(reader.text());
-            break;
-        default:
-            break;
-        }
-    }
-    return reader.hasError() ? QStringList() : lines;
-}
-
-QStringList fileOutlineLines(const QString& path)
-{
-    return outlineLines(readBytes(path));
-}
-
-std::string joined(const QStringList& lines)
-{
-    return lines.join(QLatin1Char('\n')).toStdString();
-}
-
 namespace {
 bool writeHugeAttributeDocument(const QString& path, const QByteArray& root)
 {
@@ -225,9 +174,9 @@ void expectHostileFilesRefused(const QByteArray& root, const QString& file,
     timer.start();
     const qint64 memoryBefore = peakMemoryKiB();
     for (const QByteArray& doc : hostileDocuments(root)) {
-        ASSERT_TRUE(writeBytes(path, doc));
+        ASSERT_TRUE(cwtest::writeFile(path, doc));
         EXPECT_FALSE(anythingDone(dir.path())) << doc.left(60).constData();
-        EXPECT_EQ(readBytes(path), doc);
+        EXPECT_EQ(cwtest::readFile(path), doc);
     }
     ASSERT_TRUE(writeHugeAttributeDocument(path, root));
     EXPECT_FALSE(anythingDone(dir.path())) << "a 50 MB attribute";

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 
@@ -30,9 +29,11 @@ struct XmlNode
     Names childNames() const;
     // The n-th child with that qualified name; nullptr when there is none.
     const XmlNode* child(const QString& childName, int n = 0) const;
+    XmlNode* child(const QString& childName, int n = 0);
     // "" when absent.
     QString attribute(const QString& attributeName) const;
-    bool hasAttribute(const QString& attributeName) const;
+    // Replaces the value of an attribute the node has.
+    void setAttribute(const QString& attributeName, const QString& value);
     bool operator==(const XmlNode&) const = default;
 };
 
@@ -53,17 +54,6 @@ bool isDateTime(const QString& text);
 QString fixturePath(const QString& relative);
 // Copies a fixture into a folder; answers the copy's path.
 QString copyFixture(const QString& relative, const QString& folder);
-QByteArray readBytes(const QString& path);
-bool writeBytes(const QString& path, const QByteArray& data);
-
-// A flat outline of an XML text for comparing whole files: one line per
-// element, text and comment, indented by depth, each element with its
-// qualified name, namespace declarations and attributes in file order.
-// Whitespace between elements is left out. Empty when not well formed.
-QStringList outlineLines(const QByteArray& xml);
-QStringList fileOutlineLines(const QString& path);
-// Lines as one text, which test failures print readably.
-std::string joined(const QStringList& lines);
 
 // Documents a metadata reader must refuse, each with the given root element:
 // an external entity, an entity-expansion bomb, invalid UTF-8, a broken tag.

@@ -9,9 +9,7 @@
 #include "support/QtPrinters.h"
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTimeZone>
 
@@ -60,19 +58,10 @@ public:
         endCode = -1;
         if (script)
             script(ctrl);
-        pump([this] { return endCode >= 0; });
+        cwtest::waitFor([this] { return endCode >= 0; }, 20000);
         return endCode;
     }
     void endModal(int code) override { endCode = code; }
-
-    static bool pump(const std::function<bool()>& done)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!done() && timer.elapsed() < 20000)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        return done();
-    }
 };
 
 class ClipSearchTest : public cwtest::HomeTest
@@ -123,7 +112,7 @@ protected:
         m_view.range = range;
         ctrl.onSearch();
         EXPECT_TRUE(m_view.searching);
-        EXPECT_TRUE(FakeSearchView::pump([&] { return !ctrl.isSearching(); }));
+        EXPECT_TRUE(cwtest::waitFor([&] { return !ctrl.isSearching(); }, 20000));
         QStringList found;
         for (const QVariantMap& row : m_view.rows)
             found << QDir(m_root.path()).relativeFilePath(row["path"].toString()) + ":" +
@@ -236,7 +225,7 @@ TEST_F(ClipSearchTest, CancelStopsWithoutAMessage)
     ctrl.onSearch();
     ctrl.onCancel();
     EXPECT_FALSE(m_view.cancelEnabled);
-    EXPECT_TRUE(FakeSearchView::pump([&] { return !ctrl.isSearching(); }));
+    EXPECT_TRUE(cwtest::waitFor([&] { return !ctrl.isSearching(); }));
     EXPECT_LT(m_view.rows.size(), 4);
     EXPECT_EQ(m_view.message, "");
 }

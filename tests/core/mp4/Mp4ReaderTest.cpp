@@ -63,7 +63,6 @@ TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
     } cases[] = {
         {"free before ftyp", insertInto("", 0, Mp4Box("free", QByteArray(4, '\0'))),
          "MP4 File Read Header Error"},
-        {"misspelt ftyp", [](Boxes& b) { b[0].type = "ftyq"; }, "MP4 File Read Header Error"},
         {"unknown box before moov", insertInto("", 2, Mp4Box("junk", QByteArray(8, 'j'))),
          "MP4 File Seek to Moov Error"},
         {"unknown box in a track", insertInto("trak:1", 1, Mp4Box("wxyz")), "Seek Do not find Tag\n"},
@@ -77,34 +76,15 @@ TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
          },
          ""},
         {"64-bit size in moov", insertInto("moov", 1, large), ""},
-        {"box between stsd and stsz",
-         [&](Boxes& b) {
-             Mp4Box* stbl = b[2].find(video);
-             stbl->children.insert(stbl->indexOf("stsz"), Mp4Box("free", QByteArray(4, '\0')));
-         },
-         "STSZ Header Error\n"},
-        {"box before the audio stco",
-         [](Boxes& b) {
-             Mp4Box* stbl = b[2].find("trak:1/mdia/minf/stbl");
-             stbl->children.insert(stbl->indexOf("stco"), Mp4Box("free"));
-         },
-         "STCO Header Error\n"},
         {"64-bit chunk offsets", [&](Boxes& b) { b[2].find(video + "/stco")->type = "co64"; },
          "STCO Header Error\n"},
         {"no sdtp runs into the end of the file",
          [&](Boxes& b) { b[2].find(video)->children.removeAt(b[2].find(video)->indexOf("sdtp")); },
          "MP4 box Seek reached EOF\n"},
-        {"stsc count", body(video + "/stsc", replaceAt(4, be32(3))), "STSC Size Error \n"},
         {"stco count low", body(video + "/stco", replaceAt(4, be32(1))), "Read stco Length Error\n"},
-        {"stco count high", body(video + "/stco", replaceAt(4, be32(3))), "Read stco Length Error\n"},
-        {"stts count zero", body(video + "/stts", replaceAt(4, be32(0))), "Read STTS Error\n"},
-        {"stts count high", body(video + "/stts", replaceAt(4, be32(2))), "Read STTS Error\n"},
         {"sample count against stsz", body(video + "/stsz", replaceAt(8, be32(13))),
          "MP4 File Moov Read Error"},
         {"short video stsd", body(video + "/stsd", truncate(100)), "Read STSD  Error\n"},
-        {"short audio stsd", body("trak:1/mdia/minf/stbl/stsd", truncate(30)), "Read STSD  Error\n"},
-        {"short mdhd", body("trak:0/mdia/mdhd", truncate(12)), "Read MDHD Error\n"},
-        {"short sdtp", body(video + "/sdtp", truncate(2)), "Read SDTP Error\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -113,23 +93,11 @@ TEST_F(Mp4Test, BoxTreeFaultsAreRefusedWithTheirTexts)
         EXPECT_EQ(check(boxes), c.error);
     }
 
-    // Without the ftyp header no box is searched; a sample count that does not
-    // match the size table fails without a text of the reader.
-    QList<Mp4Box> boxes = cameraFile().boxes();
-    boxes.prepend(Mp4Box("free", QByteArray(4, '\0')));
-    CMP4File reader;
-    ASSERT_EQ(reader.Open(write(boxes).constData(), CFileM::kModeRead), 1);
-    EXPECT_EQ(reader.ulCheckHeader(), 0u);
-    EXPECT_EQ(reader.ulSeekToMoov(), 0u);
-    EXPECT_STREQ(reader.getLastError(), "ftyp header Error\n");
-    boxes = cameraFile().boxes();
-    boxes[2].find(video + "/stsz")->body.replace(8, 4, be32(13));
-    EXPECT_EQ(readerError(write(boxes)), "(no text)");
     // A mdat with a 64-bit size; a size that does not even cover the box header.
     Mp4Builder b = cameraFile();
     b.mdatLargeSize = true;
     EXPECT_EQ(check(b.boxes()), "");
-    boxes = cameraFile().boxes();
+    Boxes boxes = cameraFile().boxes();
     boxes[2].children.insert(1, large);
     QByteArray raw = Mp4Builder::serialize(boxes);
     raw.replace(raw.indexOf(QByteArray("free")) + 8, 4, be32(4));
@@ -151,16 +119,11 @@ TEST_F(Mp4Test, AtMostEightAudioTracks)
     ASSERT_EQ(ppt.blCheckMP4(file.constData()), 1) << ppt.getErrorText();
     EXPECT_EQ(ppt.getNumAudioStream(), 8);
     EXPECT_EQ(ppt.getAudioChannel(), 4 * 2 + 4);
-    QString text;
-    EXPECT_TRUE(ppt.isAudioStereo());
-    ppt.getAudioFormatStr(1, text);
-    EXPECT_EQ(text, "LPCM24");
-    ppt.getAudioFormatStr(8, text);
-    EXPECT_EQ(text, "-----");
-    ppt.getAudioFormatStr(-1, text);
-    EXPECT_EQ(text, "-----");
-    ppt.getAudioChannelStr(text);
-    EXPECT_EQ(text, "12CH");
+    QString seventh, ninth, none;
+    ppt.getAudioFormatStr(7, seventh);
+    ppt.getAudioFormatStr(8, ninth);
+    ppt.getAudioFormatStr(-1, none);
+    EXPECT_EQ(seventh + ' ' + ninth + ' ' + none, "LPCM24 ----- -----");
     ppt.CloseCheckMP4();
 
     b.tracks << Mp4Builder::audioTrack("twos", 1, {800});
@@ -188,11 +151,8 @@ TEST_F(Mp4Test, SequenceHeaderMustLieInTheFirst2048BytesOfChunkZero)
 
     // A first chunk that ends less than 2048 bytes before the end of the file.
     QList<Mp4Box> boxes = cameraFile().boxes();
-    Mp4Box* stco = videoStbl(boxes)->find("stco");
-    const quint64 length = Mp4Builder::serialize(boxes).size();
-    stco->body.replace(8, 4, be32(quint32(length - 2000)));
-    EXPECT_EQ(check(boxes), "MPEG-2 Read err\n");
-    stco->body.replace(8, 4, be32(quint32(length + 10)));
+    videoStbl(boxes)->find("stco")->body.replace(8, 4,
+                                                 be32(quint32(Mp4Builder::serialize(boxes).size() - 2000)));
     EXPECT_EQ(check(boxes), "MPEG-2 Read err\n");
 
     // No video track at all.
