@@ -7,36 +7,14 @@
 
 namespace {
 
-// Answers OK with each name in turn until the controller ends the dialog.
-class AnsweringView : public IMediaNameChangeView
+class AnsweringView : public optest::AnsweringDialog<IMediaNameChangeView, BLMediaNameChangeCtrl>
 {
 public:
-    explicit AnsweringView(QStringList answers) : m_answers(std::move(answers)) {}
-    int runModal(BLMediaNameChangeCtrl* ctrl) override
-    {
-        for (const QString& answer : std::as_const(m_answers)) {
-            m_answer = answer;
-            ctrl->onOK();
-            if (m_ended)
-                break;
-        }
-        return m_code;
-    }
-    void endModal(int code) override
-    {
-        m_ended = true;
-        m_code = code;
-    }
+    using AnsweringDialog::AnsweringDialog;
     void setTitle(const QString&) override {}
     void setMediaName(const QString& name) override { shown = name; }
-    QString mediaName() const override { return m_answer; }
+    QString mediaName() const override { return answer(); }
     QString shown;
-
-private:
-    QStringList m_answers;
-    QString m_answer;
-    bool m_ended = false;
-    int m_code = 0;
 };
 
 } // namespace

@@ -41,14 +41,14 @@ void openTree(const QString& root);
 // a file's contents, a folder's mark, a link's target.
 QMap<QString, QByteArray> snapshot(const QString& root);
 
-// The copy or move dialog as a user answers it: OK with each destination
-// folder name in turn until the controller ends it (a refusal that keeps it
-// open gets the next name), then Cancel.
-class AnsweringTransferView : public IClipTransferView
+// A dialog as a user answers it: OK with each answer in turn until the
+// controller ends it (a refusal that keeps it open gets the next answer),
+// then Cancel. answer() is the one being tried.
+template <class View, class Ctrl> class AnsweringDialog : public View
 {
 public:
-    explicit AnsweringTransferView(QStringList answers) : m_answers(std::move(answers)) {}
-    int runModal(IClipTransferCtrl* ctrl) override
+    explicit AnsweringDialog(QStringList answers) : m_answers(std::move(answers)) {}
+    int runModal(Ctrl* ctrl) override
     {
         for (const QString& answer : std::as_const(m_answers)) {
             m_answer = answer;
@@ -64,17 +64,27 @@ public:
         m_ended = true;
         m_code = code;
     }
-    void setTitle(const QString&) override {}
-    void setMessage(const QString&) override {}
-    void setSource(const QString&) override {}
-    void setDestination(const QString&) override {}
-    QString destination() const override { return m_answer; }
+
+protected:
+    const QString& answer() const { return m_answer; }
 
 private:
     QStringList m_answers;
     QString m_answer;
     bool m_ended = false;
     int m_code = 0;
+};
+
+// The copy or move dialog answered with destination folder names.
+class AnsweringTransferView : public AnsweringDialog<IClipTransferView, IClipTransferCtrl>
+{
+public:
+    using AnsweringDialog::AnsweringDialog;
+    void setTitle(const QString&) override {}
+    void setMessage(const QString&) override {}
+    void setSource(const QString&) override {}
+    void setDestination(const QString&) override {}
+    QString destination() const override { return answer(); }
 };
 
 // A worker whose pauses (after each folder moved) call `step` with the
