@@ -238,9 +238,9 @@ BLMoveJournal::Recovery BLMoveJournal::recover(const QString& workFolder)
             // What a move stopped before its journal was written left behind:
             // its staging folder and the journal's temporary file. One listing
             // finds them; the lock is taken only when there is something to clear.
-            const QStringList leftovers = QDir(bpav).entryList(
-                {BLTakeMover::kStagingName, QLatin1Char('.') + kFileName + QStringLiteral(".??????")},
-                QDir::AllEntries | QDir::Hidden | QDir::System);
+            const QStringList leftovers =
+                QDir(bpav).entryList({BLTakeMover::kStagingName, BLAtomicFile::leftoverPattern(journalPath)},
+                                     QDir::AllEntries | QDir::Hidden | QDir::System);
             if (!leftovers.isEmpty() && FolderLock(bpav).held()) {
                 if (leftovers.contains(BLTakeMover::kStagingName))
                     BLTakeMover(bpav, bpav).clearStaging();

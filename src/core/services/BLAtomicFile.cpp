@@ -99,12 +99,15 @@ bool BLAtomicFile::writeWith(const QString& path, const Writer& writer)
     return true;
 }
 
+QString BLAtomicFile::leftoverPattern(const QString& path)
+{
+    // The mkstemp template of writeWith, its six X replaced.
+    return QLatin1Char('.') + QFileInfo(path).fileName() + QStringLiteral(".??????");
+}
+
 void BLAtomicFile::removeLeftovers(const QString& path)
 {
-    const QFileInfo target(path);
-    const QString prefix = QLatin1Char('.') + target.fileName() + QLatin1Char('.');
-    const QDir folder = target.dir();
-    for (const QString& name :
-         folder.entryList({prefix + QStringLiteral("??????")}, QDir::Files | QDir::Hidden))
+    const QDir folder = QFileInfo(path).dir();
+    for (const QString& name : folder.entryList({leftoverPattern(path)}, QDir::Files | QDir::Hidden))
         QFile::remove(folder.filePath(name));
 }

@@ -21,6 +21,8 @@ public:
     // Removes temporary files a process stopped midway left beside the
     // target (only when no writer can be at work on it any more).
     static void removeLeftovers(const QString& path);
+    // The name pattern of those temporary files, for a folder listing.
+    static QString leftoverPattern(const QString& path);
 
     // Fault injection for tests: replaces the final rename (answer false to fail it).
     using RenameHook = std::function<bool(const QString& from, const QString& to)>;
